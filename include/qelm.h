@@ -1,0 +1,279 @@
+/**
+ * @file qelm.h
+ * Smooth scalar fields on triangle meshes, with plain C linkage.
+ *
+ * Hand over a triangle mesh whose vertices carry tags; vertices tagged 1, 2 or
+ * 3 are the ones whose value you will prescribe. qelmctorTagged() assembles
+ * the piecewise-linear (P1) finite-element Laplacian of the surface and
+ * factorises it once. After that, qelmsolveTagged() turns prescribed values
+ * into a smooth field on the whole mesh, as often as you like, each time at
+ * the price of one back-substitution.
+ *
+ * A complete program, one square with two opposite corners held at 0 and 1:
+ *
+ * @code{.c}
+ *   #include <qelm.h>
+ *   #include <stdio.h>
+ *
+ *   int main(void) {
+ *     const double xyz[] = {0,0,0,  1,0,0,  1,1,0,  0,1,0};
+ *     const int triangles[] = {0,1,2,  0,2,3};
+ *     const int tags[] = {1, 0, 1, 0};
+ *     const double values[] = {0, 0, 1, 0};
+ *     double field[4];
+ *     int status = 0;
+ *     MeshSystem* system = NULL;
+ *     qelmctorTagged(4, xyz, 2, triangles, tags, NULL, &status, &system);
+ *     if (status != QELM_STATUS_OK || qelminfo(system) != 0) return 1;
+ *     qelmsolveTagged(system, values, field, &status);
+ *     printf("%g %g %g %g\n", field[0], field[1], field[2], field[3]);
+ *     qelmfree(system);
+ *     return 0;
+ *   }
+ * @endcode
+ *
+ * Terms used throughout:
+ *  - n vertices, m triangles, t tagged (prescribed) vertices.
+ *  - Coordinates: double[3n], packed x y z, lengths in the caller's unit.
+ *  - Triangles: int[3m], three 0-based vertex indices each, packed.
+ *  - Field: double[n], one value per vertex, in the caller's unit.
+ *  - Input order: the vertex numbering of the caller's arrays.
+ *  - System order: the numbering inside a MeshSystem. Tagged vertices come
+ *    first, at 0 .. t-1, in increasing input order; free vertices fill
+ *    t .. n-1 from the back: the first free input vertex is n-1, the next n-2.
+ *
+ * int is a signed 32-bit integer and double an IEEE 754 binary64 number. Arrays
+ * belong to the caller unless a function says otherwise; no pointer is kept
+ * beyond a call. Lengths, index ranges and pointers are checked only where a
+ * function says so.
+ *
+ * No exception is turned into a status code: when memory runs out, the C++
+ * exception std::bad_alloc leaves the call. Nothing is leaked then, and no
+ * half-built handle becomes visible.
+ *
+ * Plain C99 and C++. Copyright the qelm developers, MIT licence.
+ */
+#ifndef QELM_H
+#define QELM_H
+
+/** The version of this header; the build reads it from here. */
+#define QELM_VERSION_MAJOR 0
+#define QELM_VERSION_MINOR 1
+#define QELM_VERSION_PATCH 0
+
+/* QELM_STATIC is for builds that link the library's objects directly. */
+#if defined(_WIN32) && !defined(QELM_STATIC)
+#ifdef QELM_BUILDING_LIBRARY
+#define QELM_API __declspec(dllexport)
+#else
+#define QELM_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define QELM_API __attribute__((visibility("default")))
+#else
+#define QELM_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Status codes ------------------------------------------------------ */
+
+/** Values written through the status out-parameters. */
+enum {
+  /** Success. A failed factorisation is a success too: ask qelminfo(). */
+  QELM_STATUS_OK = 0,
+  /** Vertex count less than 1 (constructor), or null handle (solves). */
+  QELM_STATUS_BAD_COUNT_OR_HANDLE = 1,
+  /** The handle holds no vertex order (solves). */
+  QELM_STATUS_NO_VERTEX_ORDER = 2,
+  /** A triangle names the same vertex twice. */
+  QELM_STATUS_REPEATED_VERTEX = 23,
+  /** Triangle count less than 1, or a vertex is used by no triangle. */
+  QELM_STATUS_UNUSED_VERTEX = 24,
+  /** The coordinate, triangle or tag array is null. */
+  QELM_STATUS_NULL_ARRAY = 25
+};
+
+/** What qelminfo() answers for a null handle; 0 to 3 come from the solver. */
+enum { QELM_INFO_NO_HANDLE = 7 };
+
+/* ---- Records ----------------------------------------------------------- */
+
+/**
+ * A mesh in system order with its factorised system; opaque. Made by
+ * qelmctorTagged() and dupl(), released by qelmfree(). A null pointer means
+ * "no mesh".
+ */
+typedef struct MeshSystem MeshSystem;
+
+/* ---- Construction and release ------------------------------------------ */
+
+/**
+ * Builds a mesh system: renumbers the vertices, assembles the stiffness matrix
+ *
+ *   K_ab = sum over triangles of area * (grad phi_a . grad phi_b)
+ *
+ * of the P1 hat functions phi (Ciarlet, The Finite Element Method for Elliptic
+ * Problems, 1978, ch. 2), and factorises its free-free block as L D L^T.
+ *
+ * @param[in]  vertexCount     n, at least 1.
+ * @param[in]  vertices        double[3n], packed xyz, input order.
+ * @param[in]  triangleCount   m, at least 1.
+ * @param[in]  triangles       int[3m], every index in 0 .. n-1 (not checked).
+ * @param[in]  tags            int[n]; 1, 2 and 3 mean "prescribed", any other
+ *                             value means "free".
+ * @param[out] taggedCountOut  May be null; receives t, the number of tagged
+ *                             vertices. 0 for status 1 and 25 and for a
+ *                             triangle count below 1.
+ * @param[out] status          Not null; receives one of the codes below.
+ * @param[out] handleOut       Not null; receives the new handle, or null.
+ * @return Always 1, on success and on failure alike. Look at status.
+ *
+ * Status:    0 success; 1 vertexCount < 1; 24 triangleCount < 1; 25 a null
+ *            array; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle. Checked in this order, the first one wins. A failed
+ *            factorisation is status 0: ask qelminfo().
+ * Ownership: the caller owns the handle and gives it to qelmfree() once; the
+ *            arrays are copied.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    exhaustion leaves as std::bad_alloc, with handleOut at null.
+ * Note:      a triangle with three different vertices but no area is accepted;
+ *            it makes the matrix non-finite, which qelminfo() may not notice.
+ *            Look for such triangles first and for finite values afterwards.
+ * Since:     0.1.0
+ */
+QELM_API int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
+                            const int* triangles, const int* tags, int* taggedCountOut, int* status,
+                            MeshSystem** handleOut);
+
+/**
+ * Makes a second handle for the same system. Mesh, matrices and factorisation
+ * are shared, not copied; the vertex orders and tags are copied.
+ *
+ * @param[in]  h        Handle, or null: then nothing happens.
+ * @param[out] copyOut  Receives the new handle; left alone when h is null.
+ *
+ * Errors:    none.
+ * Ownership: the copy is independent; free both, in any order, from any thread.
+ * Threads:   reads the handle only; must not overlap qelmfree() of h.
+ * Memory:    exhaustion leaves as std::bad_alloc, with copyOut unwritten.
+ * Since:     0.1.0
+ */
+QELM_API void dupl(const MeshSystem* h, MeshSystem** copyOut);
+
+/**
+ * Releases a handle. What it shares with copies goes with the last of them.
+ *
+ * @param[in] h  Handle, or null: then nothing happens.
+ *
+ * Errors:    none.
+ * Ownership: h and, with the last copy, every pointer read from it end here.
+ * Threads:   must not overlap any other call on h; handles that share a system
+ *            may be freed from different threads.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void qelmfree(MeshSystem* h);
+
+/* ---- Accessors --------------------------------------------------------- */
+
+/**
+ * How the factorisation ended.
+ *
+ * @param[in] h  Handle, or null.
+ * @return 7 when h is null; otherwise the solver's code: 0 success, 1 numerical
+ *         issue, 2 no convergence, 3 invalid input.
+ *
+ * Errors:    none.
+ * Ownership: none.
+ * Threads:   reads the handle only; must not overlap qelmfree().
+ * Memory:    allocates nothing.
+ * Note:      NaN in the matrix (from triangles without area) may pass as 0.
+ * Since:     0.1.0
+ */
+QELM_API int qelminfo(const MeshSystem* h);
+
+/**
+ * Hands out the coordinates, in system order.
+ *
+ * @param[in]  h               Handle, or null.
+ * @param[out] coordinatesOut  Receives a pointer to double[3n]; left alone when
+ *                             h is null.
+ * @return n, the vertex count; 0 when h is null.
+ *
+ * Errors:    none.
+ * Ownership: the library's. Valid until h and all its copies are freed; do not
+ *            write through it.
+ * Threads:   reads the handle only; must not overlap qelmfree().
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API int qelverts(const MeshSystem* h, const double** coordinatesOut);
+
+/**
+ * Hands out the triangles in input order, their vertices in system numbering.
+ *
+ * @param[in]  h           Handle, or null.
+ * @param[out] indicesOut  Receives a pointer to int[3m]; left alone when h is
+ *                         null.
+ * @return n, the vertex count (see the note); 0 when h is null.
+ *
+ * Errors:    none.
+ * Ownership: the library's. Valid until h and all its copies are freed; do not
+ *            write through it.
+ * Threads:   reads the handle only; must not overlap qelmfree().
+ * Memory:    allocates nothing.
+ * Note:      the result is the vertex count, not the triangle count. That is
+ *            intended and relied upon; you know m from the construction.
+ * Since:     0.1.0
+ */
+QELM_API int qeltris(const MeshSystem* h, const int** indicesOut);
+
+/**
+ * Counts the handles that share h's factorisation.
+ *
+ * @param[in] h  Handle, or null.
+ * @return 1 for a handle that was never duplicated, one more for each living
+ *         copy; 0 when h is null or holds no factorisation.
+ *
+ * Errors:    none.
+ * Ownership: none.
+ * Threads:   reads the handle only; must not overlap qelmfree() of h. While
+ *            other threads copy or free, the answer is a snapshot.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API int usecount(const MeshSystem* h);
+
+/* ---- Solving ----------------------------------------------------------- */
+
+/**
+ * Solves for one value per vertex, holding the tagged vertices fixed: the
+ * discrete harmonic field, K_ff u_f = -K_fb u_b. Reuses the factorisation, so
+ * repeated calls are cheap.
+ *
+ * @param[in]  handle  System from qelmctorTagged(), or null.
+ * @param[in]  values  double[n], input order; read at tagged vertices only.
+ * @param[out] result  double[n], input order; may be the same array as values.
+ *                     Tagged vertices receive their own value, bit for bit.
+ * @param[out] status  Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order. Unless
+ *            the status is 0, result is not touched. A failed factorisation is
+ *            status 0 with 0.0 at every free vertex: ask qelminfo().
+ * Ownership: the caller owns both arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own arrays. Must not overlap qelmfree().
+ * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
+                              int* status);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* QELM_H */

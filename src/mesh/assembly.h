@@ -1,0 +1,30 @@
+// From a renumbered mesh to a factorised system.
+#ifndef QELM_MESH_ASSEMBLY_H
+#define QELM_MESH_ASSEMBLY_H
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "interface/mesh_system.h"
+
+namespace qelm {
+
+/// Builds the system of a mesh that is already in system order, its first
+/// `taggedCount` vertices being the prescribed ones.
+///
+/// coordinates: 3 * vertexCount values, packed xyz. triangles: three indices in
+/// 0 .. vertexCount-1 each. The result owns copies of both; its vertexPlace,
+/// vertexOrder and tags are left empty for the caller.
+///
+/// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a
+/// vertex in none); the result is null unless it is 0. With vertexCount 0 the
+/// result is null and status is left as it was. How the factorisation ended is
+/// in freeSolver->info(), not in status.
+std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
+                                           std::span<const double> coordinates,
+                                           std::span<const std::int32_t> triangles, int& status);
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_ASSEMBLY_H

@@ -1,0 +1,63 @@
+// The constructor export: argument checks, renumbering, assembly.
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "interface/mesh_system.h"
+#include "mesh/assembly.h"
+#include "mesh/numbering.h"
+#include "qelm.h"
+
+namespace {
+
+/// Counts before pointers, the vertex count first: a call that is wrong in
+/// several ways reports the first of them.
+int argumentStatus(int vertexCount, const double* vertices, int triangleCount, const int* triangles,
+                   const int* tags) {
+  if (vertexCount < 1) return QELM_STATUS_BAD_COUNT_OR_HANDLE;
+  if (triangleCount < 1) return QELM_STATUS_UNUSED_VERTEX;
+  if (vertices == nullptr || triangles == nullptr || tags == nullptr) return QELM_STATUS_NULL_ARRAY;
+  return QELM_STATUS_OK;
+}
+
+/// The complete system in input terms, or null with a defect in status.
+std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
+                                            std::span<const int> triangles,
+                                            std::span<const int> tags, int& taggedCount,
+                                            int& status) {
+  qelm::VertexNumbering numbering = qelm::numberVertices(tags);
+  taggedCount = numbering.taggedCount;
+  auto system = qelm::assembleSystem(taggedCount, static_cast<int>(tags.size()),
+                                     qelm::reorderCoordinates(vertices, numbering),
+                                     qelm::renumberTriangles(triangles, numbering), status);
+  if (system == nullptr) return nullptr;
+  system->vertexPlace = std::move(numbering.place);
+  system->vertexOrder = std::move(numbering.order);
+  system->tags.assign(tags.begin(), tags.end());
+  return system;
+}
+
+}  // namespace
+
+// The result is 1 on every path, failures included, and callers know it: the
+// outcome is in status alone.
+extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
+                              const int* triangles, const int* tags, int* taggedCountOut,
+                              int* status, MeshSystem** handleOut) {
+  *handleOut = nullptr;
+  if (taggedCountOut != nullptr) *taggedCountOut = 0;
+  const int argument = argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
+  if (argument != QELM_STATUS_OK) {
+    *status = argument;
+    return 1;
+  }
+  const auto n = static_cast<std::size_t>(vertexCount);
+  const auto m = static_cast<std::size_t>(triangleCount);
+  int taggedCount = 0;
+  auto system =
+      constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, taggedCount, *status);
+  if (taggedCountOut != nullptr) *taggedCountOut = taggedCount;
+  *handleOut = system.release();
+  return 1;
+}

@@ -1,0 +1,26 @@
+// The solve exports: checks in order, views, one call, the status.
+#include <cstddef>
+
+#include "interface/mesh_system.h"
+#include "qelm.h"
+#include "solve/field_solve.h"
+
+namespace {
+
+int handleStatus(const MeshSystem* handle) {
+  if (handle == nullptr) return QELM_STATUS_BAD_COUNT_OR_HANDLE;
+  if (handle->vertexOrder.empty()) return QELM_STATUS_NO_VERTEX_ORDER;
+  return QELM_STATUS_OK;
+}
+
+}  // namespace
+
+extern "C" void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
+                                int* status) {
+  const int outcome = handleStatus(handle);
+  if (outcome == QELM_STATUS_OK) {
+    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    qelm::solveDirichlet(*handle, {values, n}, {result, n});
+  }
+  *status = outcome;
+}
