@@ -1,0 +1,108 @@
+"""What the shared library exports, imports and promises to the loader."""
+
+import re
+
+import pytest
+from built import BUILD, IS_WINDOWS, LIBRARY, OBJDUMP, SANITIZERS, SOURCE, program, run, run_built
+
+windows_only = pytest.mark.skipif(not IS_WINDOWS, reason="about the DLL")
+linux_only = pytest.mark.skipif(IS_WINDOWS, reason="about the shared object")
+
+# Parts of Windows itself; nothing else may be needed to load the DLL.
+WINDOWS_DLLS = {"kernel32.dll", "msvcrt.dll", "user32.dll", "gdi32.dll", "dwmapi.dll"}
+
+
+def listed_exports():
+    names = (SOURCE / "src/exports.txt").read_text().split()
+    if IS_WINDOWS:
+        names += (SOURCE / "src/exports-windows.txt").read_text().split()
+    return sorted(names)
+
+
+def dll_headers():
+    return run(OBJDUMP, "-p", LIBRARY)
+
+
+def exported():
+    if not IS_WINDOWS:
+        return [line.split()[2] for line in run("nm", "-D", "--defined-only", LIBRARY).splitlines()]
+    table = dll_headers().split("[Ordinal/Name Pointer] Table")[1].split("\n\n")[0]
+    return re.findall(r"\[ *\d+\] (\S+)", table)
+
+
+def test_exports_are_exactly_the_listed_names():
+    assert sorted(exported()) == listed_exports()
+
+
+def test_export_lists_are_sorted_and_without_doubles():
+    for file in ("exports.txt", "exports-windows.txt"):
+        names = (SOURCE / "src" / file).read_text().split()
+        assert names == sorted(set(names)), file
+
+
+def test_the_header_declares_exactly_the_listed_names():
+    header = (SOURCE / "include/qelm.h").read_text()
+    declared = re.findall(r"^QELM_API [\w\s*]*?(\w+)\(", header, re.MULTILINE)
+    names = (SOURCE / "src/exports.txt").read_text().split()
+    names += (SOURCE / "src/exports-windows.txt").read_text().split()
+    assert sorted(declared) == sorted(names)
+
+
+def test_the_header_works_from_strict_c99():
+    run_built(program("header_c99"))
+
+
+@windows_only
+def test_the_dll_needs_nothing_but_windows():
+    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", dll_headers())}
+    assert needed and needed <= WINDOWS_DLLS
+
+
+@windows_only
+def test_the_dll_has_dep_aslr_and_high_entropy_addresses():
+    headers = dll_headers()
+    for flag in ("NX_COMPAT", "DYNAMIC_BASE", "HIGH_ENTROPY_VA"):
+        assert flag in headers
+    assert "Base Relocation Directory" in headers
+    assert not re.search(r"Entry 5 0+ 0+ ", headers), "no relocations: ASLR would not work"
+
+
+@windows_only
+def test_the_dll_is_64_bit():
+    assert "pei-x86-64" in run(OBJDUMP, "-f", LIBRARY)
+
+
+@windows_only
+def test_the_dll_carries_no_time_stamp():
+    stamp = re.search(r"Time/Date\s+(.*)", dll_headers()).group(1)
+    assert "1970" in stamp
+
+
+@windows_only
+def test_the_def_file_lists_the_exports():
+    lines = (BUILD / "qelm.def").read_text().split()
+    assert lines[:3] == ["LIBRARY", "qelm.dll", "EXPORTS"]
+    assert lines[3:] == listed_exports()
+
+
+@linux_only
+def test_the_soname_is_the_major_version():
+    major = re.search(r"QELM_VERSION_MAJOR (\d+)", (SOURCE / "include/qelm.h").read_text()).group(1)
+    dynamic = run(OBJDUMP, "-p", LIBRARY)
+    assert re.search(r"SONAME\s+(\S+)", dynamic).group(1) == f"libqelm.so.{major}"
+
+
+@linux_only
+@pytest.mark.skipif(bool(SANITIZERS), reason="sanitizers bring libraries of their own")
+def test_the_shared_object_needs_only_the_c_and_cxx_runtime():
+    needed = set(re.findall(r"NEEDED\s+(\S+)", run(OBJDUMP, "-p", LIBRARY)))
+    allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6", "ld-linux-x86-64.so.2"}
+    assert needed and needed <= allowed
+
+
+@linux_only
+def test_the_shared_object_is_hardened():
+    headers = run("readelf", "-lW", LIBRARY)
+    assert "GNU_RELRO" in headers
+    assert re.search(r"GNU_STACK.* RW ", headers), "the stack must not be executable"
+    assert "BIND_NOW" in run("readelf", "-dW", LIBRARY) or "NOW" in run("readelf", "-dW", LIBRARY)

@@ -1,0 +1,153 @@
+// Every allocation of every export fails in turn: std::bad_alloc leaves the
+// call, nothing leaks, and no out-parameter holds a half-built object.
+#include <gtest/gtest.h>
+
+#include <new>
+#include <vector>
+
+#include "qelm.h"
+#include "support/failing_heap.h"
+#include "support/handle.h"
+#include "support/meshes.h"
+
+namespace qelm::test {
+namespace {
+
+// Far above what any call below needs; stops a sweep that would never end.
+constexpr long kTooManyAllocations = 10000;
+
+/// The C++ runtime sets up its own storage with the first exception, and the lock
+/// of its reserve for exceptions with the first one that finds no memory. Both are
+/// kept; done here, no sweep meets them.
+void setUpExceptions() {
+  for (const long failAt : {0L, 1L}) {
+    FailingHeap heap(failAt, HeapFailure::once);
+    try {
+      throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+    }
+  }
+}
+
+/// Runs call() with its 1st, 2nd, ... allocation failing, until one run needs no
+/// more. After each failure `check` looks at what the call left behind, and no
+/// block may be left over.
+template <class Call, class Check>
+void sweep(Call call, Check check) {
+  setUpExceptions();
+  for (const HeapFailure failure : {HeapFailure::once, HeapFailure::forever}) {
+    long failAt = 1;
+    for (; failAt < kTooManyAllocations; ++failAt) {
+      bool threw = false;
+      bool failed = false;
+      long live = 0;
+      {
+        FailingHeap heap(failAt, failure);
+        try {
+          call();
+        } catch (const std::bad_alloc&) {
+          threw = true;
+        }
+        live = heap.live();
+        failed = heap.failed();
+      }
+      if (!failed) break;
+      ASSERT_TRUE(threw) << "allocation " << failAt << " failed without an exception";
+      ASSERT_EQ(live, 0) << "leaked after allocation " << failAt << " failed";
+      check();
+    }
+    EXPECT_GT(failAt, 1) << "the call allocated nothing";
+    EXPECT_LT(failAt, kTooManyAllocations);
+  }
+}
+
+TEST(FailingHeapItself, SeesLeaks) {
+  FailingHeap heap(0, HeapFailure::once);
+  int* leaked = new int(1);
+  EXPECT_EQ(heap.live(), 1);
+  EXPECT_EQ(heap.allocations(), 1);
+  delete leaked;
+  EXPECT_EQ(heap.live(), 0);
+}
+
+void sweepConstruction(const Mesh& mesh) {
+  MeshSystem* handle = nullptr;
+  int status = Construction::kUnwritten;
+  int taggedCount = Construction::kUnwritten;
+  sweep(
+      [&] {
+        handle = reinterpret_cast<MeshSystem*>(&status);
+        status = taggedCount = Construction::kUnwritten;
+        qelmctorTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                       mesh.triangles.data(), mesh.tags.data(), &taggedCount, &status, &handle);
+        qelmfree(handle);
+      },
+      [&] {
+        EXPECT_EQ(handle, nullptr);
+        EXPECT_EQ(taggedCount, 0);
+      });
+}
+
+TEST(AllocationFailure, DuringConstructionLeavesNothingBehind) {
+  sweepConstruction(gridMesh(5, 4).withBoundaryTagged());
+}
+
+TEST(AllocationFailure, DuringConstructionOfALargerMeshLeavesNothingBehind) {
+  // Larger than what Eigen keeps on the stack for scratch arrays.
+  sweepConstruction(openSurface(130, 130, 1).withBoundaryTagged());
+}
+
+TEST(AllocationFailure, DuringConstructionWithNoFreeVertexLeavesNothingBehind) {
+  sweepConstruction(gridMesh(4, 4).withEveryVertexTagged());
+}
+
+TEST(AllocationFailure, DuringADuplicationLeavesTheOutParameterAlone) {
+  const MeshHandle system = construct(gridMesh(5, 4).withBoundaryTagged());
+  MeshSystem* copy = nullptr;
+  sweep(
+      [&] {
+        copy = nullptr;
+        dupl(system.get(), &copy);
+        qelmfree(copy);
+      },
+      [&] {
+        EXPECT_EQ(copy, nullptr);
+        EXPECT_EQ(usecount(system.get()), 1);
+      });
+}
+
+TEST(AllocationFailure, DuringASolveLeavesTheResultAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values = mesh.sample([](Point p) { return p.x - p.y; });
+  const Field untouched(values.size(), -777.0);
+  Field result = untouched;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        result = untouched;
+        status = Construction::kUnwritten;
+        qelmsolveTagged(system.get(), values.data(), result.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(result, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+  EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
+}
+
+TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
+  MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
+  const double* coordinates = nullptr;
+  const int* indices = nullptr;
+  FailingHeap heap(1, HeapFailure::forever);
+  EXPECT_EQ(qelverts(system.get(), &coordinates), 16);
+  EXPECT_EQ(qeltris(system.get(), &indices), 16);
+  EXPECT_EQ(qelminfo(system.get()), 0);
+  EXPECT_EQ(usecount(system.get()), 1);
+  system.reset();
+  EXPECT_EQ(heap.allocations(), 0);
+}
+
+}  // namespace
+}  // namespace qelm::test
