@@ -1,0 +1,109 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <sstream>
+
+#include "conditions.h"
+#include "console.h"
+#include "error.h"
+#include "solve_command.h"
+
+namespace qelm::tool {
+namespace {
+
+constexpr const char* kExitHelp =
+    "Messages go to the standard error stream, data to the standard output. Exit code 0\n"
+    "for success, 1 for input that cannot be used or a result that cannot be written,\n"
+    "2 for a wrong command line. NO_COLOR switches colours off.\n";
+
+constexpr const char* kSolveExamples =
+    "Examples:\n"
+    "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
+    "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - | head\n"
+    "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n";
+
+void addOutputOptions(CLI::App& command, OutputOptions& output) {
+  command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
+}
+
+void addFieldOptions(CLI::App& command, FieldOptions& field) {
+  command.add_option("mesh", field.mesh, "Mesh file: .obj, .stl (text or binary) or .ply")
+      ->type_name("MESH")
+      ->required();
+  command.add_option("--fix", field.fixes, "Hold vertices at a value; may be given often")
+      ->type_name("SELECTOR=VALUE")
+      ->allow_extra_args(false);
+}
+
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.name("qelm");
+    // A path that begins with a slash is a path on Windows, too.
+    app_.allow_windows_style_options(false);
+    app_.set_version_flag("--version", std::string("qelm ") + QELM_TOOL_VERSION,
+                          "Print the version and exit");
+    app_.set_help_flag("-h,--help", "Print this help and exit");
+    app_.require_subcommand(1);
+    app_.footer(kExitHelp);
+    addSolve();
+  }
+
+  int run(std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end());
+    try {
+      app_.parse(std::move(arguments));
+    } catch (const CLI::ParseError& error) {
+      return explain(error);
+    }
+    return kExitOk;
+  }
+
+ private:
+  void addSolve() {
+    CLI::App& command = *app_.add_subcommand(
+        "solve", "Compute the smooth field between fixed values on a triangle mesh");
+    addFieldOptions(command, solve_.field);
+    command
+        .add_option("-o,--output", solve_.output,
+                    "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
+        ->type_name("FIELD.csv");
+    addOutputOptions(command, output_);
+    command.footer(std::string(kConditionHelp) + "\n" + kSolveExamples + "\n" + kExitHelp);
+    command.callback([this] {
+      requireFixes(solve_.field);
+      runSolve(solve_, output_);
+    });
+  }
+
+  static void requireFixes(const FieldOptions& field) {
+    if (field.fixes.empty())
+      throw UsageError(
+          "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
+  }
+
+  int explain(const CLI::ParseError& error) const {
+    if (error.get_exit_code() == 0) {  // --help, --version
+      app_.exit(error, std::cout, std::cerr);
+      return std::cout.flush() ? kExitOk : kExitBadInput;
+    }
+    Console().error(error.what());
+    Console().line("Run 'qelm --help' or 'qelm COMMAND --help'.");
+    return kExitUsage;
+  }
+
+  CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
+  OutputOptions output_;
+  SolveOptions solve_;
+};
+
+}  // namespace
+
+int runCommandLine(std::vector<std::string> arguments) {
+  return CommandLine().run(std::move(arguments));
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,139 @@
+#include "solve_job.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "error.h"
+#include "mesh_checks.h"
+#include "mesh_reader.h"
+#include "paths.h"
+#include "triangulate.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Messages about a mesh's elements get the file's name in front.
+template <class Action>
+auto naming(const std::string& file, Action action) {
+  try {
+    return action();
+  } catch (const InputError& error) {
+    throw InputError(fmt::format("{}: {}", file, error.what()));
+  }
+}
+
+Mesh readMesh(const std::string& name, const Console& console) {
+  const PolygonSoup soup = readPolygonSoup(toPath(name));
+  Triangulation result = naming(name, [&] { return triangulate(soup); });
+  if (result.splitFaceCount > 0)
+    console.note(
+        fmt::format("{}: {} of {} faces have more than three corners and were split into "
+                    "triangles",
+                    name, result.splitFaceCount, soup.faces.size()));
+  return std::move(result.mesh);
+}
+
+struct Extremes {
+  int lowest;
+  int highest;
+};
+
+Extremes extremesOf(const std::vector<double>& field) {
+  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
+}
+
+double valueAt(const SolvedField& solved, int vertex) {
+  return solved.field[static_cast<std::size_t>(vertex)];
+}
+
+Json vertexJson(const SolvedField& solved, int vertex) {
+  return {
+      {"value", valueAt(solved, vertex)}, {"vertex", vertex}, {"point", solved.mesh.point(vertex)}};
+}
+
+void printJson(const SolvedField& solved, const std::vector<std::string>& results) {
+  const Extremes extremes = extremesOf(solved.field);
+  Json fixes = Json::array();
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    fixes.push_back({{"selector", solved.conditions[k].text},
+                     {"value", solved.conditions[k].value},
+                     {"vertices", solved.prescribed.selected[k]}});
+  Json seconds = Json::object();
+  for (const Step& step : solved.steps.list()) seconds[step.name] = step.seconds;
+  const Json summary = {{"mesh", solved.meshName},
+                        {"vertices", solved.mesh.vertexCount()},
+                        {"triangles", solved.mesh.triangleCount()},
+                        {"fixedVertices", solved.prescribed.fixedCount},
+                        {"fix", fixes},
+                        {"min", vertexJson(solved, extremes.lowest)},
+                        {"max", vertexJson(solved, extremes.highest)},
+                        {"seconds", seconds},
+                        {"results", results}};
+  fmt::print("{}\n", summary.dump(2, ' ', false, Json::error_handler_t::replace));
+  if (std::fflush(stdout) != 0) throw InputError("standard output: writing failed");
+}
+
+std::string describeValue(const SolvedField& solved, int vertex) {
+  return fmt::format("{:.6g} at {}", valueAt(solved, vertex), describeVertex(solved.mesh, vertex));
+}
+
+void printLines(const SolvedField& solved, const std::vector<std::string>& results,
+                const Console& console) {
+  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
+                           solved.mesh.vertexCount(), solved.mesh.triangleCount()));
+  console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
+                             solved.conditions[k].value, solved.prescribed.selected[k]));
+  const Extremes extremes = extremesOf(solved.field);
+  console.line("minimum  " + describeValue(solved, extremes.lowest));
+  console.line("maximum  " + describeValue(solved, extremes.highest));
+  std::vector<std::string> times;
+  for (const Step& step : solved.steps.list())
+    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
+  console.line(fmt::format("time     {}", fmt::join(times, ", ")));
+  console.line(fmt::format("result   {}", results.empty()
+                                              ? "not written; -o FIELD.csv writes it"
+                                              : fmt::format("{}", fmt::join(results, ", "))));
+}
+
+}  // namespace
+
+SolvedField solveField(const FieldOptions& options, const Console& console) {
+  SolvedField solved;
+  solved.meshName = options.mesh;
+  for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
+  Steps& steps = solved.steps;
+  solved.mesh = steps.run("read", [&] { return readMesh(options.mesh, console); });
+  const Mesh& mesh = solved.mesh;
+  naming(options.mesh, [&] {
+    steps.run("check", [&] {
+      checkMesh(mesh);
+      solved.prescribed = prescribe(mesh, solved.conditions);
+      checkEveryPartIsFixed(mesh, solved.prescribed.tags);
+    });
+    for (const std::string& note : solved.prescribed.notes) console.note(note);
+    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
+    solved.field =
+        steps.run("solve", [&] { return solved.system->solve(mesh, solved.prescribed.values); });
+  });
+  return solved;
+}
+
+void reportField(const SolvedField& solved, const std::vector<std::string>& results,
+                 const OutputOptions& output, const Console& console) {
+  if (output.json)
+    printJson(solved, results);
+  else
+    printLines(solved, results, console);
+}
+
+}  // namespace qelm::tool
