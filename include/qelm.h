@@ -272,6 +272,74 @@ QELM_API int usecount(const MeshSystem* h);
 QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
                               int* status);
 
+/**
+ * Solves with a load as well: K_ff u_f = -K_fb u_b - load_f, the rows of the free
+ * vertices of K u + load = 0. The load enters value for value, without mass matrix
+ * or scaling: for the Poisson equation laplace(u) = f pass the integral of f times
+ * each vertex's hat function, for instance a third of the area of the triangles
+ * around the vertex, times f.
+ *
+ * @param[in]  handle  System from qelmctorTagged(), or null.
+ * @param[in]  values  double[n], input order; read at tagged vertices only.
+ * @param[in]  load    double[n], input order; read at free vertices only.
+ * @param[out] result  double[n], input order. Any of the three arrays may be the
+ *                     same one. Tagged vertices receive their own value, bit for
+ *                     bit.
+ * @param[out] status  Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order. Unless
+ *            the status is 0, result is not touched. A failed factorisation is
+ *            status 0 with 0.0 at every free vertex: ask qelminfo().
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own arrays. Must not overlap qelmfree().
+ * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
+ * Note:      with a load of zeros the result is that of qelmsolveTagged(), except
+ *            that a zero may have the other sign.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
+                               double* result, int* status);
+
+/* ---- Integer codec ----------------------------------------------------- */
+
+/**
+ * Carries an integer as a point on the upper half of the unit sphere. The low and
+ * the high byte become x and y in [-0.5, 0.5], z completes the length to 1. All
+ * arithmetic is in 32-bit floats.
+ *
+ * @param[in]  value  -1 .. 65534.
+ * @param[out] x,y,z  Receive the point. Written only if none is null; 0, 0, 0 for
+ *                    a value out of range.
+ * @return 0 on success, -1 for a null pointer or a value out of range.
+ *
+ * Errors:    the return value.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      65535 is refused on purpose: its two bytes are those of -1.
+ * Since:     0.1.0
+ */
+QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
+
+/**
+ * Reads the integer back from a direction made by encode_integer_to_sphere(), or
+ * from its reverse, which stands for the same value.
+ *
+ * @param[in] x,y,z  The direction. z decides by its sign alone whether x and y are
+ *                   taken negated; the length is not looked at.
+ * @return The value, -1 .. 65534.
+ *
+ * Errors:    none: every input decodes to something.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      a coordinate off the range clamps to the byte 255, below it as well as
+ *            above; this is intended. NaN reads as the byte 0.
+ * Since:     0.1.0
+ */
+QELM_API int decode_integer_from_sphere(float x, float y, float z);
+
 #ifdef __cplusplus
 }
 #endif

@@ -136,6 +136,25 @@ TEST(AllocationFailure, DuringASolveLeavesTheResultAlone) {
   EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
 }
 
+TEST(AllocationFailure, DuringASolveWithLoadLeavesTheResultAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values = mesh.sample([](Point p) { return p.x - p.y; });
+  const Field untouched(values.size(), -777.0);
+  Field result = untouched;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        result = untouched;
+        status = Construction::kUnwritten;
+        qelmsolvePTagged(system.get(), values.data(), values.data(), result.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(result, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
