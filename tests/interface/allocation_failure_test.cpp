@@ -155,6 +155,25 @@ TEST(AllocationFailure, DuringASolveWithLoadLeavesTheResultAlone) {
       });
 }
 
+TEST(AllocationFailure, DuringAnIsolinePassLeavesTheOutParametersAlone) {
+  const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
+  const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
+  const double levels[] = {0.9, 0.3, 1.2};
+  IsoPointMatrix* points = nullptr;
+  IsoEdgeMatrix* edges = nullptr;
+  sweep(
+      [&] {
+        points = nullptr;
+        edges = nullptr;
+        qelisoline(system.get(), field.data(), 3, levels, &points, &edges);
+        qelfreeisoline(points, edges);
+      },
+      [&] {
+        EXPECT_EQ(points, nullptr);
+        EXPECT_EQ(edges, nullptr);
+      });
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
