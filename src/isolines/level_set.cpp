@@ -11,8 +11,9 @@ LevelSet::LevelSet(std::span<const double> levels)
   std::iota(all_.begin(), all_.end(), 0);
   for (const std::int32_t j : all_) (std::isnan((*this)[j]) ? nans_ : sortedIds_).push_back(j);
   // Equal levels stay in the caller's order.
-  std::stable_sort(sortedIds_.begin(), sortedIds_.end(),
-                   [this](std::int32_t a, std::int32_t b) { return (*this)[a] < (*this)[b]; });
+  std::sort(sortedIds_.begin(), sortedIds_.end(), [this](std::int32_t a, std::int32_t b) {
+    return (*this)[a] < (*this)[b] || ((*this)[a] == (*this)[b] && a < b);
+  });
   for (const std::int32_t j : sortedIds_) sorted_.push_back((*this)[j]);
   idsAscend_ = std::is_sorted(sortedIds_.begin(), sortedIds_.end());
   found_.reserve(levels.size());
