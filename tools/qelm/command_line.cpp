@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
 #include <sstream>
 
 #include "conditions.h"
 #include "console.h"
 #include "error.h"
+#include "output_file.h"
 #include "solve_command.h"
 
 namespace qelm::tool {
@@ -53,6 +53,7 @@ class CommandLine {
   }
 
   int run(std::vector<std::string> arguments) {
+    requireCommand(arguments);
     std::reverse(arguments.begin(), arguments.end());
     try {
       app_.parse(std::move(arguments));
@@ -79,6 +80,18 @@ class CommandLine {
     });
   }
 
+  // CLI11 would only say that a subcommand is required.
+  void requireCommand(const std::vector<std::string>& arguments) const {
+    std::string names;
+    for (const CLI::App* command : app_.get_subcommands({})) {
+      if (!arguments.empty() && command->get_name() == arguments[0]) return;
+      names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    if (arguments.empty()) throw UsageError("no command; name one of: " + names);
+    if (arguments[0].rfind('-', 0) != 0)
+      throw UsageError("there is no command '" + arguments[0] + "'; name one of: " + names);
+  }
+
   static void requireFixes(const FieldOptions& field) {
     if (field.fixes.empty())
       throw UsageError(
@@ -87,8 +100,10 @@ class CommandLine {
 
   int explain(const CLI::ParseError& error) const {
     if (error.get_exit_code() == 0) {  // --help, --version
-      app_.exit(error, std::cout, std::cerr);
-      return std::cout.flush() ? kExitOk : kExitBadInput;
+      std::ostringstream text;
+      app_.exit(error, text, text);
+      printData(text.str());
+      return kExitOk;
     }
     Console().error(error.what());
     Console().line("Run 'qelm --help' or 'qelm COMMAND --help'.");

@@ -118,4 +118,10 @@ void OutputFile::commit() {
   temporary_.clear();
 }
 
+void printData(std::string_view text) {
+  OutputFile file("-");
+  file.write(text);
+  file.commit();
+}
+
 }  // namespace qelm::tool

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "error.h"
 #include "mesh_checks.h"
 #include "mesh_reader.h"
+#include "output_file.h"
 #include "paths.h"
 #include "triangulate.h"
 
@@ -46,7 +46,9 @@ struct Extremes {
 };
 
 Extremes extremesOf(const std::vector<double>& field) {
-  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  // The first of equals, for both.
+  const auto low = std::min_element(field.begin(), field.end());
+  const auto high = std::max_element(field.begin(), field.end());
   return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
 }
 
@@ -77,8 +79,7 @@ void printJson(const SolvedField& solved, const std::vector<std::string>& result
                         {"max", vertexJson(solved, extremes.highest)},
                         {"seconds", seconds},
                         {"results", results}};
-  fmt::print("{}\n", summary.dump(2, ' ', false, Json::error_handler_t::replace));
-  if (std::fflush(stdout) != 0) throw InputError("standard output: writing failed");
+  printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 std::string describeValue(const SolvedField& solved, int vertex) {
