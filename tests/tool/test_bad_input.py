@@ -6,6 +6,7 @@ import struct
 import pytest
 
 import shapes
+from tool import Tool, refusal, run_all
 
 SQUARE = shapes.obj(shapes.SQUARE)
 ONE_FIX = ["--fix", "vertex:0=0"]
@@ -62,13 +63,6 @@ BAD_MESHES = {
 }  # fmt: skip
 
 
-@pytest.mark.parametrize("case", BAD_MESHES)
-def test_bad_meshes_are_refused_by_name_of_the_element(qelm, case):
-    name, content, message = BAD_MESHES[case]
-    qelm.write(name, content)
-    assert message in qelm.fails(1, "solve", name, *ONE_FIX, "-o", "field.csv")
-
-
 def test_files_that_are_not_there_and_folders_are_refused(qelm):
     message = qelm.fails(1, "solve", "none.obj", *ONE_FIX)
     assert "none.obj: no such file; check the name" in message
@@ -82,13 +76,6 @@ BAD_FOR_THE_MESH = {
     "loop:1=0": "there is no loop 1; the mesh has 1 boundary loop: loop:0 (4 long)",
     "box:0.2,0.2,0,0.8,0.8,0=0": "no vertex lies in this box; the mesh spans 0,0,0 to 1,1,0",
 }
-
-
-@pytest.mark.parametrize("fix", BAD_FOR_THE_MESH)
-def test_conditions_that_select_nothing_are_bad_input(qelm, fix):
-    qelm.write("a.obj", SQUARE)
-    message = qelm.fails(1, "solve", "a.obj", "--fix", fix, "-o", "field.csv")
-    assert f"a.obj: --fix {fix.split('=')[0]}: {BAD_FOR_THE_MESH[fix]}" in message
 
 
 def test_a_closed_mesh_has_no_loop(qelm):
@@ -120,11 +107,44 @@ BAD_USAGE = {
 }  # fmt: skip
 
 
-@pytest.mark.parametrize("case", BAD_USAGE)
-def test_wrong_usage_is_told_apart_from_bad_input(qelm, case):
-    arguments, message = BAD_USAGE[case]
-    qelm.write("a.obj", SQUARE)
-    assert message in qelm.fails(2, *arguments)
+
+def bad_runs():
+    """(group, case) -> (file, its content, arguments, exit code, part of the message)."""
+    runs = {}
+    for case, (name, content, message) in BAD_MESHES.items():
+        arguments = ["solve", name, *ONE_FIX, "-o", "field.csv"]
+        runs["mesh", case] = (name, content, arguments, 1, message)
+    for fix, message in BAD_FOR_THE_MESH.items():
+        arguments = ["solve", "a.obj", "--fix", fix, "-o", "field.csv"]
+        text = f"a.obj: --fix {fix.split('=')[0]}: {message}"
+        runs["condition", fix] = ("a.obj", SQUARE, arguments, 1, text)
+    for case, (arguments, message) in BAD_USAGE.items():
+        runs["usage", case] = ("a.obj", SQUARE, arguments, 2, message)
+    return runs
+
+
+BAD_RUNS = bad_runs()
+
+
+@pytest.fixture(scope="module")
+def outcomes(tmp_path_factory):
+    """Every bad run's folder and what came of it."""
+    top = tmp_path_factory.mktemp("bad")
+    tools = []
+    for k, (name, content, *_) in enumerate(BAD_RUNS.values()):
+        (top / str(k)).mkdir()
+        tools.append(Tool(top / str(k)))
+        tools[k].write(name, content)
+    done = run_all([(tool, run[2]) for tool, run in zip(tools, BAD_RUNS.values())])
+    return dict(zip(BAD_RUNS, zip(tools, done)))
+
+
+@pytest.mark.parametrize("run", BAD_RUNS, ids=" ".join)
+def test_is_refused_by_name_of_what_is_wrong(outcomes, run):
+    name, _, _, code, message = BAD_RUNS[run]
+    tool, done = outcomes[run]
+    assert message in refusal(done, code)
+    assert tool.files() == [name], "a failed run left files behind"
 
 
 def test_quiet_still_shows_errors(qelm):

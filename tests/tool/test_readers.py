@@ -32,6 +32,7 @@ def test_obj_and_ply_keep_the_order_of_vertices(qelm):
         ("one_line.stl", shapes.stl_text(MESH, "").replace("\n", " ").replace("solid ", "solid\n", 1)),
         ("windows.stl", shapes.stl_text(MESH).replace("\n", "\r\n")),
     ],
+    ids=lambda value: value if str(value).lower().endswith(".stl") else "",
 )
 def test_stl_facets_share_their_equal_corners(qelm, name, content):
     fix = ["--fix", "near:0,0,0=0", "--fix", "near:3,2,0=1"]

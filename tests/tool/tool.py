@@ -8,6 +8,51 @@ import subprocess
 import built
 
 
+def refusal(done, code):
+    """The message of a run that must have failed with this code, and written nothing."""
+    assert done.returncode == code, f"exit {done.returncode}\n{done.stderr}"
+    assert done.stdout == ""
+    assert done.stderr.startswith("qelm: error: "), done.stderr
+    return done.stderr
+
+
+def run_all(runs):
+    """Runs many (tool, arguments), one after another, and returns what came of each.
+
+    One Wine session for all of them: starting it costs far more than the runs.
+    """
+    if not built.LAUNCHER:
+        return [tool.run(*arguments) for tool, arguments in runs]
+    logs = runs[0][0].folder.parent / "logs"
+    logs.mkdir()
+    lines = ["@echo off"]
+    for k, (tool, arguments) in enumerate(runs):
+        command = subprocess.list2cmdline(map(str, (windows(built.program("qelm")), *arguments)))
+        lines += [
+            f'cd /d "{windows(tool.folder)}"',
+            f'{command} >"{windows(logs)}\\{k}.out" 2>"{windows(logs)}\\{k}.err"',
+            f'echo %errorlevel% >"{windows(logs)}\\{k}.code"',
+        ]
+    batch = logs / "run.bat"
+    batch.write_bytes("\r\n".join([*lines, ""]).encode())
+    # Its own exit code is that of the last run.
+    subprocess.run([*built.LAUNCHER, "cmd", "/c", windows(batch)], capture_output=True)
+    return [
+        subprocess.CompletedProcess(
+            arguments,
+            int((logs / f"{k}.code").read_text()),
+            (logs / f"{k}.out").read_text(encoding="utf-8"),
+            (logs / f"{k}.err").read_text(encoding="utf-8"),
+        )
+        for k, (_, arguments) in enumerate(runs)
+    ]
+
+
+def windows(path):
+    """A path of this system as Wine shows it to programs."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
 class Tool:
     def __init__(self, folder):
         self.folder = folder
@@ -41,11 +86,8 @@ class Tool:
         """The message; nothing may stand on the standard output or be left as a file."""
         before = self.files()
         done = self.run(*arguments)
-        assert done.returncode == code, f"exit {done.returncode}\n{done.stderr}"
-        assert done.stdout == ""
         assert self.files() == before, "a failed run left files behind"
-        assert done.stderr.startswith("qelm: error: "), done.stderr
-        return done.stderr
+        return refusal(done, code)
 
     def files(self):
         return sorted(p.name for p in self.folder.iterdir())
