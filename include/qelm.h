@@ -56,6 +56,8 @@
 #ifndef QELM_H
 #define QELM_H
 
+#include <stdint.h>
+
 /** The version of this header; the build reads it from here. */
 #define QELM_VERSION_MAJOR 0
 #define QELM_VERSION_MINOR 1
@@ -107,6 +109,28 @@ enum { QELM_INFO_NO_HANDLE = 7 };
  * "no mesh".
  */
 typedef struct MeshSystem MeshSystem;
+
+/**
+ * The ends of level-line segments: a table of `rows` points and 3 columns, stored
+ * column by column. All x come first, then all y, then all z: coordinate c of point
+ * r is data[r + c * rows]. rows is twice the number of segments.
+ */
+typedef struct IsoPointMatrix {
+  double* data; /**< null when rows is 0 */
+  int64_t rows;
+  int64_t cols; /**< always 3 */
+} IsoPointMatrix;
+
+/**
+ * Which points belong together: a table of one row for each segment and 2 columns,
+ * stored column by column. With s segments, row i is (i, i + s): the first ends are
+ * the first s points, the second ends the last s, in segment order.
+ */
+typedef struct IsoEdgeMatrix {
+  int32_t* data; /**< null when rows is 0 */
+  int64_t rows;
+  int64_t cols; /**< always 2 */
+} IsoEdgeMatrix;
 
 /* ---- Construction and release ------------------------------------------ */
 
@@ -271,6 +295,129 @@ QELM_API int usecount(const MeshSystem* h);
  */
 QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
                               int* status);
+
+/**
+ * Solves with a load as well: K_ff u_f = -K_fb u_b - load_f, the rows of the free
+ * vertices of K u + load = 0. The load enters value for value, without mass matrix
+ * or scaling: for the Poisson equation laplace(u) = f pass the integral of f times
+ * each vertex's hat function, for instance a third of the area of the triangles
+ * around the vertex, times f.
+ *
+ * @param[in]  handle  System from qelmctorTagged(), or null.
+ * @param[in]  values  double[n], input order; read at tagged vertices only.
+ * @param[in]  load    double[n], input order; read at free vertices only.
+ * @param[out] result  double[n], input order. Any of the three arrays may be the
+ *                     same one. Tagged vertices receive their own value, bit for
+ *                     bit.
+ * @param[out] status  Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order. Unless
+ *            the status is 0, result is not touched. A failed factorisation is
+ *            status 0 with 0.0 at every free vertex: ask qelminfo().
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own arrays. Must not overlap qelmfree().
+ * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
+ * Note:      with a load of zeros the result is that of qelmsolveTagged(), except
+ *            that a zero may have the other sign.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
+                               double* result, int* status);
+
+/* ---- Isolines and heat map --------------------------------------------- */
+
+/**
+ * Cuts a mesh, read in the way that the note describes, with levels of a field:
+ * straight segments, each with two points of its own, not joined and not labelled
+ * with their level.
+ *
+ * @param[in]  handle     System from qelmctorTagged(); null gives empty tables.
+ * @param[in]  field      double[n], SYSTEM order.
+ * @param[in]  nvals      Number of levels, at least 0.
+ * @param[in]  vals       double[nvals], in any order.
+ * @param[out] pointsOut  Not null; receives a new table of 2s points, s being the
+ *                        number of segments.
+ * @param[out] edgesOut   Not null; receives a new table of s rows.
+ *
+ * Errors:    none are reported.
+ * Ownership: both tables are the caller's and go back through qelfreeisoline();
+ *            their blocks are from the C heap.
+ * Threads:   reads the handle only; must not overlap qelmfree().
+ * Memory:    grows with the number of segments, not with triangles times levels.
+ *            Exhaustion leaves as std::bad_alloc, with nothing written or leaked.
+ * Note:      this export reads the handle's coordinate and triangle arrays as
+ *            tables of n rows and three columns stored COLUMN BY COLUMN, although
+ *            qelverts() and qeltris() hand out packed rows: corner k of triangle
+ *            row t is element t + k * n, coordinate c of vertex v is element
+ *            v + c * n. It visits n triangle rows, however many triangles there
+ *            are; rows that do not lie inside the array are skipped. This is
+ *            intended and kept for callers that arrange their data so. It does not
+ *            give the level curves of the mesh as it was constructed: those come
+ *            from the functions under "Additions", once this header has them.
+ * Note:      a segment joins the points of two edges whose position of the level is
+ *            in [0, 1], both ends included, or NaN. So a level that equals a
+ *            vertex's value gives segments without length, one that runs along an
+ *            edge or meets a NaN gives points with NaN, and nothing is merged.
+ *            Order: by pair of edges (1 and 2, then 2 and 0, then 0 and 1), then by
+ *            triangle row, then by level in the caller's order.
+ * Since:     0.1.0
+ */
+QELM_API void qelisoline(const MeshSystem* handle, const double* field, int nvals,
+                         const double* vals, IsoPointMatrix** pointsOut, IsoEdgeMatrix** edgesOut);
+
+/**
+ * Gives the tables of qelisoline() back.
+ *
+ * @param[in] points  Table, or null.
+ * @param[in] edges   Table, or null.
+ *
+ * Errors:    none; tables from elsewhere are not recognised.
+ * Ownership: both tables end here, with their data.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
+
+/* ---- Integer codec ----------------------------------------------------- */
+
+/**
+ * Carries an integer as a point on the upper half of the unit sphere. The low and
+ * the high byte become x and y in [-0.5, 0.5], z completes the length to 1. All
+ * arithmetic is in 32-bit floats.
+ *
+ * @param[in]  value  -1 .. 65534.
+ * @param[out] x,y,z  Receive the point. Written only if none is null; 0, 0, 0 for
+ *                    a value out of range.
+ * @return 0 on success, -1 for a null pointer or a value out of range.
+ *
+ * Errors:    the return value.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      65535 is refused on purpose: its two bytes are those of -1.
+ * Since:     0.1.0
+ */
+QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
+
+/**
+ * Reads the integer back from a direction made by encode_integer_to_sphere(), or
+ * from its reverse, which stands for the same value.
+ *
+ * @param[in] x,y,z  The direction. z decides by its sign alone whether x and y are
+ *                   taken negated; the length is not looked at.
+ * @return The value, -1 .. 65534.
+ *
+ * Errors:    none: every input decodes to something.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      a coordinate off the range clamps to the byte 255, below it as well as
+ *            above; this is intended. NaN reads as the byte 0.
+ * Since:     0.1.0
+ */
+QELM_API int decode_integer_from_sphere(float x, float y, float z);
 
 #ifdef __cplusplus
 }

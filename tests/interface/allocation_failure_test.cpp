@@ -136,6 +136,44 @@ TEST(AllocationFailure, DuringASolveLeavesTheResultAlone) {
   EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
 }
 
+TEST(AllocationFailure, DuringASolveWithLoadLeavesTheResultAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values = mesh.sample([](Point p) { return p.x - p.y; });
+  const Field untouched(values.size(), -777.0);
+  Field result = untouched;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        result = untouched;
+        status = Construction::kUnwritten;
+        qelmsolvePTagged(system.get(), values.data(), values.data(), result.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(result, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+}
+
+TEST(AllocationFailure, DuringAnIsolinePassLeavesTheOutParametersAlone) {
+  const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
+  const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
+  const double levels[] = {0.9, 0.3, 1.2};
+  IsoPointMatrix* points = nullptr;
+  IsoEdgeMatrix* edges = nullptr;
+  sweep(
+      [&] {
+        points = nullptr;
+        edges = nullptr;
+        qelisoline(system.get(), field.data(), 3, levels, &points, &edges);
+        qelfreeisoline(points, edges);
+      },
+      [&] {
+        EXPECT_EQ(points, nullptr);
+        EXPECT_EQ(edges, nullptr);
+      });
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
