@@ -380,6 +380,32 @@ QELM_API void qelisoline(const MeshSystem* handle, const double* field, int nval
  */
 QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
 
+/**
+ * Writes the mesh with a field as path + ".obj" and path + ".mtl": a heat map. The
+ * texture coordinate is the field scaled to [0, 1] and reversed, u = 0 at the
+ * largest value and u = 1 at the smallest; the material names the colour ramp
+ * "viridis.PNG", which is not written and is looked for beside the files.
+ *
+ * @param[in] handle  System from qelmctorTagged(); null writes nothing.
+ * @param[in] field   double[n], SYSTEM order.
+ * @param[in] path    Not null; zero-terminated base name of both files. Bytes on
+ *                    Linux; on Windows in the code page of the narrow file
+ *                    functions.
+ *
+ * Errors:    a file that cannot be opened ends the export with one line on the
+ *            standard error stream, "couldn't open file <path> for writing."; an
+ *            OBJ that was written stays. Failures in writing are not reported.
+ * Ownership: none; no pointer is kept.
+ * Threads:   reads the handle only; must not overlap qelmfree(), nor another export
+ *            to the same path.
+ * Memory:    exhaustion leaves as std::bad_alloc; files may be incomplete then.
+ * Note:      the line that names the MTL file holds the whole path as given, with
+ *            its folders. Six significant digits. Text mode: line ends are those of
+ *            the platform. A field of equal values gives texture coordinates "nan".
+ * Since:     0.1.0
+ */
+QELM_API void wobj(const MeshSystem* handle, const double* field, const char* path);
+
 /* ---- Integer codec ----------------------------------------------------- */
 
 /**

@@ -2,7 +2,9 @@
 // call, nothing leaks, and no out-parameter holds a half-built object.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "qelm.h"
@@ -172,6 +174,17 @@ TEST(AllocationFailure, DuringAnIsolinePassLeavesTheOutParametersAlone) {
         EXPECT_EQ(points, nullptr);
         EXPECT_EQ(edges, nullptr);
       });
+}
+
+TEST(AllocationFailure, DuringAHeatMapLeaksNothing) {
+  const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
+  const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
+  const std::string path =
+      (std::filesystem::temp_directory_path() / "qelm-heat-map-without-memory").string();
+  sweep([&] { wobj(system.get(), field.data(), path.c_str()); }, [] {});
+  EXPECT_GT(std::filesystem::file_size(path + ".mtl"), 100U) << "the last run succeeds";
+  std::filesystem::remove(path + ".obj");
+  std::filesystem::remove(path + ".mtl");
 }
 
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
