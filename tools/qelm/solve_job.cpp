@@ -7,38 +7,15 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 
-#include "error.h"
+#include "load_csv.h"
+#include "load_mesh.h"
 #include "mesh_checks.h"
-#include "mesh_reader.h"
 #include "output_file.h"
-#include "paths.h"
-#include "triangulate.h"
 
 namespace qelm::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// Messages about a mesh's elements get the file's name in front.
-template <class Action>
-auto naming(const std::string& file, Action action) {
-  try {
-    return action();
-  } catch (const InputError& error) {
-    throw InputError(fmt::format("{}: {}", file, error.what()));
-  }
-}
-
-Mesh readMesh(const std::string& name, const Console& console) {
-  const PolygonSoup soup = readPolygonSoup(toPath(name));
-  Triangulation result = naming(name, [&] { return triangulate(soup); });
-  if (result.splitFaceCount > 0)
-    console.note(
-        fmt::format("{}: {} of {} faces have more than three corners and were split into "
-                    "triangles",
-                    name, result.splitFaceCount, soup.faces.size()));
-  return std::move(result.mesh);
-}
 
 struct Extremes {
   int lowest;
@@ -97,10 +74,7 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
   const Extremes extremes = extremesOf(solved.field);
   console.line("minimum  " + describeValue(solved, extremes.lowest));
   console.line("maximum  " + describeValue(solved, extremes.highest));
-  std::vector<std::string> times;
-  for (const Step& step : solved.steps.list())
-    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
-  console.line(fmt::format("time     {}", fmt::join(times, ", ")));
+  console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
                                               : fmt::format("{}", fmt::join(results, ", "))));
@@ -108,13 +82,22 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
 
 }  // namespace
 
+std::string describeTimes(const Steps& steps) {
+  std::vector<std::string> times;
+  for (const Step& step : steps.list())
+    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
+  return fmt::format("{}", fmt::join(times, ", "));
+}
+
 SolvedField solveField(const FieldOptions& options, const Console& console) {
   SolvedField solved;
   solved.meshName = options.mesh;
   for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
   Steps& steps = solved.steps;
-  solved.mesh = steps.run("read", [&] { return readMesh(options.mesh, console); });
+  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
+  std::vector<double> load;
+  if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
   naming(options.mesh, [&] {
     steps.run("check", [&] {
       checkMesh(mesh);
@@ -123,8 +106,8 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
     });
     for (const std::string& note : solved.prescribed.notes) console.note(note);
     steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
-    solved.field =
-        steps.run("solve", [&] { return solved.system->solve(mesh, solved.prescribed.values); });
+    solved.field = steps.run(
+        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, load); });
   });
   return solved;
 }
