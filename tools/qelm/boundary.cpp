@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <tuple>
+#include <unordered_map>
 
 #include "vec3.h"
 
@@ -29,7 +30,7 @@ class Walker {
     std::vector<BoundaryLoop> found;
     for (int side = 0; side < static_cast<int>(beyond_.size()); ++side) {
       if (beyond(side) != kBoundary || walked[static_cast<std::size_t>(side)]) continue;
-      found.push_back(walk(side, walked));
+      walk(side, walked, found);
     }
     std::sort(found.begin(), found.end(), [](const BoundaryLoop& a, const BoundaryLoop& b) {
       if (a.length != b.length) return a.length > b.length;
@@ -67,7 +68,7 @@ class Walker {
           count == 2 ? group[1 - k].index : kBranching;
   }
 
-  BoundaryLoop walk(int start, std::vector<bool>& walked) {
+  void walk(int start, std::vector<bool>& walked, std::vector<BoundaryLoop>& found) {
     const auto [first, second] = ends(start);
     std::vector<int> forward = {first, second};
     walked[static_cast<std::size_t>(start)] = true;
@@ -77,10 +78,27 @@ class Walker {
       follow(start, first, walked, backward);
       std::reverse(backward.begin(), backward.end());
       forward.insert(forward.begin(), backward.begin(), backward.end() - 1);
-      return measured(std::move(forward), false);
     }
-    forward.pop_back();
-    return measured(std::move(forward), true);
+    cutIntoLoops(forward, found);
+  }
+
+  /// Cuts the curve wherever it comes back to a vertex; of a closed curve, whose
+  /// last vertex is its first, nothing remains.
+  void cutIntoLoops(const std::vector<int>& curve, std::vector<BoundaryLoop>& found) const {
+    std::vector<int> open;
+    std::unordered_map<int, std::size_t> place;
+    for (const int v : curve) {
+      const auto [at, isNew] = place.try_emplace(v, open.size());
+      if (isNew) {
+        open.push_back(v);
+        continue;
+      }
+      const auto first = open.begin() + static_cast<std::ptrdiff_t>(at->second);
+      found.push_back(measured({first, open.end()}, true));
+      std::for_each(first + 1, open.end(), [&place](int passed) { place.erase(passed); });
+      open.erase(first + 1, open.end());
+    }
+    if (open.size() > 1) found.push_back(measured(std::move(open), false));
   }
 
   /// Appends the vertices after `pivot`; true when the walk came back to where

@@ -9,7 +9,7 @@
 namespace qelm::tool {
 
 struct BoundaryLoop {
-  std::vector<int> vertices;  ///< in order along the loop, each once per passage
+  std::vector<int> vertices;  ///< in order along the loop, each once
   double length = 0;
 };
 
@@ -17,9 +17,10 @@ struct BoundaryLoop {
 /// lower smallest vertex first.
 ///
 /// A boundary edge has exactly one triangle. A loop goes on, at each of its
-/// vertices, round the triangles there to the next boundary edge, so that loops
-/// that touch in a vertex stay apart, and however the triangles are oriented.
-/// Where that way meets an edge of three or more triangles, the curve ends open.
+/// vertices, round the triangles there to the next boundary edge, however they
+/// are oriented: surfaces that touch in a vertex keep their loops apart. A curve
+/// that comes back to a vertex is cut there: so do holes that touch. Where the way
+/// round meets an edge of three or more triangles, the curve ends open.
 std::vector<BoundaryLoop> boundaryLoops(const Mesh& mesh);
 
 }  // namespace qelm::tool

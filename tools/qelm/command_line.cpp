@@ -2,12 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
+#include <initializer_list>
 #include <sstream>
 
 #include "conditions.h"
 #include "console.h"
 #include "error.h"
+#include "heatmap_command.h"
+#include "load_csv.h"
+#include "output_file.h"
 #include "solve_command.h"
 
 namespace qelm::tool {
@@ -24,18 +27,40 @@ constexpr const char* kSolveExamples =
     "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - | head\n"
     "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n";
 
+constexpr const char* kHeatmapExamples =
+    "Example:\n"
+    "  qelm heatmap roof.obj --fix loop:0=0 --fix loop:1=1 -o heat\n";
+
+constexpr const char* kHeatmapHelp =
+    "Writes PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
+    "yellow, the smallest dark blue. A file of those names is replaced. Vertices come in\n"
+    "the library's order (fixed ones first), not in the mesh's.\n";
+
 void addOutputOptions(CLI::App& command, OutputOptions& output) {
   command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
-void addFieldOptions(CLI::App& command, FieldOptions& field) {
-  command.add_option("mesh", field.mesh, "Mesh file: .obj, .stl (text or binary) or .ply")
+void addMesh(CLI::App& command, std::string& mesh) {
+  command.add_option("mesh", mesh, "Mesh file: .obj, .stl (text or binary) or .ply")
       ->type_name("MESH")
       ->required();
+}
+
+void addFieldOptions(CLI::App& command, FieldOptions& field) {
+  addMesh(command, field.mesh);
   command.add_option("--fix", field.fixes, "Hold vertices at a value; may be given often")
       ->type_name("SELECTOR=VALUE")
       ->allow_extra_args(false);
+  command.add_option("--load", field.load, "Add a load, one value per vertex")
+      ->type_name("FILE.csv");
+}
+
+/// The sections of a command's help, with an empty line between each two.
+std::string sections(std::initializer_list<const char*> texts) {
+  std::string all;
+  for (const char* text : texts) all += (all.empty() ? "" : "\n") + std::string(text);
+  return all;
 }
 
 class CommandLine {
@@ -50,9 +75,11 @@ class CommandLine {
     app_.require_subcommand(1);
     app_.footer(kExitHelp);
     addSolve();
+    addHeatmap();
   }
 
   int run(std::vector<std::string> arguments) {
+    requireCommand(arguments);
     std::reverse(arguments.begin(), arguments.end());
     try {
       app_.parse(std::move(arguments));
@@ -72,11 +99,39 @@ class CommandLine {
                     "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(std::string(kConditionHelp) + "\n" + kSolveExamples + "\n" + kExitHelp);
+    command.footer(sections({kConditionHelp, kLoadHelp, kSolveExamples, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
     });
+  }
+
+  void addHeatmap() {
+    CLI::App& command =
+        *app_.add_subcommand("heatmap", "Write a mesh with its field as a heat map for any viewer");
+    addFieldOptions(command, heatmap_.field);
+    command.add_option("-o,--output", heatmap_.output, "Where the files go, without extension")
+        ->type_name("PATH")
+        ->required();
+    addOutputOptions(command, output_);
+    command.footer(
+        sections({kHeatmapHelp, kConditionHelp, kLoadHelp, kHeatmapExamples, kExitHelp}));
+    command.callback([this] {
+      requireFixes(heatmap_.field);
+      runHeatmap(heatmap_, output_);
+    });
+  }
+
+  // CLI11 would only say that a subcommand is required.
+  void requireCommand(const std::vector<std::string>& arguments) const {
+    std::string names;
+    for (const CLI::App* command : app_.get_subcommands({})) {
+      if (!arguments.empty() && command->get_name() == arguments[0]) return;
+      names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    if (arguments.empty()) throw UsageError("no command; name one of: " + names);
+    if (arguments[0].rfind('-', 0) != 0)
+      throw UsageError("there is no command '" + arguments[0] + "'; name one of: " + names);
   }
 
   static void requireFixes(const FieldOptions& field) {
@@ -87,8 +142,10 @@ class CommandLine {
 
   int explain(const CLI::ParseError& error) const {
     if (error.get_exit_code() == 0) {  // --help, --version
-      app_.exit(error, std::cout, std::cerr);
-      return std::cout.flush() ? kExitOk : kExitBadInput;
+      std::ostringstream text;
+      app_.exit(error, text, text);
+      printData(text.str());
+      return kExitOk;
     }
     Console().error(error.what());
     Console().line("Run 'qelm --help' or 'qelm COMMAND --help'.");
@@ -98,6 +155,7 @@ class CommandLine {
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
   OutputOptions output_;
   SolveOptions solve_;
+  HeatmapOptions heatmap_;
 };
 
 }  // namespace

@@ -25,10 +25,14 @@ FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags) {
         info));
 }
 
-std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double> values) const {
+std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double> values,
+                                       std::span<const double> load) const {
   std::vector<double> field(values.size());
   int status = -1;
-  qelmsolveTagged(handle(), values.data(), field.data(), &status);
+  if (load.empty())
+    qelmsolveTagged(handle(), values.data(), field.data(), &status);
+  else
+    qelmsolvePTagged(handle(), values.data(), load.data(), field.data(), &status);
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to solve with status {}", status));
   for (std::size_t v = 0; v < field.size(); ++v)

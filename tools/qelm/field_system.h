@@ -16,9 +16,10 @@ class FieldSystem {
   /// Throws InputError when the library refuses the mesh or cannot factorise.
   FieldSystem(const Mesh& mesh, std::span<const int> tags);
 
-  /// One value per vertex, in the mesh's order. Throws InputError when a value
-  /// is not finite: qelminfo() alone does not see that.
-  std::vector<double> solve(const Mesh& mesh, std::span<const double> values) const;
+  /// One value per vertex, in the mesh's order; an empty `load` is none. Throws
+  /// InputError when a value is not finite: qelminfo() alone does not see that.
+  std::vector<double> solve(const Mesh& mesh, std::span<const double> values,
+                            std::span<const double> load) const;
 
   const MeshSystem* handle() const { return handle_.get(); }
 

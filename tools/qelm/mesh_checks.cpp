@@ -109,6 +109,13 @@ std::string describeVertex(const Mesh& mesh, int vertex) {
   return fmt::format("vertex {} ({:.6g}, {:.6g}, {:.6g})", vertex, p[0], p[1], p[2]);
 }
 
+void checkFinite(const Mesh& mesh) {
+  refuseFirst(
+      mesh.vertexCount(), [&](int v) { return !isFinite(mesh.point(v)); },
+      [&](int v) { return fmt::format("{}: coordinates not finite", describeVertex(mesh, v)); },
+      "repair the file");
+}
+
 void checkMesh(const Mesh& mesh) {
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return repeatedCorner(mesh.corners(t)) >= 0; },
@@ -122,10 +129,7 @@ void checkMesh(const Mesh& mesh) {
       mesh.vertexCount(), [&](int v) { return !used[static_cast<std::size_t>(v)]; },
       [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
       "remove such vertices");
-  refuseFirst(
-      mesh.vertexCount(), [&](int v) { return !isFinite(mesh.point(v)); },
-      [&](int v) { return fmt::format("{}: coordinates not finite", describeVertex(mesh, v)); },
-      "repair the file");
+  checkFinite(mesh);
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return hasNoArea(mesh, t); },
       [&](int t) { return fmt::format("{}: zero area", describeTriangle(mesh, t)); },
@@ -149,7 +153,7 @@ void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
         return fmt::format("the connected part with {}, {} vertices in all, has no fixed vertex",
                            describeVertex(mesh, v), size[static_cast<std::size_t>(v)]);
       },
-      "fix at least one vertex in every part, or remove the part");
+      "fix a vertex in every part, remove the part, or join the parts with 'qelm weld'");
 }
 
 }  // namespace qelm::tool

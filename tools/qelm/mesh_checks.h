@@ -15,6 +15,9 @@ namespace qelm::tool {
 /// that is not finite, a triangle without area.
 void checkMesh(const Mesh& mesh);
 
+/// Throws InputError that names the first vertex with a coordinate that is not finite.
+void checkFinite(const Mesh& mesh);
+
 /// Throws InputError when some connected part of the mesh has no vertex with a
 /// nonzero tag. Triangles are connected when they share a vertex.
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);

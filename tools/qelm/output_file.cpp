@@ -9,12 +9,7 @@
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
-#include <process.h>
 #include <sys/stat.h>
-#define QELM_GETPID _getpid
-#else
-#include <unistd.h>
-#define QELM_GETPID getpid
 #endif
 
 #include "error.h"
@@ -72,7 +67,7 @@ void OutputFile::openTemporary() {
   constexpr int kAttempts = 100;
   for (int k = 0; k < kAttempts && file_ == nullptr; ++k) {
     temporary_ = target_;
-    temporary_ += fmt::format(".{}-{}.part", QELM_GETPID(), k);
+    temporary_ += fmt::format(".{}-{}.part", processNumber(), k);
     errno = 0;
     file_ = openBinary(temporary_, true);
     if (file_ == nullptr && errno != EEXIST) break;
@@ -116,6 +111,12 @@ void OutputFile::commit() {
   fs::rename(temporary_, target_, error);
   if (error) throw InputError(fmt::format("{}: cannot be replaced: {}", name_, error.message()));
   temporary_.clear();
+}
+
+void printData(std::string_view text) {
+  OutputFile file("-");
+  file.write(text);
+  file.commit();
 }
 
 }  // namespace qelm::tool

@@ -34,6 +34,9 @@ class OutputFile {
   std::FILE* file_ = nullptr;
 };
 
+/// Writes to the standard output. Throws InputError when that fails.
+void printData(std::string_view text);
+
 }  // namespace qelm::tool
 
 #endif

@@ -8,6 +8,13 @@
 #include <fstream>
 #include <iterator>
 
+#ifdef _WIN32
+#include <process.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
 #include "error.h"
 
 namespace qelm::tool {
@@ -19,6 +26,30 @@ std::string toUtf8(const fs::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
 }
+
+#ifdef _WIN32
+std::string toNarrow(const fs::path& path) {
+  const std::wstring wide = path.wstring();
+  const int wideSize = static_cast<int>(wide.size());
+  BOOL lossy = FALSE;
+  const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, nullptr,
+                                       0, nullptr, &lossy);
+  std::string narrow(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, narrow.data(), size,
+                      nullptr, nullptr);
+  if (lossy)
+    throw InputError(
+        fmt::format("{}: the name has characters outside the system's code page; choose another",
+                    toUtf8(path)));
+  return narrow;
+}
+
+int processNumber() { return _getpid(); }
+#else
+std::string toNarrow(const fs::path& path) { return path.string(); }
+
+int processNumber() { return getpid(); }
+#endif
 
 std::string lowerExtension(const fs::path& path) {
   std::string extension = toUtf8(path.extension());
@@ -35,7 +66,7 @@ std::string readFile(const fs::path& path) {
   if (status.type() == fs::file_type::not_found)
     throw InputError(fmt::format("{}: no such file; check the name and the folder", name));
   if (status.type() == fs::file_type::directory)
-    throw InputError(fmt::format("{}: is a folder; name a mesh file in it", name));
+    throw InputError(fmt::format("{}: is a folder; name a file in it", name));
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (!file) throw InputError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));

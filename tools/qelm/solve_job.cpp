@@ -5,40 +5,17 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "error.h"
+#include "load_csv.h"
+#include "load_mesh.h"
 #include "mesh_checks.h"
-#include "mesh_reader.h"
-#include "paths.h"
-#include "triangulate.h"
+#include "output_file.h"
 
 namespace qelm::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// Messages about a mesh's elements get the file's name in front.
-template <class Action>
-auto naming(const std::string& file, Action action) {
-  try {
-    return action();
-  } catch (const InputError& error) {
-    throw InputError(fmt::format("{}: {}", file, error.what()));
-  }
-}
-
-Mesh readMesh(const std::string& name, const Console& console) {
-  const PolygonSoup soup = readPolygonSoup(toPath(name));
-  Triangulation result = naming(name, [&] { return triangulate(soup); });
-  if (result.splitFaceCount > 0)
-    console.note(
-        fmt::format("{}: {} of {} faces have more than three corners and were split into "
-                    "triangles",
-                    name, result.splitFaceCount, soup.faces.size()));
-  return std::move(result.mesh);
-}
 
 struct Extremes {
   int lowest;
@@ -46,7 +23,9 @@ struct Extremes {
 };
 
 Extremes extremesOf(const std::vector<double>& field) {
-  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  // The first of equals, for both.
+  const auto low = std::min_element(field.begin(), field.end());
+  const auto high = std::max_element(field.begin(), field.end());
   return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
 }
 
@@ -77,8 +56,7 @@ void printJson(const SolvedField& solved, const std::vector<std::string>& result
                         {"max", vertexJson(solved, extremes.highest)},
                         {"seconds", seconds},
                         {"results", results}};
-  fmt::print("{}\n", summary.dump(2, ' ', false, Json::error_handler_t::replace));
-  if (std::fflush(stdout) != 0) throw InputError("standard output: writing failed");
+  printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 std::string describeValue(const SolvedField& solved, int vertex) {
@@ -96,10 +74,7 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
   const Extremes extremes = extremesOf(solved.field);
   console.line("minimum  " + describeValue(solved, extremes.lowest));
   console.line("maximum  " + describeValue(solved, extremes.highest));
-  std::vector<std::string> times;
-  for (const Step& step : solved.steps.list())
-    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
-  console.line(fmt::format("time     {}", fmt::join(times, ", ")));
+  console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
                                               : fmt::format("{}", fmt::join(results, ", "))));
@@ -107,13 +82,22 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
 
 }  // namespace
 
+std::string describeTimes(const Steps& steps) {
+  std::vector<std::string> times;
+  for (const Step& step : steps.list())
+    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
+  return fmt::format("{}", fmt::join(times, ", "));
+}
+
 SolvedField solveField(const FieldOptions& options, const Console& console) {
   SolvedField solved;
   solved.meshName = options.mesh;
   for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
   Steps& steps = solved.steps;
-  solved.mesh = steps.run("read", [&] { return readMesh(options.mesh, console); });
+  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
+  std::vector<double> load;
+  if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
   naming(options.mesh, [&] {
     steps.run("check", [&] {
       checkMesh(mesh);
@@ -122,8 +106,8 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
     });
     for (const std::string& note : solved.prescribed.notes) console.note(note);
     steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
-    solved.field =
-        steps.run("solve", [&] { return solved.system->solve(mesh, solved.prescribed.values); });
+    solved.field = steps.run(
+        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, load); });
   });
   return solved;
 }
