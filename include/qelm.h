@@ -325,6 +325,49 @@ QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, do
 QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
                                double* result, int* status);
 
+/* ---- Welding ----------------------------------------------------------- */
+
+/**
+ * Merges vertices that lie closer together than a tolerance, and re-indexes the
+ * triangles: what turns a soup, such as an STL file, into a mesh that can be
+ * constructed. Two vertices are joined when their squared distance is strictly less
+ * than tolerance * tolerance, and joining is transitive: a chain of close vertices
+ * becomes one. A merged vertex stands where its lowest-numbered member stands.
+ * Triangles that lose a corner are dropped, and so are those that repeat the three
+ * vertices of an earlier one, in whatever order.
+ *
+ * @param[in]  vertexCount          n, at least 0. With 0 nothing else is looked at.
+ * @param[in]  vertices             double[3n], packed xyz.
+ * @param[in]  triangleCount        m, at least 0.
+ * @param[in]  triangles            int[3m], every index in 0 .. n-1 (not checked).
+ * @param[in]  tolerance            Weld distance in the unit of the coordinates, at
+ *                                  least 0. With 0 nothing is merged, not even
+ *                                  vertices at the same place; with NaN neither.
+ * @param[out] weldedVertices       Room for double[3n]; receives the kept vertices,
+ *                                  in input order, their coordinates bit for bit.
+ * @param[out] weldedTriangles      Room for int[3m]; receives the kept triangles, in
+ *                                  input order, each with its own corner order.
+ * @param[out] vertexMap            int[n]; receives each vertex's welded index.
+ * @param[out] weldedVertexCount    Receives the number of kept vertices.
+ * @param[out] weldedTriangleCount  Receives the number of kept triangles. Both
+ *                                  counts may be null only if n is 0.
+ * @return 0 on success; 1 for a negative count or tolerance, with nothing written.
+ *
+ * Errors:    the return value.
+ * Ownership: the caller owns all arrays; no pointer is kept. Outputs must not
+ *            overlap inputs.
+ * Threads:   no state; may run at the same time as any other call.
+ * Memory:    exhaustion leaves as std::bad_alloc; the counts are 0 then, and the
+ *            output arrays may be partly written.
+ * Note:      vertices exactly at the tolerance stay apart. Vertices with a NaN or
+ *            infinite coordinate are never merged.
+ * Since:     0.1.0
+ */
+QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount,
+                      const int* triangles, double tolerance, double* weldedVertices,
+                      int* weldedTriangles, int* vertexMap, int* weldedVertexCount,
+                      int* weldedTriangleCount);
+
 /* ---- Isolines and heat map --------------------------------------------- */
 
 /**

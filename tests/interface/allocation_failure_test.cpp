@@ -187,6 +187,26 @@ TEST(AllocationFailure, DuringAHeatMapLeaksNothing) {
   std::filesystem::remove(path + ".mtl");
 }
 
+TEST(AllocationFailure, DuringAWeldLeaksNothingAndLeavesTheCountsAtZero) {
+  const Mesh soup = asSoup(torusMesh(9, 7));
+  std::vector<double> vertices(soup.vertices.size());
+  std::vector<int> triangles(soup.triangles.size()), map(soup.tags.size());
+  int vertexCount = -1;
+  int triangleCount = -1;
+  sweep(
+      [&] {
+        vertexCount = triangleCount = -1;
+        qelmWeld(soup.vertexCount(), soup.vertices.data(), soup.triangleCount(),
+                 soup.triangles.data(), 0.01, vertices.data(), triangles.data(), map.data(),
+                 &vertexCount, &triangleCount);
+      },
+      [&] {
+        EXPECT_EQ(vertexCount, 0);
+        EXPECT_EQ(triangleCount, 0);
+      });
+  EXPECT_EQ(vertexCount, 63);
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
