@@ -272,6 +272,57 @@ QELM_API int usecount(const MeshSystem* h);
 QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
                               int* status);
 
+/* ---- Welding ----------------------------------------------------------- */
+
+/**
+ * Merges vertices that lie closer together than a tolerance, renumbers the
+ * triangles, and leaves out those that collapse or repeat an earlier one by
+ * it. For arrays on their way to qelmctorTagged(); touches no handle.
+ *
+ * Two vertices are merged when their squared distance dx*dx + dy*dy + dz*dz is
+ * strictly below tolerance * tolerance. Merging carries on from vertex to
+ * vertex (single linkage): the ends of a chain of near vertices become one,
+ * however far apart they are. A cluster keeps the position of its vertex with
+ * the lowest index, bit for bit, and clusters keep the order of these.
+ *
+ * @param[in]  vertexCount          n, at least 0.
+ * @param[in]  vertices             double[3n], packed xyz.
+ * @param[in]  triangleCount        m, at least 0.
+ * @param[in]  triangles            int[3m], every index in 0 .. n-1 (not
+ *                                  checked).
+ * @param[in]  tolerance            Weld distance in the unit of the
+ *                                  coordinates, at least 0.
+ * @param[out] weldedVertices       double[3n]; the kept vertices come first,
+ *                                  packed, the rest is not touched. May be the
+ *                                  same array as vertices.
+ * @param[out] weldedTriangles      int[3m]; likewise the kept triangles, each
+ *                                  with its corners in input order. May be the
+ *                                  same array as triangles.
+ * @param[out] vertexMap            int[n]; receives for each input vertex its
+ *                                  index in weldedVertices.
+ * @param[out] weldedVertexCount    Receives the number of kept vertices.
+ * @param[out] weldedTriangleCount  Receives the number of kept triangles.
+ * @return 0 success; 1 vertexCount < 0, triangleCount < 0 or tolerance < 0, with
+ *         no output touched, not even the counts.
+ *
+ * Errors:    none besides. With vertexCount 0 both counts become 0, whatever
+ *            triangleCount says, nothing else is read or written, and each
+ *            count pointer may be null. With more vertices all outputs are
+ *            needed (not checked).
+ * Ownership: the caller owns all arrays; no pointer is kept.
+ * Threads:   may run at the same time as any other call, with other outputs.
+ * Memory:    exhaustion leaves as std::bad_alloc, with both counts at 0 and the
+ *            other outputs undefined.
+ * Note:      vertices exactly the tolerance apart stay apart. Tolerance 0 merges
+ *            nothing, not even equal vertices; NaN likewise. A vertex with a
+ *            NaN or infinite coordinate is never merged.
+ * Since:     0.1.0
+ */
+QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount,
+                      const int* triangles, double tolerance, double* weldedVertices,
+                      int* weldedTriangles, int* vertexMap, int* weldedVertexCount,
+                      int* weldedTriangleCount);
+
 #ifdef __cplusplus
 }
 #endif

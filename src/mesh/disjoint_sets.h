@@ -1,0 +1,49 @@
+// Union-find over 0 .. n-1 in which the root of a set is its lowest element.
+//
+// Which sets result depends on the united pairs alone, not on their order: the
+// partition is the transitive closure of the pairs, and "the lowest element" is a
+// property of the set. So a search may report its pairs in any order.
+#ifndef QELM_MESH_DISJOINT_SETS_H
+#define QELM_MESH_DISJOINT_SETS_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <numeric>
+#include <vector>
+
+namespace qelm {
+
+class DisjointSets {
+ public:
+  explicit DisjointSets(std::size_t count) : parent_(count) {
+    std::iota(parent_.begin(), parent_.end(), 0);
+  }
+
+  /// Lowest element of the set of `element`. Halves the path on its way, in a
+  /// loop: no chain of parents can overflow the stack.
+  std::int32_t root(std::int32_t element) {
+    while (parent(element) != element) {
+      parent(element) = parent(parent(element));
+      element = parent(element);
+    }
+    return element;
+  }
+
+  void unite(std::int32_t a, std::int32_t b) {
+    const std::int32_t rootA = root(a);
+    const std::int32_t rootB = root(b);
+    if (rootA != rootB) parent(std::max(rootA, rootB)) = std::min(rootA, rootB);
+  }
+
+  std::size_t size() const { return parent_.size(); }
+
+ private:
+  std::int32_t& parent(std::int32_t element) { return parent_[static_cast<std::size_t>(element)]; }
+
+  std::vector<std::int32_t> parent_;
+};
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_DISJOINT_SETS_H
