@@ -136,6 +136,33 @@ TEST(AllocationFailure, DuringASolveLeavesTheResultAlone) {
   EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
 }
 
+void sweepWeld(const Mesh& soup, double tolerance) {
+  std::vector<double> vertices(soup.vertices.size());
+  std::vector<int> triangles(soup.triangles.size());
+  std::vector<int> map(soup.vertices.size() / 3);
+  int vertexCount = Construction::kUnwritten;
+  int triangleCount = Construction::kUnwritten;
+  sweep(
+      [&] {
+        vertexCount = triangleCount = Construction::kUnwritten;
+        qelmWeld(soup.vertexCount(), soup.vertices.data(), soup.triangleCount(),
+                 soup.triangles.data(), tolerance, vertices.data(), triangles.data(), map.data(),
+                 &vertexCount, &triangleCount);
+      },
+      [&] {
+        EXPECT_EQ(vertexCount, 0);
+        EXPECT_EQ(triangleCount, 0);
+      });
+  EXPECT_GT(vertexCount, 0) << "the last run of the sweep succeeds";
+}
+
+TEST(AllocationFailure, DuringAWeldLeavesBothCountsAtZero) {
+  const Mesh soup = asSoup(gridMesh(7, 6));
+  sweepWeld(soup, 1e-6);
+  sweepWeld(soup, 0.7);
+  sweepWeld(soup, 0);
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
