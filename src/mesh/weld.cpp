@@ -70,8 +70,10 @@ constexpr std::size_t kLeafSize = 10;
 /// The tree may not decide itself. It bounds a branch's distance by adding and
 /// subtracting squares level by level, and the roundings can carry that bound past
 /// the radius although the distance to a point inside, computed directly, is below
-/// it. So it searches a wider sphere: the reach and the spreads of both cells,
-/// with slack in the reach.
+/// it. So it searches a wider sphere: the reach, which has slack for that, and the
+/// spreads of both cells. Of two cells the one with the larger spread looks for the
+/// other, so twice its own spread is enough, and cells of one point search no
+/// wider than they would without cells.
 class CellJoiner {
  public:
   CellJoiner(std::span<const double> vertices, const WeldScale& scale, WeldCells& cells,
@@ -80,8 +82,7 @@ class CellJoiner {
 
   void setCell(std::int32_t cell) {
     cell_ = cell;
-    const double reach =
-        scale_.reach + cells_.spread[static_cast<std::size_t>(cell)] + cells_.widestSpread;
+    const double reach = scale_.reach + 2 * spreadOf(cell);
     reachSquared_ = reach * reach;
   }
 
@@ -89,12 +90,15 @@ class CellJoiner {
   double worstDist() const { return reachSquared_; }
   bool full() const { return true; }
   bool addPoint(double /*distance*/, std::int32_t found) {
-    // Each pair of cells is met from both sides; once is enough.
-    if (found > cell_) join(found);
+    const bool isOurs =
+        spreadOf(found) == spreadOf(cell_) ? found > cell_ : spreadOf(found) < spreadOf(cell_);
+    if (isOurs) join(found);
     return true;
   }
 
  private:
+  double spreadOf(std::int32_t cell) const { return cells_.spread[static_cast<std::size_t>(cell)]; }
+
   void join(std::int32_t found) {
     const std::int32_t a = cells_.first[static_cast<std::size_t>(cell_)];
     const std::int32_t b = cells_.first[static_cast<std::size_t>(found)];

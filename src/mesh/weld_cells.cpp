@@ -97,7 +97,6 @@ void measureSpreads(std::span<const double> vertices, double cell, WeldCells& ce
       const double distance = length((pointAt(vertices, member) - first) / cell);
       cells.spread[c] = std::fmax(cells.spread[c], distance);
     }
-    cells.widestSpread = std::fmax(cells.widestSpread, cells.spread[c]);
   }
 }
 

@@ -37,7 +37,6 @@ struct WeldCells {
   std::vector<std::int32_t> start;    ///< one more than cells: range in members
   std::vector<std::int32_t> members;  ///< first, and what is not equal to it
   std::vector<double> spread;         ///< farthest member from first, in cell edges
-  double widestSpread = 0;
 
   std::size_t size() const { return first.size(); }
   std::span<std::int32_t> membersOf(std::int32_t cell) {
