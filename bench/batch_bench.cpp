@@ -56,7 +56,8 @@ void singleSolves(benchmark::State& state) {
   Field results(values.size());
   int status = 0;
   for (auto _ : state) {
-    for (std::size_t at = 0; at < values.size(); at += values.size() / static_cast<std::size_t>(count)) {
+    for (std::size_t at = 0; at < values.size();
+         at += values.size() / static_cast<std::size_t>(count)) {
       qelmsolveTagged(&system, values.data() + at, results.data() + at, &status);
     }
     benchmark::DoNotOptimize(results.data());
@@ -100,6 +101,11 @@ void sizesAndWidths(benchmark::internal::Benchmark* benchmark) {
 
 }  // namespace
 
-BENCHMARK(singleSolves)->ArgNames({"side", "fields"})->Args({100, 8})->Args({316, 8})->Args({1000, 8})->Unit(benchmark::kMillisecond);
+BENCHMARK(singleSolves)
+    ->ArgNames({"side", "fields"})
+    ->Args({100, 8})
+    ->Args({316, 8})
+    ->Args({1000, 8})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(oneBlock)->Apply(sizesAndWidths);
 BENCHMARK(batch)->Apply(sizesAndWidths);

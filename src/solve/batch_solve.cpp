@@ -21,8 +21,8 @@ std::size_t fieldCount(const MeshSystem& system, const Batch& batch) {
 /// system order, the others the free ones in the factor's order.
 struct Workspace {
   Workspace(const MeshSystem& system, std::size_t width)
-      : rows(std::make_unique_for_overwrite<double[]>(
-            static_cast<std::size_t>(system.vertexCount) * width)),
+      : rows(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(system.vertexCount) *
+                                                      width)),
         solved(system.freeSolver->info() == Eigen::Success) {
     if (solved) reciprocals = system.freeSolver->vectorD().cwiseInverse();
   }

@@ -18,7 +18,8 @@ int handleStatus(const MeshSystem* handle) {
 /// One span over `count` fields; none for a null array.
 template <class T>
 std::span<T> fieldsAt(T* fields, int count, std::size_t n) {
-  return fields == nullptr ? std::span<T>() : std::span<T>(fields, static_cast<std::size_t>(count) * n);
+  return fields == nullptr ? std::span<T>()
+                           : std::span<T>(fields, static_cast<std::size_t>(count) * n);
 }
 
 }  // namespace
