@@ -110,6 +110,28 @@ enum { QELM_INFO_NO_HANDLE = 7 };
  */
 typedef struct MeshSystem MeshSystem;
 
+/**
+ * The ends of level-line segments: a table of `rows` points and 3 columns, stored
+ * column by column. All x come first, then all y, then all z: coordinate c of point
+ * r is data[r + c * rows]. rows is twice the number of segments.
+ */
+typedef struct IsoPointMatrix {
+  double* data; /**< null when rows is 0 */
+  int64_t rows;
+  int64_t cols; /**< always 3 */
+} IsoPointMatrix;
+
+/**
+ * Which points belong together: a table of one row for each segment and 2 columns,
+ * stored column by column. With s segments, row i is (i, i + s): the first ends are
+ * the first s points, the second ends the last s, in segment order.
+ */
+typedef struct IsoEdgeMatrix {
+  int32_t* data; /**< null when rows is 0 */
+  int64_t rows;
+  int64_t cols; /**< always 2 */
+} IsoEdgeMatrix;
+
 /* ---- Construction and release ------------------------------------------ */
 
 /**
@@ -273,6 +295,246 @@ QELM_API int usecount(const MeshSystem* h);
  */
 QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
                               int* status);
+
+/**
+ * Solves with a load as well: K_ff u_f = -K_fb u_b - load_f, the rows of the free
+ * vertices of K u + load = 0. The load enters value for value, without mass matrix
+ * or scaling: for the Poisson equation laplace(u) = f pass the integral of f times
+ * each vertex's hat function, for instance a third of the area of the triangles
+ * around the vertex, times f.
+ *
+ * @param[in]  handle  System from qelmctorTagged(), or null.
+ * @param[in]  values  double[n], input order; read at tagged vertices only.
+ * @param[in]  load    double[n], input order; read at free vertices only.
+ * @param[out] result  double[n], input order. Any of the three arrays may be the
+ *                     same one. Tagged vertices receive their own value, bit for
+ *                     bit.
+ * @param[out] status  Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order. Unless
+ *            the status is 0, result is not touched. A failed factorisation is
+ *            status 0 with 0.0 at every free vertex: ask qelminfo().
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own arrays. Must not overlap qelmfree().
+ * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
+ * Note:      with a load of zeros the result is that of qelmsolveTagged(), except
+ *            that a zero may have the other sign.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
+                               double* result, int* status);
+
+/* ---- Welding ----------------------------------------------------------- */
+
+/**
+ * Merges vertices that lie closer together than a tolerance, and re-indexes the
+ * triangles: what turns a soup, such as an STL file, into a mesh that can be
+ * constructed. Two vertices are joined when their squared distance is strictly less
+ * than tolerance * tolerance, and joining is transitive: a chain of close vertices
+ * becomes one. A merged vertex stands where its lowest-numbered member stands.
+ * Triangles that lose a corner are dropped, and so are those that repeat the three
+ * vertices of an earlier one, in whatever order.
+ *
+ * @param[in]  vertexCount          n, at least 0. With 0 nothing else is looked at.
+ * @param[in]  vertices             double[3n], packed xyz.
+ * @param[in]  triangleCount        m, at least 0.
+ * @param[in]  triangles            int[3m], every index in 0 .. n-1 (not checked).
+ * @param[in]  tolerance            Weld distance in the unit of the coordinates, at
+ *                                  least 0. With 0 nothing is merged, not even
+ *                                  vertices at the same place; with NaN neither.
+ * @param[out] weldedVertices       Room for double[3n]; receives the kept vertices,
+ *                                  in input order, their coordinates bit for bit.
+ * @param[out] weldedTriangles      Room for int[3m]; receives the kept triangles, in
+ *                                  input order, each with its own corner order.
+ * @param[out] vertexMap            int[n]; receives each vertex's welded index.
+ * @param[out] weldedVertexCount    Receives the number of kept vertices.
+ * @param[out] weldedTriangleCount  Receives the number of kept triangles. Both
+ *                                  counts may be null only if n is 0.
+ * @return 0 on success; 1 for a negative count or tolerance, with nothing written.
+ *
+ * Errors:    the return value.
+ * Ownership: the caller owns all arrays; no pointer is kept. Outputs must not
+ *            overlap inputs.
+ * Threads:   no state; may run at the same time as any other call.
+ * Memory:    exhaustion leaves as std::bad_alloc; the counts are 0 then, and the
+ *            output arrays may be partly written.
+ * Note:      vertices exactly at the tolerance stay apart. Vertices with a NaN or
+ *            infinite coordinate are never merged.
+ * Since:     0.1.0
+ */
+QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount,
+                      const int* triangles, double tolerance, double* weldedVertices,
+                      int* weldedTriangles, int* vertexMap, int* weldedVertexCount,
+                      int* weldedTriangleCount);
+
+/* ---- Isolines and heat map --------------------------------------------- */
+
+/**
+ * Cuts a mesh, read in the way that the note describes, with levels of a field:
+ * straight segments, each with two points of its own, not joined and not labelled
+ * with their level.
+ *
+ * @param[in]  handle     System from qelmctorTagged(); null gives empty tables.
+ * @param[in]  field      double[n], SYSTEM order.
+ * @param[in]  nvals      Number of levels, at least 0.
+ * @param[in]  vals       double[nvals], in any order.
+ * @param[out] pointsOut  Not null; receives a new table of 2s points, s being the
+ *                        number of segments.
+ * @param[out] edgesOut   Not null; receives a new table of s rows.
+ *
+ * Errors:    none are reported.
+ * Ownership: both tables are the caller's and go back through qelfreeisoline();
+ *            their blocks are from the C heap.
+ * Threads:   reads the handle only; must not overlap qelmfree().
+ * Memory:    grows with the number of segments, not with triangles times levels.
+ *            Exhaustion leaves as std::bad_alloc, with nothing written or leaked.
+ * Note:      this export reads the handle's coordinate and triangle arrays as
+ *            tables of n rows and three columns stored COLUMN BY COLUMN, although
+ *            qelverts() and qeltris() hand out packed rows: corner k of triangle
+ *            row t is element t + k * n, coordinate c of vertex v is element
+ *            v + c * n. It visits n triangle rows, however many triangles there
+ *            are; rows that do not lie inside the array are skipped. This is
+ *            intended and kept for callers that arrange their data so. It does not
+ *            give the level curves of the mesh as it was constructed: those come
+ *            from qelmcurvesTagged().
+ * Note:      a segment joins the points of two edges whose position of the level is
+ *            in [0, 1], both ends included, or NaN. So a level that equals a
+ *            vertex's value gives segments without length, one that runs along an
+ *            edge or meets a NaN gives points with NaN, and nothing is merged.
+ *            Order: by pair of edges (1 and 2, then 2 and 0, then 0 and 1), then by
+ *            triangle row, then by level in the caller's order.
+ * Since:     0.1.0
+ */
+QELM_API void qelisoline(const MeshSystem* handle, const double* field, int nvals,
+                         const double* vals, IsoPointMatrix** pointsOut, IsoEdgeMatrix** edgesOut);
+
+/**
+ * Gives the tables of qelisoline() back.
+ *
+ * @param[in] points  Table, or null.
+ * @param[in] edges   Table, or null.
+ *
+ * Errors:    none; tables from elsewhere are not recognised.
+ * Ownership: both tables end here, with their data.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
+
+/**
+ * Writes the mesh with a field as path + ".obj" and path + ".mtl": a heat map. The
+ * texture coordinate is the field scaled to [0, 1] and reversed, u = 0 at the
+ * largest value and u = 1 at the smallest; the material names the colour ramp
+ * "viridis.PNG", which is not written and is looked for beside the files.
+ *
+ * @param[in] handle  System from qelmctorTagged(); null writes nothing.
+ * @param[in] field   double[n], SYSTEM order.
+ * @param[in] path    Not null; zero-terminated base name of both files. Bytes on
+ *                    Linux; on Windows in the code page of the narrow file
+ *                    functions.
+ *
+ * Errors:    a file that cannot be opened ends the export with one line on the
+ *            standard error stream, "couldn't open file <path> for writing."; an
+ *            OBJ that was written stays. Failures in writing are not reported.
+ * Ownership: none; no pointer is kept.
+ * Threads:   reads the handle only; must not overlap qelmfree(), nor another export
+ *            to the same path.
+ * Memory:    exhaustion leaves as std::bad_alloc; files may be incomplete then.
+ * Note:      the line that names the MTL file holds the whole path as given, with
+ *            its folders. Six significant digits. Text mode: line ends are those of
+ *            the platform. A field of equal values gives texture coordinates "nan".
+ * Since:     0.1.0
+ */
+QELM_API void wobj(const MeshSystem* handle, const double* field, const char* path);
+
+/* ---- Integer codec ----------------------------------------------------- */
+
+/**
+ * Carries an integer as a point on the upper half of the unit sphere. The low and
+ * the high byte become x and y in [-0.5, 0.5], z completes the length to 1. All
+ * arithmetic is in 32-bit floats.
+ *
+ * @param[in]  value  -1 .. 65534.
+ * @param[out] x,y,z  Receive the point. Written only if none is null; 0, 0, 0 for
+ *                    a value out of range.
+ * @return 0 on success, -1 for a null pointer or a value out of range.
+ *
+ * Errors:    the return value.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      65535 is refused on purpose: its two bytes are those of -1.
+ * Since:     0.1.0
+ */
+QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
+
+/**
+ * Reads the integer back from a direction made by encode_integer_to_sphere(), or
+ * from its reverse, which stands for the same value.
+ *
+ * @param[in] x,y,z  The direction. z decides by its sign alone whether x and y are
+ *                   taken negated; the length is not looked at.
+ * @return The value, -1 .. 65534.
+ *
+ * Errors:    none: every input decodes to something.
+ * Ownership: none.
+ * Threads:   no state.
+ * Memory:    allocates nothing.
+ * Note:      a coordinate off the range clamps to the byte 255, below it as well as
+ *            above; this is intended. NaN reads as the byte 0.
+ * Since:     0.1.0
+ */
+QELM_API int decode_integer_from_sphere(float x, float y, float z);
+
+/* ---- Information window (Windows only) --------------------------------- */
+
+/* These two functions do not exist on other platforms. */
+#ifdef _WIN32
+
+/**
+ * Opens the small information window, with the product's title, version and links,
+ * on a thread of its own, and returns at once.
+ *
+ * @param[in] logo   HBITMAP that the window shows; it is not copied and must stay
+ *                   alive as long as the window. With null no window is made.
+ * @param[in] owner  HWND that owns the window and is not disabled by it, or null.
+ *                   The window is centred on it.
+ * @return 1 the window's thread was started; 2 a window is recorded as open, or
+ *         memory ran out; 3 suppressed, see below; 0 no thread could be started.
+ *
+ * Errors:    the return value. What fails later, on the window's thread, ends that
+ *            thread silently.
+ * Ownership: logo and owner stay the caller's; neither is ever released.
+ * Threads:   may be called from any thread. What keeps a second window from being
+ *            opened is an unlocked test, so calls at the same time may open two.
+ * Memory:    throws nothing.
+ * Note:      the environment variable BLOCK_FILEIO with a value of 1 to 255
+ *            characters suppresses the window.
+ * Note:      the window is created from the class of the wide name
+ *            "QuobinsCoolClass", which the library does not register under that
+ *            full name: unless the process has done so by other means, 1 is
+ *            returned and no window appears. This is intended.
+ * Since:     0.1.0
+ */
+QELM_API int doPoshModal(void* logo, void* owner);
+
+/**
+ * The information window that is recorded as open.
+ *
+ * @return Its HWND, or null. Null as well once the window's close box has handled
+ *         its first message, which it does when it is first shown; this is intended.
+ *
+ * Errors:    none.
+ * Ownership: the window belongs to its thread.
+ * Threads:   may be called from any thread; the answer is a snapshot.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void* getPoshHandle(void);
+
+#endif /* _WIN32 */
 
 /* ---- Additions --------------------------------------------------------- */
 /* What follows came to the interface later than the functions above and is

@@ -5,16 +5,26 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "interface/mesh_system.h"
+#include "mesh/sparsity.h"
 
 namespace qelm {
+
+/// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
+/// in 0 .. n-1, no triangle with a repeated vertex. Each entry sums its triangles'
+/// contributions in input order, starting from the first one. Beyond the result
+/// it needs 12 bytes for each triangle and 16 for each vertex.
+FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
+                               std::span<const double> coordinates,
+                               std::span<const std::int32_t> triangles);
 
 /// Builds the system of a mesh that is already in system order, its first
 /// `taggedCount` vertices being the prescribed ones.
 ///
 /// coordinates: 3 * vertexCount values, packed xyz. triangles: three indices in
-/// 0 .. vertexCount-1 each. The result owns copies of both; its vertexPlace,
+/// 0 .. vertexCount-1 each. Both become the result's; its vertexPlace,
 /// vertexOrder and tags are left empty for the caller.
 ///
 /// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a
@@ -22,8 +32,8 @@ namespace qelm {
 /// result is null and status is left as it was. How the factorisation ended is
 /// in freeSolver->info(), not in status.
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
-                                           std::span<const double> coordinates,
-                                           std::span<const std::int32_t> triangles, int& status);
+                                           std::vector<double> coordinates,
+                                           std::vector<std::int32_t> triangles, int& status);
 
 }  // namespace qelm
 

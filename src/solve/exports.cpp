@@ -24,3 +24,13 @@ extern "C" void qelmsolveTagged(const MeshSystem* handle, const double* values, 
   }
   *status = outcome;
 }
+
+extern "C" void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
+                                 double* result, int* status) {
+  const int outcome = handleStatus(handle);
+  if (outcome == QELM_STATUS_OK) {
+    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    qelm::solveWithLoad(*handle, {values, n}, {load, n}, {result, n});
+  }
+  *status = outcome;
+}

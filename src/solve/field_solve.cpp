@@ -44,6 +44,20 @@ VectorXd dirichletRhs(const MeshSystem& system, const VectorXd& fixed) {
   return rhs;
 }
 
+/// -load - K_fb u_b. The sums start from the negated load, and here the negation
+/// belongs to the prescribed value: with a load of zeros that is the right-hand
+/// side above, but for the sign of a zero.
+VectorXd loadRhs(const MeshSystem& system, const VectorXd& fixed, const VectorXd& load) {
+  VectorXd rhs = -load;
+  const SparseBlock& coupling = *system.freeFixedBlock;
+  for (Index j = 0; j < coupling.outerSize(); ++j) {
+    for (SparseBlock::InnerIterator entry(coupling, j); entry; ++entry) {
+      rhs[entry.row()] += (fixed[j] * -1.0) * entry.value();
+    }
+  }
+  return rhs;
+}
+
 /// The whole field in system order: `fixed` in front, the solution of
 /// K_ff y = rhs behind it, or zeros there if the factorisation failed.
 VectorXd solveFree(const MeshSystem& system, const VectorXd& fixed, const VectorXd& rhs) {
@@ -61,6 +75,14 @@ void solveDirichlet(const MeshSystem& system, std::span<const double> values,
                     std::span<double> result) {
   const VectorXd fixed = gather(system, values, 0, static_cast<Index>(system.fixedCount));
   scatter(system, solveFree(system, fixed, dirichletRhs(system, fixed)), result);
+}
+
+void solveWithLoad(const MeshSystem& system, std::span<const double> values,
+                   std::span<const double> load, std::span<double> result) {
+  const auto t = static_cast<Index>(system.fixedCount);
+  const VectorXd fixed = gather(system, values, 0, t);
+  const VectorXd freeLoad = gather(system, load, t, freeCount(system));
+  scatter(system, solveFree(system, fixed, loadRhs(system, fixed, freeLoad)), result);
 }
 
 }  // namespace qelm

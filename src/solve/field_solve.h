@@ -17,6 +17,13 @@ namespace qelm {
 void solveDirichlet(const MeshSystem& system, std::span<const double> values,
                     std::span<double> result);
 
+/// The same with a load, K_ff u_f = -K_fb u_b - load_f: the rows of the free
+/// vertices of K u + load = 0. The load enters as it is, one value for each free
+/// vertex, without mass matrix or scaling; its entries at tagged vertices are not
+/// read. Any of the three arrays may be the same.
+void solveWithLoad(const MeshSystem& system, std::span<const double> values,
+                   std::span<const double> load, std::span<double> result);
+
 }  // namespace qelm
 
 #endif  // QELM_SOLVE_FIELD_SOLVE_H

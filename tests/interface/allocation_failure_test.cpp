@@ -2,7 +2,9 @@
 // call, nothing leaks, and no out-parameter holds a half-built object.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "qelm.h"
@@ -134,6 +136,75 @@ TEST(AllocationFailure, DuringASolveLeavesTheResultAlone) {
         EXPECT_EQ(status, Construction::kUnwritten);
       });
   EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
+}
+
+TEST(AllocationFailure, DuringASolveWithLoadLeavesTheResultAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values = mesh.sample([](Point p) { return p.x - p.y; });
+  const Field untouched(values.size(), -777.0);
+  Field result = untouched;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        result = untouched;
+        status = Construction::kUnwritten;
+        qelmsolvePTagged(system.get(), values.data(), values.data(), result.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(result, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+}
+
+TEST(AllocationFailure, DuringAnIsolinePassLeavesTheOutParametersAlone) {
+  const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
+  const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
+  const double levels[] = {0.9, 0.3, 1.2};
+  IsoPointMatrix* points = nullptr;
+  IsoEdgeMatrix* edges = nullptr;
+  sweep(
+      [&] {
+        points = nullptr;
+        edges = nullptr;
+        qelisoline(system.get(), field.data(), 3, levels, &points, &edges);
+        qelfreeisoline(points, edges);
+      },
+      [&] {
+        EXPECT_EQ(points, nullptr);
+        EXPECT_EQ(edges, nullptr);
+      });
+}
+
+TEST(AllocationFailure, DuringAHeatMapLeaksNothing) {
+  const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
+  const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
+  const std::string path =
+      (std::filesystem::temp_directory_path() / "qelm-heat-map-without-memory").string();
+  sweep([&] { wobj(system.get(), field.data(), path.c_str()); }, [] {});
+  EXPECT_GT(std::filesystem::file_size(path + ".mtl"), 100U) << "the last run succeeds";
+  std::filesystem::remove(path + ".obj");
+  std::filesystem::remove(path + ".mtl");
+}
+
+TEST(AllocationFailure, DuringAWeldLeaksNothingAndLeavesTheCountsAtZero) {
+  const Mesh soup = asSoup(torusMesh(9, 7));
+  std::vector<double> vertices(soup.vertices.size());
+  std::vector<int> triangles(soup.triangles.size()), map(soup.tags.size());
+  int vertexCount = -1;
+  int triangleCount = -1;
+  sweep(
+      [&] {
+        vertexCount = triangleCount = -1;
+        qelmWeld(soup.vertexCount(), soup.vertices.data(), soup.triangleCount(),
+                 soup.triangles.data(), 0.01, vertices.data(), triangles.data(), map.data(),
+                 &vertexCount, &triangleCount);
+      },
+      [&] {
+        EXPECT_EQ(vertexCount, 0);
+        EXPECT_EQ(triangleCount, 0);
+      });
+  EXPECT_EQ(vertexCount, 63);
 }
 
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {

@@ -1,0 +1,65 @@
+#include "export/heat_map.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "export/block_writer.h"
+
+namespace qelm {
+namespace {
+
+void writeVertices(BlockWriter& text, std::span<const double> vertices) {
+  for (std::size_t i = 0; i < vertices.size(); i += 3) {
+    text << "v " << vertices[i] << ' ' << vertices[i + 1] << ' ' << vertices[i + 2] << '\n';
+  }
+}
+
+/// Reversed on purpose: the largest value gets u = 0, the smallest u = 1. With
+/// equal values everywhere 0 / 0 is written as it is. Where a NaN stands among the
+/// values, which two are taken for the extremes is up to std::minmax_element, whose
+/// every comparison with it is false.
+void writeTextureCoordinates(BlockWriter& text, std::span<const double> field) {
+  if (field.empty()) return;
+  const auto [smallest, largest] = std::minmax_element(field.begin(), field.end());
+  const double low = *smallest;
+  const double range = *largest - low;
+  for (const double value : field) text << "vt " << 1.0 - (value - low) / range << " 0.5\n";
+}
+
+/// 1-based; a corner's texture coordinate has the number of its vertex.
+void writeFaces(BlockWriter& text, std::span<const std::int32_t> triangles) {
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    text << 'f';
+    for (const std::int32_t v : triangles.subspan(j, 3)) text << ' ' << v + 1 << '/' << v + 1;
+    text << '\n';
+  }
+}
+
+}  // namespace
+
+void writeObj(std::ostream& out, const HeatMap& map, std::string_view path) {
+  BlockWriter text(out);
+  // The whole path as the caller gave it, folders included, on purpose.
+  text << "mtllib " << path << ".mtl\n";
+  text << "usemtl Heat\n";
+  writeVertices(text, map.vertices);
+  writeTextureCoordinates(text, map.field);
+  writeFaces(text, map.triangles);
+  text.finish();
+}
+
+// The blanks and tabs at the ends belong to the lines.
+void writeMtl(std::ostream& out) {
+  BlockWriter text(out);
+  text << "newmtl Heat \n"
+          "Kd 1 1 1             \n"
+          "Ns 96.0784\t\t\t \n"
+          "d 1\t\t\t\t\t \n"
+          "illum 1\t\t\t\t \n"
+          "Ka 0 0 0\t\t\t \n"
+          "Ks 1 1 1\t\t\t \n"
+          "map_Kd viridis.PNG\n";
+  text.finish();
+}
+
+}  // namespace qelm

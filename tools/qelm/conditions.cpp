@@ -1,0 +1,98 @@
+#include "conditions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "error.h"
+#include "text.h"
+
+namespace qelm::tool {
+
+const char* const kConditionHelp =
+    "Boundary conditions: --fix SELECTOR=VALUE holds the selected vertices at VALUE.\n"
+    "  vertex:I[,I...]         vertices by number\n"
+    "  loop:K                  the K-th boundary loop, the longest is loop:0\n"
+    "  near:X,Y,Z              the vertex nearest to a point\n"
+    "  box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
+    "Vertices, triangles, faces and loops are numbered from 0 (files in which the\n"
+    "first vertex is 1, such as OBJ, too). Where several --fix select the same\n"
+    "vertex, the last one holds, and a note says so.\n";
+
+namespace {
+
+[[noreturn]] void fail(std::string_view text, const std::string& why) {
+  throw UsageError(fmt::format("--fix {}: {}", text, why));
+}
+
+constexpr const char* kForms =
+    "write vertex:I[,I...]=VALUE, loop:K=VALUE, near:X,Y,Z=VALUE or "
+    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE";
+
+double finiteNumber(std::string_view word, std::string_view text) {
+  const auto value = parseDouble(trimmed(word));
+  if (!value) fail(text, fmt::format("'{}' is not a number", word));
+  if (!std::isfinite(*value)) fail(text, fmt::format("'{}' is not finite", word));
+  return *value;
+}
+
+std::vector<double> numbers(std::string_view list, std::size_t count, std::string_view text) {
+  std::vector<double> values;
+  for (const std::string_view word : splitAt(list, ',')) values.push_back(finiteNumber(word, text));
+  if (values.size() != count)
+    fail(text, fmt::format("{} numbers are needed here, {} given", count, values.size()));
+  return values;
+}
+
+long long wholeNumber(std::string_view word, std::string_view text) {
+  const auto value = parseInteger(trimmed(word));
+  if (!value || *value < 0) fail(text, fmt::format("'{}' is not a number counted from 0", word));
+  return *value;
+}
+
+VertexList parseVertices(std::string_view list, std::string_view text) {
+  VertexList result;
+  for (const std::string_view word : splitAt(list, ','))
+    result.vertices.push_back(wholeNumber(word, text));
+  return result;
+}
+
+Box parseBox(std::string_view list, std::string_view text) {
+  const std::vector<double> v = numbers(list, 6, text);
+  Box box{};
+  for (std::size_t k = 0; k < 3; ++k) {
+    box.low[k] = std::min(v[k], v[k + 3]);
+    box.high[k] = std::max(v[k], v[k + 3]);
+  }
+  return box;
+}
+
+Selector parseSelector(std::string_view selector, std::string_view text) {
+  const std::size_t colon = selector.find(':');
+  if (colon == std::string_view::npos) fail(text, kForms);
+  const std::string_view kind = selector.substr(0, colon);
+  const std::string_view rest = selector.substr(colon + 1);
+  if (kind == "vertex") return parseVertices(rest, text);
+  if (kind == "loop") return LoopNumber{wholeNumber(rest, text)};
+  if (kind == "near") {
+    const std::vector<double> v = numbers(rest, 3, text);
+    return NearestTo{{v[0], v[1], v[2]}};
+  }
+  if (kind == "box") return parseBox(rest, text);
+  fail(text, fmt::format("no selector '{}'; {}", kind, kForms));
+}
+
+}  // namespace
+
+Condition parseCondition(const std::string& text) {
+  const std::string_view view = text;
+  const std::size_t equals = view.rfind('=');
+  if (equals == std::string_view::npos) fail(text, kForms);
+  const std::string_view selector = trimmed(view.substr(0, equals));
+  return {std::string(selector), parseSelector(selector, text),
+          finiteNumber(view.substr(equals + 1), text)};
+}
+
+}  // namespace qelm::tool

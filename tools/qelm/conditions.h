@@ -1,0 +1,41 @@
+// The grammar of boundary conditions: SELECTOR=VALUE.
+#ifndef QELM_TOOLS_CONDITIONS_H
+#define QELM_TOOLS_CONDITIONS_H
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "mesh.h"
+
+namespace qelm::tool {
+
+struct VertexList {  ///< vertex:I[,I...]
+  std::vector<long long> vertices;
+};
+struct LoopNumber {  ///< loop:K
+  long long number;
+};
+struct NearestTo {  ///< near:X,Y,Z
+  Point point;
+};
+struct Box {  ///< box:X0,Y0,Z0,X1,Y1,Z1, any two opposite corners
+  Point low, high;
+};
+using Selector = std::variant<VertexList, LoopNumber, NearestTo, Box>;
+
+struct Condition {
+  std::string text;  ///< the selector as written, for messages
+  Selector selector;
+  double value;
+};
+
+/// Throws UsageError that quotes `text`.
+Condition parseCondition(const std::string& text);
+
+/// Shown in --help.
+extern const char* const kConditionHelp;
+
+}  // namespace qelm::tool
+
+#endif

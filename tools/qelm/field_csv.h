@@ -1,0 +1,18 @@
+// Fields as CSV: a header line, then one line per vertex.
+#ifndef QELM_TOOLS_FIELD_CSV_H
+#define QELM_TOOLS_FIELD_CSV_H
+
+#include <span>
+
+#include "mesh.h"
+#include "output_file.h"
+
+namespace qelm::tool {
+
+/// Writes "vertex,x,y,z,value" and a line for each vertex, in the mesh's order,
+/// with the shortest digits that read back as the same doubles.
+void writeFieldCsv(const Mesh& mesh, std::span<const double> field, OutputFile& file);
+
+}  // namespace qelm::tool
+
+#endif

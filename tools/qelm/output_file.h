@@ -1,0 +1,42 @@
+// Files that appear complete or not at all.
+#ifndef QELM_TOOLS_OUTPUT_FILE_H
+#define QELM_TOOLS_OUTPUT_FILE_H
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace qelm::tool {
+
+/// Writes to a temporary file beside the target, which commit() renames. Without
+/// commit() nothing is left and a file of that name stays as it was. Devices and
+/// pipes are written to directly; "-" is the standard output.
+///
+/// Opening, writing and committing throw InputError that names the target.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& target);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  void write(std::string_view bytes);
+  void commit();
+
+ private:
+  [[noreturn]] void fail(const char* what) const;
+  void openTemporary();
+
+  std::string name_;
+  std::filesystem::path target_;     ///< empty for the standard output
+  std::filesystem::path temporary_;  ///< empty when the target is written to directly
+  std::FILE* file_ = nullptr;
+};
+
+/// Writes to the standard output. Throws InputError when that fails.
+void printData(std::string_view text);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,31 @@
+// File names. Inside the tool every name is UTF-8; at the edges it is whatever
+// the platform wants.
+#ifndef QELM_TOOLS_PATHS_H
+#define QELM_TOOLS_PATHS_H
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace qelm::tool {
+
+std::filesystem::path toPath(std::string_view utf8);
+std::string toUtf8(const std::filesystem::path& path);
+
+/// The name as the library's narrow paths want it: on Windows in the system's
+/// code page. Throws InputError when that cannot hold it.
+std::string toNarrow(const std::filesystem::path& path);
+
+/// Distinguishes temporary names of processes that run at the same time.
+int processNumber();
+
+/// The file's extension in lower case, with its dot.
+std::string lowerExtension(const std::filesystem::path& path);
+
+/// All bytes of a file; an InputError that names the file and the reason when it
+/// cannot be read.
+std::string readFile(const std::filesystem::path& path);
+
+}  // namespace qelm::tool
+
+#endif

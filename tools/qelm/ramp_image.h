@@ -1,0 +1,18 @@
+// The heat map's colour ramp as a PNG image.
+#ifndef QELM_TOOLS_RAMP_IMAGE_H
+#define QELM_TOOLS_RAMP_IMAGE_H
+
+#include <string>
+
+namespace qelm::tool {
+
+/// The name that the library writes into material files.
+inline constexpr const char* kRampFileName = "viridis.PNG";
+
+/// The bytes of a PNG image of the viridis ramp, yellow at the left: the heat
+/// map's texture coordinate is 0 where the field is largest.
+std::string rampImage();
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,142 @@
+#include "selection.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <optional>
+
+#include "boundary.h"
+#include "error.h"
+#include "mesh_checks.h"
+#include "vec3.h"
+
+namespace qelm::tool {
+namespace {
+
+class Selection {
+ public:
+  Selection(const Mesh& mesh, const Condition& condition,
+            std::optional<std::vector<BoundaryLoop>>& loops)
+      : mesh_(mesh), condition_(condition), loops_(loops) {}
+
+  std::vector<int> run() {
+    std::vector<int> vertices =
+        std::visit([this](const auto& selector) { return select(selector); }, condition_.selector);
+    std::sort(vertices.begin(), vertices.end());
+    vertices.erase(std::unique(vertices.begin(), vertices.end()), vertices.end());
+    return vertices;
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const {
+    throw InputError(fmt::format("--fix {}: {}", condition_.text, what));
+  }
+
+  std::vector<int> select(const VertexList& list) const {
+    std::vector<int> vertices;
+    for (const long long v : list.vertices) {
+      if (v >= mesh_.vertexCount())
+        fail(fmt::format("there is no vertex {}; the mesh has {} vertices, numbered 0 to {}", v,
+                         mesh_.vertexCount(), mesh_.vertexCount() - 1));
+      vertices.push_back(static_cast<int>(v));
+    }
+    return vertices;
+  }
+
+  std::vector<int> select(const LoopNumber& loop) const {
+    if (!loops_) loops_ = boundaryLoops(mesh_);
+    if (loops_->empty()) fail("the mesh is closed: it has no boundary loop");
+    const auto number = static_cast<unsigned long long>(loop.number);
+    if (number >= loops_->size())
+      fail(fmt::format("there is no loop {}; {}", loop.number, describeLoops()));
+    return (*loops_)[static_cast<std::size_t>(number)].vertices;
+  }
+
+  std::string describeLoops() const {
+    constexpr std::size_t kShown = 8;
+    std::string text = fmt::format("the mesh has {} boundary loop{}", loops_->size(),
+                                   loops_->size() == 1 ? "" : "s");
+    for (std::size_t k = 0; k < std::min(loops_->size(), kShown); ++k)
+      text += fmt::format("{} loop:{} ({:.6g} long)", k == 0 ? ":" : ",", k, (*loops_)[k].length);
+    return loops_->size() > kShown ? text + ", ..." : text;
+  }
+
+  // Of equally near vertices the one with the lowest number.
+  std::vector<int> select(const NearestTo& target) const {
+    int nearest = 0;
+    double least = std::numeric_limits<double>::infinity();
+    for (int v = 0; v < mesh_.vertexCount(); ++v) {
+      const double distance = length(mesh_.point(v) - target.point);
+      if (distance < least) {
+        nearest = v;
+        least = distance;
+      }
+    }
+    return {nearest};
+  }
+
+  std::vector<int> select(const Box& box) const {
+    std::vector<int> vertices;
+    for (int v = 0; v < mesh_.vertexCount(); ++v) {
+      const Point p = mesh_.point(v);
+      bool inside = true;
+      for (std::size_t k = 0; k < 3; ++k)
+        inside = inside && box.low[k] <= p[k] && p[k] <= box.high[k];
+      if (inside) vertices.push_back(v);
+    }
+    if (vertices.empty()) fail("no vertex lies in this box; " + describeExtent());
+    return vertices;
+  }
+
+  std::string describeExtent() const {
+    Point low = mesh_.point(0);
+    Point high = low;
+    for (int v = 1; v < mesh_.vertexCount(); ++v)
+      for (std::size_t k = 0; k < 3; ++k) {
+        low[k] = std::min(low[k], mesh_.point(v)[k]);
+        high[k] = std::max(high[k], mesh_.point(v)[k]);
+      }
+    return fmt::format("the mesh spans {:.6g},{:.6g},{:.6g} to {:.6g},{:.6g},{:.6g}", low[0],
+                       low[1], low[2], high[0], high[1], high[2]);
+  }
+
+  const Mesh& mesh_;
+  const Condition& condition_;
+  std::optional<std::vector<BoundaryLoop>>& loops_;
+};
+
+/// Fixes the vertices and returns those that had another value before.
+std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices, double value) {
+  std::vector<int> changed;
+  for (const int v : vertices) {
+    const auto i = static_cast<std::size_t>(v);
+    if (prescribed.tags[i] != 0 && prescribed.values[i] != value) changed.push_back(v);
+    if (prescribed.tags[i] == 0) ++prescribed.fixedCount;
+    prescribed.tags[i] = 1;
+    prescribed.values[i] = value;
+  }
+  return changed;
+}
+
+}  // namespace
+
+Prescribed prescribe(const Mesh& mesh, std::span<const Condition> conditions) {
+  const auto n = static_cast<std::size_t>(mesh.vertexCount());
+  Prescribed prescribed{std::vector<int>(n, 0), std::vector<double>(n, 0.0), {}, {}, 0};
+  std::optional<std::vector<BoundaryLoop>> loops;
+  for (const Condition& condition : conditions) {
+    const std::vector<int> vertices = Selection(mesh, condition, loops).run();
+    prescribed.selected.push_back(static_cast<int>(vertices.size()));
+    const std::vector<int> changed = fix(prescribed, vertices, condition.value);
+    if (!changed.empty())
+      prescribed.notes.push_back(fmt::format(
+          "{}={} holds instead of an earlier --fix at {} {}, the first is {}", condition.text,
+          condition.value, changed.size(), changed.size() == 1 ? "vertex" : "vertices",
+          describeVertex(mesh, changed[0])));
+  }
+  return prescribed;
+}
+
+}  // namespace qelm::tool

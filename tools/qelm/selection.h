@@ -1,0 +1,31 @@
+// Boundary conditions applied to a mesh.
+#ifndef QELM_TOOLS_SELECTION_H
+#define QELM_TOOLS_SELECTION_H
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "conditions.h"
+#include "mesh.h"
+
+namespace qelm::tool {
+
+struct Prescribed {
+  std::vector<int> tags;           ///< n; 1 at fixed vertices, else 0
+  std::vector<double> values;      ///< n; 0 at free vertices
+  std::vector<int> selected;       ///< for each condition how many vertices it selects
+  std::vector<std::string> notes;  ///< for the user, such as conditions that overlap
+  int fixedCount = 0;
+};
+
+/// Applies the conditions in order; where they overlap with different values the
+/// later one holds and a note names the first such vertex.
+///
+/// Throws InputError when a condition names what the mesh has not, or selects
+/// nothing.
+Prescribed prescribe(const Mesh& mesh, std::span<const Condition> conditions);
+
+}  // namespace qelm::tool
+
+#endif

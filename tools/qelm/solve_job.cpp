@@ -1,0 +1,123 @@
+#include "solve_job.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+
+#include "load_csv.h"
+#include "load_mesh.h"
+#include "mesh_checks.h"
+#include "output_file.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Extremes {
+  int lowest;
+  int highest;
+};
+
+Extremes extremesOf(const std::vector<double>& field) {
+  // The first of equals, for both.
+  const auto low = std::min_element(field.begin(), field.end());
+  const auto high = std::max_element(field.begin(), field.end());
+  return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
+}
+
+double valueAt(const SolvedField& solved, int vertex) {
+  return solved.field[static_cast<std::size_t>(vertex)];
+}
+
+Json vertexJson(const SolvedField& solved, int vertex) {
+  return {
+      {"value", valueAt(solved, vertex)}, {"vertex", vertex}, {"point", solved.mesh.point(vertex)}};
+}
+
+void printJson(const SolvedField& solved, const std::vector<std::string>& results) {
+  const Extremes extremes = extremesOf(solved.field);
+  Json fixes = Json::array();
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    fixes.push_back({{"selector", solved.conditions[k].text},
+                     {"value", solved.conditions[k].value},
+                     {"vertices", solved.prescribed.selected[k]}});
+  Json seconds = Json::object();
+  for (const Step& step : solved.steps.list()) seconds[step.name] = step.seconds;
+  const Json summary = {{"mesh", solved.meshName},
+                        {"vertices", solved.mesh.vertexCount()},
+                        {"triangles", solved.mesh.triangleCount()},
+                        {"fixedVertices", solved.prescribed.fixedCount},
+                        {"fix", fixes},
+                        {"min", vertexJson(solved, extremes.lowest)},
+                        {"max", vertexJson(solved, extremes.highest)},
+                        {"seconds", seconds},
+                        {"results", results}};
+  printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+std::string describeValue(const SolvedField& solved, int vertex) {
+  return fmt::format("{:.6g} at {}", valueAt(solved, vertex), describeVertex(solved.mesh, vertex));
+}
+
+void printLines(const SolvedField& solved, const std::vector<std::string>& results,
+                const Console& console) {
+  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
+                           solved.mesh.vertexCount(), solved.mesh.triangleCount()));
+  console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
+                             solved.conditions[k].value, solved.prescribed.selected[k]));
+  const Extremes extremes = extremesOf(solved.field);
+  console.line("minimum  " + describeValue(solved, extremes.lowest));
+  console.line("maximum  " + describeValue(solved, extremes.highest));
+  console.line("time     " + describeTimes(solved.steps));
+  console.line(fmt::format("result   {}", results.empty()
+                                              ? "not written; -o FIELD.csv writes it"
+                                              : fmt::format("{}", fmt::join(results, ", "))));
+}
+
+}  // namespace
+
+std::string describeTimes(const Steps& steps) {
+  std::vector<std::string> times;
+  for (const Step& step : steps.list())
+    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
+  return fmt::format("{}", fmt::join(times, ", "));
+}
+
+SolvedField solveField(const FieldOptions& options, const Console& console) {
+  SolvedField solved;
+  solved.meshName = options.mesh;
+  for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
+  Steps& steps = solved.steps;
+  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  const Mesh& mesh = solved.mesh;
+  std::vector<double> load;
+  if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
+  naming(options.mesh, [&] {
+    steps.run("check", [&] {
+      checkMesh(mesh);
+      solved.prescribed = prescribe(mesh, solved.conditions);
+      checkEveryPartIsFixed(mesh, solved.prescribed.tags);
+    });
+    for (const std::string& note : solved.prescribed.notes) console.note(note);
+    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
+    solved.field = steps.run(
+        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, load); });
+  });
+  return solved;
+}
+
+void reportField(const SolvedField& solved, const std::vector<std::string>& results,
+                 const OutputOptions& output, const Console& console) {
+  if (output.json)
+    printJson(solved, results);
+  else
+    printLines(solved, results, console);
+}
+
+}  // namespace qelm::tool

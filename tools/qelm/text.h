@@ -1,0 +1,42 @@
+// Small pieces of parsing that every reader needs.
+#ifndef QELM_TOOLS_TEXT_H
+#define QELM_TOOLS_TEXT_H
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace qelm::tool {
+
+/// The whole of `text` as a number; nothing when anything else is in it. "nan"
+/// and "inf" are numbers here; what is too large becomes infinite.
+std::optional<double> parseDouble(std::string_view text);
+
+/// The whole of `text` as a decimal integer.
+std::optional<long long> parseInteger(std::string_view text);
+
+std::vector<std::string_view> splitAt(std::string_view text, char separator);
+std::vector<std::string_view> splitAtBlanks(std::string_view text);
+std::string_view trimmed(std::string_view text);
+
+/// Hands out a text line by line, without line ends ("\n" or "\r\n").
+class LineReader {
+ public:
+  explicit LineReader(std::string_view text) : rest_(text) {}
+
+  /// Moves to the next line; false at the end.
+  bool next();
+  std::string_view line() const { return line_; }
+  /// Counted from 1, as editors do.
+  std::size_t number() const { return number_; }
+
+ private:
+  std::string_view rest_;
+  std::string_view line_;
+  std::size_t number_ = 0;
+};
+
+}  // namespace qelm::tool
+
+#endif
