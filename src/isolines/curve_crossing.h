@@ -67,7 +67,7 @@ inline double coordinateTowards(double from, double to, double share) {
   return sum + 0.0;
 }
 
-/// The point of an edge at a level, lowValue < level <= highValue.
+/// The point of an edge at a place from placeOnEdge().
 ///
 /// With u = 2^-53, the share carries three roundings (two differences and a
 /// quotient), the product with the coordinate difference two more, and the sum
@@ -75,8 +75,7 @@ inline double coordinateTowards(double from, double to, double share) {
 ///   3 u |high - low| + u max(|low|, |high|)
 /// of the exact point, as 5/2 u and terms of u^2 stay below 3 u; plus the smallest
 /// positive double where a product underflows.
-inline Vec3 crossingPoint(const EdgeEnds& ends, double level) {
-  const EdgePlace place = placeOnEdge(ends.lowValue, ends.highValue, level);
+inline Vec3 crossingPoint(const EdgeEnds& ends, const EdgePlace& place) {
   const Vec3& from = place.fromLow ? ends.low : ends.high;
   const Vec3& to = place.fromLow ? ends.high : ends.low;
   return {coordinateTowards(from.x, to.x, place.share),

@@ -21,7 +21,13 @@ std::size_t numberNodes(std::span<const std::uint32_t> ranks, std::span<CrossedE
   return static_cast<std::size_t>(count);
 }
 
-/// Computes the points and finds which are at a vertex.
+/// Share of an edge's length up to which a crossing counts as next to a vertex. Where
+/// edges of length h leave a vertex with coordinates of size c, crossings beyond
+/// 2^-53 c / h of them are told apart by their coordinates. A millionth is far above
+/// that for any sensible h, and rare enough to cost nothing.
+constexpr double kNear = 0x1p-20;
+
+/// Computes the points and finds which are near a vertex.
 class NodePlacer {
  public:
   NodePlacer(const FieldOnMesh& mesh, std::span<const double> levels, CurveGraph& graph)
@@ -35,9 +41,11 @@ class NodePlacer {
                            mesh_.value(high)};
     for (std::uint32_t set = 0; set < nodeSetsOf(edge); ++set) {
       for (std::uint32_t level = ranks[low]; level < ranks[high]; ++level) {
-        const Vec3 point = crossingPoint(ends, levels_[level]);
-        if (samePlace(point, ends.low)) noteVertex(low);
-        if (samePlace(point, ends.high)) noteVertex(high);
+        const EdgePlace place = placeOnEdge(ends.lowValue, ends.highValue, levels_[level]);
+        const Vec3 point = crossingPoint(ends, place);
+        const bool isNear = place.share <= kNear;
+        if (isNear ? place.fromLow : samePlace(point, ends.low)) noteVertex(low);
+        if (isNear ? !place.fromLow : samePlace(point, ends.high)) noteVertex(high);
         graph_.nodes.push_back({point, {kNoLink, kNoLink}});
       }
     }
@@ -46,8 +54,8 @@ class NodePlacer {
  private:
   /// The next node lies at `vertex`.
   void noteVertex(std::uint32_t vertex) {
-    if (graph_.vertexAt.empty()) graph_.vertexAt.assign(graph_.nodes.capacity(), kNoVertex);
-    graph_.vertexAt[graph_.nodes.size()] = vertex;
+    if (graph_.vertexNear.empty()) graph_.vertexNear.assign(graph_.nodes.capacity(), kNoVertex);
+    graph_.vertexNear[graph_.nodes.size()] = vertex;
   }
 
   const FieldOnMesh& mesh_;
@@ -125,13 +133,13 @@ class PieceLinker {
       addLink(graph_.nodes[run.from + i], linkTo(run.to + i, true));
       addLink(graph_.nodes[run.to + i], linkTo(run.from + i, false));
     }
-    if (!graph_.vertexAt.empty()) noteEdgePieces(run);
+    if (!graph_.vertexNear.empty()) noteEdgePieces(run);
   }
 
   void noteEdgePieces(const PieceRun& run) {
     for (std::uint32_t i = 0; i < run.count; ++i) {
-      const std::uint32_t a = graph_.vertexAt[run.from + i];
-      const std::uint32_t b = graph_.vertexAt[run.to + i];
+      const std::uint32_t a = graph_.vertexNear[run.from + i];
+      const std::uint32_t b = graph_.vertexNear[run.to + i];
       if (a == kNoVertex || b == kNoVertex || a == b) continue;
       EdgePiece piece = {a, b, run.firstLevel + i, run.from + i, run.to + i};
       if (b < a) piece = {b, a, piece.level, piece.secondNode, piece.firstNode};

@@ -65,19 +65,19 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
 }
 
 /// Of nodes at one point that follow one another, keeps one; one that is known to
-/// be at a vertex, if there is any.
+/// be near a vertex, if there is any.
 void CurveTracer::mergeNeighbours() {
   std::size_t kept = 1;
   for (std::size_t i = 1; i < path_.size(); ++i) {
     if (!samePlace(pointOf(path_[i]), pointOf(path_[kept - 1]))) {
       path_[kept++] = path_[i];
-    } else if (isAtVertex(path_[i])) {
+    } else if (isNearVertex(path_[i])) {
       path_[kept - 1] = path_[i];
     }
   }
   if (closed_ && kept > 1 && samePlace(pointOf(path_[kept - 1]), pointOf(path_[0]))) {
     --kept;
-    if (isAtVertex(path_[kept])) path_[0] = path_[kept];
+    if (isNearVertex(path_[kept])) path_[0] = path_[kept];
   }
   path_.resize(kept);
 }
@@ -108,10 +108,10 @@ void CurveTracer::turnToLeastPoint(std::vector<std::uint32_t>& path) const {
 /// The round between the two visits is a closed curve of its own, and the rest goes
 /// on from the vertex. Rounds within rounds come off first, as from a stack.
 void CurveTracer::emitSimpleParts(std::uint32_t level) {
-  std::vector<std::uint32_t> places;
-  if (!graph_.vertexAt.empty()) {
-    if (closed_) turnToLeastPoint(path_);  // where to start matters on a torus
-    places = sharedPlaces(graph_.nodes, graph_.vertexAt, path_);
+  std::vector<std::uint32_t> places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
+  if (!places.empty() && closed_) {
+    turnToLeastPoint(path_);  // on a torus, it matters where to start
+    places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
   }
   if (places.empty()) {
     emit(path_, closed_, level);
