@@ -582,7 +582,8 @@ typedef struct QelmCurves {
  * Order. Curves come by level, in the order of the caller's array. A level that is
  * there twice has its curves twice; a NaN has none. Within a level, curves are in
  * lexicographic order of their points: by x, y, z of the first, then of the second,
- * and so on. A closed curve starts at its least point in that sense. Thus neither
+ * and so on, and open before closed. A closed curve starts at its least point in
+ * that sense. Thus neither
  * the numbering of the vertices nor the order of the triangles matters: the result
  * is the same, bit for bit.
  *

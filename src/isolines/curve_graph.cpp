@@ -37,15 +37,16 @@ class NodePlacer {
     std::uint32_t low = edge.firstVertex;
     std::uint32_t high = edge.secondVertex;
     if (ranks[high] < ranks[low]) std::swap(low, high);
-    const EdgeEnds ends = {mesh_.point(low), mesh_.point(high), mesh_.value(low),
-                           mesh_.value(high)};
+    const Vec3 lowEnd = mesh_.point(low);
+    const Vec3 highEnd = mesh_.point(high);
+    const CrossedLine line(lowEnd, highEnd, mesh_.value(low), mesh_.value(high));
     for (std::uint32_t set = 0; set < nodeSetsOf(edge); ++set) {
       for (std::uint32_t level = ranks[low]; level < ranks[high]; ++level) {
-        const EdgePlace place = placeOnEdge(ends.lowValue, ends.highValue, levels_[level]);
-        const Vec3 point = crossingPoint(ends, place);
+        const EdgePlace place = line.placeOf(levels_[level]);
+        const Vec3 point = line.pointAt(place);
         const bool isNear = place.share <= kNear;
-        if (isNear ? place.fromLow : samePlace(point, ends.low)) noteVertex(low);
-        if (isNear ? !place.fromLow : samePlace(point, ends.high)) noteVertex(high);
+        if (isNear ? place.fromLow : samePlace(point, lowEnd)) noteVertex(low);
+        if (isNear ? !place.fromLow : samePlace(point, highEnd)) noteVertex(high);
         graph_.nodes.push_back({point, {kNoLink, kNoLink}});
       }
     }
@@ -63,10 +64,12 @@ class NodePlacer {
   CurveGraph& graph_;
 };
 
-void addLink(CurveNode& node, NodeLink link) {
-  const std::size_t preferred = hasHighAtLeft(link) ? 0 : 1;
+/// A link that has higher values at its left goes to links[0], one that has not to
+/// links[1], if that is free: between neighbours that are oriented alike it is.
+void addLink(CurveNode& node, std::uint32_t to, bool highAtLeft) {
+  const std::size_t preferred = highAtLeft ? 0 : 1;
   const bool taken = node.links[preferred] != kNoLink;
-  node.links[taken ? 1 - preferred : preferred] = link;
+  node.links[taken ? 1 - preferred : preferred] = linkTo(to, highAtLeft);
 }
 
 /// Two edges of a triangle and the levels whose pieces run between them.
@@ -129,9 +132,11 @@ class PieceLinker {
   }
 
   void linkRun(const PieceRun& run) {
+    CurveNode* const from = graph_.nodes.data() + run.from;
+    CurveNode* const to = graph_.nodes.data() + run.to;
     for (std::uint32_t i = 0; i < run.count; ++i) {
-      addLink(graph_.nodes[run.from + i], linkTo(run.to + i, true));
-      addLink(graph_.nodes[run.to + i], linkTo(run.from + i, false));
+      addLink(from[i], run.to + i, true);
+      addLink(to[i], run.from + i, false);
     }
     if (!graph_.vertexNear.empty()) noteEdgePieces(run);
   }

@@ -146,11 +146,12 @@ void CurveTracer::emit(NodeSequence path, bool closed, std::uint32_t level) {
 }
 
 void sortCurves(TracedCurves& traced, const CurveGraph& graph) {
-  std::sort(traced.curves.begin(), traced.curves.end(),
-            [&](const TracedCurve& a, const TracedCurve& b) {
-              if (a.level != b.level) return a.level < b.level;
-              return compareSequences(graph.nodes, traced.nodesOf(a), traced.nodesOf(b)) < 0;
-            });
+  std::sort(
+      traced.curves.begin(), traced.curves.end(), [&](const TracedCurve& a, const TracedCurve& b) {
+        if (a.level != b.level) return a.level < b.level;
+        const auto order = compareSequences(graph.nodes, traced.nodesOf(a), traced.nodesOf(b));
+        return order != 0 ? order < 0 : a.closed < b.closed;
+      });
 }
 
 }  // namespace qelm

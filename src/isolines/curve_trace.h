@@ -35,7 +35,9 @@ struct TracedCurves {
 /// point. The nodes' links are used up.
 class CurveTracer {
  public:
-  explicit CurveTracer(CurveGraph& graph) : graph_(graph) {}
+  explicit CurveTracer(CurveGraph& graph) : graph_(graph) {
+    traced_.order.reserve(graph.nodes.size());
+  }
 
   /// Traces the curve through a node of this level, unless that was done before.
   void trace(std::uint32_t node, std::uint32_t level);
@@ -63,7 +65,7 @@ class CurveTracer {
   std::int64_t balance_ = 0;  ///< link ends with higher values at the left, less the others
 };
 
-/// Sorts by level, then by compareSequences().
+/// Sorts by level, then by compareSequences(), then open before closed.
 void sortCurves(TracedCurves& traced, const CurveGraph& graph);
 
 }  // namespace qelm

@@ -262,8 +262,9 @@ Polylines plainCurves(const Mesh& mesh, const Field& field, const std::vector<do
       if (ends.size() == 1) walkFrom(start);
     }
     for (const auto& [start, ends] : crossings) walkFrom(start);
-    std::sort(ofLevel.begin(), ofLevel.end(),
-              [](const Polyline& a, const Polyline& b) { return a.points < b.points; });
+    std::sort(ofLevel.begin(), ofLevel.end(), [](const Polyline& a, const Polyline& b) {
+      return a.points != b.points ? a.points < b.points : a.closed < b.closed;
+    });
     lines.insert(lines.end(), ofLevel.begin(), ofLevel.end());
   }
   return lines;
