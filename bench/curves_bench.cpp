@@ -64,6 +64,39 @@ Case makeNoise(const benchmark::State& state) {
   return c;
 }
 
+/// A strip whose rungs v - w all have the same v + 2 w, which
+/// is what edges are hashed by at first.
+Case makePiledUp(const benchmark::State& state) {
+  const auto rungs = static_cast<std::int32_t>(1000 * state.range(0) / 2);
+  Case c;
+  c.mesh.vertices.assign(std::size_t{9} * static_cast<std::size_t>(rungs), 0);
+  c.mesh.tags.assign(std::size_t{3} * static_cast<std::size_t>(rungs), 1);
+  c.field.assign(c.mesh.tags.size(), 0);
+  const auto left = [](std::int32_t i) { return 2 * i; };
+  const auto right = [=](std::int32_t i) { return 3 * rungs - 1 - i; };
+  std::vector<bool> used(c.mesh.tags.size(), false);
+  for (std::int32_t i = 0; i < rungs; ++i) {
+    for (const std::int32_t v : {left(i), right(i)}) {
+      const auto at = static_cast<std::size_t>(v);
+      c.mesh.vertices[3 * at] = i;
+      c.mesh.vertices[3 * at + 1] = v == right(i) ? 1 : 0;
+      c.field[at] = c.mesh.vertices[3 * at + 1];
+      used[at] = true;
+    }
+    if (i == 0) continue;
+    for (const std::int32_t v :
+         {left(i - 1), left(i), right(i - 1), left(i), right(i), right(i - 1)}) {
+      c.mesh.triangles.push_back(v);
+    }
+  }
+  for (std::int32_t v = 0; v < c.mesh.vertexCount(); ++v) {
+    if (used[static_cast<std::size_t>(v)]) continue;
+    c.mesh.triangles.insert(c.mesh.triangles.end(), {v, left(0), left(1)});
+  }
+  c.levels = {0.25};
+  return c;
+}
+
 struct Segment {
   std::array<double, 6> ends;
 };
@@ -143,6 +176,7 @@ void joinedCurves(benchmark::State& state) { runCurves(state, makeCase(state)); 
 void plainSegments(benchmark::State& state) { runSegments(state, makeCase(state)); }
 void joinedCurvesOfNoise(benchmark::State& state) { runCurves(state, makeNoise(state)); }
 void plainSegmentsOfNoise(benchmark::State& state) { runSegments(state, makeNoise(state)); }
+void joinedCurvesOfPiledUpNumbers(benchmark::State& state) { runCurves(state, makePiledUp(state)); }
 
 }  // namespace
 
@@ -154,3 +188,4 @@ BENCHMARK(plainSegments)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(joinedCurvesOfNoise)->ArgsProduct({{100}, {1, 10, 100}})->Unit(benchmark::kMillisecond);
 BENCHMARK(plainSegmentsOfNoise)->ArgsProduct({{100}, {1, 10, 100}})->Unit(benchmark::kMillisecond);
+BENCHMARK(joinedCurvesOfPiledUpNumbers)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);

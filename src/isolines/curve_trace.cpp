@@ -64,22 +64,13 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
   return false;
 }
 
-/// Of nodes at one point that follow one another, keeps one; one that is known to
-/// be near a vertex, if there is any.
+/// Of nodes at one point that follow one another, keeps the first.
 void CurveTracer::mergeNeighbours() {
-  std::size_t kept = 1;
-  for (std::size_t i = 1; i < path_.size(); ++i) {
-    if (!samePlace(pointOf(path_[i]), pointOf(path_[kept - 1]))) {
-      path_[kept++] = path_[i];
-    } else if (isNearVertex(path_[i])) {
-      path_[kept - 1] = path_[i];
-    }
-  }
-  if (closed_ && kept > 1 && samePlace(pointOf(path_[kept - 1]), pointOf(path_[0]))) {
-    --kept;
-    if (isNearVertex(path_[kept])) path_[0] = path_[kept];
-  }
-  path_.resize(kept);
+  const auto same = [this](std::uint32_t a, std::uint32_t b) {
+    return samePlace(pointOf(a), pointOf(b));
+  };
+  path_.erase(std::unique(path_.begin(), path_.end(), same), path_.end());
+  if (closed_ && path_.size() > 1 && same(path_.front(), path_.back())) path_.pop_back();
 }
 
 /// Neighbours that are oriented against each other do not agree on which side is

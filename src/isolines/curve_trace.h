@@ -53,9 +53,6 @@ class CurveTracer {
   void emit(NodeSequence path, bool closed, std::uint32_t level);
 
   const Vec3& pointOf(std::uint32_t node) const { return graph_.nodes[node].point; }
-  bool isNearVertex(std::uint32_t node) const {
-    return !graph_.vertexNear.empty() && graph_.vertexNear[node] != kNoVertex;
-  }
 
   CurveGraph& graph_;
   TracedCurves traced_;
