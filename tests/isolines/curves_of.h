@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 #include "qelm.h"
@@ -42,6 +43,13 @@ using Polylines = std::vector<Polyline>;
 inline void PrintTo(const Polyline& line, std::ostream* out) {
   *out << (line.closed ? "closed" : "open") << " at level " << line.level << ":";
   for (const Place& p : line.points) *out << " (" << p[0] << ", " << p[1] << ", " << p[2] << ")";
+}
+
+inline Polyline open(int level, std::vector<Place> points) {
+  return {level, false, std::move(points)};
+}
+inline Polyline closed(int level, std::vector<Place> points) {
+  return {level, true, std::move(points)};
 }
 
 struct CurvesDeleter {
