@@ -13,8 +13,6 @@
 
 #include "interface/mesh_system.h"
 #include "isolines/curves_of.h"
-#include "isolines/plain_curves.h"
-#include "support/compare.h"
 
 namespace qelm::test {
 namespace {
