@@ -29,19 +29,19 @@ void drawText(HDC dc, HFONT font, int x, int y, const wchar_t* text) {
   TextOutW(dc, x, y, text, static_cast<int>(std::wcslen(text)));
 }
 
-void drawTexts(HDC dc, const PaintLayout& at) {
-  const HFONT title = makeFont(at.titleFontHeight, L"Arial");
-  const HFONT description = makeFont(at.textFontHeight, L"Helvetica");
-  const HFONT small = makeFont(at.textFontHeight, L"Helvetica");
+struct Fonts {
+  HFONT title, description, small;
+};
+
+void drawTexts(HDC dc, const PaintLayout& at, const Fonts& fonts) {
   const HGDIOBJ before = GetCurrentObject(dc, OBJ_FONT);
   setTextStyle(dc, RGB(255, 255, 255));
-  drawText(dc, title, at.textCentre, at.titleTop, kTitle);
-  drawText(dc, description, at.textCentre, at.descriptionTop, kDescription);
-  SelectObject(dc, small);
+  drawText(dc, fonts.title, at.textCentre, at.titleTop, kTitle);
+  drawText(dc, fonts.description, at.textCentre, at.descriptionTop, kDescription);
+  SelectObject(dc, fonts.small);
   TextOutA(dc, at.textCentre, at.versionTop, kVersion, static_cast<int>(std::strlen(kVersion)));
-  drawText(dc, small, at.textCentre, at.poweredByTop, kPoweredBy);
+  drawText(dc, fonts.small, at.textCentre, at.poweredByTop, kPoweredBy);
   SelectObject(dc, before);
-  for (const HFONT font : {title, description, small}) DeleteObject(font);
 }
 
 }  // namespace
@@ -68,8 +68,12 @@ void paintWindow(HWND window) {
   const PaintLayout at =
       layOutText(client.right, client.bottom, GetDeviceCaps(dc, LOGPIXELSY), logo.bmWidth);
   drawLogo(dc, logo, at.logo);
-  drawTexts(dc, at);
+  const Fonts fonts = {makeFont(at.titleFontHeight, L"Arial"),
+                       makeFont(at.textFontHeight, L"Helvetica"),
+                       makeFont(at.textFontHeight, L"Helvetica")};
+  drawTexts(dc, at, fonts);
   EndPaint(window, &paint);
+  for (const HFONT font : {fonts.title, fonts.description, fonts.small}) DeleteObject(font);
 }
 
 }  // namespace qelm::infowindow
