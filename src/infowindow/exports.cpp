@@ -10,7 +10,7 @@
 namespace qelm::infowindow {
 
 std::atomic<HWND> poshWindowHandle = nullptr;
-HBITMAP poshLogo = nullptr;
+std::atomic<HBITMAP> poshLogo = nullptr;
 RECT poshBorder = {};
 
 namespace {

@@ -13,12 +13,19 @@ constexpr std::size_t kAppendBound = 1000;
 constexpr std::wstring_view kProductWord = L"Vantle";
 constexpr std::wstring_view kMarkerName = L"TermsAgreed.txt";
 
+/// Where a stretch of `size` begins that is centred between two coordinates. Their sum
+/// may leave the range of int, and so may the result, which stops at its end.
+int centred(int from, int to, int size) {
+  const std::int64_t begin = (static_cast<std::int64_t>(from) + to) / 2 - size / 2;
+  return static_cast<int>(std::max<std::int64_t>(begin, std::numeric_limits<int>::min()));
+}
+
 }  // namespace
 
 Point positionOver(const Edges& owner) {
   if (owner.top == 0) return kDefaultPosition;
-  return {(owner.left + owner.right) / 2 - kWindowWidth / 2,
-          (owner.top + owner.bottom) / 2 - kWindowHeight / 2};
+  return {centred(owner.left, owner.right, kWindowWidth),
+          centred(owner.top, owner.bottom, kWindowHeight)};
 }
 
 ChildLayout layOutChildren(int w, int h) {

@@ -16,9 +16,9 @@ constexpr wchar_t kDescription[] =
 constexpr char kVersion[] = "0.7.7002.1014";
 constexpr wchar_t kPoweredBy[] = L"powered by";
 
-void drawLogo(HDC dc, const BITMAP& logo, Point at) {
+void drawLogo(HDC dc, HBITMAP bitmap, const BITMAP& logo, Point at) {
   const HDC memory = CreateCompatibleDC(dc);
-  const HGDIOBJ before = SelectObject(memory, poshLogo);
+  const HGDIOBJ before = SelectObject(memory, bitmap);
   BitBlt(dc, at.x, at.y, logo.bmWidth, logo.bmHeight, memory, 0, 0, SRCCOPY);
   SelectObject(memory, before);
   DeleteDC(memory);
@@ -64,10 +64,11 @@ void paintWindow(HWND window) {
   PAINTSTRUCT paint;
   const HDC dc = BeginPaint(window, &paint);
   BITMAP logo = {};
-  GetObjectA(poshLogo, sizeof logo, &logo);
+  const HBITMAP bitmap = poshLogo;
+  GetObjectA(bitmap, sizeof logo, &logo);
   const PaintLayout at =
       layOutText(client.right, client.bottom, GetDeviceCaps(dc, LOGPIXELSY), logo.bmWidth);
-  drawLogo(dc, logo, at.logo);
+  drawLogo(dc, bitmap, logo, at.logo);
   const Fonts fonts = {makeFont(at.titleFontHeight, L"Arial"),
                        makeFont(at.textFontHeight, L"Helvetica"),
                        makeFont(at.textFontHeight, L"Helvetica")};

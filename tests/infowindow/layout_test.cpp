@@ -24,6 +24,12 @@ TEST(Position, OverAnOwnerWithItsTopAtRow0IsTheDefaultOnPurpose) {
   EXPECT_EQ(kDefaultPosition, (Point{300, 300}));
 }
 
+TEST(Position, DoesNotOverflow) {
+  EXPECT_EQ(positionOver({INT_MAX, INT_MAX, INT_MAX, INT_MAX}),
+            (Point{INT_MAX - 400, INT_MAX - 247}));
+  EXPECT_EQ(positionOver({INT_MIN, INT_MIN, INT_MIN, INT_MIN}), (Point{INT_MIN, INT_MIN}));
+}
+
 TEST(Children, LieWhereTheyBelongInTheWindowsOwnSize) {
   const ChildLayout at = layOutChildren(kWindowWidth, kWindowHeight);
   EXPECT_EQ(at.closeBox, (Box{720, 35, 29, 29}));

@@ -67,6 +67,13 @@ TEST(NoThread, ReturnsZeroAndKeepsTheStartBlockOnPurpose) {
   EXPECT_EQ(getPoshHandle(), nullptr);
 }
 
+TEST(Procedure, IsSetOnceMoreAfterTheWindowIsMadeOnPurpose) {
+  registerFullClass(Procedure::defaultOne);
+  const HWND window = openWindow();
+  ASSERT_NE(window, nullptr);
+  EXPECT_EQ(SendMessageW(window, WM_NCHITTEST, 0, MAKELPARAM(700, 500)), HTCAPTION);
+}
+
 TEST(NoMemory, ReturnsTwoAndAsksForNoThread) {
   hookImport("malloc", noStartBlock, realMalloc);
   hookImport("CreateThread", noThread, realCreateThread);
