@@ -504,23 +504,28 @@ QELM_API int decode_integer_from_sphere(float x, float y, float z);
 
 /**
  * Opens the small information window, with the product's title, version and links,
- * on a thread of its own, and returns at once.
+ * on a thread of its own, and returns at once. Looked at in this order: the switch
+ * that suppresses the window, whether one is recorded as open, memory, the thread.
  *
  * @param[in] logo   HBITMAP that the window shows; it is not copied and must stay
  *                   alive as long as the window. With null no window is made.
  * @param[in] owner  HWND that owns the window and is not disabled by it, or null.
  *                   The window is centred on it.
  * @return 1 the window's thread was started; 2 a window is recorded as open, or
- *         memory ran out; 3 suppressed, see below; 0 no thread could be started.
+ *         memory ran out; 3 suppressed, see below, and no window is recorded as open
+ *         any more; 0 no thread could be started.
  *
  * Errors:    the return value. What fails later, on the window's thread, ends that
  *            thread silently.
  * Ownership: logo and owner stay the caller's; neither is ever released.
  * Threads:   may be called from any thread. What keeps a second window from being
  *            opened is an unlocked test, so calls at the same time may open two.
- * Memory:    throws nothing.
+ * Memory:    throws nothing. With result 0, 16 bytes are not given back.
  * Note:      the environment variable BLOCK_FILEIO with a value of 1 to 255
- *            characters suppresses the window.
+ *            characters suppresses the window; an empty or longer one does not.
+ * Note:      without an owner, and with one whose top edge lies exactly at row 0 of
+ *            the screen, the window's corner is at (300, 300).
+ * Note:      the library must stay loaded as long as the window is there.
  * Note:      the window is created from the class of the wide name
  *            "QuobinsCoolClass", which the library does not register under that
  *            full name: unless the process has done so by other means, 1 is

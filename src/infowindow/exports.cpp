@@ -11,7 +11,7 @@ namespace qelm::infowindow {
 
 std::atomic<HWND> poshWindowHandle = nullptr;
 std::atomic<HBITMAP> poshLogo = nullptr;
-RECT poshBorder = {};
+Border poshBorder = {};
 
 namespace {
 

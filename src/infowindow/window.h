@@ -13,7 +13,10 @@ namespace qelm::infowindow {
 // open at once, so what both write while they live is atomic.
 extern std::atomic<HWND> poshWindowHandle;
 extern std::atomic<HBITMAP> poshLogo;  // the caller's, never deleted
-extern RECT poshBorder;                // thicknesses of the frame
+struct Border {                        // thicknesses of the frame
+  std::atomic<LONG> left, top, right, bottom;
+};
+extern Border poshBorder;
 
 // Names of a link row's two properties. Their values are constant strings.
 inline constexpr wchar_t kTextProperty[] = L"Linktext";
