@@ -6,7 +6,7 @@
 namespace qelm::infowindow {
 namespace {
 
-bool closeHovered = false;
+std::atomic<bool> closeHovered = false;
 
 constexpr wchar_t kCross[] = L"\x2715";  // multiplication X
 constexpr int kCrossHeight = 29;

@@ -10,8 +10,8 @@
 namespace qelm::infowindow {
 
 std::atomic<HWND> poshWindowHandle = nullptr;
-HBITMAP poshLogo = nullptr;
-RECT poshBorder = {};
+std::atomic<HBITMAP> poshLogo = nullptr;
+Border poshBorder = {};
 
 namespace {
 

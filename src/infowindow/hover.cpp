@@ -16,14 +16,14 @@ void redraw(HWND control) {
 
 void showCursor(bool hovered) { SetCursor(LoadCursorA(nullptr, hovered ? IDC_HAND : IDC_ARROW)); }
 
-void startHover(HWND control, bool& hovered) {
+void startHover(HWND control, std::atomic<bool>& hovered) {
   if (hovered) return;
   redraw(control);
   TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, control, HOVER_DEFAULT};
   hovered = TrackMouseEvent(&leave) != 0;
 }
 
-void endHover(HWND control, bool& hovered) {
+void endHover(HWND control, std::atomic<bool>& hovered) {
   redraw(control);
   hovered = false;
 }

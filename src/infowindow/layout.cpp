@@ -7,18 +7,22 @@
 namespace qelm::infowindow {
 namespace {
 
-constexpr std::size_t kCommandRoom = 10000;  // with the end
-constexpr std::size_t kAppendBound = 1000;
-
 constexpr std::wstring_view kProductWord = L"Vantle";
 constexpr std::wstring_view kMarkerName = L"TermsAgreed.txt";
+
+/// Where a stretch of `size` begins that is centred between two coordinates. Their sum
+/// may leave the range of int, and so may the result, which stops at its end.
+int centred(int from, int to, int size) {
+  const std::int64_t begin = (static_cast<std::int64_t>(from) + to) / 2 - size / 2;
+  return static_cast<int>(std::max<std::int64_t>(begin, std::numeric_limits<int>::min()));
+}
 
 }  // namespace
 
 Point positionOver(const Edges& owner) {
   if (owner.top == 0) return kDefaultPosition;
-  return {(owner.left + owner.right) / 2 - kWindowWidth / 2,
-          (owner.top + owner.bottom) / 2 - kWindowHeight / 2};
+  return {centred(owner.left, owner.right, kWindowWidth),
+          centred(owner.top, owner.bottom, kWindowHeight)};
 }
 
 ChildLayout layOutChildren(int w, int h) {
@@ -52,19 +56,21 @@ bool countsAsSet(unsigned long returnedLength) {
   return returnedLength >= 1 && returnedLength <= 255;
 }
 
-std::wstring markerPath(std::wstring_view folder) {
-  std::wstring path(folder.substr(0, kFolderRoom - 1));
+FixedText<kFolderRoom + 3 * kAppendBound> markerPath(std::wstring_view folder) {
+  FixedText<kFolderRoom + 3 * kAppendBound> path;
+  path.append(folder.substr(0, kFolderRoom - 1));
   for (const std::wstring_view part : {std::wstring_view(L"\\"), kProductWord, kMarkerName}) {
-    path += part.substr(0, kAppendBound);
+    path.append(part.substr(0, kAppendBound));
   }
   return path;
 }
 
-std::wstring openCommand(std::wstring_view target) {
-  std::wstring command = L"start \"\" \"";
-  command += target.substr(0, kCommandRoom);
-  command += L'"';
-  command.resize(std::min(command.size(), kCommandRoom - 1));
+FixedText<10000> openCommand(std::wstring_view target) {
+  FixedText<10000> command;
+  for (const std::wstring_view part :
+       {std::wstring_view(L"start \"\" \""), target, std::wstring_view(L"\"")}) {
+    command.append(part);
+  }
   return command;
 }
 

@@ -4,8 +4,9 @@
 #define QELM_INFOWINDOW_LAYOUT_H
 
 #include <cstddef>
-#include <string>
 #include <string_view>
+
+#include "infowindow/fixed_text.h"
 
 namespace qelm::infowindow {
 
@@ -65,17 +66,18 @@ PaintLayout layOutText(int cw, int ch, int dotsPerInch, int logoWidth);
 /// is the room that a longer value would need.
 bool countsAsSet(unsigned long returnedLength);
 
-/// The largest value, without its end, that the application-data folder is read to.
+/// Room that the application-data folder is read into, with its end.
 inline constexpr std::size_t kFolderRoom = 1999;
+/// At most so many characters are appended to it at a time.
+inline constexpr std::size_t kAppendBound = 1000;
 
 /// Path of the marker file: the folder, a backslash, and the product word followed
-/// at once by the file name, with no separator between these two on purpose. At most
-/// 1000 characters of each are appended.
-std::wstring markerPath(std::wstring_view folder);
+/// at once by the file name, with no separator between these two on purpose.
+FixedText<kFolderRoom + 3 * kAppendBound> markerPath(std::wstring_view folder);
 
 /// The command that opens an address in the user's default handler. Nothing in the
 /// target is escaped. Cut off at 9999 characters.
-std::wstring openCommand(std::wstring_view target);
+FixedText<10000> openCommand(std::wstring_view target);
 
 }  // namespace qelm::infowindow
 

@@ -10,7 +10,7 @@ namespace qelm::infowindow {
 namespace {
 
 // One flag for all rows, on purpose; each row redraws only itself.
-bool linkHovered = false;
+std::atomic<bool> linkHovered = false;
 
 constexpr COLORREF kHoverColour = RGB(39, 184, 238);
 constexpr COLORREF kTextColour = RGB(255, 255, 255);

@@ -22,15 +22,20 @@ constexpr LinkRow kExamples = {L"Examples download archive", QELM_EXAMPLES_TARGE
 // The window's own style has neither a thick frame nor a border, so this stays empty
 // unless the window's style is changed from outside.
 void measureFrame(HWND window) {
-  SetRectEmpty(&poshBorder);
+  RECT border;
+  SetRectEmpty(&border);
   const auto style = static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE));
   if ((style & WS_THICKFRAME) != 0) {
-    AdjustWindowRectEx(&poshBorder, style & ~static_cast<DWORD>(WS_CAPTION), FALSE, 0);
-    poshBorder.left = -poshBorder.left;
-    poshBorder.top = -poshBorder.top;
+    AdjustWindowRectEx(&border, style & ~static_cast<DWORD>(WS_CAPTION), FALSE, 0);
+    border.left = -border.left;
+    border.top = -border.top;
   } else if ((style & WS_BORDER) != 0) {
-    SetRect(&poshBorder, 1, 1, 1, 1);
+    SetRect(&border, 1, 1, 1, 1);
   }
+  poshBorder.left = border.left;
+  poshBorder.top = border.top;
+  poshBorder.right = border.right;
+  poshBorder.bottom = border.bottom;
   const MARGINS none = {0, 0, 0, 0};
   DwmExtendFrameIntoClientArea(window, &none);
 }

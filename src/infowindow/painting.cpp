@@ -16,9 +16,9 @@ constexpr wchar_t kDescription[] =
 constexpr char kVersion[] = "0.7.7002.1014";
 constexpr wchar_t kPoweredBy[] = L"powered by";
 
-void drawLogo(HDC dc, const BITMAP& logo, Point at) {
+void drawLogo(HDC dc, HBITMAP bitmap, const BITMAP& logo, Point at) {
   const HDC memory = CreateCompatibleDC(dc);
-  const HGDIOBJ before = SelectObject(memory, poshLogo);
+  const HGDIOBJ before = SelectObject(memory, bitmap);
   BitBlt(dc, at.x, at.y, logo.bmWidth, logo.bmHeight, memory, 0, 0, SRCCOPY);
   SelectObject(memory, before);
   DeleteDC(memory);
@@ -29,19 +29,19 @@ void drawText(HDC dc, HFONT font, int x, int y, const wchar_t* text) {
   TextOutW(dc, x, y, text, static_cast<int>(std::wcslen(text)));
 }
 
-void drawTexts(HDC dc, const PaintLayout& at) {
-  const HFONT title = makeFont(at.titleFontHeight, L"Arial");
-  const HFONT description = makeFont(at.textFontHeight, L"Helvetica");
-  const HFONT small = makeFont(at.textFontHeight, L"Helvetica");
+struct Fonts {
+  HFONT title, description, small;
+};
+
+void drawTexts(HDC dc, const PaintLayout& at, const Fonts& fonts) {
   const HGDIOBJ before = GetCurrentObject(dc, OBJ_FONT);
   setTextStyle(dc, RGB(255, 255, 255));
-  drawText(dc, title, at.textCentre, at.titleTop, kTitle);
-  drawText(dc, description, at.textCentre, at.descriptionTop, kDescription);
-  SelectObject(dc, small);
+  drawText(dc, fonts.title, at.textCentre, at.titleTop, kTitle);
+  drawText(dc, fonts.description, at.textCentre, at.descriptionTop, kDescription);
+  SelectObject(dc, fonts.small);
   TextOutA(dc, at.textCentre, at.versionTop, kVersion, static_cast<int>(std::strlen(kVersion)));
-  drawText(dc, small, at.textCentre, at.poweredByTop, kPoweredBy);
+  drawText(dc, fonts.small, at.textCentre, at.poweredByTop, kPoweredBy);
   SelectObject(dc, before);
-  for (const HFONT font : {title, description, small}) DeleteObject(font);
 }
 
 }  // namespace
@@ -64,12 +64,17 @@ void paintWindow(HWND window) {
   PAINTSTRUCT paint;
   const HDC dc = BeginPaint(window, &paint);
   BITMAP logo = {};
-  GetObjectA(poshLogo, sizeof logo, &logo);
+  const HBITMAP bitmap = poshLogo;
+  GetObjectA(bitmap, sizeof logo, &logo);
   const PaintLayout at =
       layOutText(client.right, client.bottom, GetDeviceCaps(dc, LOGPIXELSY), logo.bmWidth);
-  drawLogo(dc, logo, at.logo);
-  drawTexts(dc, at);
+  drawLogo(dc, bitmap, logo, at.logo);
+  const Fonts fonts = {makeFont(at.titleFontHeight, L"Arial"),
+                       makeFont(at.textFontHeight, L"Helvetica"),
+                       makeFont(at.textFontHeight, L"Helvetica")};
+  drawTexts(dc, at, fonts);
   EndPaint(window, &paint);
+  for (const HFONT font : {fonts.title, fonts.description, fonts.small}) DeleteObject(font);
 }
 
 }  // namespace qelm::infowindow

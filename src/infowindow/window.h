@@ -9,10 +9,14 @@
 namespace qelm::infowindow {
 
 // Process-wide, one of each. The window's thread writes them; the handle is read by
-// the exports on any thread, without a lock.
+// the exports on any thread, without a lock. Two windows, each on its thread, may be
+// open at once, so what both write while they live is atomic.
 extern std::atomic<HWND> poshWindowHandle;
-extern HBITMAP poshLogo;  // the caller's, never deleted
-extern RECT poshBorder;   // thicknesses of the frame
+extern std::atomic<HBITMAP> poshLogo;  // the caller's, never deleted
+struct Border {                        // thicknesses of the frame
+  std::atomic<LONG> left, top, right, bottom;
+};
+extern Border poshBorder;
 
 // Names of a link row's two properties. Their values are constant strings.
 inline constexpr wchar_t kTextProperty[] = L"Linktext";
@@ -38,8 +42,8 @@ HFONT makeFont(int height, const wchar_t* face);
 
 // Of a child control that reacts to the pointer; `hovered` is its flag.
 void showCursor(bool hovered);
-void startHover(HWND control, bool& hovered);
-void endHover(HWND control, bool& hovered);
+void startHover(HWND control, std::atomic<bool>& hovered);
+void endHover(HWND control, std::atomic<bool>& hovered);
 
 }  // namespace qelm::infowindow
 

@@ -24,6 +24,12 @@ TEST(Position, OverAnOwnerWithItsTopAtRow0IsTheDefaultOnPurpose) {
   EXPECT_EQ(kDefaultPosition, (Point{300, 300}));
 }
 
+TEST(Position, DoesNotOverflow) {
+  EXPECT_EQ(positionOver({INT_MAX, INT_MAX, INT_MAX, INT_MAX}),
+            (Point{INT_MAX - 400, INT_MAX - 247}));
+  EXPECT_EQ(positionOver({INT_MIN, INT_MIN, INT_MIN, INT_MIN}), (Point{INT_MIN, INT_MIN}));
+}
+
 TEST(Children, LieWhereTheyBelongInTheWindowsOwnSize) {
   const ChildLayout at = layOutChildren(kWindowWidth, kWindowHeight);
   EXPECT_EQ(at.closeBox, (Box{720, 35, 29, 29}));
@@ -83,28 +89,43 @@ TEST(Environment, CountsLengthsFrom1To255AsSet) {
 }
 
 TEST(Marker, HasNoSeparatorBetweenProductAndNameOnPurpose) {
-  EXPECT_EQ(markerPath(L"C:\\Users\\me\\AppData\\Roaming"),
+  EXPECT_EQ(markerPath(L"C:\\Users\\me\\AppData\\Roaming").view(),
             L"C:\\Users\\me\\AppData\\Roaming\\VantleTermsAgreed.txt");
 }
 
 TEST(Marker, WithoutAFolderLiesAtTheRoot) {
-  EXPECT_EQ(markerPath(L""), L"\\VantleTermsAgreed.txt");
+  EXPECT_EQ(markerPath(L"").view(), L"\\VantleTermsAgreed.txt");
 }
 
 TEST(Marker, TakesNoMoreOfTheFolderThanThereIsRoomFor) {
-  const std::wstring path = markerPath(std::wstring(5000, L'x'));
-  EXPECT_EQ(path, std::wstring(1998, L'x') + L"\\VantleTermsAgreed.txt");
+  const auto path = markerPath(std::wstring(5000, L'x'));
+  EXPECT_EQ(path.view(), std::wstring(1998, L'x') + L"\\VantleTermsAgreed.txt");
 }
 
 TEST(Command, PutsTheTargetInQuotes) {
-  EXPECT_EQ(openCommand(L"https://example.org/a b"), L"start \"\" \"https://example.org/a b\"");
+  EXPECT_EQ(openCommand(L"https://example.org/a b").view(),
+            L"start \"\" \"https://example.org/a b\"");
 }
 
 TEST(Command, IsCutOffAtItsRoom) {
-  const std::wstring command = openCommand(std::wstring(20000, L'x'));
+  const auto text = openCommand(std::wstring(20000, L'x'));
+  const std::wstring_view command = text.view();
   EXPECT_EQ(command.size(), 9999U);
   EXPECT_EQ(command.substr(0, 11), L"start \"\" \"x");
   EXPECT_EQ(command.back(), L'x');
+  EXPECT_EQ(text.c_str()[9999], L'\0');
+}
+
+TEST(FixedText, KeepsWhatFitsAndItsEnd) {
+  FixedText<6> text;
+  EXPECT_EQ(text.view(), L"");
+  text.append(L"abc");
+  EXPECT_EQ(text.view(), L"abc");
+  text.append(L"");
+  text.append(L"defgh");
+  EXPECT_EQ(text.view(), L"abcde");
+  text.append(L"x");
+  EXPECT_EQ(std::wstring_view(text.c_str()), L"abcde");
 }
 
 }  // namespace
