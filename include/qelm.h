@@ -555,6 +555,137 @@ QELM_API void* getPoshHandle(void);
    built on them; nothing above depends on it. */
 
 /**
+ * What qelmcheckTagged() returns besides the statuses of the constructor. These are
+ * defects that the constructor does not look for.
+ */
+enum {
+  /** A triangle names a vertex outside 0 .. n-1. Do not construct. */
+  QELM_CHECK_INDEX_OUT_OF_RANGE = 101,
+  /** A coordinate is infinite or not a number. */
+  QELM_CHECK_NOT_FINITE = 102,
+  /** The quality of a triangle is below 2^-44, see QelmMeshReport. */
+  QELM_CHECK_NEAR_ZERO_AREA = 103,
+  /** The longest edge of a triangle is not within 1e-60 .. 1e60. */
+  QELM_CHECK_SIZE_OUT_OF_RANGE = 104,
+  /** A connected part of the mesh has no tagged vertex. */
+  QELM_CHECK_UNTAGGED_PART = 105
+};
+
+/** How often something was found, and where first. */
+typedef struct QelmFinding {
+  int64_t count;
+  int64_t first; /**< lowest index, of what the finding says; -1 if there is none */
+} QelmFinding;
+
+/**
+ * What qelmcheckTagged() found. Each finding looks at the mesh by itself, whatever
+ * the others found:
+ *  - A vertex is used when any triangle names it, and triangles connect those of
+ *    their corners that exist; in both cases whatever else is wrong with them.
+ *  - Edges and repeated triangles are those of triangles with three different
+ *    vertices in 0 .. n-1.
+ *  - Area and size are those of such triangles with finite corners. Of the two,
+ *    a triangle is counted under the first that applies.
+ *
+ * With L the longest edge of a triangle, h the height on it, M the largest absolute
+ * coordinate of its corners and W the larger of L and M, its quality is
+ *
+ *   h * h / (L * W),
+ *
+ * which does not depend on the unit. It says what the arithmetic leaves of the
+ * triangle: with e = 2^-52, fields on a mesh of such triangles have a relative error
+ * of about e / quality, from slivers and from being far away from the origin alike.
+ * Below 2^-44 (256 e) the area counts as near zero: near the origin, when h is less
+ * than 2.4e-7 L. A few worse triangles in a good mesh may do no harm.
+ */
+typedef struct QelmMeshReport {
+  /* Defects, in the order of the codes. */
+  QelmFinding indexOutOfRange; /**< triangles naming a vertex outside 0 .. n-1 */
+  QelmFinding repeatedVertex;  /**< triangles in range naming a vertex twice */
+  QelmFinding unusedVertex;    /**< vertices that no triangle names */
+  QelmFinding notFinite;       /**< vertices with an infinite or NaN coordinate */
+  QelmFinding nearZeroArea;    /**< triangles with a quality below 2^-44 */
+  QelmFinding sizeOutOfRange;  /**< triangles with L not within 1e-60 .. 1e60 */
+  QelmFinding untaggedPart;    /**< parts without tagged vertex; first: lowest vertex */
+  /* For information. */
+  QelmFinding part;             /**< connected parts; first: lowest used vertex */
+  QelmFinding taggedVertex;     /**< vertices tagged 1, 2 or 3 */
+  QelmFinding crowdedEdge;      /**< edges of three or more triangles; first: triangle */
+  QelmFinding boundaryLoop;     /**< groups of boundary edges (one triangle) that are
+                                     connected by vertices; first: lowest vertex */
+  QelmFinding opposedEdge;      /**< edges of two triangles that run through them the same
+                                     way, as they do where one is flipped; first: triangle */
+  QelmFinding repeatedTriangle; /**< triangles with the three vertices of an earlier one */
+  QelmFinding coincidentVertex; /**< vertices exactly at the place of an earlier one */
+  int64_t worstTriangle;        /**< first triangle of the lowest quality; -1 if none has one */
+  double worstQuality;          /**< its quality; infinite if none has one */
+} QelmMeshReport;
+
+/**
+ * Looks for what is wrong with a mesh, before anything is built from it. Safe for any
+ * content of arrays of the stated lengths. May be called in place of a construction
+ * that is bound to fail.
+ *
+ * @param[in]  vertexCount    n.
+ * @param[in]  vertices       double[3n], packed xyz, any values.
+ * @param[in]  triangleCount  m.
+ * @param[in]  triangles      int[3m], any values.
+ * @param[in]  tags           int[n], any values; 1, 2 and 3 mean "prescribed".
+ * @param[out] reportOut      May be null; receives what was found. With status 1 or 25
+ *                            or a triangle count below 1, it says that nothing was.
+ * @return 0 when qelmctorTagged() will construct the mesh and its fields are
+ *         determined; else the code of the first defect in the order of Status.
+ *
+ * Status:    1 vertexCount < 1; 24 triangleCount < 1; 25 a null array; 101 an index
+ *            out of range; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle; 102 a coordinate not finite; 103 an area near zero; 104 a
+ *            size out of range; 105 a part without tagged vertex. Checked in this
+ *            order, the first one wins. 1, 23, 24 and 25 are also what the
+ *            constructor answers then; with 102 to 105 it answers 0, but its fields
+ *            are not what they should be; with 101 it must not be called.
+ * Ownership: the caller owns everything; no pointer is kept.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    up to 64 bytes for each triangle and 25 for each vertex while it
+ *            runs; the time is that of sorting the edges. Exhaustion leaves as
+ *            std::bad_alloc, with reportOut unwritten.
+ * Note:      what is for information never makes the result other than 0. The solves
+ *            take such meshes; other functions may have more to say about them.
+ * Since:     0.1.0
+ */
+QELM_API int qelmcheckTagged(int vertexCount, const double* vertices, int triangleCount,
+                             const int* triangles, const int* tags, QelmMeshReport* reportOut);
+
+/**
+ * Solves for many fields at once: what qelmsolveTagged() or, with loads,
+ * qelmsolvePTagged() gives for each of them, with the same bits. Several fields go
+ * through the factorisation together, which is much faster than one after another.
+ *
+ * @param[in]  handle   System from qelmctorTagged(), or null.
+ * @param[in]  count    Number of fields, 0 or more.
+ * @param[in]  values   double[count * n]: count fields one after another, each in
+ *                      input order; read at tagged vertices only.
+ * @param[in]  loads    double[count * n], laid out alike; read at free vertices only.
+ *                      Null means no loads.
+ * @param[out] results  double[count * n], laid out alike. May be the same array as
+ *                      values, or loads, or both; must not overlap them otherwise.
+ * @param[out] status   Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order; 1
+ *            count < 0. Checked in this order, the first one wins. Unless the status
+ *            is 0, and with a count of 0, results is not touched and the arrays may be
+ *            null. A failed factorisation is status 0 with 0.0 at every free vertex:
+ *            ask qelminfo().
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own results. Must not overlap qelmfree().
+ * Memory:    up to 17 doubles for each vertex while it runs, however many fields.
+ *            Exhaustion leaves as std::bad_alloc, with results untouched.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolveManyTagged(const MeshSystem* handle, int count, const double* values,
+                                  const double* loads, double* results, int* status);
+
+/**
  * Level curves as polylines: points, curve after curve, and for each curve where
  * it starts, which level it has and whether it is closed. The points of curve c
  * are points[3*starts[c]] up to points[3*starts[c + 1] - 1]. A closed curve leads
@@ -652,6 +783,36 @@ QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, in
  * Since:     0.1.0
  */
 QELM_API void qelmfreecurves(QelmCurves* curves);
+
+/**
+ * The version of the library that is loaded, which need not be that of this header.
+ *
+ * @return "MAJOR.MINOR.PATCH", zero-terminated ASCII, never null.
+ *
+ * Errors:    none.
+ * Ownership: the library's; valid while it is loaded.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API const char* qelmversion(void);
+
+/**
+ * Says in English what a code means that a status out-parameter, qelmWeld(),
+ * qelmcheckTagged() or encode_integer_to_sphere() gave. Not for the results of
+ * qelminfo() and doPoshModal(), whose numbers mean other things.
+ *
+ * @param[in] status  Any number.
+ * @return One line of ASCII without a full stop, zero-terminated, never null; for a
+ *         number that is no status, "unknown status code".
+ *
+ * Errors:    none.
+ * Ownership: the library's; valid while it is loaded.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API const char* qelmstatustext(int status);
 
 #ifdef __cplusplus
 }

@@ -5,21 +5,12 @@
 #include <utility>
 
 #include "interface/mesh_system.h"
+#include "mesh/arguments.h"
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
 #include "qelm.h"
 
 namespace {
-
-/// Counts before pointers, the vertex count first: a call that is wrong in
-/// several ways reports the first of them.
-int argumentStatus(int vertexCount, const double* vertices, int triangleCount, const int* triangles,
-                   const int* tags) {
-  if (vertexCount < 1) return QELM_STATUS_BAD_COUNT_OR_HANDLE;
-  if (triangleCount < 1) return QELM_STATUS_UNUSED_VERTEX;
-  if (vertices == nullptr || triangles == nullptr || tags == nullptr) return QELM_STATUS_NULL_ARRAY;
-  return QELM_STATUS_OK;
-}
 
 /// The complete system in input terms, or null with a defect in status.
 std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
@@ -47,7 +38,7 @@ extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int trian
                               int* status, MeshSystem** handleOut) {
   *handleOut = nullptr;
   if (taggedCountOut != nullptr) *taggedCountOut = 0;
-  const int argument = argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
+  const int argument = qelm::argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
   if (argument != QELM_STATUS_OK) {
     *status = argument;
     return 1;

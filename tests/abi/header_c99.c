@@ -1,4 +1,5 @@
 /* The header in strict C99, and a first use of every kind of export from C. */
+#include <stddef.h>
 #include <stdio.h>
 
 #include "qelm.h"
@@ -62,9 +63,35 @@ static void cutASquare(void) {
   qelmfree(system);
 }
 
+/* Looks at a square, and solves two fields on it at once. */
+static void checkAndSolveASquare(void) {
+  const double xyz[] = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
+  const int triangles[] = {0, 1, 2, 0, 2, 3};
+  const int tags[] = {1, 0, 2, 0};
+  const double values[] = {0, -9, 1, -9, 2, -9, 2, -9};
+  double fields[8];
+  int status = -1;
+  MeshSystem* system = NULL;
+  QelmMeshReport report;
+
+  expect(qelmcheckTagged(4, xyz, 2, triangles, tags, &report) == 0, "finds no defect");
+  expect(report.part.count == 1 && report.indexOutOfRange.first == -1, "reports");
+  expect(sizeof(QelmFinding) == 16 && sizeof(QelmMeshReport) == 240, "has a fixed layout");
+  expect(offsetof(QelmMeshReport, part) == 112, "has fixed places");
+  expect(offsetof(QelmMeshReport, worstQuality) == 232, "has fixed places");
+  qelmctorTagged(4, xyz, 2, triangles, tags, NULL, &status, &system);
+  qelmsolveManyTagged(system, 2, values, NULL, fields, &status);
+  expect(status == 0 && fields[1] > 0.499 && fields[1] < 0.501, "solves the first");
+  expect(fields[5] > 1.999 && fields[5] < 2.001, "solves the second");
+  qelmfree(system);
+  expect(qelmversion()[0] == '0' + QELM_VERSION_MAJOR, "tells its version");
+  expect(qelmstatustext(QELM_CHECK_NOT_FINITE)[0] != 0, "has words for a code");
+}
+
 int main(void) {
   solveASquare();
   cutASquare();
+  checkAndSolveASquare();
   expect(sizeof(int) == 4 && sizeof(double) == 8 && sizeof(void*) == 8, "64-bit data model");
   return failures == 0 ? 0 : 1;
 }

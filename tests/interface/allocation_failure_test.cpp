@@ -157,6 +157,44 @@ TEST(AllocationFailure, DuringASolveWithLoadLeavesTheResultAlone) {
       });
 }
 
+TEST(AllocationFailure, DuringManySolvesLeavesTheResultsAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values(7 * mesh.tags.size(), 1.5);
+  const Field untouched(values.size(), -777.0);
+  Field results = untouched;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        results = untouched;
+        status = Construction::kUnwritten;
+        qelmsolveManyTagged(system.get(), 7, values.data(), values.data(), results.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(results, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+  EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
+}
+
+TEST(AllocationFailure, DuringACheckLeavesTheReportAlone) {
+  const Mesh mesh = openSurface(30, 30, 1).withBoundaryTagged();
+  QelmMeshReport report = {};
+  int code = Construction::kUnwritten;
+  sweep(
+      [&] {
+        report.part.count = code = Construction::kUnwritten;
+        code = qelmcheckTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                               mesh.triangles.data(), mesh.tags.data(), &report);
+      },
+      [&] {
+        EXPECT_EQ(report.part.count, Construction::kUnwritten);
+        EXPECT_EQ(code, Construction::kUnwritten);
+      });
+  EXPECT_EQ(code, 0) << "the last run of the sweep succeeds";
+  EXPECT_EQ(report.part.count, 1);
+}
+
 TEST(AllocationFailure, DuringAnIsolinePassLeavesTheOutParametersAlone) {
   const MeshHandle system = construct(torusMesh(9, 7).withTagged({0}));
   const Field field = gridMesh(9, 7).sample([](Point p) { return p.x + p.y; });
@@ -240,6 +278,8 @@ TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   EXPECT_EQ(qeltris(system.get(), &indices), 16);
   EXPECT_EQ(qelminfo(system.get()), 0);
   EXPECT_EQ(usecount(system.get()), 1);
+  EXPECT_NE(qelmversion(), nullptr);
+  EXPECT_NE(qelmstatustext(23), nullptr);
   system.reset();
   EXPECT_EQ(heap.allocations(), 0);
 }

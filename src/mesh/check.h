@@ -1,0 +1,56 @@
+// What is wrong with a mesh, before anything is built from it. Nothing is taken
+// for granted: any index, any coordinate, any tag.
+#ifndef QELM_MESH_CHECK_H
+#define QELM_MESH_CHECK_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "qelm.h"
+
+namespace qelm {
+
+/// A mesh as a caller hands it over: n vertices and tags, m triangles, n, m >= 1.
+struct MeshView {
+  std::span<const double> vertices;         ///< 3n, packed xyz
+  std::span<const std::int32_t> triangles;  ///< 3m
+  std::span<const std::int32_t> tags;       ///< n
+
+  std::size_t vertexCount() const { return tags.size(); }
+  std::size_t triangleCount() const { return triangles.size() / 3; }
+
+  std::span<const std::int32_t> corners(std::size_t triangle) const {
+    return triangles.subspan(3 * triangle, 3);
+  }
+  bool inRange(std::int32_t vertex) const {
+    return vertex >= 0 && static_cast<std::size_t>(vertex) < vertexCount();
+  }
+  /// Whether a triangle names three different vertices of the mesh.
+  bool isSound(std::size_t triangle) const;
+  /// Whether the three coordinates of a vertex are numbers and not infinite.
+  bool isFinite(std::size_t vertex) const;
+};
+
+/// A report with nothing in it.
+QelmMeshReport emptyReport();
+
+/// Counts one more; `first` stays the lowest index, in whatever order they come.
+void note(QelmFinding& finding, std::size_t index);
+
+/// All of it.
+QelmMeshReport checkMesh(const MeshView& mesh);
+
+/// The code of the report's first defect in the documented order, or 0.
+int firstDefect(const QelmMeshReport& report);
+
+// The parts of checkMesh(). Each fills findings of its own.
+void checkIndices(const MeshView& mesh, QelmMeshReport& report);
+void checkGeometry(const MeshView& mesh, QelmMeshReport& report);
+void checkParts(const MeshView& mesh, QelmMeshReport& report);
+void checkEdges(const MeshView& mesh, QelmMeshReport& report);
+void checkRepeats(const MeshView& mesh, QelmMeshReport& report);
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_CHECK_H

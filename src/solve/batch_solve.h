@@ -1,0 +1,44 @@
+// Many fields of one system, several at each pass through the factor.
+#ifndef QELM_SOLVE_BATCH_SOLVE_H
+#define QELM_SOLVE_BATCH_SOLVE_H
+
+#include <span>
+
+#include "interface/mesh_system.h"
+
+namespace qelm {
+
+/// Fields of n values each, one after another, input order throughout. `loads` may
+/// be empty: then there are none. Any two of the three arrays may be the same, but
+/// may not overlap otherwise.
+struct Batch {
+  std::span<const double> values;
+  std::span<const double> loads;
+  std::span<double> results;
+};
+
+/// How many right-hand sides go through the factor together. Powers of two, 1 to
+/// 32, are possible.
+///
+/// 16, by measurement (bench/batch_bench.cpp). Time for one field, as a share of a
+/// single solve's, on grids of 100 thousand and 1 million vertices:
+///
+///   width   2     4     8     16    32
+///   100k    0.58  0.38  0.23  0.17  0.14
+///   1M      0.45  0.28  0.21  0.15  0.14
+///
+/// The factor is far larger than the caches, so up to here each doubling nearly
+/// saves one reading of it. A row of 16 is two cache lines, which processors fetch as
+/// a pair, and its sum fits half of the 16 vector registers, with room for the rest
+/// of the loop. 32 would save another tenth, but for twice the memory.
+constexpr int kBatchWidth = 16;
+
+/// Solves every field of the batch as solveDirichlet() and solveWithLoad() do, with
+/// the same bits. `width` bounds how many go together; it has no influence on the
+/// results. Needs width + 1 doubles for each vertex, all allocated before the first
+/// result is written.
+void solveBatch(const MeshSystem& system, const Batch& batch, int width = kBatchWidth);
+
+}  // namespace qelm
+
+#endif  // QELM_SOLVE_BATCH_SOLVE_H
