@@ -5,8 +5,10 @@
 #include <initializer_list>
 #include <sstream>
 
+#include "check_command.h"
 #include "conditions.h"
 #include "console.h"
+#include "curves_command.h"
 #include "error.h"
 #include "heatmap_command.h"
 #include "load_csv.h"
@@ -26,7 +28,13 @@ constexpr const char* kSolveExamples =
     "Examples:\n"
     "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
     "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - | head\n"
-    "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n";
+    "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n"
+    "  qelm solve roof.obj --fix loop:0=0,1 --fix loop:1=1,0 -o fields.csv\n";
+
+constexpr const char* kSeveralHelp =
+    "Several fields at once: --fix SELECTOR=VALUE,VALUE,... gives one value for each field,\n"
+    "a single VALUE is for all. They are solved together, in much less time than one after\n"
+    "another, and written to columns value1, value2 and so on.\n";
 
 constexpr const char* kHeatmapExamples =
     "Example:\n"
@@ -36,6 +44,33 @@ constexpr const char* kHeatmapHelp =
     "Writes PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
     "yellow, the smallest dark blue. A file of those names is replaced. Vertices come in\n"
     "the library's order (fixed ones first), not in the mesh's.\n";
+
+constexpr const char* kCurvesHelp =
+    "Cuts the field at --levels N levels that divide its range evenly, the ends left out,\n"
+    "or at the values of --at. Curves are closed or end at the mesh's boundary; higher\n"
+    "values lie at their left. The extension of OUT chooses the format, or --format:\n"
+    "  .obj    polylines, a group for each level\n"
+    "  .json   levels, and for each curve its level, value, points, and whether it is closed\n"
+    "  .csv    a line for each point: curve,level,value,closed,x,y,z\n"
+    "  .svg    a drawing with a legend, seen along an axis (--view x, y, z, -x, -y, -z) or at\n"
+    "          right angles to the plane that fits best (--view plane, unless given)\n"
+    "Coordinates keep every digit, but for the drawing.\n";
+
+constexpr const char* kCurvesExamples =
+    "Examples:\n"
+    "  qelm curves roof.obj --fix loop:0=0 --fix loop:1=1 --levels 12 -o curves.obj\n"
+    "  qelm curves roof.obj --fix loop:0=0 --fix loop:1=1 --at 0.25,0.5,0.75 -o curves.svg\n"
+    "  qelm curves part.stl --fix vertex:0=20 --fix near:9,9,9=80 --levels 5 -o - --format csv\n";
+
+constexpr const char* kCheckHelp =
+    "Looks for what would keep the mesh from being solved on, and prints a report on the\n"
+    "standard output; -q leaves only the exit code: 0 when there is no defect, else 1. With\n"
+    "--fix, conditions are looked at as well: every connected part needs a fixed vertex.\n";
+
+constexpr const char* kCheckExamples =
+    "Examples:\n"
+    "  qelm check roof.obj\n"
+    "  qelm check roof.obj --fix loop:0=0 --json\n";
 
 constexpr const char* kWeldHelp =
     "Vertices closer together than the tolerance become one, at the place of the one that\n"
@@ -64,11 +99,15 @@ void addMesh(CLI::App& command, std::string& mesh) {
       ->required();
 }
 
-void addFieldOptions(CLI::App& command, FieldOptions& field) {
-  addMesh(command, field.mesh);
-  command.add_option("--fix", field.fixes, "Hold vertices at a value; may be given often")
+void addFixes(CLI::App& command, std::vector<std::string>& fixes) {
+  command.add_option("--fix", fixes, "Hold vertices at a value; may be given often")
       ->type_name("SELECTOR=VALUE")
       ->allow_extra_args(false);
+}
+
+void addFieldOptions(CLI::App& command, FieldOptions& field) {
+  addMesh(command, field.mesh);
+  addFixes(command, field.fixes);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
 }
@@ -92,6 +131,8 @@ class CommandLine {
     app_.require_subcommand(1);
     app_.footer(kExitHelp);
     addSolve();
+    addCheck();
+    addCurves();
     addHeatmap();
     addWeld();
   }
@@ -104,7 +145,7 @@ class CommandLine {
     } catch (const CLI::ParseError& error) {
       return explain(error);
     }
-    return kExitOk;
+    return outcome_;
   }
 
  private:
@@ -112,15 +153,51 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand(
         "solve", "Compute the smooth field between fixed values on a triangle mesh");
     addFieldOptions(command, solve_.field);
+    solve_.field.several = true;
     command
         .add_option("-o,--output", solve_.output,
                     "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(sections({kConditionHelp, kLoadHelp, kSoupHelp, kSolveExamples, kExitHelp}));
+    command.footer(
+        sections({kConditionHelp, kSeveralHelp, kLoadHelp, kSoupHelp, kSolveExamples, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
+    });
+  }
+
+  void addCheck() {
+    CLI::App& command =
+        *app_.add_subcommand("check", "Say what is wrong with a mesh, and what it is like");
+    addMesh(command, check_.mesh);
+    addFixes(command, check_.fixes);
+    addOutputOptions(command, output_);
+    command.footer(sections({kCheckHelp, kConditionHelp, kSoupHelp, kCheckExamples, kExitHelp}));
+    command.callback([this] { outcome_ = runCheck(check_, output_); });
+  }
+
+  void addCurves() {
+    CLI::App& command =
+        *app_.add_subcommand("curves", "Cut the field into level curves, joined into polylines");
+    addFieldOptions(command, curves_.field);
+    command.add_option("--levels", curves_.levels, "How many levels, spread evenly")
+        ->type_name("N");
+    command.add_option("--at", curves_.at, "Or the levels themselves")->type_name("VALUE,...");
+    command.add_option("--view", curves_.view, "Where a drawing is seen from")
+        ->type_name("DIRECTION");
+    command.add_option("--format", curves_.format, "obj, json, svg or csv, whatever OUT is called")
+        ->type_name("NAME");
+    command
+        .add_option("-o,--output", curves_.output, "Where the curves go; - is the standard output")
+        ->type_name("OUT")
+        ->required();
+    addOutputOptions(command, output_);
+    command.footer(
+        sections({kCurvesHelp, kConditionHelp, kLoadHelp, kSoupHelp, kCurvesExamples, kExitHelp}));
+    command.callback([this] {
+      requireFixes(curves_.field);
+      runCurves(curves_, output_);
     });
   }
 
@@ -188,8 +265,11 @@ class CommandLine {
   }
 
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
+  int outcome_ = kExitOk;
   OutputOptions output_;
   SolveOptions solve_;
+  CheckOptions check_;
+  CurvesOptions curves_;
   HeatmapOptions heatmap_;
   WeldOptions weld_;
 };

@@ -1,6 +1,7 @@
 #include "conditions.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,13 +14,15 @@ namespace qelm::tool {
 
 const char* const kConditionHelp =
     "Boundary conditions: --fix SELECTOR=VALUE holds the selected vertices at VALUE.\n"
+    "A SELECTOR is one of\n"
     "  vertex:I[,I...]         vertices by number\n"
     "  loop:K                  the K-th boundary loop, the longest is loop:0\n"
     "  near:X,Y,Z              the vertex nearest to a point\n"
     "  box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
     "Vertices, triangles, faces and loops are numbered from 0 (files in which the\n"
     "first vertex is 1, such as OBJ, too). Where several --fix select the same\n"
-    "vertex, the last one holds, and a note says so.\n";
+    "vertex, the last one holds, and a note says so. SELECTOR=VALUE:TAG hands the tag\n"
+    "1, 2 or 3 to the library, which keeps it (1 unless given).\n";
 
 namespace {
 
@@ -84,15 +87,51 @@ Selector parseSelector(std::string_view selector, std::string_view text) {
   fail(text, fmt::format("no selector '{}'; {}", kind, kForms));
 }
 
+std::vector<double> parseValues(std::string_view list, std::string_view text) {
+  std::vector<double> values;
+  for (const std::string_view word : splitAt(list, ',')) values.push_back(finiteNumber(word, text));
+  return values;
+}
+
+int parseTag(std::string_view word, std::string_view text) {
+  const auto tag = parseInteger(trimmed(word));
+  if (!tag || *tag < 1 || *tag > 3) fail(text, fmt::format("the tag '{}' is not 1, 2 or 3", word));
+  return static_cast<int>(*tag);
+}
+
 }  // namespace
+
+std::string describeValues(const Condition& condition) {
+  return fmt::format("{}", fmt::join(condition.values, ","));
+}
+
+std::size_t fieldCount(const std::vector<Condition>& conditions) {
+  const Condition* several = nullptr;
+  for (const Condition& condition : conditions) {
+    const std::size_t count = condition.values.size();
+    if (count == 1) continue;
+    if (several == nullptr) several = &condition;
+    if (count != several->values.size())
+      throw UsageError(
+          fmt::format("--fix {}={} has {} values, --fix {}={} has {}; give each as "
+                      "many, or one for all fields",
+                      several->text, describeValues(*several), several->values.size(),
+                      condition.text, describeValues(condition), count));
+  }
+  return several == nullptr ? 1 : several->values.size();
+}
 
 Condition parseCondition(const std::string& text) {
   const std::string_view view = text;
   const std::size_t equals = view.rfind('=');
   if (equals == std::string_view::npos) fail(text, kForms);
   const std::string_view selector = trimmed(view.substr(0, equals));
-  return {std::string(selector), parseSelector(selector, text),
-          finiteNumber(view.substr(equals + 1), text)};
+  const std::string_view rest = view.substr(equals + 1);
+  const std::size_t colon = rest.find(':');
+  Condition condition{std::string(selector), parseSelector(selector, text),
+                      parseValues(rest.substr(0, colon), text)};
+  if (colon != std::string_view::npos) condition.tag = parseTag(rest.substr(colon + 1), text);
+  return condition;
 }
 
 }  // namespace qelm::tool

@@ -1,7 +1,8 @@
-// The grammar of boundary conditions: SELECTOR=VALUE.
+// The grammar of boundary conditions: SELECTOR=VALUE[,VALUE...][:TAG].
 #ifndef QELM_TOOLS_CONDITIONS_H
 #define QELM_TOOLS_CONDITIONS_H
 
+#include <cstddef>
 #include <string>
 #include <variant>
 #include <vector>
@@ -27,8 +28,15 @@ using Selector = std::variant<VertexList, LoopNumber, NearestTo, Box>;
 struct Condition {
   std::string text;  ///< the selector as written, for messages
   Selector selector;
-  double value;
+  std::vector<double> values;  ///< one for each field; a single one is for all
+  int tag = 1;                 ///< 1, 2 or 3: the library keeps it and treats all alike
 };
+
+/// "0,1" as it would be written.
+std::string describeValues(const Condition& condition);
+
+/// How many fields the conditions ask for. Throws UsageError when they disagree.
+std::size_t fieldCount(const std::vector<Condition>& conditions);
 
 /// Throws UsageError that quotes `text`.
 Condition parseCondition(const std::string& text);

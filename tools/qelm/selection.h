@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_SELECTION_H
 #define QELM_TOOLS_SELECTION_H
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
@@ -12,8 +13,9 @@
 namespace qelm::tool {
 
 struct Prescribed {
-  std::vector<int> tags;           ///< n; 1 at fixed vertices, else 0
-  std::vector<double> values;      ///< n; 0 at free vertices
+  std::vector<int> tags;           ///< n; 1, 2 or 3 at fixed vertices, else 0
+  std::size_t fieldCount = 1;      ///< c
+  std::vector<double> values;      ///< c * n, field after field; 0 at free vertices
   std::vector<int> selected;       ///< for each condition how many vertices it selects
   std::vector<std::string> notes;  ///< for the user, such as conditions that overlap
   int fixedCount = 0;
@@ -23,8 +25,8 @@ struct Prescribed {
 /// later one holds and a note names the first such vertex.
 ///
 /// Throws InputError when a condition names what the mesh has not, or selects
-/// nothing.
-Prescribed prescribe(const Mesh& mesh, std::span<const Condition> conditions);
+/// nothing; UsageError when the conditions disagree about the number of fields.
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions);
 
 }  // namespace qelm::tool
 

@@ -3,7 +3,10 @@
 #ifndef QELM_TOOLS_SOLVE_JOB_H
 #define QELM_TOOLS_SOLVE_JOB_H
 
+#include <cstddef>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,7 +22,8 @@ namespace qelm::tool {
 struct FieldOptions {
   std::string mesh;
   std::vector<std::string> fixes;
-  std::string load;  ///< a CSV file; empty: no load
+  std::string load;      ///< a CSV file; empty: no load
+  bool several = false;  ///< whether conditions may have several values, one for each field
 };
 
 struct OutputOptions {
@@ -33,15 +37,30 @@ struct SolvedField {
   std::vector<Condition> conditions;
   Prescribed prescribed;
   std::optional<FieldSystem> system;
-  std::vector<double> field;  ///< in the mesh's order
+  std::vector<double> fields;  ///< one after another, in the mesh's order
   Steps steps;
+
+  std::size_t fieldCount() const { return prescribed.fieldCount; }
+  std::span<const double> field(std::size_t k = 0) const {
+    const auto n = static_cast<std::size_t>(mesh.vertexCount());
+    return {fields.data() + k * n, n};
+  }
 };
 
 /// Parses, reads, checks, constructs and solves. Throws UsageError, InputError.
 SolvedField solveField(const FieldOptions& options, const Console& console);
 
+/// Throws InputError when the field is the same everywhere, but for the rounding of
+/// its solve: "no range to `use`".
+void requireRange(const SolvedField& solved, const char* use);
+
 /// "read 0.012 s, check 0.001 s".
 std::string describeTimes(const Steps& steps);
+
+/// What was done, as the commands print it with --json.
+nlohmann::ordered_json summaryJson(const SolvedField& solved,
+                                   const std::vector<std::string>& results);
+void printJson(const nlohmann::ordered_json& json);
 
 /// Says what was done: lines on the console, or one JSON object on the standard
 /// output. `results` are the files written.
