@@ -1,0 +1,20 @@
+/* Prints the layout of every record of the header: "RECORD size" and "RECORD.FIELD offset". */
+#include <stddef.h>
+#include <stdio.h>
+
+#include "qelm.h"
+
+#define RECORD(type) printf(#type " %zu\n", sizeof(type))
+#define FIELD(type, field) printf(#type "." #field " %zu\n", offsetof(type, field))
+
+int main(void) {
+  RECORD(IsoPointMatrix);
+  FIELD(IsoPointMatrix, data);
+  FIELD(IsoPointMatrix, rows);
+  FIELD(IsoPointMatrix, cols);
+  RECORD(IsoEdgeMatrix);
+  FIELD(IsoEdgeMatrix, data);
+  FIELD(IsoEdgeMatrix, rows);
+  FIELD(IsoEdgeMatrix, cols);
+  return 0;
+}
