@@ -488,6 +488,54 @@ QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
  */
 QELM_API int decode_integer_from_sphere(float x, float y, float z);
 
+/* ---- Information window (Windows only) --------------------------------- */
+
+/* These two functions do not exist on other platforms. */
+#ifdef _WIN32
+
+/**
+ * Opens the small information window, with the product's title, version and links,
+ * on a thread of its own, and returns at once.
+ *
+ * @param[in] logo   HBITMAP that the window shows; it is not copied and must stay
+ *                   alive as long as the window. With null no window is made.
+ * @param[in] owner  HWND that owns the window and is not disabled by it, or null.
+ *                   The window is centred on it.
+ * @return 1 the window's thread was started; 2 a window is recorded as open, or
+ *         memory ran out; 3 suppressed, see below; 0 no thread could be started.
+ *
+ * Errors:    the return value. What fails later, on the window's thread, ends that
+ *            thread silently.
+ * Ownership: logo and owner stay the caller's; neither is ever released.
+ * Threads:   may be called from any thread. What keeps a second window from being
+ *            opened is an unlocked test, so calls at the same time may open two.
+ * Memory:    throws nothing.
+ * Note:      the environment variable BLOCK_FILEIO with a value of 1 to 255
+ *            characters suppresses the window.
+ * Note:      the window is created from the class of the wide name
+ *            "QuobinsCoolClass", which the library does not register under that
+ *            full name: unless the process has done so by other means, 1 is
+ *            returned and no window appears. This is intended.
+ * Since:     0.1.0
+ */
+QELM_API int doPoshModal(void* logo, void* owner);
+
+/**
+ * The information window that is recorded as open.
+ *
+ * @return Its HWND, or null. Null as well once the window's close box has handled
+ *         its first message, which it does when it is first shown; this is intended.
+ *
+ * Errors:    none.
+ * Ownership: the window belongs to its thread.
+ * Threads:   may be called from any thread; the answer is a snapshot.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void* getPoshHandle(void);
+
+#endif /* _WIN32 */
+
 #ifdef __cplusplus
 }
 #endif

@@ -51,8 +51,10 @@ bool isOnEdge(double p) { return !(std::fabs(p - 0.5) > 0.5); }
 /// min - 2^-50 d_max <= L <= max + 2^-50 d_max, and rounding these bounds to
 /// nearest keeps every double that lies between the exact ones.
 ///
-/// A NaN or infinite corner, or a range that overflows, puts a p of NaN or 0 on two
-/// edges whatever the level: all levels pass. So do NaN levels, for every row.
+/// A NaN or infinite corner puts a p of NaN or 0 on two edges whatever the level: all
+/// levels pass. So do NaN levels, for every row. Finite corners whose range overflows
+/// have such a p on one edge at least and no bound for the others; all levels are
+/// candidates there.
 std::span<const std::int32_t> candidateLevels(const CornerValues& v, LevelSet& levels) {
   const double low = std::min({v[0], v[1], v[2]});
   const double high = std::max({v[0], v[1], v[2]});

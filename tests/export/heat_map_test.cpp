@@ -2,8 +2,13 @@
 // left when something cannot be opened.
 #include <gtest/gtest.h>
 
-#include <clocale>
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,8 +17,10 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "export/no_permission.h"
 #include "export/plain_heat_map.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
@@ -196,6 +203,58 @@ TEST_F(HeatMap, ThatCannotOpenTheMtlSaysSoAndKeepsTheObj) {
   EXPECT_EQ(bytesOf(base() + ".obj"), withLineEnds(obj.str()));
 }
 
+TEST_F(HeatMap, BelowAFileInsteadOfAFolderSaysSo) {
+  std::ofstream(base("file")) << "kept";
+  const MeshSystem system = triangle();
+  const std::string path = base("file") + "/mesh";
+  EXPECT_EQ(write(&system, {1, 2, 3}, path), "couldn't open file " + path + " for writing.\n");
+  EXPECT_EQ(bytesOf(base("file")), "kept");
+}
+
+TEST_F(HeatMap, IsClosedBeforeTheMaterialIsOpened) {
+  // Two names of one file: the second opening empties it, and what the first stream
+  // still held would come after that.
+  std::ofstream(base() + ".obj") << "old";
+  fs::create_hard_link(base() + ".obj", base() + ".mtl");
+  const MeshSystem system = triangle();
+  EXPECT_EQ(write(&system, {1, 2, 3}, base()), "");
+  std::ostringstream mtl;
+  plainMtl(mtl);
+  EXPECT_EQ(bytesOf(base() + ".obj"), withLineEnds(mtl.str()));
+}
+
+TEST_F(HeatMap, WithoutPermissionSaysSoAndKeepsTheFile) {
+  std::ofstream(base() + ".obj") << "kept";
+  const MeshSystem system = triangle();
+  std::string message;
+  {
+    const NoPermission guard(base() + ".obj");
+    message = write(&system, {1, 2, 3}, base());
+  }
+  EXPECT_EQ(message, "couldn't open file " + base() + " for writing.\n");
+  EXPECT_EQ(bytesOf(base() + ".obj"), "kept");
+  EXPECT_FALSE(fs::exists(base() + ".mtl"));
+}
+
+TEST_F(HeatMap, CanBeWrittenOnManyThreadsAtOnce) {
+  const Mesh mesh = torusMesh(30, 20).withTagged({0});
+  const MeshHandle system = construct(mesh);
+  const Field field = mesh.sample([](Point p) { return p.x - p.z; });
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([&, path = base(std::to_string(thread))] {
+      for (int round = 0; round < 5; ++round) wobj(system.get(), field.data(), path.c_str());
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (int thread = 0; thread < 4; ++thread) {
+    const std::string path = base(std::to_string(thread));
+    std::ostringstream obj;
+    plainObj(obj, *system, field, path);
+    EXPECT_EQ(bytesOf(path + ".obj"), withLineEnds(obj.str()));
+  }
+}
+
 TEST_F(HeatMap, UsesAPointWhateverTheGlobalLocale) {
   struct Comma : std::numpunct<char> {
     char do_decimal_point() const override { return ','; }
@@ -222,15 +281,54 @@ TEST_F(HeatMap, TakesPathsLongerThanABlockForWhatTheyAre) {
 }
 
 #ifdef _WIN32
+// A letter beyond ASCII that differs between Western ANSI and OEM code pages. It is
+// appended as a byte: fs::path would encode it anew.
+const std::string kLetter = "\x82";
+
+std::wstring widened(const std::string& text, UINT codePage) {
+  std::wstring wide(text.size(), L'\0');
+  const int length = static_cast<int>(text.size());
+  const int count = MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), length);
+  wide.resize(static_cast<std::size_t>(count));
+  return wide;
+}
+
 TEST_F(HeatMap, WidensThePathFromTheAnsiCodePage) {
-  // One letter beyond ASCII that every Western code page has; where the code page
-  // lacks it, the platform's own narrow call shows what becomes of it.
-  const std::string path = base("caf\xe9");
+  const std::string path = base() + kLetter;
   const MeshSystem system = triangle();
   EXPECT_EQ(write(&system, {1, 2, 3}, path), "");
+  EXPECT_TRUE(fs::exists(folder_ / (L"mesh" + widened(kLetter, CP_ACP) + L".obj")));
+  EXPECT_TRUE(fs::exists(folder_ / (L"mesh" + widened(kLetter, CP_ACP) + L".mtl")));
+  EXPECT_EQ(bytesOf(folder_ / (L"mesh" + widened(kLetter, CP_ACP) + L".obj"))
+                .rfind("mtllib " + path + ".mtl\r\n", 0),
+            0U);
   std::FILE* file = std::fopen((path + ".obj").c_str(), "r");
-  ASSERT_NE(file, nullptr) << "the narrow name names the same file";
+  ASSERT_NE(file, nullptr) << "the platform's own narrow call names the same file";
   std::fclose(file);
+}
+
+TEST_F(HeatMap, WidensThePathFromTheOemCodePageOnceThatIsChosen) {
+  const std::wstring ansi = widened(kLetter, CP_ACP);
+  const std::wstring oem = widened(kLetter, CP_OEMCP);
+  if (ansi == oem) GTEST_SKIP() << "one code page for both";
+  const MeshSystem system = triangle();
+  SetFileApisToOEM();
+  const std::string message = write(&system, {1, 2, 3}, base() + kLetter);
+  SetFileApisToANSI();
+  EXPECT_EQ(message, "");
+  EXPECT_TRUE(fs::exists(folder_ / (L"mesh" + oem + L".obj")));
+  EXPECT_FALSE(fs::exists(folder_ / (L"mesh" + ansi + L".obj")));
+}
+
+TEST_F(HeatMap, RestrictsNoSharingWithWhoHasTheFileOpen) {
+  std::ofstream(base() + ".obj") << "old";
+  const HANDLE reader =
+      CreateFileA((base() + ".obj").c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                  nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(reader, INVALID_HANDLE_VALUE);
+  const MeshSystem system = triangle();
+  EXPECT_EQ(write(&system, {1, 2, 3}, base()), "");
+  CloseHandle(reader);
 }
 #else
 TEST_F(HeatMap, TakesThePathsBytesAsTheyAre) {

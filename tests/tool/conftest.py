@@ -17,10 +17,21 @@ def one_wine_session():
     if not built.LAUNCHER:
         yield
         return
-    null = subprocess.DEVNULL
-    shell = subprocess.Popen([*built.LAUNCHER, "cmd"], stdin=subprocess.PIPE, stdout=null, stderr=null)
+    shell = subprocess.Popen(
+        [*built.LAUNCHER, "cmd"],
+        stdin=subprocess.PIPE,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+    )
+    # Wine's services must be started by this session, not by a test's program:
+    # they keep the output of whatever started them open.
+    shell.stdin.write(b"echo ready\r\n")
+    shell.stdin.flush()
+    while b"ready" not in shell.stdout.readline().split(b"echo")[-1]:
+        assert shell.poll() is None, "Wine does not start"
     yield
-    shell.communicate(b"exit\r\n")
+    shell.stdin.close()  # its end of input is the shell's end
+    shell.wait(timeout=30)
 
 
 @pytest.fixture

@@ -22,6 +22,8 @@ STAR = [(math.cos(2.4 * math.pi / 3 * k), math.sin(2.4 * math.pi / 3 * k), 0) fo
 BAD_STL = shapes.stl_binary(shapes.SQUARE)
 NAN_STL = BAD_STL[:84 + 50 + 12 + 24] + struct.pack("<f", math.nan) + BAD_STL[84 + 50 + 12 + 28 :]
 
+PLY = shapes.ply_text(shapes.SQUARE)
+
 BAD_MESHES = {
     "not_a_mesh_by_name": ("a.step", "x", "a.step: not a mesh file by its name; give one that ends in .obj"),
     "empty": ("a.obj", " \n", "a.obj: not a mesh: empty file"),
@@ -56,7 +58,18 @@ BAD_MESHES = {
     "stl_binary_nan": ("a.stl", NAN_STL, "a.stl: facet 1: a coordinate of corner 2 is not finite"),
     "stl_binary_empty": ("a.stl", b"".ljust(84, b"\0"), "a.stl: not a mesh: no facets"),
     "ply_not": ("a.ply", SQUARE, "a.ply: not a PLY file: it does not begin with 'ply'"),
-    "ply_cut_short": ("a.ply", shapes.ply_binary(shapes.SQUARE)[:-5], "a.ply: not a mesh that can be read"),
+    "ply_no_format": ("a.ply", PLY.replace("format", "formula"), "a.ply:2: the second line must be 'format"),
+    "ply_unknown_format": ("a.ply", PLY.replace("ascii", "roman"), "a.ply:2: unknown format 'roman'"),
+    "ply_property_first": ("a.ply", PLY.replace("element vertex 4\n", ""), "a.ply:3: a property before the first element"),
+    "ply_unknown_type": ("a.ply", PLY.replace("double y", "half y"), "a.ply:5: unknown type 'half'"),
+    "ply_unknown_keyword": ("a.ply", PLY.replace("element face", "elephant face"), "a.ply:7: 'elephant' does not belong into a header"),
+    "ply_bad_count": ("a.ply", PLY.replace("vertex 4", "vertex -4"), "a.ply:3: an element needs a name and a count"),
+    "ply_flat": ("a.ply", PLY.replace("property double z\n", ""), "a.ply:3: vertices need a float or double property 'z'"),
+    "ply_no_faces": ("a.ply", PLY.replace("element face", "element edge"), "a.ply: not a mesh: no element 'face'"),
+    "ply_short_indices": ("a.ply", PLY.replace("uchar int", "uchar short"), "a.ply:7: faces need a list 'vertex_indices' of int or uint"),
+    "ply_endless": ("a.ply", PLY.split("end_header")[0], "a.ply:8: the header has no 'end_header'"),
+    "ply_too_many": ("a.ply", PLY.replace("vertex 4", "vertex 99999999999"), "a.ply:3: 99999999999 of 'vertex' are announced, but the file is too short"),
+    "ply_cut_short": ("a.ply", shapes.ply_binary(shapes.SQUARE)[:-5], "a.ply: not a mesh that can be read; it may be damaged or cut short"),
     "ply_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, 4)])), "a.ply: face 1: vertex index 4 is out of range: the file has 4 vertices, numbered 0 to 3"),
     "ply_negative_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, -1)])), "a.ply: face 1: vertex index -1 is out of range"),
     "ply_nan": ("a.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])), "a.ply: vertex 1 (1, nan, 0): coordinates not finite; repair"),
@@ -87,8 +100,8 @@ def test_a_closed_mesh_has_no_loop(qelm):
 BAD_USAGE = {
     "no_fix": (["solve", "a.obj"], "no vertex is fixed; give at least one --fix"),
     "no_mesh": (["solve", *ONE_FIX], "mesh is required"),
-    "no_command": ([], "no command; name one of: solve, heatmap"),
-    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: solve, heatmap"),
+    "no_command": ([], "no command; name one of: solve, heatmap, weld"),
+    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: solve, heatmap, weld"),
     "unknown_option": (["solve", "a.obj", *ONE_FIX, "--colour"], "--colour"),
     "no_value": (["solve", "a.obj", "--fix", "vertex:0"], "--fix vertex:0: write vertex:I"),
     "empty_value": (["solve", "a.obj", "--fix", "vertex:0="], "'' is not a number"),

@@ -2,8 +2,8 @@
 
 import csv
 import json
-import os
 import subprocess
+import tempfile
 
 import built
 
@@ -36,7 +36,8 @@ def run_all(runs):
     batch = logs / "run.bat"
     batch.write_bytes("\r\n".join([*lines, ""]).encode())
     # Its own exit code is that of the last run.
-    subprocess.run([*built.LAUNCHER, "cmd", "/c", windows(batch)], capture_output=True)
+    null = subprocess.DEVNULL
+    subprocess.run([*built.LAUNCHER, "cmd", "/c", windows(batch)], stdout=null, stderr=null)
     return [
         subprocess.CompletedProcess(
             arguments,
@@ -46,6 +47,11 @@ def run_all(runs):
         )
         for k, (_, arguments) in enumerate(runs)
     ]
+
+
+def text_of(file):
+    file.seek(0)
+    return file.read().decode("utf-8").replace("\r\n", "\n")
 
 
 def windows(path):
@@ -64,14 +70,14 @@ class Tool:
         path.write_bytes(content)
         return name
 
-    def run(self, *arguments, env=None):
-        return subprocess.run(
-            [*built.LAUNCHER, built.program("qelm"), *map(str, arguments)],
-            cwd=self.folder,
-            capture_output=True,
-            encoding="utf-8",
-            env={**os.environ, **(env or {})},
-        )
+    def run(self, *arguments):
+        # Into files, not pipes: those would have to wait for every process that Wine
+        # may have left in the background.
+        with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
+            command = [*built.LAUNCHER, built.program("qelm"), *map(str, arguments)]
+            done = subprocess.run(command, cwd=self.folder, stdout=out, stderr=err)
+            done.stdout, done.stderr = text_of(out), text_of(err)
+        return done
 
     def ok(self, *arguments):
         done = self.run(*arguments)

@@ -12,6 +12,7 @@
 #include "load_csv.h"
 #include "output_file.h"
 #include "solve_command.h"
+#include "weld_command.h"
 
 namespace qelm::tool {
 namespace {
@@ -35,6 +36,22 @@ constexpr const char* kHeatmapHelp =
     "Writes PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
     "yellow, the smallest dark blue. A file of those names is replaced. Vertices come in\n"
     "the library's order (fixed ones first), not in the mesh's.\n";
+
+constexpr const char* kWeldHelp =
+    "Vertices closer together than the tolerance become one, at the place of the one that\n"
+    "comes first; chains of close vertices merge as a whole. Triangles that collapse or\n"
+    "repeat an earlier one are dropped, then vertices that no triangle uses. Every corner\n"
+    "of an STL facet counts as a vertex. --tolerance 0 merges nothing.\n"
+    "The extension of OUT chooses the format: .obj and .ply keep every double, .stl is\n"
+    "rounded to single precision.\n";
+
+constexpr const char* kWeldExamples =
+    "Example:\n"
+    "  qelm weld part.stl -o part.obj --tolerance 1e-4\n";
+
+constexpr const char* kSoupHelp =
+    "STL files are welded before anything else, within a millionth of the mesh's diagonal;\n"
+    "a note says so, and vertex numbers are those after welding.\n";
 
 void addOutputOptions(CLI::App& command, OutputOptions& output) {
   command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
@@ -76,6 +93,7 @@ class CommandLine {
     app_.footer(kExitHelp);
     addSolve();
     addHeatmap();
+    addWeld();
   }
 
   int run(std::vector<std::string> arguments) {
@@ -99,7 +117,7 @@ class CommandLine {
                     "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(sections({kConditionHelp, kLoadHelp, kSolveExamples, kExitHelp}));
+    command.footer(sections({kConditionHelp, kLoadHelp, kSoupHelp, kSolveExamples, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
@@ -114,12 +132,29 @@ class CommandLine {
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(
-        sections({kHeatmapHelp, kConditionHelp, kLoadHelp, kHeatmapExamples, kExitHelp}));
+    command.footer(sections(
+        {kHeatmapHelp, kConditionHelp, kLoadHelp, kSoupHelp, kHeatmapExamples, kExitHelp}));
     command.callback([this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
     });
+  }
+
+  void addWeld() {
+    CLI::App& command =
+        *app_.add_subcommand("weld", "Merge vertices that lie together, as in STL files");
+    addMesh(command, weld_.mesh);
+    command
+        .add_option("-o,--output", weld_.output, "Where the mesh goes; - is the standard output")
+        ->type_name("OUT")
+        ->required();
+    command
+        .add_option("--tolerance", weld_.tolerance,
+                    "Merge vertices closer than this; a millionth of the diagonal unless given")
+        ->type_name("DISTANCE");
+    addOutputOptions(command, output_);
+    command.footer(sections({kWeldHelp, kWeldExamples, kExitHelp}));
+    command.callback([this] { runWeld(weld_, output_); });
   }
 
   // CLI11 would only say that a subcommand is required.
@@ -156,6 +191,7 @@ class CommandLine {
   OutputOptions output_;
   SolveOptions solve_;
   HeatmapOptions heatmap_;
+  WeldOptions weld_;
 };
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include "load_mesh.h"
 
+#include "mesh_checks.h"
 #include "mesh_reader.h"
 #include "paths.h"
 #include "triangulate.h"
+#include "weld.h"
 
 namespace qelm::tool {
 namespace {
@@ -20,6 +22,8 @@ Loaded load(const std::string& name, const Console& console) {
         fmt::format("{}: {} of {} faces have more than three corners and were split into "
                     "triangles",
                     name, result.splitFaceCount, soup.faces.size()));
+  // The reader has merged corners that are exactly equal; the file has not.
+  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true};
   return {std::move(result.mesh), false};
 }
 
@@ -28,7 +32,21 @@ Loaded load(const std::string& name, const Console& console) {
 Mesh loadMesh(const std::string& name, const Console& console) { return load(name, console).mesh; }
 
 Mesh loadWeldedMesh(const std::string& name, const Console& console) {
-  return load(name, console).mesh;
+  Loaded loaded = load(name, console);
+  if (!loaded.isSoup) return std::move(loaded.mesh);
+  const Mesh& soup = loaded.mesh;
+  double tolerance = 0;
+  Welded welded = naming(name, [&] {
+    checkFinite(soup);
+    tolerance = kDefaultWeldPart * diagonal(soup);
+    return weld(soup, tolerance);
+  });
+  console.note(fmt::format(
+      "{}: welded within {:.3g}: {} vertices became {}, {} triangles became {}; 'qelm weld' takes "
+      "another tolerance",
+      name, tolerance, soup.vertexCount(), welded.mesh.vertexCount(), soup.triangleCount(),
+      welded.mesh.triangleCount()));
+  return std::move(welded.mesh);
 }
 
 }  // namespace qelm::tool

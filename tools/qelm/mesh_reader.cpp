@@ -1,5 +1,5 @@
 // The one file that sees CGAL, whose readers do the reading proper. See
-// obj_text.h and stl_data.h for what has to be done before.
+// obj_text.h, ply_header.h and stl_data.h for what has to be done before.
 #include "mesh_reader.h"
 
 #include <CGAL/IO/OBJ.h>
@@ -16,6 +16,7 @@
 #include "error.h"
 #include "obj_text.h"
 #include "paths.h"
+#include "ply_header.h"
 #include "stl_data.h"
 #include "text.h"
 
@@ -56,8 +57,7 @@ bool readStl(std::string bytes, const std::string& name, ReaderSoup& soup) {
 }
 
 bool readPly(std::string bytes, const std::string& name, ReaderSoup& soup) {
-  if (bytes.compare(0, 3, "ply") != 0)
-    throw InputError(fmt::format("{}: not a PLY file: it does not begin with 'ply'", name));
+  checkPlyHeader(bytes, name);
   std::istringstream stream(std::move(bytes));
   return CGAL::IO::read_PLY(stream, soup.points, soup.faces);
 }

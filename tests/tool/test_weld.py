@@ -1,0 +1,146 @@
+"""qelm weld, and the welding that solve does by itself."""
+
+import math
+import re
+
+import pytest
+
+import shapes
+
+GRID = shapes.grid(4, 3)
+
+
+def soup(mesh, jitter=0.0):
+    """Every triangle with corners of its own, the n-th of them off by n times jitter."""
+    points, faces = mesh
+    corners = [points[v] for face in faces for v in face]
+    moved = [(x + jitter * (k % 3), y, z) for k, (x, y, z) in enumerate(corners)]
+    return moved, [(3 * k, 3 * k + 1, 3 * k + 2) for k in range(len(faces))]
+
+
+def read_obj(path):
+    points, faces = [], []
+    for line in path.read_text().splitlines():
+        kind, *rest = line.split()
+        if kind == "v":
+            points.append(tuple(map(float, rest)))
+        else:
+            faces.append(tuple(int(v) - 1 for v in rest))
+    return points, faces
+
+
+@pytest.mark.parametrize("kind", ["obj", "stl_text", "stl_binary", "ply_text", "ply_binary"])
+def test_a_soup_of_every_format_becomes_one_mesh(qelm, kind):
+    name = "soup." + kind[:3]
+    qelm.write(name, getattr(shapes, kind)(soup(GRID)))
+    done = qelm.ok("weld", name, "-o", "mesh.obj")
+    lines = done.stderr.splitlines()
+    assert lines[0] == f"mesh     {name}: 72 vertices, 24 triangles"
+    assert lines[1] == "welded   20 vertices, 24 triangles, within 5e-06"
+    assert re.fullmatch(r"time     read \d+\.\d+ s, weld \d+\.\d+ s, write \d+\.\d+ s", lines[3])
+    assert lines[4] == "result   mesh.obj"
+    points, faces = read_obj(qelm.folder / "mesh.obj")
+    assert sorted(points) == sorted(tuple(map(float, p)) for p in GRID[0])
+    corners = [tuple(points[v] for v in face) for face in faces]
+    assert corners == [tuple(tuple(map(float, GRID[0][v])) for v in face) for face in GRID[1]]
+
+
+def test_the_tolerance_decides(qelm):
+    qelm.write("soup.obj", shapes.obj(soup(GRID, 0.01)))
+    counts = [
+        qelm.json("weld", "soup.obj", "-o", "mesh.obj", "--tolerance", tolerance)["after"]
+        for tolerance in ("0", "0.015", "0.03")
+    ]
+    assert counts[0] == {"vertices": 72, "triangles": 24}
+    assert 20 < counts[1]["vertices"] <= 72
+    assert counts[2] == {"vertices": 20, "triangles": 24}
+
+
+def test_numbers_are_true_and_collapsed_or_repeated_triangles_go(qelm):
+    points = [(0, 0, 0), (1, 0, 0), (1, 1, 0), (0, 1, 0), (0, 1e-9, 0), (5, 5, 5)]
+    faces = [(0, 1, 2), (0, 2, 3), (2, 1, 4), (0, 4, 5)]
+    qelm.write("m.obj", shapes.obj((points, faces)))
+    summary = qelm.json("weld", "m.obj", "-o", "w.obj", "--tolerance", "1e-6")
+    assert summary["before"] == {"vertices": 6, "triangles": 4}
+    assert summary["after"] == {"vertices": 4, "triangles": 2}
+    assert (summary["droppedTriangles"], summary["droppedVertices"]) == (2, 1)
+    assert read_obj(qelm.folder / "w.obj")[1] == [(0, 1, 2), (0, 2, 3)]
+
+
+def test_every_double_is_kept_in_obj_and_ply(qelm):
+    points = [(0.1 + 0.2, -1 / 3, 1e-300), (2 / 3, math.pi, 0), (1.1, 0.7, 12345.678901234567)]
+    qelm.write("t.obj", shapes.obj((points, [(0, 1, 2)])))
+    qelm.ok("weld", "t.obj", "-o", "t.ply")
+    qelm.ok("weld", "t.ply", "-o", "u.obj")
+    assert read_obj(qelm.folder / "u.obj") == (points, [(0, 1, 2)])
+
+
+def test_stl_output_reads_back(qelm):
+    qelm.write("grid.obj", shapes.obj(GRID))
+    qelm.ok("weld", "grid.obj", "-o", "grid.stl")
+    assert (qelm.folder / "grid.stl").read_bytes()[84:96] == shapes.stl_binary(GRID)[84:96]
+    summary = qelm.json("weld", "grid.stl", "-o", "again.obj")
+    assert summary["before"] == {"vertices": 72, "triangles": 24}
+    assert summary["after"] == {"vertices": 20, "triangles": 24}
+
+
+def test_a_mesh_may_be_welded_in_place_and_to_the_standard_output(qelm):
+    qelm.write("m.obj", shapes.obj(soup(GRID)))
+    done = qelm.ok("weld", "m.obj", "-o", "-", "-q")
+    assert done.stderr == "" and done.stdout.count("v ") == 20
+    qelm.ok("weld", "m.obj", "-o", "m.obj")
+    assert (qelm.folder / "m.obj").read_text() == done.stdout
+
+
+def test_what_a_solve_would_refuse_is_noted(qelm):
+    flat = [(0, 0, 0), (1, 0, 0), (2, 0, 0), (0, 1, 0)]
+    qelm.write("m.obj", shapes.obj((flat, [(0, 1, 3), (0, 1, 2)])))
+    done = qelm.ok("weld", "m.obj", "-o", "w.obj")
+    assert "note: in the result, triangle 1 (0, 1, 2): zero area; remove such" in done.stderr
+
+
+def test_refusals(qelm):
+    qelm.write("m.obj", shapes.obj(soup(GRID)))
+    qelm.write("nan.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])))
+    cases = [
+        (2, ["m.obj"], "--output is required"),
+        (2, ["m.obj", "-o", "w.step"], "-o w.step: give a name that ends in .obj, .ply or .stl"),
+        (2, ["m.obj", "-o", "w.obj", "--tolerance", "-1"], "--tolerance -1: a distance is needed"),
+        (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
+        (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),
+        (2, ["m.obj", "-o", "-", "--json"], "not both"),
+        (1, ["m.obj", "-o", "w.obj", "--tolerance", "100"], "m.obj: welding within 100 leaves no triangle"),
+        (1, ["nan.ply", "-o", "w.obj"], "nan.ply: vertex 1 (1, nan, 0): coordinates not finite"),
+        (1, ["none.obj", "-o", "w.obj"], "none.obj: no such file"),
+        (1, ["m.obj", "-o", "nowhere/w.obj"], "nowhere/w.obj: cannot be written"),
+    ]  # fmt: skip
+    for code, arguments, message in cases:
+        assert message in qelm.fails(code, "weld", *arguments)
+
+
+def test_solve_welds_stl_files_by_itself_and_says_so(qelm):
+    jittered = soup(GRID, 1e-6)
+    qelm.write("soup.stl", shapes.stl_binary(jittered))
+    fix = ["--fix", "box:0,0,0,0.001,9,0=0", "--fix", "box:3.999,0,0,9,9,0=1"]
+    done = qelm.ok("solve", "soup.stl", *fix, "-o", "field.csv")
+    assert (
+        "note: soup.stl: welded within 5e-06: 72 vertices became 20, 24 triangles became 24; "
+        "'qelm weld' takes another tolerance" in done.stderr
+    )
+    assert "mesh     soup.stl: 20 vertices, 24 triangles" in done.stderr
+    assert qelm.field() == pytest.approx([p[0] / 4 for p in qelm.points()], abs=1e-5)
+
+
+def test_a_soup_in_another_format_is_pointed_to_weld(qelm):
+    qelm.write("soup.obj", shapes.obj(soup(GRID)))
+    message = qelm.fails(1, "solve", "soup.obj", "--fix", "vertex:0=1")
+    assert "has no fixed vertex (and 22 more)" in message
+    assert "or join the parts with 'qelm weld'" in message
+
+
+def test_help_explains_and_its_example_runs(qelm):
+    text = qelm.ok("weld", "--help").stdout
+    assert "a millionth of the diagonal" in text
+    qelm.write("part.stl", shapes.stl_text(GRID))
+    example = re.search(r"^  qelm (weld .*)$", text, re.MULTILINE).group(1)
+    qelm.ok(*example.split())
