@@ -116,7 +116,7 @@ namespace Qelm
             return number - number == 0;
         }
 
-        private static string Triangle(int* triangles, long index)
+        internal static string Triangle(int* triangles, long index)
         {
             int* corner = triangles + 3 * index;
             return "triangle " + Text.Of((int)index) + " (" + Text.Of(corner[0]) + ", " + Text.Of(corner[1]) + ", "

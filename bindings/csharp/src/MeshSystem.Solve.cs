@@ -101,6 +101,10 @@ namespace Qelm
 
         private void ThrowUnlessSolvable()
         {
+            if (defect != null)
+            {
+                throw new SingularSystemException(FactorisationInfo, "The system cannot be solved: " + defect + ".");
+            }
             if (FactorisationInfo != FactorisationInfo.Success)
             {
                 throw new SingularSystemException(FactorisationInfo, "The factorisation ended with "

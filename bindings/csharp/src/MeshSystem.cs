@@ -21,10 +21,14 @@ namespace Qelm
         private readonly MeshSystemHandle handle;
         private readonly VertexOrder order;
 
-        private MeshSystem(MeshSystemHandle handle, VertexOrder order, int triangleCount)
+        /// <summary>Why no solve would be well posed, as far as the mesh tells; null when nothing is known.</summary>
+        private readonly string defect;
+
+        private MeshSystem(MeshSystemHandle handle, VertexOrder order, int triangleCount, string defect)
         {
             this.handle = handle;
             this.order = order;
+            this.defect = defect;
             TriangleCount = triangleCount;
             FactorisationInfo = (FactorisationInfo)NativeMethods.qelminfo(handle);
         }
@@ -65,10 +69,11 @@ namespace Qelm
         /// system of which only curves and heat maps of other fields are wanted; solving then throws.</param>
         /// <returns>The system, to be disposed.</returns>
         /// <exception cref="ArgumentNullException">An array is null.</exception>
-        /// <exception cref="ArgumentException">A length, index or coordinate is wrong; the message names the first
-        /// vertex or triangle at fault.</exception>
-        /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the system cannot be
-        /// solved.</exception>
+        /// <exception cref="ArgumentException">A length, index or coordinate is wrong, or, with
+        /// <paramref name="mustSolve"/>, a triangle has no area or a part of the mesh no tagged vertex; the message
+        /// names the first vertex or triangle at fault.</exception>
+        /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
+        /// failed.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
         /// looked for.</exception>
         public static MeshSystem Build(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
@@ -93,7 +98,7 @@ namespace Qelm
         {
             MeshSystemHandle copy;
             NativeMethods.dupl(Live(), out copy);
-            return new MeshSystem(copy, order, TriangleCount);
+            return new MeshSystem(copy, order, TriangleCount, defect);
         }
 
         /// <summary>Releases the native system. Doing so again does nothing.</summary>
@@ -114,6 +119,12 @@ namespace Qelm
             Ensure.IndicesInRange(triangles, triangleCount, vertexCount, "triangles");
             Ensure.DistinctCorners(triangles, triangleCount, "triangles");
             Ensure.EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
+            string blamed;
+            string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, out blamed);
+            if (mustSolve && defect != null)
+            {
+                throw new ArgumentException(defect, blamed);
+            }
             NativeLibrary.Require();
 
             int status;
@@ -121,7 +132,8 @@ namespace Qelm
             NativeMethods.qelmctorTagged(vertexCount, vertices, triangleCount, triangles, tags, null, &status,
                 out handle);
             QelmException.ThrowUnlessOk(status);
-            var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount);
+            var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount,
+                defect);
             if (mustSolve)
             {
                 system.DisposeUnlessSolvable();

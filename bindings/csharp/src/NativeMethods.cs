@@ -85,5 +85,14 @@ namespace Qelm
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern IntPtr getPoshHandle();
+
+        // Additions
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void qelmcurvesTagged(MeshSystemHandle handle, double* field, int levelCount,
+            double* levels, QelmCurves** curvesOut, int* status);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void qelmfreecurves(QelmCurves* curves);
     }
 }

@@ -19,4 +19,16 @@ namespace Qelm
         internal long rows;
         internal long cols;
     }
+
+    /// <summary>Level curves: points packed xyz, and per curve its start, level and whether it is closed.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal unsafe struct QelmCurves
+    {
+        internal long curveCount;
+        internal long pointCount;
+        internal double* points;
+        internal long* starts;
+        internal int* levels;
+        internal int* closed;
+    }
 }

@@ -38,6 +38,16 @@ namespace Qelm
             }
         }
 
+        /// <inheritdoc cref="Curves(double[], double[])"/>
+        public System.Collections.Generic.IReadOnlyList<Curve> Curves(ReadOnlySpan<double> field,
+            ReadOnlySpan<double> levels)
+        {
+            fixed (double* f = &MemoryMarshal.GetReference(field), l = &MemoryMarshal.GetReference(levels))
+            {
+                return Curves(f, field.Length, l, levels.Length);
+            }
+        }
+
         /// <inheritdoc cref="WriteHeatMap(double[], string)"/>
         public void WriteHeatMap(ReadOnlySpan<double> field, string path)
         {

@@ -49,7 +49,7 @@ namespace Qelm
             }
         }
 
-        private static bool IsPrescribed(int tag)
+        internal static bool IsPrescribed(int tag)
         {
             return tag >= 1 && tag <= 3;
         }

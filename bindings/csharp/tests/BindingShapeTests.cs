@@ -28,7 +28,8 @@ namespace Qelm.Tests
             { "const MeshSystem*", "MeshSystemHandle" }, { "MeshSystem**", "MeshSystemHandle&" },
             { "MeshSystem*", "IntPtr" },
             { "IsoPointMatrix*", "IsoPointMatrix*" }, { "IsoPointMatrix**", "IsoPointMatrix**" },
-            { "IsoEdgeMatrix*", "IsoEdgeMatrix*" }, { "IsoEdgeMatrix**", "IsoEdgeMatrix**" }
+            { "IsoEdgeMatrix*", "IsoEdgeMatrix*" }, { "IsoEdgeMatrix**", "IsoEdgeMatrix**" },
+            { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
         };
 
         [Test]

@@ -119,12 +119,60 @@ namespace Qelm.Tests
         public void AMeshWithoutTagsIsRefusedUnlessSolvingIsNotWanted()
         {
             mesh.Tags = new int[4];
-            Assert.Throws<SingularSystemException>(() => mesh.Build());
+            Refuses<ArgumentException>("tags", "the part of the mesh with vertex 0", () => mesh.Build());
             using (MeshSystem system = mesh.Build(mustSolve: false))
             {
                 Assert.AreEqual(0, system.FixedCount);
+                var error = Assert.Throws<SingularSystemException>(() => system.Solve(new double[4]));
+                StringAssert.Contains("vertex 0", error.Message);
+                Assert.AreEqual(system.FactorisationInfo, error.Info);
+                using (MeshSystem copy = system.Duplicate())
+                {
+                    Assert.Throws<SingularSystemException>(() => copy.Solve(new double[4]));
+                }
+            }
+        }
+
+        [Test]
+        public void APartWithoutTagsIsRefusedByName()
+        {
+            var two = new TestMesh
+            {
+                Vertices = new double[] { 9, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 9, 1, 0, 8, 0, 0 },
+                Triangles = new[] { 1, 2, 3, 5, 0, 4 },
+                Tags = new[] { 0, 1, 0, 0, 0, 0 }
+            };
+            Refuses<ArgumentException>("tags", "the part of the mesh with vertex 0", () => two.Build());
+            two.Tags[4] = 3;
+            two.Build().Dispose();
+        }
+
+        [Test]
+        public void ATriangleWithoutAreaIsRefusedUnlessSolvingIsNotWanted()
+        {
+            mesh.Vertices[6] = 0.5;
+            mesh.Vertices[7] = 0.5;
+            mesh.Vertices[9] = 1;
+            Refuses<ArgumentException>("triangles", "triangle 1 (0, 2, 3): its area is not a positive number", () => mesh.Build());
+            using (MeshSystem system = mesh.Build(mustSolve: false))
+            {
                 Assert.Throws<SingularSystemException>(() => system.Solve(new double[4]));
-                Assert.AreEqual(4, system.ToSystemOrder(new double[4]).Length);
+            }
+        }
+
+        [Test]
+        public void AFactorisationThatFailsIsSeenAtOnce()
+        {
+            // A part of three free vertices: its stiffness is singular, and here the last pivot is exactly 0.
+            mesh = new TestMesh
+            {
+                Vertices = new double[] { 0, 0, 0, 1, 0, 0, 0, 1, 0 },
+                Triangles = new[] { 0, 1, 2 },
+                Tags = new int[3]
+            };
+            using (MeshSystem system = mesh.Build(mustSolve: false))
+            {
+                Assert.AreEqual(FactorisationInfo.NumericalIssue, system.FactorisationInfo);
             }
         }
 

@@ -1,6 +1,7 @@
 using System;
-using System.Diagnostics;
+using System.Collections.Generic;
 using System.IO;
+using System.Linq;
 using NUnit.Framework;
 
 namespace Qelm.Tests
@@ -43,15 +44,25 @@ namespace Qelm.Tests
         {
             using (MeshSystem system = mesh.Build())
             {
-                Check.SameBits(system.Solve(values), NextField());
-                Check.SameBits(system.Solve(values, load), NextField());
+                double[] field = system.Solve(values);
+                Check.SameBits(field, NextNumbers(mesh.VertexCount));
+                Check.SameBits(system.Solve(values, load), NextNumbers(mesh.VertexCount));
+                SameCurves(system.Curves(field, 0.25, 1.5, 3.0));
             }
             Assert.AreEqual(answers.BaseStream.Length, answers.BaseStream.Position, "every answer was compared");
         }
 
-        private double[] NextField()
+        private void SameCurves(IReadOnlyList<Curve> curves)
         {
-            return NextNumbers(mesh.VertexCount);
+            Assert.Greater(curves.Count, 3, "the levels are well chosen");
+            Assert.AreEqual(answers.ReadDouble(), curves.Count);
+            foreach (Curve curve in curves)
+            {
+                var head = new double[] { curve.LevelIndex, curve.IsClosed ? 1 : 0, curve.Points.Count };
+                CollectionAssert.AreEqual(NextNumbers(3), head);
+                double[] packed = curve.Points.SelectMany(point => new[] { point.X, point.Y, point.Z }).ToArray();
+                Check.SameBits(packed, NextNumbers(packed.Length));
+            }
         }
 
         private double[] NextNumbers(int count)

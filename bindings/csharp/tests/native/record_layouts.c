@@ -16,5 +16,12 @@ int main(void) {
   FIELD(IsoEdgeMatrix, data);
   FIELD(IsoEdgeMatrix, rows);
   FIELD(IsoEdgeMatrix, cols);
+  RECORD(QelmCurves);
+  FIELD(QelmCurves, curveCount);
+  FIELD(QelmCurves, pointCount);
+  FIELD(QelmCurves, points);
+  FIELD(QelmCurves, starts);
+  FIELD(QelmCurves, levels);
+  FIELD(QelmCurves, closed);
   return 0;
 }
