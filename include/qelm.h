@@ -405,7 +405,7 @@ QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount
  *            are; rows that do not lie inside the array are skipped. This is
  *            intended and kept for callers that arrange their data so. It does not
  *            give the level curves of the mesh as it was constructed: those come
- *            from the functions under "Additions", once this header has them.
+ *            from qelmcurvesTagged().
  * Note:      a segment joins the points of two edges whose position of the level is
  *            in [0, 1], both ends included, or NaN. So a level that equals a
  *            vertex's value gives segments without length, one that runs along an
@@ -543,6 +543,104 @@ QELM_API int doPoshModal(void* logo, void* owner);
 QELM_API void* getPoshHandle(void);
 
 #endif /* _WIN32 */
+
+/* ---- Additions --------------------------------------------------------- */
+/* What follows came to the interface later than the functions above and is
+   built on them; nothing above depends on it. */
+
+/**
+ * Level curves as polylines: points, curve after curve, and for each curve where
+ * it starts, which level it has and whether it is closed. The points of curve c
+ * are points[3*starts[c]] up to points[3*starts[c + 1] - 1]. A closed curve leads
+ * on from its last point to its first, which is not repeated.
+ *
+ * Without curves the counts are 0 and the four arrays null.
+ */
+typedef struct QelmCurves {
+  int64_t curveCount; /**< c, number of curves */
+  int64_t pointCount; /**< p, number of points of all curves */
+  double* points;     /**< double[3p], packed xyz */
+  int64_t* starts;    /**< int64_t[c + 1], in points; starts[c] is p */
+  int32_t* levels;    /**< int32_t[c], index of the curve's level in the caller's array */
+  int32_t* closed;    /**< int32_t[c], 1 closed, 0 open */
+} QelmCurves;
+
+/**
+ * Cuts the mesh of a handle at levels of a field and joins the pieces into
+ * curves. The field is linear on every triangle; all triangles are cut, and a
+ * crossing of a level and an edge is one point, shared by the triangles there.
+ *
+ * Which curves. A value at or above a level counts as above it, everywhere alike.
+ * The curves of a level are what separates above from below: simple polylines,
+ * closed or from boundary to boundary, also where the level passes through
+ * vertices, along edges or over flat regions. No piece has length zero or is there
+ * twice: neighbouring points at one place are one point; a lone vertex or a ridge
+ * of edges that reaches the level from below has no curve; a curve that comes back
+ * to a vertex is cut there into closed rounds. Open curves also end
+ *  - at triangles with a corner whose value is NaN, which are holes;
+ *  - at edges where more than two triangles (holes not counted) meet. Pieces along
+ *    such an edge belong to their sheets and may coincide. Repeated triangles make
+ *    their edges such edges: remove them first.
+ *
+ * Direction. Higher values lie at the left, seen from where the triangles are
+ * counter-clockwise. Where neighbours are oriented against each other, curves stay
+ * whole and take the direction that is right for most of their pieces; of two that
+ * are right for as many, the one whose points come first, as below.
+ *
+ * Order. Curves come by level, in the order of the caller's array. A level that is
+ * there twice has its curves twice; a NaN has none. Within a level, curves are in
+ * lexicographic order of their points: by x, y, z of the first, then of the second,
+ * and so on. A closed curve starts at its least point in that sense. Thus neither
+ * the numbering of the vertices nor the order of the triangles matters: the result
+ * is the same, bit for bit.
+ *
+ * Accuracy. With u = 2^-53, every coordinate is within
+ * 3 u |q - p| + u max(|p|, |q|) of the exact crossing of the edge from p to q, and
+ * between p and q. A level at an end's value is exactly at that end. An infinite
+ * value draws the crossing to the other end of its edge, as ever larger finite
+ * values do; between two infinite values it is in the middle.
+ *
+ * @param[in]  handle      System from qelmctorTagged(), or null.
+ * @param[in]  field       double[n], input order: the order of the caller's arrays,
+ *                         in which the solves give their results.
+ * @param[in]  levelCount  Number of levels, 0 or more.
+ * @param[in]  levels      double[levelCount], in any order; may be null if there
+ *                         are none.
+ * @param[out] curvesOut   Not null; receives a new record, or null.
+ * @param[out] status      Not null; receives one of the codes below.
+ *
+ * Status:    0 success, also without any curve; 1 null handle; 2 the handle has no
+ *            vertex order; 1 levelCount < 0; 25 field is null, or levels is null
+ *            with levelCount > 0. Checked in this order, the first one wins. Unless
+ *            the status is 0, curvesOut receives null.
+ * Ownership: the caller owns the record and gives it to qelmfreecurves() once; no
+ *            pointer is kept.
+ * Threads:   reads the handle only; any number of cuts may run at once on one
+ *            handle. Must not overlap qelmfree().
+ * Memory:    the result, and while the call runs 4 bytes per vertex and about 100
+ *            bytes per point; the time is that of one pass over the mesh, with a
+ *            search among the levels per vertex, plus that of the points and of
+ *            sorting the curves. Exhaustion leaves as std::bad_alloc, with curvesOut
+ *            at null; so do more than 2^31 points of different levels.
+ * Note:      in contrast to the records of segments, this is in input order, covers
+ *            the mesh as constructed and tells levels apart.
+ * Since:     0.1.0
+ */
+QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, int levelCount,
+                               const double* levels, QelmCurves** curvesOut, int* status);
+
+/**
+ * Releases a record of curves and its arrays.
+ *
+ * @param[in] curves  Record from qelmcurvesTagged(), or null: then nothing happens.
+ *
+ * Errors:    none.
+ * Ownership: the record and the arrays in it end here.
+ * Threads:   must not overlap any other use of the record.
+ * Memory:    allocates nothing.
+ * Since:     0.1.0
+ */
+QELM_API void qelmfreecurves(QelmCurves* curves);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,67 @@
+#include "isolines/curve_loops.h"
+
+#include <algorithm>
+
+#include "isolines/curve_points.h"
+
+namespace qelm {
+namespace {
+
+/// Compares a closed sequence, once round from i, with itself once round from j.
+std::strong_ordering compareTurns(std::span<const CurveNode> nodes, NodeSequence closed,
+                                  std::size_t i, std::size_t j) {
+  for (std::size_t step = 0; step < closed.size(); ++step) {
+    const auto order = comparePoints(nodes[closed[i]].point, nodes[closed[j]].point);
+    if (order != 0) return order;
+    i = i + 1 < closed.size() ? i + 1 : 0;
+    j = j + 1 < closed.size() ? j + 1 : 0;
+  }
+  return std::strong_ordering::equal;
+}
+
+}  // namespace
+
+std::strong_ordering compareSequences(std::span<const CurveNode> nodes, NodeSequence a,
+                                      NodeSequence b) {
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    const auto order = comparePoints(nodes[a[i]].point, nodes[b[i]].point);
+    if (order != 0) return order;
+  }
+  return a.size() <=> b.size();
+}
+
+std::size_t leastStart(std::span<const CurveNode> nodes, NodeSequence closed) {
+  std::size_t least = 0;
+  for (std::size_t i = 1; i < closed.size(); ++i) {
+    const auto order = comparePoints(nodes[closed[i]].point, nodes[closed[least]].point);
+    if (order < 0 || (order == 0 && compareTurns(nodes, closed, i, least) < 0)) least = i;
+  }
+  return least;
+}
+
+std::vector<std::uint32_t> sharedPlaces(std::span<const CurveNode> nodes,
+                                        std::span<const std::uint32_t> vertexAt,
+                                        NodeSequence sequence) {
+  std::vector<std::size_t> atVertices;
+  for (std::size_t i = 0; i < sequence.size(); ++i) {
+    if (vertexAt[sequence[i]] != kNoVertex) atVertices.push_back(i);
+  }
+  const auto pointAt = [&](std::size_t i) -> const Vec3& { return nodes[sequence[i]].point; };
+  std::sort(atVertices.begin(), atVertices.end(), [&](std::size_t a, std::size_t b) {
+    return comparePoints(pointAt(a), pointAt(b)) < 0;
+  });
+
+  std::vector<std::uint32_t> places;
+  std::uint32_t lastPlace = 0;
+  for (std::size_t i = 1; i < atVertices.size(); ++i) {
+    if (!samePlace(pointAt(atVertices[i]), pointAt(atVertices[i - 1]))) continue;
+    places.resize(sequence.size(), 0);
+    std::uint32_t& place = places[atVertices[i - 1]];
+    if (place == 0) place = ++lastPlace;
+    places[atVertices[i]] = place;
+  }
+  return places;
+}
+
+}  // namespace qelm

@@ -1,0 +1,34 @@
+// Orders of points that depend on nothing but their coordinates.
+#ifndef QELM_ISOLINES_CURVE_POINTS_H
+#define QELM_ISOLINES_CURVE_POINTS_H
+
+#include <bit>
+#include <compare>
+#include <cstdint>
+
+#include "mesh/vec3.h"
+
+namespace qelm {
+
+/// The same place. False if a coordinate is NaN.
+inline bool samePlace(const Vec3& a, const Vec3& b) {
+  return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+/// Order of doubles as integers: as < has it, with -0.0 before 0.0 and NaN at the
+/// ends, so that sorting is sound whatever a mesh contains.
+inline std::int64_t orderedBits(double value) {
+  const auto bits = std::bit_cast<std::int64_t>(value);
+  return bits < 0 ? bits ^ INT64_MAX : bits;
+}
+
+/// By x, then y, then z.
+inline std::strong_ordering comparePoints(const Vec3& a, const Vec3& b) {
+  if (const auto x = orderedBits(a.x) <=> orderedBits(b.x); x != 0) return x;
+  if (const auto y = orderedBits(a.y) <=> orderedBits(b.y); y != 0) return y;
+  return orderedBits(a.z) <=> orderedBits(b.z);
+}
+
+}  // namespace qelm
+
+#endif  // QELM_ISOLINES_CURVE_POINTS_H

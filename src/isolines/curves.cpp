@@ -1,0 +1,54 @@
+#include "isolines/curves.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "isolines/curve_edges.h"
+#include "isolines/curve_levels.h"
+
+namespace qelm {
+namespace {
+
+TracedCurves traceAll(std::span<const CrossedEdge> edges, std::span<const std::uint32_t> ranks,
+                      CurveGraph& graph) {
+  CurveTracer tracer(graph);
+  for (const CrossedEdge& edge : edges) {
+    const EdgeLevels levels = levelsOn(edge, ranks);
+    const std::uint32_t nodes = levels.count * nodeSetsOf(edge);
+    for (std::uint32_t i = 0; i < nodes; ++i) {
+      tracer.trace(edge.firstNode + i, levels.first + i % levels.count);
+    }
+  }
+  return tracer.takeCurves();
+}
+
+LevelCurves::Range curvesOfLevel(const std::vector<TracedCurve>& sorted, std::int32_t position) {
+  if (position == kNoLevel) return {0, 0};
+  const auto level = static_cast<std::uint32_t>(position);
+  const auto first = std::partition_point(sorted.begin(), sorted.end(),
+                                          [=](const TracedCurve& c) { return c.level < level; });
+  const auto last = std::partition_point(first, sorted.end(),
+                                         [=](const TracedCurve& c) { return c.level == level; });
+  return {static_cast<std::size_t>(first - sorted.begin()),
+          static_cast<std::size_t>(last - sorted.begin())};
+}
+
+}  // namespace
+
+LevelCurves cutCurves(const FieldOnMesh& mesh, std::span<const double> levels) {
+  const CurveLevels arranged = arrangeLevels(levels);
+  LevelCurves cut;
+  const auto ranks = rankVertices(arranged.distinct, mesh.field, mesh.vertexOrder);
+  CrossedPart part = findCrossed(mesh.triangles, ranks);
+  cut.graph = linkCrossings(mesh, arranged.distinct, ranks, part);
+  cut.traced = traceAll(part.edges, ranks, cut.graph);
+  sortCurves(cut.traced, cut.graph);
+  cut.rangeOf.reserve(levels.size());
+  for (const std::int32_t position : arranged.positions) {
+    cut.rangeOf.push_back(curvesOfLevel(cut.traced.curves, position));
+  }
+  return cut;
+}
+
+}  // namespace qelm
