@@ -328,39 +328,47 @@ QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, c
 /* ---- Welding ----------------------------------------------------------- */
 
 /**
- * Merges vertices that lie closer together than a tolerance, and re-indexes the
- * triangles: what turns a soup, such as an STL file, into a mesh that can be
- * constructed. Two vertices are joined when their squared distance is strictly less
- * than tolerance * tolerance, and joining is transitive: a chain of close vertices
- * becomes one. A merged vertex stands where its lowest-numbered member stands.
- * Triangles that lose a corner are dropped, and so are those that repeat the three
- * vertices of an earlier one, in whatever order.
+ * Merges vertices that lie closer together than a tolerance, renumbers the
+ * triangles, and leaves out those that collapse or repeat an earlier one by
+ * it. For arrays on their way to qelmctorTagged(); touches no handle.
  *
- * @param[in]  vertexCount          n, at least 0. With 0 nothing else is looked at.
+ * Two vertices are merged when their squared distance dx*dx + dy*dy + dz*dz is
+ * strictly below tolerance * tolerance. Merging carries on from vertex to
+ * vertex (single linkage): the ends of a chain of near vertices become one,
+ * however far apart they are. A cluster keeps the position of its vertex with
+ * the lowest index, bit for bit, and clusters keep the order of these.
+ *
+ * @param[in]  vertexCount          n, at least 0.
  * @param[in]  vertices             double[3n], packed xyz.
  * @param[in]  triangleCount        m, at least 0.
- * @param[in]  triangles            int[3m], every index in 0 .. n-1 (not checked).
- * @param[in]  tolerance            Weld distance in the unit of the coordinates, at
- *                                  least 0. With 0 nothing is merged, not even
- *                                  vertices at the same place; with NaN neither.
- * @param[out] weldedVertices       Room for double[3n]; receives the kept vertices,
- *                                  in input order, their coordinates bit for bit.
- * @param[out] weldedTriangles      Room for int[3m]; receives the kept triangles, in
- *                                  input order, each with its own corner order.
- * @param[out] vertexMap            int[n]; receives each vertex's welded index.
+ * @param[in]  triangles            int[3m], every index in 0 .. n-1 (not
+ *                                  checked).
+ * @param[in]  tolerance            Weld distance in the unit of the
+ *                                  coordinates, at least 0.
+ * @param[out] weldedVertices       double[3n]; the kept vertices come first,
+ *                                  packed, the rest is not touched. May be the
+ *                                  same array as vertices.
+ * @param[out] weldedTriangles      int[3m]; likewise the kept triangles, each
+ *                                  with its corners in input order. May be the
+ *                                  same array as triangles.
+ * @param[out] vertexMap            int[n]; receives for each input vertex its
+ *                                  index in weldedVertices.
  * @param[out] weldedVertexCount    Receives the number of kept vertices.
- * @param[out] weldedTriangleCount  Receives the number of kept triangles. Both
- *                                  counts may be null only if n is 0.
- * @return 0 on success; 1 for a negative count or tolerance, with nothing written.
+ * @param[out] weldedTriangleCount  Receives the number of kept triangles.
+ * @return 0 success; 1 vertexCount < 0, triangleCount < 0 or tolerance < 0, with
+ *         no output touched, not even the counts.
  *
- * Errors:    the return value.
- * Ownership: the caller owns all arrays; no pointer is kept. Outputs must not
- *            overlap inputs.
- * Threads:   no state; may run at the same time as any other call.
- * Memory:    exhaustion leaves as std::bad_alloc; the counts are 0 then, and the
- *            output arrays may be partly written.
- * Note:      vertices exactly at the tolerance stay apart. Vertices with a NaN or
- *            infinite coordinate are never merged.
+ * Errors:    none besides. With vertexCount 0 both counts become 0, whatever
+ *            triangleCount says, nothing else is read or written, and each
+ *            count pointer may be null. With more vertices all outputs are
+ *            needed (not checked).
+ * Ownership: the caller owns all arrays; no pointer is kept.
+ * Threads:   may run at the same time as any other call, with other outputs.
+ * Memory:    exhaustion leaves as std::bad_alloc, with both counts at 0 and the
+ *            other outputs undefined.
+ * Note:      vertices exactly the tolerance apart stay apart. Tolerance 0 merges
+ *            nothing, not even equal vertices; NaN likewise. A vertex with a
+ *            NaN or infinite coordinate is never merged.
  * Since:     0.1.0
  */
 QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount,

@@ -1,7 +1,12 @@
-// Union-find in which the lowest index of a set is its root.
+// Union-find over 0 .. n-1 in which the root of a set is its lowest element.
+//
+// Which sets result depends on the united pairs alone, not on their order: the
+// partition is the transitive closure of the pairs, and "the lowest element" is a
+// property of the set. So a search may report its pairs in any order.
 #ifndef QELM_MESH_DISJOINT_SETS_H
 #define QELM_MESH_DISJOINT_SETS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
@@ -9,30 +14,32 @@
 
 namespace qelm {
 
-/// Sets of 0 .. count-1, each element alone at first. Since the lower root always
-/// becomes the root of a union, the result depends on which pairs were united and
-/// not on their order.
 class DisjointSets {
  public:
   explicit DisjointSets(std::size_t count) : parent_(count) {
     std::iota(parent_.begin(), parent_.end(), 0);
   }
 
-  /// The lowest index in the set of x. Halves the path on its way.
-  std::int32_t find(std::int32_t x) {
-    while (parent(x) != x) x = parent(x) = parent(parent(x));
-    return x;
+  /// Lowest element of the set of `element`. Halves the path on its way, in a
+  /// loop: no chain of parents can overflow the stack.
+  std::int32_t root(std::int32_t element) {
+    while (parent(element) != element) {
+      parent(element) = parent(parent(element));
+      element = parent(element);
+    }
+    return element;
   }
 
   void unite(std::int32_t a, std::int32_t b) {
-    a = find(a);
-    b = find(b);
-    if (a < b) parent(b) = a;
-    if (b < a) parent(a) = b;
+    const std::int32_t rootA = root(a);
+    const std::int32_t rootB = root(b);
+    if (rootA != rootB) parent(std::max(rootA, rootB)) = std::min(rootA, rootB);
   }
 
+  std::size_t size() const { return parent_.size(); }
+
  private:
-  std::int32_t& parent(std::int32_t x) { return parent_[static_cast<std::size_t>(x)]; }
+  std::int32_t& parent(std::int32_t element) { return parent_[static_cast<std::size_t>(element)]; }
 
   std::vector<std::int32_t> parent_;
 };

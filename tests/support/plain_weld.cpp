@@ -12,128 +12,139 @@
 namespace qelm::test {
 namespace {
 
-struct UnionFind {
-  std::vector<std::int32_t> parent;
-
-  explicit UnionFind(std::size_t n) : parent(n) { std::iota(parent.begin(), parent.end(), 0); }
-  std::int32_t find(std::int32_t x) {
-    auto p = [this](std::int32_t i) -> std::int32_t& {
-      return parent[static_cast<std::size_t>(i)];
-    };
-    while (p(x) != x) {
-      p(x) = p(p(x));
-      x = p(x);
-    }
-    return x;
-  }
-  void unite(std::int32_t a, std::int32_t b) {
-    a = find(a);
-    b = find(b);
-    if (a == b) return;
-    parent[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
-  }
-};
-
-Welded collect(const std::vector<double>& vertices, const std::vector<std::int32_t>& triangles,
-               UnionFind& sets) {
-  const std::size_t n = vertices.size() / 3;
-  Welded result;
-  result.map.resize(n);
-  std::vector<std::int32_t> firstIndex(n, -1);
-  for (std::size_t i = 0; i < n; ++i) {
-    const auto root = static_cast<std::size_t>(sets.find(static_cast<std::int32_t>(i)));
-    if (firstIndex[root] < 0) {
-      firstIndex[root] = static_cast<std::int32_t>(result.vertices.size() / 3);
-      for (std::size_t k = 0; k < 3; ++k) result.vertices.push_back(vertices[3 * root + k]);
-    }
-    result.map[i] = firstIndex[root];
-  }
-  std::set<std::array<std::int32_t, 3>> keys;
-  for (std::size_t t = 0; t < triangles.size(); t += 3) {
-    std::array<std::int32_t, 3> c{};
-    for (std::size_t k = 0; k < 3; ++k) {
-      c[k] = result.map[static_cast<std::size_t>(triangles[t + k])];
-    }
-    if (c[0] == c[1] || c[1] == c[2] || c[0] == c[2]) continue;
-    std::array<std::int32_t, 3> key = c;
-    std::sort(key.begin(), key.end());
-    if (!keys.insert(key).second) continue;
-    result.triangles.insert(result.triangles.end(), c.begin(), c.end());
-  }
-  return result;
-}
-
 struct Cloud {
-  struct Vertex {
-    double xyz[3];
-  };
-  std::vector<Vertex> points;
-  double low[3], high[3];
-
-  explicit Cloud(const std::vector<double>& vertices) {
-    for (std::size_t k = 0; k < 3; ++k) {
-      low[k] = std::numeric_limits<double>::infinity();
-      high[k] = -low[k];
-    }
+  explicit Cloud(std::span<const double> vertices) {
     for (std::size_t i = 0; i < vertices.size(); i += 3) {
-      points.push_back({{vertices[i], vertices[i + 1], vertices[i + 2]}});
-      for (std::size_t k = 0; k < 3; ++k) {
-        if (vertices[i + k] < low[k]) low[k] = vertices[i + k];
-        if (vertices[i + k] > high[k]) high[k] = vertices[i + k];
+      points.push_back({vertices[i], vertices[i + 1], vertices[i + 2]});
+      for (std::size_t axis = 0; axis < 3; ++axis) {
+        if (points.back()[axis] < low[axis]) low[axis] = points.back()[axis];
+        if (points.back()[axis] > high[axis]) high[axis] = points.back()[axis];
       }
     }
   }
+
   std::size_t kdtree_get_point_count() const { return points.size(); }
-  double kdtree_get_pt(std::size_t i, std::size_t axis) const { return points[i].xyz[axis]; }
+  double kdtree_get_pt(std::size_t i, std::size_t axis) const { return points[i][axis]; }
   template <class Box>
   bool kdtree_get_bbox(Box& box) const {
-    for (std::size_t k = 0; k < 3; ++k) {
-      box[k].low = low[k];
-      box[k].high = high[k];
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      box[axis].low = low[axis];
+      box[axis].high = high[axis];
     }
     return true;
   }
+
+  static constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::vector<std::array<double, 3>> points;
+  std::array<double, 3> low{kInfinity, kInfinity, kInfinity};
+  std::array<double, 3> high{-kInfinity, -kInfinity, -kInfinity};
 };
+
+using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Adaptor<double, Cloud>, Cloud, 3>;
+
+struct UnionFind {
+  explicit UnionFind(std::size_t count) : parent(count) {
+    std::iota(parent.begin(), parent.end(), 0);
+  }
+
+  std::int32_t root(std::int32_t x) {
+    while (at(x) != x) {
+      at(x) = at(at(x));
+      x = at(x);
+    }
+    return x;
+  }
+
+  void unite(std::int32_t i, std::int32_t j) {
+    const std::int32_t ri = root(i);
+    const std::int32_t rj = root(j);
+    if (ri != rj) at(std::max(ri, rj)) = std::min(ri, rj);
+  }
+
+  std::int32_t& at(std::int32_t x) { return parent[static_cast<std::size_t>(x)]; }
+
+  std::vector<std::int32_t> parent;
+};
+
+void keepVertices(std::span<const double> vertices, UnionFind& clusters, Welded& result) {
+  const std::size_t n = vertices.size() / 3;
+  std::vector<std::int32_t> firstIndex(n, -1);
+  std::vector<std::int32_t> representatives;
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::int32_t root = clusters.root(static_cast<std::int32_t>(i));
+    std::int32_t& first = firstIndex[static_cast<std::size_t>(root)];
+    if (first < 0) {
+      first = static_cast<std::int32_t>(representatives.size());
+      representatives.push_back(root);
+    }
+    result.vertexMap.push_back(first);
+  }
+  for (const std::int32_t r : representatives) {
+    const auto p = vertices.subspan(3 * static_cast<std::size_t>(r), 3);
+    result.vertices.insert(result.vertices.end(), p.begin(), p.end());
+  }
+}
+
+void keepTriangles(std::span<const std::int32_t> triangles, Welded& result) {
+  std::set<std::array<std::int32_t, 3>> keys;
+  for (std::size_t t = 0; t < triangles.size(); t += 3) {
+    std::array<std::int32_t, 3> corners{};
+    for (std::size_t k = 0; k < 3; ++k) {
+      corners[k] = result.vertexMap[static_cast<std::size_t>(triangles[t + k])];
+    }
+    std::array<std::int32_t, 3> key = corners;
+    std::ranges::sort(key);
+    if (key[0] == key[1] || key[1] == key[2] || !keys.insert(key).second) continue;
+    result.triangles.insert(result.triangles.end(), corners.begin(), corners.end());
+  }
+}
 
 }  // namespace
 
-Welded allPairsWeld(const std::vector<double>& vertices, const std::vector<std::int32_t>& triangles,
-                    double tolerance) {
-  const std::size_t n = vertices.size() / 3;
-  UnionFind sets(n);
-  const double r2 = tolerance * tolerance;
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = i + 1; j < n; ++j) {
-      const double dx = vertices[3 * i] - vertices[3 * j];
-      const double dy = vertices[3 * i + 1] - vertices[3 * j + 1];
-      const double dz = vertices[3 * i + 2] - vertices[3 * j + 2];
-      if (dx * dx + dy * dy + dz * dz < r2) {
-        sets.unite(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
-      }
-    }
-  }
-  return collect(vertices, triangles, sets);
-}
-
-Welded plainTreeWeld(const std::vector<double>& vertices,
-                     const std::vector<std::int32_t>& triangles, double tolerance) {
-  const std::size_t n = vertices.size() / 3;
-  UnionFind sets(n);
+Welded plainWeld(std::span<const double> vertices, std::span<const std::int32_t> triangles,
+                 double tolerance) {
+  if (vertices.empty()) return {};
   const Cloud cloud(vertices);
-  using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud>,
-                                                   Cloud, 3, std::size_t>;
   Tree tree(3, cloud, nanoflann::KDTreeSingleIndexAdaptorParams(10));
   tree.buildIndex();
-  std::vector<std::pair<std::size_t, double>> found;
-  for (std::size_t i = 0; i < n; ++i) {
+  UnionFind clusters(cloud.points.size());
+  const double radiusSquared = tolerance * tolerance;
+  std::vector<std::pair<std::uint32_t, double>> found;
+  for (std::size_t i = 0; i < cloud.points.size(); ++i) {
     found.clear();
-    nanoflann::RadiusResultSet<double, std::size_t> result(tolerance * tolerance, found);
-    tree.findNeighbors(result, cloud.points[i].xyz, nanoflann::SearchParams(32, 0.0F, false));
-    for (const auto& [j, distance] : found) {
-      if (j > i) sets.unite(static_cast<std::int32_t>(i), static_cast<std::int32_t>(j));
+    nanoflann::RadiusResultSet<double, std::uint32_t> inRadius(radiusSquared, found);
+    tree.findNeighbors(inRadius, cloud.points[i].data(), nanoflann::SearchParams(32, 0, false));
+    const auto self = static_cast<std::int32_t>(i);
+    for (const auto& [index, distance] : found) {
+      const auto j = static_cast<std::int32_t>(index);
+      if (j > self) clusters.unite(self, j);
     }
   }
-  return collect(vertices, triangles, sets);
+  Welded result;
+  keepVertices(vertices, clusters, result);
+  keepTriangles(triangles, result);
+  return result;
+}
+
+Welded allPairsWeld(std::span<const double> vertices, std::span<const std::int32_t> triangles,
+                    double tolerance) {
+  const auto n = static_cast<std::int32_t>(vertices.size() / 3);
+  UnionFind clusters(static_cast<std::size_t>(n));
+  for (std::int32_t i = 0; i < n; ++i) {
+    for (std::int32_t j = i + 1; j < n; ++j) {
+      double distance = 0;
+      for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double difference = vertices[3 * static_cast<std::size_t>(i) + axis] -
+                                  vertices[3 * static_cast<std::size_t>(j) + axis];
+        distance += difference * difference;
+      }
+      if (distance < tolerance * tolerance) clusters.unite(i, j);
+    }
+  }
+  Welded result;
+  keepVertices(vertices, clusters, result);
+  keepTriangles(triangles, result);
+  return result;
 }
 
 }  // namespace qelm::test

@@ -1,0 +1,51 @@
+// A hash set of 32-bit indices in one flat array; what an index stands for is the
+// caller's to compare. Open addressing with linear probing, at most half full.
+#ifndef QELM_MESH_INDEX_TABLE_H
+#define QELM_MESH_INDEX_TABLE_H
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qelm {
+
+/// Mixes three words so that every bit of them reaches the low bits: a multiply
+/// carries upwards only, so each round folds the high half down again. The
+/// multiplier is the odd number next to 2^64 divided by the golden ratio.
+inline std::uint64_t hashWords(std::uint64_t a, std::uint64_t b, std::uint64_t c) {
+  constexpr std::uint64_t kMultiplier = 0x9e3779b97f4a7c15;
+  std::uint64_t hash = 0;
+  for (const std::uint64_t word : {a, b, c}) {
+    hash = (hash ^ word) * kMultiplier;
+    hash ^= hash >> 32;
+  }
+  hash *= kMultiplier;
+  return hash ^ (hash >> 29);
+}
+
+class IndexTable {
+ public:
+  /// Room for `most` indices, allocated at once.
+  explicit IndexTable(std::size_t most) : slots_(std::bit_ceil(2 * most + 1), kEmpty) {}
+
+  /// The index already stored for which same(index) holds, or else `index`, which
+  /// is stored then.
+  template <class Same>
+  std::int32_t findOrInsert(std::uint64_t hash, std::int32_t index, Same same) {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = static_cast<std::size_t>(hash) & mask;
+    for (; slots_[slot] != kEmpty; slot = (slot + 1) & mask) {
+      if (same(slots_[slot])) return slots_[slot];
+    }
+    return slots_[slot] = index;
+  }
+
+ private:
+  static constexpr std::int32_t kEmpty = -1;
+  std::vector<std::int32_t> slots_;
+};
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_INDEX_TABLE_H
