@@ -177,7 +177,8 @@ namespace Qelm.Tests
             yield return record.Name + " " + Marshal.SizeOf(record);
             foreach (FieldInfo field in record.GetFields(BindingFlags.Instance | BindingFlags.NonPublic))
             {
-                yield return record.Name + "." + field.Name + " " + Marshal.OffsetOf(record, field.Name);
+                int size = field.FieldType.IsPointer ? IntPtr.Size : Marshal.SizeOf(field.FieldType);
+                yield return record.Name + "." + field.Name + " " + Marshal.OffsetOf(record, field.Name) + " " + size;
             }
         }
 

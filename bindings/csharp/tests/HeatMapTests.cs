@@ -89,6 +89,16 @@ namespace Qelm.Tests
         }
 
         [Test]
+        public void NothingOldIsLeftWhenTheExportBegins()
+        {
+            File.WriteAllText(At("map.obj"), "old");
+            File.WriteAllText(At("map.mtl"), "old");
+            new HeatMapFiles(At("map")).Clear();
+            Assert.AreEqual(0, new FileInfo(At("map.obj")).Length);
+            Assert.AreEqual(0, new FileInfo(At("map.mtl")).Length);
+        }
+
+        [Test]
         public void FilesThatStayEmptyAreAnError()
         {
             var files = new HeatMapFiles(At("map"));

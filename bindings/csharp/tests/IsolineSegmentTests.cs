@@ -92,6 +92,18 @@ namespace Qelm.Tests
         }
 
         [Test]
+        public void ManyCutsDoNotGrowTheProcess()
+        {
+            // 500 levels give tables of at least 28 kB.
+            var levels = new double[500];
+            for (int k = 0; k < levels.Length; ++k)
+            {
+                levels[k] = (k + 1.0) / (levels.Length + 1);
+            }
+            Memory.AssertNoGrowth(3000, () => Assert.AreEqual(500, system.IsolineSegments(Field, levels).Count));
+        }
+
+        [Test]
         public void WrongArgumentsAreRefused()
         {
             Check.Refuses<ArgumentNullException>("field", "", () => system.IsolineSegments(null, 1));

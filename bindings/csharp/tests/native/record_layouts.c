@@ -1,11 +1,12 @@
-/* Prints the layout of every record of the header: "RECORD size" and "RECORD.FIELD offset". */
+/* Prints the layout of every record of the header: "RECORD size", "RECORD.FIELD offset size". */
 #include <stddef.h>
 #include <stdio.h>
 
 #include "qelm.h"
 
 #define RECORD(type) printf(#type " %zu\n", sizeof(type))
-#define FIELD(type, field) printf(#type "." #field " %zu\n", offsetof(type, field))
+#define FIELD(type, field) \
+  printf(#type "." #field " %zu %zu\n", offsetof(type, field), sizeof(((type*)NULL)->field))
 
 int main(void) {
   RECORD(IsoPointMatrix);
