@@ -32,6 +32,8 @@ namespace Qelm.Tests
                 () => system.Duplicate(),
                 () => system.Solve(four),
                 () => system.Solve(four, four),
+                () => system.SolveMany(new[] { four }),
+                () => system.SolveMany(new[] { four }, new[] { four }),
                 () => system.SolveInto(four, four),
                 () => system.SolveInto(four, four, four),
                 () => system.SystemVertices(),
