@@ -1,5 +1,6 @@
 """The release packages: built, unpacked and used; built again elsewhere, the same bytes."""
 
+import os
 import re
 import shutil
 import subprocess
@@ -158,6 +159,16 @@ def test_the_manifest_names_files_that_are_there_and_the_version_of_the_header(n
     groups = manifest.findall(".//n:dependencies/n:group", space)
     assert [group.get("targetFramework") for group in groups] == [".NETStandard2.0"]
     assert len(groups[0]) == 0, "no dependency"
+
+
+def test_a_nuget_client_finds_and_installs_it(packages, tmp_path):
+    home = dict(os.environ, HOME=str(tmp_path))
+    run("nuget", "install", "Qelm", "-Source", packages, "-OutputDirectory", tmp_path / "installed",
+        "-NonInteractive", cwd=tmp_path, env=home, timeout=120)
+    installed = tmp_path / f"installed/Qelm.{VERSION}"
+    assert (installed / "lib/netstandard2.0/Qelm.dll").is_file()
+    assert (installed / "runtimes/win-x64/native/qelm.dll").is_file()
+    assert (installed / "build/Qelm.targets").is_file()
 
 
 def test_the_build_targets_copy_files_that_are_there(nuget):
