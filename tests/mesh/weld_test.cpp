@@ -181,6 +181,12 @@ TEST(WeldVertices, ACellBorderSeparatesNothing) {
   }
 }
 
+TEST(WeldVertices, TwoGroupsMeetThroughTheirNearestMembersNotTheirFirst) {
+  // The first ones are 2.48 apart, the nearest ones 1.54.
+  EXPECT_EQ(weld(onALine({0.01, 2.49, 0.48, 2.02}), {}, 1.55).vertexMap, (Ints{0, 0, 0, 0}));
+  EXPECT_EQ(weld(onALine({0.01, 2.49, 0.48, 2.02}), {}, 1.54).vertexMap, (Ints{0, 1, 0, 1}));
+}
+
 TEST(WeldVertices, NotFiniteVerticesAreNeverMergedNotEvenWithThemselves) {
   const Field vertices = {kNaN, 0, 0, kNaN, 0, 0, kInfinity,  0, 0, kInfinity, 0,    0,
                           0,    0, 0, 0,    0, 0, -kInfinity, 0, 0, 0,         kNaN, kInfinity};
