@@ -65,7 +65,7 @@ def test_built_again_in_another_folder_both_packages_are_the_same_bytes(packages
 def test_the_zip_holds_what_a_developer_needs(zip_content):
     names = {path.relative_to(zip_content).as_posix() for path in zip_content.rglob("*")}
     assert {
-        "README.md", "CHANGELOG.md", "LICENSE",
+        "README.md", "CHANGELOG.md", "CONTENTS.md", "LICENSE",
         "windows-x64/include/qelm.h", "windows-x64/bin/qelm.dll", "windows-x64/lib/qelm.def",
         "windows-x64/lib/libqelm.dll.a", "windows-x64/lib/cmake/qelm/qelmConfig.cmake",
         "linux-x64/include/qelm.h", "linux-x64/lib/libqelm.so", "linux-x64/lib/pkgconfig/qelm.pc",
@@ -74,6 +74,13 @@ def test_the_zip_holds_what_a_developer_needs(zip_content):
         "csharp/samples/RimCurves/Program.cs",
     } <= names  # fmt: skip
     assert not [name for name in names if name.lower().endswith((".pdb", ".dbg", "/bin/qelm", ".obj"))]
+
+
+def test_every_folder_that_the_contents_name_is_there(zip_content):
+    named = re.findall(r"^\| `([^`]+)` \|", (zip_content / "CONTENTS.md").read_text(), re.M)
+    assert len(named) > 5
+    for name in named:
+        assert (zip_content / name).exists(), name
 
 
 def test_the_licences_of_what_is_linked_in_are_there(zip_content, nuget):

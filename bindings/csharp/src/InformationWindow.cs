@@ -8,7 +8,7 @@ namespace Qelm
         /// <summary>The window's thread could not be started.</summary>
         NotStarted = 0,
 
-        /// <summary>The window's thread was started.</summary>
+        /// <summary>The window's thread was started. Whether a window appears is decided there.</summary>
         Started = 1,
 
         /// <summary>A window is open already, or memory ran out.</summary>
@@ -19,6 +19,11 @@ namespace Qelm
     }
 
     /// <summary>The product's information window. Windows only.</summary>
+    /// <remarks>
+    /// The window is made from the window class "QuobinsCoolClass", which the library does not register under that full
+    /// name: unless the process has registered it by other means, <see cref="Show"/> answers
+    /// <see cref="InformationWindowResult.Started"/> and no window appears. That is how the C interface is defined.
+    /// </remarks>
     public static class InformationWindow
     {
         /// <summary>The window's handle (HWND), or zero.</summary>
