@@ -1,3 +1,4 @@
+using System;
 using System.IO;
 using System.Text;
 
@@ -63,19 +64,20 @@ namespace Qelm
 
         private static void EnsureEnd(string file, string line)
         {
-            if (!Tail(file, line.Length + 3).TrimEnd('\r', '\n').EndsWith("\n" + line, System.StringComparison.Ordinal))
+            string end = Tail(file, line.Length + 3).TrimEnd('\r', '\n');
+            if (!end.EndsWith("\n" + line, StringComparison.Ordinal))
             {
                 throw new IOException("The file was not written completely: " + file);
             }
         }
 
-        /// <summary>The last bytes of a file: room for a line with a line end of up to two bytes on each side.</summary>
+        /// <summary>The last bytes of a file, or all of it when it is shorter.</summary>
         private static string Tail(string file, int length)
         {
             using (FileStream stream = File.OpenRead(file))
             {
                 var bytes = new byte[length];
-                stream.Seek(-System.Math.Min(length, stream.Length), SeekOrigin.End);
+                stream.Seek(-Math.Min(length, stream.Length), SeekOrigin.End);
                 return Encoding.ASCII.GetString(bytes, 0, stream.Read(bytes, 0, length));
             }
         }

@@ -107,8 +107,8 @@ namespace Qelm
             handle.Dispose();
         }
 
-        private static MeshSystem Build(double* vertices, int coordinateCount, int* triangles, int indexCount, int* tags,
-            int tagCount, bool mustSolve)
+        private static MeshSystem Build(double* vertices, int coordinateCount, int* triangles, int indexCount,
+            int* tags, int tagCount, bool mustSolve)
         {
             int vertexCount = Ensure.Triples(coordinateCount, "vertices");
             int triangleCount = Ensure.Triples(indexCount, "triangles");

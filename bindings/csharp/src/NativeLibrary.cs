@@ -1,4 +1,5 @@
 using System;
+using System.Collections.Generic;
 using System.IO;
 using System.Text;
 
@@ -54,7 +55,8 @@ namespace Qelm
             foreach (string folder in ProbedFolders())
             {
                 bool there = File.Exists(Path.Combine(folder, FileName));
-                message.Append(Environment.NewLine + "  " + (there ? "found, but not loadable: " : "not in: ") + folder);
+                message.Append(Environment.NewLine + "  ");
+                message.Append((there ? "found, but not loadable: " : "not in: ") + folder);
             }
             message.Append(Environment.NewLine + "  nor in the folders of the environment variable " + PathVariable
                 + ": " + (Environment.GetEnvironmentVariable(PathVariable) ?? "(not set)"));
@@ -66,17 +68,25 @@ namespace Qelm
             get { return IsWindows ? "PATH" : "LD_LIBRARY_PATH"; }
         }
 
-        /// <summary>Where runtimes look first: beside this assembly and the program, and where packages put it.</summary>
-        private static string[] ProbedFolders()
+        /// <summary>Where runtimes look: beside this assembly and the program, and where packages put it.</summary>
+        private static IEnumerable<string> ProbedFolders()
         {
-            string program = AppDomain.CurrentDomain.BaseDirectory;
             string package = Path.Combine("runtimes", IsWindows ? "win-x64" : "linux-x64", "native");
+            string program = WithoutSeparator(AppDomain.CurrentDomain.BaseDirectory);
             string assembly = Path.GetDirectoryName(typeof(NativeLibrary).Assembly.Location);
-            bool same = string.IsNullOrEmpty(assembly)
-                || Path.GetFullPath(assembly + Path.DirectorySeparatorChar) == Path.GetFullPath(program + Path.DirectorySeparatorChar);
-            return same
-                ? new[] { program, Path.Combine(program, package) }
-                : new[] { assembly, Path.Combine(assembly, package), program, Path.Combine(program, package) };
+            // An assembly that was loaded from memory has no folder.
+            if (!string.IsNullOrEmpty(assembly) && assembly != program)
+            {
+                yield return assembly;
+                yield return Path.Combine(assembly, package);
+            }
+            yield return program;
+            yield return Path.Combine(program, package);
+        }
+
+        private static string WithoutSeparator(string folder)
+        {
+            return folder.TrimEnd(Path.DirectorySeparatorChar, Path.AltDirectorySeparatorChar);
         }
     }
 }

@@ -8,9 +8,9 @@ namespace Qelm
     /// </summary>
     internal static unsafe class Solvability
     {
-        /// <summary>The first defect in words, or null; the argument that is to blame in <paramref name="name"/>.</summary>
-        internal static string FirstDefect(double* vertices, int vertexCount, int* triangles, int triangleCount, int* tags,
-            out string name)
+        /// <summary>The first defect in words, or null; <paramref name="name"/> is the argument to blame.</summary>
+        internal static string FirstDefect(double* vertices, int vertexCount, int* triangles, int triangleCount,
+            int* tags, out string name)
         {
             name = "triangles";
             for (int t = 0; t < triangleCount; ++t)

@@ -98,7 +98,8 @@ namespace Qelm.Tests
             IEnumerable<int> codes = Regex.Matches(Header(), @"QELM_STATUS_\w+ = (\d+)")
                 .Cast<Match>()
                 .Select(match => int.Parse(match.Groups[1].Value));
-            CollectionAssert.AreEquivalent(codes, Enum.GetValues(typeof(QelmStatus)).Cast<QelmStatus>().Select(code => (int)code));
+            CollectionAssert.AreEquivalent(codes,
+                Enum.GetValues(typeof(QelmStatus)).Cast<QelmStatus>().Select(code => (int)code));
         }
 
         [Test]
@@ -119,7 +120,8 @@ namespace Qelm.Tests
         {
             // .NET Framework 4.x, Mono and .NET all have or forward it; anything more might be missing somewhere.
             CollectionAssert.AreEqual(new[] { "mscorlib, Version=4.0.0.0" },
-                typeof(MeshSystem).Assembly.GetReferencedAssemblies().Select(name => name.Name + ", Version=" + name.Version));
+                typeof(MeshSystem).Assembly.GetReferencedAssemblies()
+                    .Select(name => name.Name + ", Version=" + name.Version));
         }
 
         [Test]
@@ -178,7 +180,8 @@ namespace Qelm.Tests
             foreach (FieldInfo field in record.GetFields(BindingFlags.Instance | BindingFlags.NonPublic))
             {
                 int size = field.FieldType.IsPointer ? IntPtr.Size : Marshal.SizeOf(field.FieldType);
-                yield return record.Name + "." + field.Name + " " + Marshal.OffsetOf(record, field.Name) + " " + size;
+                IntPtr offset = Marshal.OffsetOf(record, field.Name);
+                yield return record.Name + "." + field.Name + " " + offset + " " + size;
             }
         }
 

@@ -153,7 +153,8 @@ namespace Qelm.Tests
             mesh.Vertices[6] = 0.5;
             mesh.Vertices[7] = 0.5;
             mesh.Vertices[9] = 1;
-            Refuses<ArgumentException>("triangles", "triangle 1 (0, 2, 3): its area is not a positive number", () => mesh.Build());
+            Refuses<ArgumentException>("triangles", "triangle 1 (0, 2, 3): its area is not a positive number",
+                () => mesh.Build());
             using (MeshSystem system = mesh.Build(mustSolve: false))
             {
                 Assert.Throws<SingularSystemException>(() => system.Solve(new double[4]));

@@ -110,7 +110,8 @@ namespace Qelm.Tests
         {
             using (MeshSystem system = TestMesh.Square().Build())
             {
-                Check.Refuses<ArgumentException>("values", "vertex 2: value is", () => system.Solve(new[] { 0, 0, bad, 0 }));
+                Check.Refuses<ArgumentException>("values", "vertex 2: value is",
+                    () => system.Solve(new[] { 0, 0, bad, 0 }));
                 Check.Refuses<ArgumentException>("load", "vertex 3: value is",
                     () => system.Solve(new double[4], new[] { bad, 0, bad, bad }));
             }

@@ -84,7 +84,8 @@ namespace Qelm.Tests
         [TestCase(double.PositiveInfinity)]
         public void AToleranceThatIsNoDistanceIsRefused(double tolerance)
         {
-            Check.Refuses<ArgumentException>("tolerance", "at least 0", () => Mesh.Weld(Soup, SoupTriangles, tolerance));
+            Check.Refuses<ArgumentException>("tolerance", "at least 0",
+                () => Mesh.Weld(Soup, SoupTriangles, tolerance));
         }
     }
 }

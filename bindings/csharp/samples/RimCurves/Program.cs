@@ -78,8 +78,9 @@ namespace RimCurves
         {
             foreach (Curve curve in curves)
             {
-                Console.WriteLine(string.Format(CultureInfo.InvariantCulture, "level {0:0.###}: {1}, {2} points, length {3:0.000}",
-                    curve.Level, curve.IsClosed ? "closed" : "open", curve.Points.Count, curve.Length));
+                Console.WriteLine(string.Format(CultureInfo.InvariantCulture,
+                    "level {0:0.###}: {1}, {2} points, length {3:0.000}", curve.Level,
+                    curve.IsClosed ? "closed" : "open", curve.Points.Count, curve.Length));
             }
         }
     }
