@@ -641,6 +641,39 @@ QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, in
  * Since:     0.1.0
  */
 QELM_API void qelmfreecurves(QelmCurves* curves);
+/* ---- Additions: many solves, a mesh check, texts ------------------------ */
+/* What follows came to the interface later than the functions above and is built
+   beside them; nothing above depends on it. */
+
+/**
+ * Solves for many fields at once: what qelmsolveTagged() or, with loads,
+ * qelmsolvePTagged() gives for each of them, with the same bits. Several fields go
+ * through the factorisation together, which is much faster than one after another.
+ *
+ * @param[in]  handle   System from qelmctorTagged(), or null.
+ * @param[in]  count    Number of fields, 0 or more.
+ * @param[in]  values   double[count * n]: count fields one after another, each in
+ *                      input order; read at tagged vertices only.
+ * @param[in]  loads    double[count * n], laid out alike; read at free vertices only.
+ *                      Null means no loads.
+ * @param[out] results  double[count * n], laid out alike. May be the same array as
+ *                      values, or loads, or both; must not overlap them otherwise.
+ * @param[out] status   Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order; 1
+ *            count < 0. Checked in this order, the first one wins. Unless the status
+ *            is 0, and with a count of 0, results is not touched and the arrays may be
+ *            null. A failed factorisation is status 0 with 0.0 at every free vertex:
+ *            ask qelminfo().
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own results. Must not overlap qelmfree().
+ * Memory:    MEMNOTE while it runs. Exhaustion leaves as
+ *            std::bad_alloc, with results untouched.
+ * Since:     0.1.0
+ */
+QELM_API void qelmsolveManyTagged(const MeshSystem* handle, int count, const double* values,
+                                  const double* loads, double* results, int* status);
 
 #ifdef __cplusplus
 }

@@ -1,8 +1,10 @@
 // The solve exports: checks in order, views, one call, the status.
 #include <cstddef>
+#include <span>
 
 #include "interface/mesh_system.h"
 #include "qelm.h"
+#include "solve/batch_solve.h"
 #include "solve/field_solve.h"
 
 namespace {
@@ -11,6 +13,12 @@ int handleStatus(const MeshSystem* handle) {
   if (handle == nullptr) return QELM_STATUS_BAD_COUNT_OR_HANDLE;
   if (handle->vertexOrder.empty()) return QELM_STATUS_NO_VERTEX_ORDER;
   return QELM_STATUS_OK;
+}
+
+/// One span over `count` fields; none for a null array.
+template <class T>
+std::span<T> fieldsAt(T* fields, int count, std::size_t n) {
+  return fields == nullptr ? std::span<T>() : std::span<T>(fields, static_cast<std::size_t>(count) * n);
 }
 
 }  // namespace
@@ -31,6 +39,18 @@ extern "C" void qelmsolvePTagged(const MeshSystem* handle, const double* values,
   if (outcome == QELM_STATUS_OK) {
     const auto n = static_cast<std::size_t>(handle->vertexCount);
     qelm::solveWithLoad(*handle, {values, n}, {load, n}, {result, n});
+  }
+  *status = outcome;
+}
+
+extern "C" void qelmsolveManyTagged(const MeshSystem* handle, int count, const double* values,
+                                    const double* loads, double* results, int* status) {
+  int outcome = handleStatus(handle);
+  if (outcome == QELM_STATUS_OK && count < 0) outcome = QELM_STATUS_BAD_COUNT_OR_HANDLE;
+  if (outcome == QELM_STATUS_OK && count > 0) {
+    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    qelm::solveBatch(*handle, {fieldsAt(values, count, n), fieldsAt(loads, count, n),
+                               fieldsAt(results, count, n)});
   }
   *status = outcome;
 }

@@ -1,0 +1,164 @@
+#include "solve/batch_solve.h"
+
+#include <Eigen/Core>
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <memory>
+
+#include "solve/factor_rows.h"
+
+namespace qelm {
+namespace {
+
+using Eigen::Index;
+
+std::size_t fieldCount(const MeshSystem& system, const Batch& batch) {
+  return batch.values.size() / static_cast<std::size_t>(system.vertexCount);
+}
+
+/// What all blocks of a batch share. Rows 0 .. t-1 hold the tagged vertices in
+/// system order, the others the free ones in the factor's order.
+struct Workspace {
+  Workspace(const MeshSystem& system, std::size_t width)
+      : rows(std::make_unique_for_overwrite<double[]>(
+            static_cast<std::size_t>(system.vertexCount) * width)),
+        solved(system.freeSolver->info() == Eigen::Success) {
+    if (solved) reciprocals = system.freeSolver->vectorD().cwiseInverse();
+  }
+
+  std::unique_ptr<double[]> rows;
+  bool solved;
+  Eigen::VectorXd reciprocals;  ///< of the factor's diagonal
+};
+
+/// The fields of one block. Where the batch has fewer than Width left, the last
+/// one fills the rest: a field of zeros would do as well, but would send every
+/// column through the slower path for right-hand sides that differ in their zeros.
+template <int Width>
+class Block {
+ public:
+  Block(const MeshSystem& system, const Batch& batch, std::size_t first, double* rows)
+      : system_(system),
+        batch_(batch),
+        first_(first),
+        count_(std::min<std::size_t>(Width, fieldCount(system, batch) - first)),
+        fixed_(rows),
+        free_(fixed_.from(system.fixedCount)) {}
+
+  void gatherFixed() const {
+    for (Index s = 0; s < system_.fixedCount; ++s) gather(batch_.values, s, fixed_[s]);
+  }
+
+  /// -load - K_fb u_b. Without a load the sums start from zero; where the sign of
+  /// the product is turned makes no difference to its bits.
+  void formRightHandSides() const {
+    for (Index i = 0; i < freeCount(); ++i) startRightHandSide(i);
+    const SparseBlock& coupling = *system_.freeFixedBlock;
+    for (Index j = 0; j < coupling.outerSize(); ++j) {
+      const auto prescribed = fixed_[j];
+      for (SparseBlock::InnerIterator entry(coupling, j); entry; ++entry) {
+        rowOfFree(entry.row()) += (-entry.value()) * prescribed;
+      }
+    }
+  }
+
+  void solve(const Workspace& workspace) const {
+    const auto view = system_.freeSolver->matrixL();
+    solveLower<Width>(view.nestedExpression(), free_);
+    solveDiagonalAndUpper<Width>(view.nestedExpression(), workspace.reciprocals, free_);
+  }
+
+  void scatterFixed() const {
+    for (Index s = 0; s < system_.fixedCount; ++s) scatter(fixed_[s], s);
+  }
+  void scatterFree() const {
+    for (Index i = 0; i < freeCount(); ++i) scatter(rowOfFree(i), system_.fixedCount + i);
+  }
+  void scatterZeros() const {
+    const auto zeros = Rows::Row::Zero();
+    for (Index i = 0; i < freeCount(); ++i) scatter(zeros, system_.fixedCount + i);
+  }
+
+ private:
+  using Rows = RowsView<Width>;
+
+  Index freeCount() const { return system_.freeFreeBlock->cols(); }
+
+  auto rowOfFree(Index i) const { return free_[system_.freeSolver->permutationP().indices()[i]]; }
+
+  /// Where field k of this block has its entry for system vertex s.
+  std::size_t place(std::size_t k, Index s) const {
+    const auto input = static_cast<std::size_t>(system_.vertexOrder[static_cast<std::size_t>(s)]);
+    return (first_ + k) * static_cast<std::size_t>(system_.vertexCount) + input;
+  }
+
+  template <class Row>
+  void gather(std::span<const double> fields, Index s, Row&& row) const {
+    for (std::size_t k = 0; k < Width; ++k) {
+      row[static_cast<Index>(k)] = fields[place(std::min(k, count_ - 1), s)];
+    }
+  }
+
+  template <class Row>
+  void scatter(const Row& row, Index s) const {
+    for (std::size_t k = 0; k < count_; ++k) {
+      batch_.results[place(k, s)] = row[static_cast<Index>(k)];
+    }
+  }
+
+  void startRightHandSide(Index i) const {
+    auto row = rowOfFree(i);
+    if (batch_.loads.empty()) {
+      row.setZero();
+    } else {
+      gather(batch_.loads, system_.fixedCount + i, row);
+      row = -row;
+    }
+  }
+
+  const MeshSystem& system_;
+  const Batch& batch_;
+  std::size_t first_;
+  std::size_t count_;
+  Rows fixed_;
+  Rows free_;
+};
+
+/// Everything that the block reads is read before the first of its results is
+/// written, and it writes nothing that another block reads.
+template <int Width>
+void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
+                Workspace& workspace) {
+  const Block<Width> block(system, batch, first, workspace.rows.get());
+  block.gatherFixed();
+  if (workspace.solved) {
+    block.formRightHandSides();
+    block.solve(workspace);
+    block.scatterFree();
+  } else {
+    block.scatterZeros();
+  }
+  block.scatterFixed();
+}
+
+using SolveBlock = void (*)(const MeshSystem&, const Batch&, std::size_t, Workspace&);
+
+/// For 1, 2, 4, ... 32 fields.
+constexpr SolveBlock kSolveBlock[] = {solveBlock<1>, solveBlock<2>,  solveBlock<4>,
+                                      solveBlock<8>, solveBlock<16>, solveBlock<32>};
+
+}  // namespace
+
+void solveBatch(const MeshSystem& system, const Batch& batch, int width) {
+  const std::size_t count = fieldCount(system, batch);
+  const std::size_t widest = std::min(static_cast<std::size_t>(width), std::bit_ceil(count));
+  Workspace workspace(system, widest);
+  std::size_t step = 0;
+  for (std::size_t first = 0; first < count; first += step) {
+    step = std::min(widest, std::bit_ceil(count - first));
+    kSolveBlock[std::countr_zero(step)](system, batch, first, workspace);
+  }
+}
+
+}  // namespace qelm
