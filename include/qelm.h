@@ -86,15 +86,16 @@ extern "C" {
 enum {
   /** Success. A failed factorisation is a success too: ask qelminfo(). */
   QELM_STATUS_OK = 0,
-  /** Vertex count less than 1 (constructor), or null handle (solves). */
+  /** Vertex count less than 1 (constructor), null handle (solves, curves), or
+      level count less than 0 (curves). */
   QELM_STATUS_BAD_COUNT_OR_HANDLE = 1,
-  /** The handle holds no vertex order (solves). */
+  /** The handle holds no vertex order (solves, curves). */
   QELM_STATUS_NO_VERTEX_ORDER = 2,
   /** A triangle names the same vertex twice. */
   QELM_STATUS_REPEATED_VERTEX = 23,
   /** Triangle count less than 1, or a vertex is used by no triangle. */
   QELM_STATUS_UNUSED_VERTEX = 24,
-  /** The coordinate, triangle or tag array is null. */
+  /** The coordinate, triangle, tag, field or level array is null. */
   QELM_STATUS_NULL_ARRAY = 25
 };
 
@@ -575,8 +576,12 @@ typedef struct QelmCurves {
  * closed or from boundary to boundary, also where the level passes through
  * vertices, along edges or over flat regions. No piece has length zero or is there
  * twice: neighbouring points at one place are one point; a lone vertex or a ridge
- * of edges that reaches the level from below has no curve; a curve that comes back
- * to a vertex is cut there into closed rounds. Open curves also end
+ * of edges that just reaches the level has no curve, as the bottom of a valley has
+ * none; a curve that comes back to a vertex is cut there into closed rounds. (Where
+ * a surface folds within the rounding of its coordinates, pieces may still touch.)
+ * The highest value of a field has curves only around plateaus and along the
+ * boundary, the lowest none: to draw them all, choose levels in between. Open curves
+ * also end
  *  - at triangles with a corner whose value is NaN, which are holes;
  *  - at edges where more than two triangles (holes not counted) meet. Pieces along
  *    such an edge belong to their sheets and may coincide. Repeated triangles make
@@ -590,7 +595,8 @@ typedef struct QelmCurves {
  * Order. Curves come by level, in the order of the caller's array. A level that is
  * there twice has its curves twice; a NaN has none. Within a level, curves are in
  * lexicographic order of their points: by x, y, z of the first, then of the second,
- * and so on. A closed curve starts at its least point in that sense. Thus neither
+ * and so on, and open before closed. A closed curve starts at its least point in
+ * that sense. Thus neither
  * the numbering of the vertices nor the order of the triangles matters: the result
  * is the same, bit for bit.
  *

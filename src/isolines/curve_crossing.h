@@ -13,14 +13,6 @@
 
 namespace qelm {
 
-/// The ends of an edge and their values, lowValue < highValue.
-struct EdgeEnds {
-  Vec3 low;
-  Vec3 high;
-  double lowValue;
-  double highValue;
-};
-
 /// A place on an edge: `share` of its length, at most about a half, away from one
 /// of its ends.
 struct EdgePlace {
@@ -44,45 +36,67 @@ inline EdgePlace placeOnSteepEdge(double low, double high, double level) {
   return fromLow <= fromHigh ? EdgePlace{true, fromLow} : EdgePlace{false, fromHigh};
 }
 
-/// Requires low < level <= high. Measured from the nearer end, so that a level
-/// close to an end's value keeps all its digits.
-inline EdgePlace placeOnEdge(double low, double high, double level) {
-  const double rise = high - low;
-  if (!std::isfinite(rise)) return placeOnSteepEdge(low, high, level);
-  const double aboveLow = level - low;
-  const double belowHigh = high - level;
-  return aboveLow <= belowHigh ? EdgePlace{true, aboveLow / rise}
-                               : EdgePlace{false, belowHigh / rise};
-}
-
-/// One coordinate, `share` of the way. Exact where from == to, so that cuts of a
-/// flat mesh are flat. As share is at most a half (and 3 u, see below), rounding
-/// cannot carry the sum past `to`. Where the difference overflows, the ends have
-/// opposite signs, and the weighted sum lies between them. -0.0 becomes 0.0:
-/// equal points are equal bits.
-inline double coordinateTowards(double from, double to, double share) {
-  const double difference = to - from;
-  const double sum =
-      std::isfinite(difference) ? from + share * difference : (1 - share) * from + share * to;
-  return sum + 0.0;
-}
-
-/// The point of an edge at a level, lowValue < level <= highValue.
+/// An edge with a value below a level at one end and a value at or above it at the
+/// other.
 ///
 /// With u = 2^-53, the share carries three roundings (two differences and a
 /// quotient), the product with the coordinate difference two more, and the sum
 /// one: for finite values and coordinates, each coordinate is within
 ///   3 u |high - low| + u max(|low|, |high|)
 /// of the exact point, as 5/2 u and terms of u^2 stay below 3 u; plus the smallest
-/// positive double where a product underflows.
-inline Vec3 crossingPoint(const EdgeEnds& ends, double level) {
-  const EdgePlace place = placeOnEdge(ends.lowValue, ends.highValue, level);
-  const Vec3& from = place.fromLow ? ends.low : ends.high;
-  const Vec3& to = place.fromLow ? ends.high : ends.low;
-  return {coordinateTowards(from.x, to.x, place.share),
-          coordinateTowards(from.y, to.y, place.share),
-          coordinateTowards(from.z, to.z, place.share)};
-}
+/// positive double where a product underflows. As the share is at most a half (and
+/// 3 u), rounding cannot carry a point past either end. Where a coordinate is the
+/// same at both ends, it is exactly that: cuts of a flat mesh are flat.
+class CrossedLine {
+ public:
+  CrossedLine(const Vec3& low, const Vec3& high, double lowValue, double highValue)
+      : low_(low),
+        high_(high),
+        step_(high - low),
+        lowValue_(lowValue),
+        highValue_(highValue),
+        rise_(highValue - lowValue),
+        isShort_(std::isfinite(step_.x) && std::isfinite(step_.y) && std::isfinite(step_.z)) {}
+
+  /// Requires lowValue < level <= highValue. Measured from the nearer end, so that a
+  /// level close to an end's value keeps all its digits.
+  EdgePlace placeOf(double level) const {
+    if (!std::isfinite(rise_)) return placeOnSteepEdge(lowValue_, highValue_, level);
+    const double aboveLow = level - lowValue_;
+    const double belowHigh = highValue_ - level;
+    const bool fromLow = aboveLow <= belowHigh;
+    return {fromLow, (fromLow ? aboveLow : belowHigh) / rise_};
+  }
+
+  /// Adding 0.0 turns -0.0 into 0.0: equal points are equal bits.
+  Vec3 pointAt(const EdgePlace& place) const {
+    const Vec3& from = place.fromLow ? low_ : high_;
+    const double share = place.fromLow ? place.share : -place.share;
+    if (isShort_) return from + share * step_ + Vec3{0, 0, 0};
+    return longPoint(place) + Vec3{0, 0, 0};
+  }
+
+ private:
+  /// Where a difference overflows, the ends have opposite signs, and the weighted
+  /// sum lies between them.
+  Vec3 longPoint(const EdgePlace& place) const {
+    const Vec3& from = place.fromLow ? low_ : high_;
+    const Vec3& to = place.fromLow ? high_ : low_;
+    const auto coordinate = [&](double a, double b) {
+      return std::isfinite(b - a) ? a + place.share * (b - a)
+                                  : (1 - place.share) * a + place.share * b;
+    };
+    return {coordinate(from.x, to.x), coordinate(from.y, to.y), coordinate(from.z, to.z)};
+  }
+
+  Vec3 low_;
+  Vec3 high_;
+  Vec3 step_;  ///< from low to high
+  double lowValue_;
+  double highValue_;
+  double rise_;
+  bool isShort_;
+};
 
 }  // namespace qelm
 

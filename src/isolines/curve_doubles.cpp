@@ -8,6 +8,7 @@
 
 #include "isolines/curve_edges.h"
 #include "isolines/curve_levels.h"
+#include "isolines/curve_points.h"
 
 namespace qelm {
 namespace {
@@ -20,13 +21,20 @@ auto sortKey(const EdgePiece& piece) {
   return std::tie(piece.firstVertex, piece.secondVertex, piece.level);
 }
 
-/// Indices i such that pieces i and i+1, and no others, share edge and level.
-std::vector<std::size_t> findPairs(std::span<const EdgePiece> pieces) {
+bool samePlaces(const EdgePiece& a, const EdgePiece& b, std::span<const CurveNode> nodes) {
+  return samePlace(nodes[a.firstNode].point, nodes[b.firstNode].point) &&
+         samePlace(nodes[a.secondNode].point, nodes[b.secondNode].point);
+}
+
+/// Indices i such that pieces i and i+1, and no others, share edge and level, and
+/// their end points.
+std::vector<std::size_t> findPairs(std::span<const EdgePiece> pieces,
+                                   std::span<const CurveNode> nodes) {
   std::vector<std::size_t> pairs;
   for (std::size_t i = 0; i < pieces.size();) {
     std::size_t end = i + 1;
     while (end < pieces.size() && sortKey(pieces[end]) == sortKey(pieces[i])) ++end;
-    if (end - i == 2) pairs.push_back(i);
+    if (end - i == 2 && samePlaces(pieces[i], pieces[i + 1], nodes)) pairs.push_back(i);
     i = end;
   }
   return pairs;
@@ -105,7 +113,7 @@ void removeDoubledPieces(std::span<const std::int32_t> triangles,
                          std::span<CurveNode> nodes) {
   std::sort(pieces.begin(), pieces.end(),
             [](const EdgePiece& a, const EdgePiece& b) { return sortKey(a) < sortKey(b); });
-  const std::vector<std::size_t> pairs = findPairs(pieces);
+  const std::vector<std::size_t> pairs = findPairs(pieces, nodes);
   if (pairs.empty()) return;
   const TriangleCounter counter = countTriangles(triangles, ranks, pieces, pairs);
   for (const std::size_t i : pairs) {

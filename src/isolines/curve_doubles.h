@@ -16,17 +16,17 @@
 
 namespace qelm {
 
-/// A piece between nodes that lie at two different vertices: the edge between them.
+/// A piece between nodes near two different vertices: along the edge between them.
 struct EdgePiece {
   std::uint32_t firstVertex = 0;   ///< the smaller number
   std::uint32_t secondVertex = 0;  ///< the larger number
   std::uint32_t level = 0;
-  std::uint32_t firstNode = 0;   ///< at firstVertex
-  std::uint32_t secondNode = 0;  ///< at secondVertex
+  std::uint32_t firstNode = 0;   ///< near firstVertex
+  std::uint32_t secondNode = 0;  ///< near secondVertex
 };
 
-/// Takes out pairs of pieces along edges where two triangles meet (holes not
-/// counted). Edges of more triangles keep theirs: each sheet has its own curve.
+/// Takes out pairs of pieces with the same end points along edges where two triangles
+/// meet (holes not counted). Edges of more triangles keep theirs: each sheet has its own curve.
 /// A node that loses both links is linked to itself. Sorts `pieces`.
 void removeDoubledPieces(std::span<const std::int32_t> triangles,
                          std::span<const std::uint32_t> ranks, std::span<EdgePiece> pieces,

@@ -1,5 +1,7 @@
 #include "isolines/curve_edges.h"
 
+#include <algorithm>
+#include <bit>
 #include <new>
 #include <utility>
 
@@ -12,7 +14,11 @@ namespace {
 /// table whose chains run through an array beside the edges.
 class EdgeNumbering {
  public:
-  explicit EdgeNumbering(std::vector<CrossedEdge>& edges) : edges_(edges), heads_(64, kNoEdge) {}
+  EdgeNumbering(std::vector<CrossedEdge>& edges, std::size_t expected)
+      : edges_(edges), heads_(std::bit_ceil(std::max(expected, kFewestSlots)), kNoEdge) {
+    edges_.reserve(expected);
+    next_.reserve(expected);
+  }
 
   /// Number of the edge a-b; one more triangle meets there.
   std::uint32_t use(std::uint32_t a, std::uint32_t b) {
@@ -70,6 +76,7 @@ class EdgeNumbering {
 
   // Ordinary meshes stay below 10; with scattered slots 40 is out of reach.
   static constexpr std::uint32_t kLongestChain = 40;
+  static constexpr std::size_t kFewestSlots = 64;
 
   std::vector<CrossedEdge>& edges_;
   std::vector<std::uint32_t> next_;   ///< per edge
@@ -77,9 +84,27 @@ class EdgeNumbering {
   bool scattered_ = false;
 };
 
-bool isCrossed(const std::array<std::uint32_t, 3>& ranks) {
+using Ranks = std::array<std::uint32_t, 3>;
+
+bool isCrossed(const Ranks& ranks) {
   if (ranks[0] == ranks[1] && ranks[1] == ranks[2]) return false;
   return ranks[0] != kHoleRank && ranks[1] != kHoleRank && ranks[2] != kHoleRank;
+}
+
+Ranks ranksOf(const TriangleCorners& c, std::span<const std::uint32_t> ranks) {
+  return {ranks[c[0]], ranks[c[1]], ranks[c[2]]};
+}
+
+/// How many triangles are crossed, from a sample: arrays that have about the right
+/// size from the start are not moved about as they grow.
+std::size_t estimateCrossed(std::span<const std::int32_t> triangles,
+                            std::span<const std::uint32_t> ranks) {
+  constexpr std::size_t kStride = 61;  // a prime: no period of a grid's rows
+  std::size_t found = 0;
+  for (std::size_t j = 0; j < triangles.size() / 3; j += kStride) {
+    if (isCrossed(ranksOf(triangleCorners(triangles, j), ranks))) ++found;
+  }
+  return std::min(found * kStride, triangles.size() / 3);
 }
 
 }  // namespace
@@ -87,10 +112,12 @@ bool isCrossed(const std::array<std::uint32_t, 3>& ranks) {
 CrossedPart findCrossed(std::span<const std::int32_t> triangles,
                         std::span<const std::uint32_t> ranks) {
   CrossedPart part;
-  EdgeNumbering numbering(part.edges);
+  const std::size_t expected = estimateCrossed(triangles, ranks);
+  part.triangles.reserve(expected);
+  EdgeNumbering numbering(part.edges, expected + expected / 2);  // two triangles an edge
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     const TriangleCorners c = triangleCorners(triangles, j);
-    const std::array<std::uint32_t, 3> r = {ranks[c[0]], ranks[c[1]], ranks[c[2]]};
+    const Ranks r = ranksOf(c, ranks);
     if (!isCrossed(r)) continue;
     CrossedTriangle crossed;
     crossed.triangle = static_cast<std::uint32_t>(j);

@@ -21,7 +21,13 @@ std::size_t numberNodes(std::span<const std::uint32_t> ranks, std::span<CrossedE
   return static_cast<std::size_t>(count);
 }
 
-/// Computes the points and finds which are at a vertex.
+/// Share of an edge's length up to which a crossing counts as next to a vertex. Where
+/// edges of length h leave a vertex with coordinates of size c, crossings beyond
+/// 2^-53 c / h of them are told apart by their coordinates. A millionth is far above
+/// that for any sensible h, and rare enough to cost nothing.
+constexpr double kNear = 0x1p-20;
+
+/// Computes the points and finds which are near a vertex.
 class NodePlacer {
  public:
   NodePlacer(const FieldOnMesh& mesh, std::span<const double> levels, CurveGraph& graph)
@@ -31,13 +37,16 @@ class NodePlacer {
     std::uint32_t low = edge.firstVertex;
     std::uint32_t high = edge.secondVertex;
     if (ranks[high] < ranks[low]) std::swap(low, high);
-    const EdgeEnds ends = {mesh_.point(low), mesh_.point(high), mesh_.value(low),
-                           mesh_.value(high)};
+    const Vec3 lowEnd = mesh_.point(low);
+    const Vec3 highEnd = mesh_.point(high);
+    const CrossedLine line(lowEnd, highEnd, mesh_.value(low), mesh_.value(high));
     for (std::uint32_t set = 0; set < nodeSetsOf(edge); ++set) {
       for (std::uint32_t level = ranks[low]; level < ranks[high]; ++level) {
-        const Vec3 point = crossingPoint(ends, levels_[level]);
-        if (samePlace(point, ends.low)) noteVertex(low);
-        if (samePlace(point, ends.high)) noteVertex(high);
+        const EdgePlace place = line.placeOf(levels_[level]);
+        const Vec3 point = line.pointAt(place);
+        const bool isNear = place.share <= kNear;
+        if (isNear ? place.fromLow : samePlace(point, lowEnd)) noteVertex(low);
+        if (isNear ? !place.fromLow : samePlace(point, highEnd)) noteVertex(high);
         graph_.nodes.push_back({point, {kNoLink, kNoLink}});
       }
     }
@@ -46,8 +55,8 @@ class NodePlacer {
  private:
   /// The next node lies at `vertex`.
   void noteVertex(std::uint32_t vertex) {
-    if (graph_.vertexAt.empty()) graph_.vertexAt.assign(graph_.nodes.capacity(), kNoVertex);
-    graph_.vertexAt[graph_.nodes.size()] = vertex;
+    if (graph_.vertexNear.empty()) graph_.vertexNear.assign(graph_.nodes.capacity(), kNoVertex);
+    graph_.vertexNear[graph_.nodes.size()] = vertex;
   }
 
   const FieldOnMesh& mesh_;
@@ -55,10 +64,12 @@ class NodePlacer {
   CurveGraph& graph_;
 };
 
-void addLink(CurveNode& node, NodeLink link) {
-  const std::size_t preferred = hasHighAtLeft(link) ? 0 : 1;
+/// A link that has higher values at its left goes to links[0], one that has not to
+/// links[1], if that is free: between neighbours that are oriented alike it is.
+void addLink(CurveNode& node, std::uint32_t to, bool highAtLeft) {
+  const std::size_t preferred = highAtLeft ? 0 : 1;
   const bool taken = node.links[preferred] != kNoLink;
-  node.links[taken ? 1 - preferred : preferred] = link;
+  node.links[taken ? 1 - preferred : preferred] = linkTo(to, highAtLeft);
 }
 
 /// Two edges of a triangle and the levels whose pieces run between them.
@@ -121,17 +132,19 @@ class PieceLinker {
   }
 
   void linkRun(const PieceRun& run) {
+    CurveNode* const from = graph_.nodes.data() + run.from;
+    CurveNode* const to = graph_.nodes.data() + run.to;
     for (std::uint32_t i = 0; i < run.count; ++i) {
-      addLink(graph_.nodes[run.from + i], linkTo(run.to + i, true));
-      addLink(graph_.nodes[run.to + i], linkTo(run.from + i, false));
+      addLink(from[i], run.to + i, true);
+      addLink(to[i], run.from + i, false);
     }
-    if (!graph_.vertexAt.empty()) noteEdgePieces(run);
+    if (!graph_.vertexNear.empty()) noteEdgePieces(run);
   }
 
   void noteEdgePieces(const PieceRun& run) {
     for (std::uint32_t i = 0; i < run.count; ++i) {
-      const std::uint32_t a = graph_.vertexAt[run.from + i];
-      const std::uint32_t b = graph_.vertexAt[run.to + i];
+      const std::uint32_t a = graph_.vertexNear[run.from + i];
+      const std::uint32_t b = graph_.vertexNear[run.to + i];
       if (a == kNoVertex || b == kNoVertex || a == b) continue;
       EdgePiece piece = {a, b, run.firstLevel + i, run.from + i, run.to + i};
       if (b < a) piece = {b, a, piece.level, piece.secondNode, piece.firstNode};

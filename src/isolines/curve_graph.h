@@ -56,9 +56,10 @@ inline constexpr std::uint32_t kNoVertex = std::numeric_limits<std::uint32_t>::m
 
 struct CurveGraph {
   std::vector<CurveNode> nodes;
-  /// The end of its edge at which a node lies exactly, or kNoVertex; empty if no
-  /// node lies at a vertex.
-  std::vector<std::uint32_t> vertexAt;
+  /// The end of its edge at or next to which a node lies, or kNoVertex; empty if all
+  /// nodes are well inside their edges. Only such nodes can share their place with
+  /// nodes of other edges.
+  std::vector<std::uint32_t> vertexNear;
 };
 
 /// Numbers of nodes per level on an edge, and its lowest level.

@@ -41,25 +41,26 @@ std::size_t leastStart(std::span<const CurveNode> nodes, NodeSequence closed) {
 }
 
 std::vector<std::uint32_t> sharedPlaces(std::span<const CurveNode> nodes,
-                                        std::span<const std::uint32_t> vertexAt,
+                                        std::span<const std::uint32_t> vertexNear,
                                         NodeSequence sequence) {
-  std::vector<std::size_t> atVertices;
+  if (vertexNear.empty()) return {};
+  std::vector<std::size_t> nearVertices;
   for (std::size_t i = 0; i < sequence.size(); ++i) {
-    if (vertexAt[sequence[i]] != kNoVertex) atVertices.push_back(i);
+    if (vertexNear[sequence[i]] != kNoVertex) nearVertices.push_back(i);
   }
   const auto pointAt = [&](std::size_t i) -> const Vec3& { return nodes[sequence[i]].point; };
-  std::sort(atVertices.begin(), atVertices.end(), [&](std::size_t a, std::size_t b) {
+  std::sort(nearVertices.begin(), nearVertices.end(), [&](std::size_t a, std::size_t b) {
     return comparePoints(pointAt(a), pointAt(b)) < 0;
   });
 
   std::vector<std::uint32_t> places;
   std::uint32_t lastPlace = 0;
-  for (std::size_t i = 1; i < atVertices.size(); ++i) {
-    if (!samePlace(pointAt(atVertices[i]), pointAt(atVertices[i - 1]))) continue;
+  for (std::size_t i = 1; i < nearVertices.size(); ++i) {
+    if (!samePlace(pointAt(nearVertices[i]), pointAt(nearVertices[i - 1]))) continue;
     places.resize(sequence.size(), 0);
-    std::uint32_t& place = places[atVertices[i - 1]];
+    std::uint32_t& place = places[nearVertices[i - 1]];
     if (place == 0) place = ++lastPlace;
-    places[atVertices[i]] = place;
+    places[nearVertices[i]] = place;
   }
   return places;
 }

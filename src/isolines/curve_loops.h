@@ -23,11 +23,11 @@ std::strong_ordering compareSequences(std::span<const CurveNode> nodes, NodeSequ
 /// which the sequence is least as a whole. Requires a sequence that is not empty.
 std::size_t leastStart(std::span<const CurveNode> nodes, NodeSequence closed);
 
-/// For each entry of a sequence, 0, or for those nodes at vertices that share their
+/// For each entry of a sequence, 0, or for those nodes near vertices that share their
 /// point with another such entry, a number from 1 that stands for the point.
-/// Empty if no point is shared. vertexAt as in CurveGraph.
+/// Empty if no point is shared. vertexNear as in CurveGraph.
 std::vector<std::uint32_t> sharedPlaces(std::span<const CurveNode> nodes,
-                                        std::span<const std::uint32_t> vertexAt,
+                                        std::span<const std::uint32_t> vertexNear,
                                         NodeSequence sequence);
 
 }  // namespace qelm

@@ -64,22 +64,13 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
   return false;
 }
 
-/// Of nodes at one point that follow one another, keeps one; one that is known to
-/// be at a vertex, if there is any.
+/// Of nodes at one point that follow one another, keeps the first.
 void CurveTracer::mergeNeighbours() {
-  std::size_t kept = 1;
-  for (std::size_t i = 1; i < path_.size(); ++i) {
-    if (!samePlace(pointOf(path_[i]), pointOf(path_[kept - 1]))) {
-      path_[kept++] = path_[i];
-    } else if (isAtVertex(path_[i])) {
-      path_[kept - 1] = path_[i];
-    }
-  }
-  if (closed_ && kept > 1 && samePlace(pointOf(path_[kept - 1]), pointOf(path_[0]))) {
-    --kept;
-    if (isAtVertex(path_[kept])) path_[0] = path_[kept];
-  }
-  path_.resize(kept);
+  const auto same = [this](std::uint32_t a, std::uint32_t b) {
+    return samePlace(pointOf(a), pointOf(b));
+  };
+  path_.erase(std::unique(path_.begin(), path_.end(), same), path_.end());
+  if (closed_ && path_.size() > 1 && same(path_.front(), path_.back())) path_.pop_back();
 }
 
 /// Neighbours that are oriented against each other do not agree on which side is
@@ -108,10 +99,10 @@ void CurveTracer::turnToLeastPoint(std::vector<std::uint32_t>& path) const {
 /// The round between the two visits is a closed curve of its own, and the rest goes
 /// on from the vertex. Rounds within rounds come off first, as from a stack.
 void CurveTracer::emitSimpleParts(std::uint32_t level) {
-  std::vector<std::uint32_t> places;
-  if (!graph_.vertexAt.empty()) {
-    if (closed_) turnToLeastPoint(path_);  // where to start matters on a torus
-    places = sharedPlaces(graph_.nodes, graph_.vertexAt, path_);
+  std::vector<std::uint32_t> places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
+  if (!places.empty() && closed_) {
+    turnToLeastPoint(path_);  // on a torus, it matters where to start
+    places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
   }
   if (places.empty()) {
     emit(path_, closed_, level);
@@ -146,11 +137,12 @@ void CurveTracer::emit(NodeSequence path, bool closed, std::uint32_t level) {
 }
 
 void sortCurves(TracedCurves& traced, const CurveGraph& graph) {
-  std::sort(traced.curves.begin(), traced.curves.end(),
-            [&](const TracedCurve& a, const TracedCurve& b) {
-              if (a.level != b.level) return a.level < b.level;
-              return compareSequences(graph.nodes, traced.nodesOf(a), traced.nodesOf(b)) < 0;
-            });
+  std::sort(
+      traced.curves.begin(), traced.curves.end(), [&](const TracedCurve& a, const TracedCurve& b) {
+        if (a.level != b.level) return a.level < b.level;
+        const auto order = compareSequences(graph.nodes, traced.nodesOf(a), traced.nodesOf(b));
+        return order != 0 ? order < 0 : a.closed < b.closed;
+      });
 }
 
 }  // namespace qelm

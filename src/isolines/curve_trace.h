@@ -35,7 +35,9 @@ struct TracedCurves {
 /// point. The nodes' links are used up.
 class CurveTracer {
  public:
-  explicit CurveTracer(CurveGraph& graph) : graph_(graph) {}
+  explicit CurveTracer(CurveGraph& graph) : graph_(graph) {
+    traced_.order.reserve(graph.nodes.size());
+  }
 
   /// Traces the curve through a node of this level, unless that was done before.
   void trace(std::uint32_t node, std::uint32_t level);
@@ -51,9 +53,6 @@ class CurveTracer {
   void emit(NodeSequence path, bool closed, std::uint32_t level);
 
   const Vec3& pointOf(std::uint32_t node) const { return graph_.nodes[node].point; }
-  bool isAtVertex(std::uint32_t node) const {
-    return !graph_.vertexAt.empty() && graph_.vertexAt[node] != kNoVertex;
-  }
 
   CurveGraph& graph_;
   TracedCurves traced_;
@@ -63,7 +62,7 @@ class CurveTracer {
   std::int64_t balance_ = 0;  ///< link ends with higher values at the left, less the others
 };
 
-/// Sorts by level, then by compareSequences().
+/// Sorts by level, then by compareSequences(), then open before closed.
 void sortCurves(TracedCurves& traced, const CurveGraph& graph);
 
 }  // namespace qelm

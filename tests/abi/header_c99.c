@@ -39,8 +39,32 @@ static void solveASquare(void) {
   qelmfree(copy);
 }
 
+/* The curve where the value of a square's corners passes a half. */
+static void cutASquare(void) {
+  const double xyz[] = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
+  const int triangles[] = {0, 1, 2, 0, 2, 3};
+  const int tags[] = {1, 1, 1, 1};
+  const double field[] = {0, 1, 1, 0};
+  const double levels[] = {0.5};
+  int status = -1;
+  MeshSystem* system = NULL;
+  QelmCurves* curves = NULL;
+
+  qelmctorTagged(4, xyz, 2, triangles, tags, NULL, &status, &system);
+  qelmcurvesTagged(system, field, 1, levels, &curves, &status);
+  expect(status == QELM_STATUS_OK && curves != NULL, "cuts");
+  expect(curves->curveCount == 1 && curves->pointCount == 3, "joins two pieces");
+  expect(curves->starts[0] == 0 && curves->starts[1] == 3, "tells where curves start");
+  expect(curves->levels[0] == 0 && curves->closed[0] == 0, "describes the curve");
+  expect(curves->points[0] == 0.5 && curves->points[3] == 0.5, "is on the level");
+  qelmfreecurves(curves);
+  qelmfreecurves(NULL);
+  qelmfree(system);
+}
+
 int main(void) {
   solveASquare();
+  cutASquare();
   expect(sizeof(int) == 4 && sizeof(double) == 8 && sizeof(void*) == 8, "64-bit data model");
   return failures == 0 ? 0 : 1;
 }

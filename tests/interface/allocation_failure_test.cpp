@@ -207,6 +207,30 @@ TEST(AllocationFailure, DuringAWeldLeaksNothingAndLeavesTheCountsAtZero) {
   EXPECT_EQ(vertexCount, 63);
 }
 
+TEST(AllocationFailure, DuringACutLeavesNothingBehind) {
+  // Steps with ridges, plateaus and passes at the levels: every table is needed.
+  const Mesh mesh = gridMesh(12, 11).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  Field field;
+  for (int i = 0; i < mesh.vertexCount(); ++i) field.push_back(i * i % 7 % 4);
+  const std::vector<double> levels = {2, 1, 0.5, 1.5};
+  QelmCurves* curves = nullptr;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        curves = reinterpret_cast<QelmCurves*>(&status);
+        status = Construction::kUnwritten;
+        qelmcurvesTagged(system.get(), field.data(), static_cast<int>(levels.size()), levels.data(),
+                         &curves, &status);
+        EXPECT_GT(curves->curveCount, 20);
+        qelmfreecurves(curves);
+      },
+      [&] {
+        EXPECT_EQ(curves, nullptr);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+}
+
 TEST(AllocationFailure, AccessorsAndReleaseAllocateNothing) {
   MeshHandle system = construct(gridMesh(4, 4).withBoundaryTagged());
   const double* coordinates = nullptr;
