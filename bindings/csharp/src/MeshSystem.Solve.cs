@@ -69,10 +69,10 @@ namespace Qelm
         {
             Ensure.Length(valueCount, VertexCount, "values");
             Ensure.Length(resultCount, VertexCount, "result");
-            EnsureFinite(values, 0, FixedCount, "values");
+            EnsureFinite(values, 0, FixedCount, "vertex", "values");
             if (load != null)
             {
-                EnsureFinite(load, FixedCount, VertexCount, "load");
+                EnsureFinite(load, FixedCount, VertexCount, "vertex", "load");
             }
             ThrowUnlessSolvable();
 
@@ -90,12 +90,12 @@ namespace Qelm
         }
 
         /// <summary>Looks at the vertices of a range of system indices.</summary>
-        private void EnsureFinite(double* numbers, int begin, int end, string name)
+        private void EnsureFinite(double* numbers, int begin, int end, string element, string name)
         {
             for (int s = begin; s < end; ++s)
             {
                 int i = order.InputOf(s);
-                Ensure.Finite(numbers[i], "vertex", i, name);
+                Ensure.Finite(numbers[i], element, i, name);
             }
         }
 

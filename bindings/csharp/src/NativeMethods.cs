@@ -94,5 +94,9 @@ namespace Qelm
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void qelmfreecurves(QelmCurves* curves);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void qelmsolveManyTagged(MeshSystemHandle handle, int count, double* values,
+            double* loads, double* results, int* status);
     }
 }

@@ -7,9 +7,6 @@ namespace Qelm.Tests
     [TestFixture]
     public class SolveManyTests
     {
-        // Blocks of right-hand sides may round differently from single ones, by a few units in the last place.
-        private const double Tolerance = 1e-12;
-
         private TestMesh mesh;
         private MeshSystem system;
 
@@ -29,7 +26,9 @@ namespace Qelm.Tests
         [TestCase(0)]
         [TestCase(1)]
         [TestCase(7)]
-        [TestCase(100)]
+        [TestCase(64)]
+        [TestCase(65)]
+        [TestCase(200)]
         public void EachFieldIsThatOfASingleSolve(int count)
         {
             double[][] values = Fields(count, double.NaN);
@@ -37,7 +36,7 @@ namespace Qelm.Tests
             Assert.AreEqual(count, fields.Length);
             for (int k = 0; k < count; ++k)
             {
-                Check.Close(fields[k], system.Solve(values[k]), Tolerance);
+                Check.SameBits(fields[k], system.Solve(values[k]));
             }
         }
 
@@ -52,7 +51,7 @@ namespace Qelm.Tests
             Assert.AreEqual(count, fields.Length);
             for (int k = 0; k < count; ++k)
             {
-                Check.Close(fields[k], system.Solve(values[k], loads[k]), Tolerance);
+                Check.SameBits(fields[k], system.Solve(values[k], loads[k]));
             }
         }
 
@@ -86,7 +85,7 @@ namespace Qelm.Tests
                 () => system.SolveMany(Fields(3, 0), good));
             good[1] = Fields(1, 0)[0];
             good[1][3] = double.NaN;
-            Check.Refuses<ArgumentException>("values", "vertex 3: value is NaN", () => system.SolveMany(good));
+            Check.Refuses<ArgumentException>("values", "field 1, vertex 3: value is NaN", () => system.SolveMany(good));
         }
 
         [Test]
