@@ -1,0 +1,34 @@
+using System.Runtime.InteropServices;
+
+namespace Qelm
+{
+    /// <summary>Points of isoline segments, stored column by column: all x, all y, all z.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal unsafe struct IsoPointMatrix
+    {
+        internal double* data;
+        internal long rows;
+        internal long cols;
+    }
+
+    /// <summary>Point rows of isoline segments, stored column by column: all starts, all ends.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal unsafe struct IsoEdgeMatrix
+    {
+        internal int* data;
+        internal long rows;
+        internal long cols;
+    }
+
+    /// <summary>Level curves: points packed xyz, and per curve its start, level and whether it is closed.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal unsafe struct QelmCurves
+    {
+        internal long curveCount;
+        internal long pointCount;
+        internal double* points;
+        internal long* starts;
+        internal int* levels;
+        internal int* closed;
+    }
+}
