@@ -21,7 +21,22 @@ namespace Qelm
         UnusedVertex = 24,
 
         /// <summary>An array is missing.</summary>
-        NullArray = 25
+        NullArray = 25,
+
+        /// <summary>From <c>Mesh.Check</c>: a triangle names a vertex that does not exist.</summary>
+        IndexOutOfRange = 101,
+
+        /// <summary>From <c>Mesh.Check</c>: a coordinate is infinite or not a number.</summary>
+        NotFinite = 102,
+
+        /// <summary>From <c>Mesh.Check</c>: a triangle has no area, or too little for its size and place.</summary>
+        NearZeroArea = 103,
+
+        /// <summary>From <c>Mesh.Check</c>: a triangle is too small or too large for the arithmetic.</summary>
+        SizeOutOfRange = 104,
+
+        /// <summary>From <c>Mesh.Check</c>: a connected part of the mesh has no tagged vertex.</summary>
+        UntaggedPart = 105
     }
 
     /// <summary>The native library refused a call.</summary>

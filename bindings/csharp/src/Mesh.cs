@@ -59,5 +59,38 @@ namespace Qelm
             Array.Resize(ref weldedTriangles, 3 * keptTriangles);
             return new WeldedMesh(weldedVertices, weldedTriangles, map);
         }
+
+        /// <summary>Looks for what is wrong with a mesh before anything is built of it.</summary>
+        /// <remarks>Numbers in the arrays may be anything at all; only their lengths must fit.</remarks>
+        /// <param name="vertices">Coordinates x, y, z of each vertex.</param>
+        /// <param name="triangles">Three vertex numbers per triangle, from 0.</param>
+        /// <param name="tags">One per vertex; 1, 2 and 3 mean "prescribed".</param>
+        /// <returns>Whether the mesh is sound, and what was found.</returns>
+        /// <exception cref="ArgumentNullException">An array is null.</exception>
+        /// <exception cref="ArgumentException">A length is wrong.</exception>
+        public static MeshReport Check(double[] vertices, int[] triangles, int[] tags)
+        {
+            Ensure.NotNull(vertices, "vertices");
+            Ensure.NotNull(triangles, "triangles");
+            Ensure.NotNull(tags, "tags");
+            fixed (double* v = vertices)
+            fixed (int* t = triangles, g = tags)
+            {
+                return Check(v, vertices.Length, t, triangles.Length, g, tags.Length);
+            }
+        }
+
+        private static MeshReport Check(double* vertices, int coordinateCount, int* triangles, int indexCount,
+            int* tags, int tagCount)
+        {
+            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
+            int triangleCount = Ensure.Triples(indexCount, "triangles");
+            Ensure.Length(tagCount, vertexCount, "tags");
+            NativeLibrary.Require();
+
+            QelmMeshReport report;
+            int code = NativeMethods.qelmcheckTagged(vertexCount, vertices, triangleCount, triangles, tags, &report);
+            return new MeshReport(code, report);
+        }
     }
 }

@@ -1,6 +1,7 @@
 using System;
 using System.Collections.Generic;
 using System.IO;
+using System.Runtime.InteropServices;
 using System.Text;
 
 namespace Qelm
@@ -32,9 +33,19 @@ namespace Qelm
             }
         }
 
+        /// <summary>The version of the library that is loaded.</summary>
+        internal static string Version
+        {
+            get
+            {
+                Require();
+                return Marshal.PtrToStringAnsi(NativeMethods.qelmversion());
+            }
+        }
+
         internal static string StatusText(int status)
         {
-            return ((QelmStatus)status).ToString();
+            return Marshal.PtrToStringAnsi(NativeMethods.qelmstatustext(status));
         }
 
         private static string FileName

@@ -89,6 +89,10 @@ namespace Qelm
         // Additions
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int qelmcheckTagged(int vertexCount, double* vertices, int triangleCount,
+            int* triangles, int* tags, QelmMeshReport* reportOut);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void qelmcurvesTagged(MeshSystemHandle handle, double* field, int levelCount,
             double* levels, QelmCurves** curvesOut, int* status);
 
@@ -98,5 +102,13 @@ namespace Qelm
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void qelmsolveManyTagged(MeshSystemHandle handle, int count, double* values,
             double* loads, double* results, int* status);
+
+        // Both hand out strings that belong to the library.
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern IntPtr qelmversion();
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern IntPtr qelmstatustext(int status);
     }
 }

@@ -31,4 +31,34 @@ namespace Qelm
         internal int* levels;
         internal int* closed;
     }
+
+    /// <summary>How often something was found, and where first; -1 if nowhere.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct QelmFinding
+    {
+        internal long count;
+        internal long first;
+    }
+
+    /// <summary>What the check of a mesh found.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct QelmMeshReport
+    {
+        internal QelmFinding indexOutOfRange;
+        internal QelmFinding repeatedVertex;
+        internal QelmFinding unusedVertex;
+        internal QelmFinding notFinite;
+        internal QelmFinding nearZeroArea;
+        internal QelmFinding sizeOutOfRange;
+        internal QelmFinding untaggedPart;
+        internal QelmFinding part;
+        internal QelmFinding taggedVertex;
+        internal QelmFinding crowdedEdge;
+        internal QelmFinding boundaryLoop;
+        internal QelmFinding opposedEdge;
+        internal QelmFinding repeatedTriangle;
+        internal QelmFinding coincidentVertex;
+        internal long worstTriangle;
+        internal double worstQuality;
+    }
 }

@@ -69,6 +69,17 @@ namespace Qelm
                 return Weld(v, vertices.Length, t, triangles.Length, tolerance);
             }
         }
+
+        /// <inheritdoc cref="Check(double[], int[], int[])"/>
+        public static MeshReport Check(ReadOnlySpan<double> vertices, ReadOnlySpan<int> triangles,
+            ReadOnlySpan<int> tags)
+        {
+            fixed (double* v = &MemoryMarshal.GetReference(vertices))
+            fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
+            {
+                return Check(v, vertices.Length, t, triangles.Length, g, tags.Length);
+            }
+        }
     }
 }
 #endif

@@ -29,7 +29,7 @@ namespace Qelm.Tests
             { "MeshSystem*", "IntPtr" },
             { "IsoPointMatrix*", "IsoPointMatrix*" }, { "IsoPointMatrix**", "IsoPointMatrix**" },
             { "IsoEdgeMatrix*", "IsoEdgeMatrix*" }, { "IsoEdgeMatrix**", "IsoEdgeMatrix**" },
-            { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
+            { "QelmMeshReport*", "QelmMeshReport*" }, { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
         };
 
         [Test]
@@ -95,7 +95,7 @@ namespace Qelm.Tests
         [Test]
         public void StatusCodesHaveTheNumbersOfTheHeader()
         {
-            IEnumerable<int> codes = Regex.Matches(Header(), @"QELM_STATUS_\w+ = (\d+)")
+            IEnumerable<int> codes = Regex.Matches(Header(), @"QELM_(?:STATUS|CHECK)_\w+ = (\d+)")
                 .Cast<Match>()
                 .Select(match => int.Parse(match.Groups[1].Value));
             CollectionAssert.AreEquivalent(codes,
@@ -160,7 +160,9 @@ namespace Qelm.Tests
             IEnumerable<string> types = parameters == "void"
                 ? new string[0]
                 : parameters.Split(',').Select(parameter => Regex.Replace(parameter.Trim(), @"\s*\w+$", ""));
-            return new[] { match.Groups[1].Value }
+            // A string that is handed out stays the library's: it is read and not freed.
+            string result = match.Groups[1].Value.StartsWith("const char") ? "void*" : match.Groups[1].Value;
+            return new[] { result }
                 .Concat(types)
                 .Select(type => SpellingOf[Regex.Replace(type, @"\s+", " ").Replace(" *", "*")])
                 .ToArray();

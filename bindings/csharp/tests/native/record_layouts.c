@@ -24,5 +24,25 @@ int main(void) {
   FIELD(QelmCurves, starts);
   FIELD(QelmCurves, levels);
   FIELD(QelmCurves, closed);
+  RECORD(QelmFinding);
+  FIELD(QelmFinding, count);
+  FIELD(QelmFinding, first);
+  RECORD(QelmMeshReport);
+  FIELD(QelmMeshReport, indexOutOfRange);
+  FIELD(QelmMeshReport, repeatedVertex);
+  FIELD(QelmMeshReport, unusedVertex);
+  FIELD(QelmMeshReport, notFinite);
+  FIELD(QelmMeshReport, nearZeroArea);
+  FIELD(QelmMeshReport, sizeOutOfRange);
+  FIELD(QelmMeshReport, untaggedPart);
+  FIELD(QelmMeshReport, part);
+  FIELD(QelmMeshReport, taggedVertex);
+  FIELD(QelmMeshReport, crowdedEdge);
+  FIELD(QelmMeshReport, boundaryLoop);
+  FIELD(QelmMeshReport, opposedEdge);
+  FIELD(QelmMeshReport, repeatedTriangle);
+  FIELD(QelmMeshReport, coincidentVertex);
+  FIELD(QelmMeshReport, worstTriangle);
+  FIELD(QelmMeshReport, worstQuality);
   return 0;
 }

@@ -4,7 +4,7 @@ import math
 import re
 
 import pytest
-from built import BUILD, SOURCE
+from built import BUILD, SOURCE, program, run
 
 SAMPLE = BUILD / "csharp/RimCurves.exe"
 
@@ -59,6 +59,17 @@ def test_the_roof_of_the_demonstration(mono):
     assert (code, errors) == (0, "")
     curves = read_curves(mono.folder / "curves.obj")
     assert len(curves) == len(output.splitlines()) >= 9
+
+
+@pytest.mark.skipif(not program("qelm").exists(), reason="the command-line tool was not built")
+def test_its_curves_are_those_of_the_command_line_tool_bit_for_bit(mono):
+    roof = SOURCE / "data/roof.obj"
+    assert mono.run(SAMPLE, roof, "managed.obj", 3)[0] == 0
+    run(program("qelm"), "curves", roof, "--fix", "loop:0=0", "--fix", "loop:1=1",
+        "--at", "0.25,0.5,0.75", "-o", mono.folder / "native.obj")
+    managed = read_curves(mono.folder / "managed.obj")
+    assert len(managed) == 3
+    assert managed == read_curves(mono.folder / "native.obj")
 
 
 def test_the_readme_shows_what_the_sample_prints(mono):
