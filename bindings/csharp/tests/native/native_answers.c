@@ -4,8 +4,8 @@
  *
  * MESH holds int n, int m, then double[3n] coordinates, int[3m] triangles, int[n] tags, double[n]
  * values and double[n] load. ANSWERS receives double[n] for the plain solve and double[n] for the
- * solve with load; then, for three levels of the plain field, the number of curves, and for each its
- * level's index, whether it is closed, the number of its points and their coordinates, all as
+ * solve with load; then, for three levels of the plain field, the number of curves, and for each
+ * its level's index, whether it is closed, the number of its points and their coordinates, all as
  * doubles. */
 #include <stdio.h>
 #include <stdlib.h>
