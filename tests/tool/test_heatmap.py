@@ -121,7 +121,7 @@ def test_existing_files_are_replaced_only_by_success(qelm):
     qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
     for name in ("heat.obj", "heat.mtl", "viridis.PNG"):
         qelm.write(name, "old")
-    qelm.fails(1, "heatmap", "grid.obj", "--fix", "loop:9=0", "-o", "heat")
+    qelm.fails(2, "heatmap", "grid.obj", "--fix", "loop:9=0", "-o", "heat")
     assert (qelm.folder / "heat.obj").read_text() == "old"
     qelm.ok("heatmap", "grid.obj", *LEFT_RIGHT, "-o", "heat")
     assert len(read_obj(qelm.folder / "heat.obj")[1]) == 20
@@ -133,7 +133,7 @@ def test_refusals(qelm):
     (qelm.folder / "taken.mtl").mkdir()
     same = ["--fix", "loop:0=2"]
     cases = [
-        (1, [*same, "-o", "heat"], "grid.obj: the field is 2 everywhere, so there is no range"),
+        (2, [*same, "-o", "heat"], "grid.obj: the field is 2 everywhere, so there is no range"),
         (1, [*LEFT_RIGHT, "-o", "nowhere/heat"], "nowhere: cannot be written to: No such file"),
         (1, [*LEFT_RIGHT, "-o", "taken"], "taken.mtl: cannot be written: it is a folder"),
         (2, [*LEFT_RIGHT, "-o", "grid"], "-o would overwrite the mesh grid.obj"),

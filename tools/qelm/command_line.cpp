@@ -2,14 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <initializer_list>
 #include <sstream>
 
-#include "conditions.h"
 #include "console.h"
+#include "curves_command.h"
 #include "error.h"
 #include "heatmap_command.h"
-#include "load_csv.h"
+#include "help_texts.h"
 #include "output_file.h"
 #include "solve_command.h"
 #include "weld_command.h"
@@ -17,49 +16,15 @@
 namespace qelm::tool {
 namespace {
 
-constexpr const char* kExitHelp =
-    "Messages go to the standard error stream, data to the standard output. Exit code 0\n"
-    "for success, 1 for input that cannot be used or a result that cannot be written,\n"
-    "2 for a wrong command line. NO_COLOR switches colours off.\n";
-
-constexpr const char* kSolveExamples =
-    "Examples:\n"
-    "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
-    "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - | head\n"
-    "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n";
-
-constexpr const char* kHeatmapExamples =
-    "Example:\n"
-    "  qelm heatmap roof.obj --fix loop:0=0 --fix loop:1=1 -o heat\n";
-
-constexpr const char* kHeatmapHelp =
-    "Writes PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
-    "yellow, the smallest dark blue. A file of those names is replaced. Vertices come in\n"
-    "the library's order (fixed ones first), not in the mesh's.\n";
-
-constexpr const char* kWeldHelp =
-    "Vertices closer together than the tolerance become one, at the place of the one that\n"
-    "comes first; chains of close vertices merge as a whole. Triangles that collapse or\n"
-    "repeat an earlier one are dropped, then vertices that no triangle uses. Every corner\n"
-    "of an STL facet counts as a vertex. --tolerance 0 merges nothing.\n"
-    "The extension of OUT chooses the format: .obj and .ply keep every double, .stl is\n"
-    "rounded to single precision.\n";
-
-constexpr const char* kWeldExamples =
-    "Example:\n"
-    "  qelm weld part.stl -o part.obj --tolerance 1e-4\n";
-
-constexpr const char* kSoupHelp =
-    "STL files are welded before anything else, within a millionth of the mesh's diagonal;\n"
-    "a note says so, and vertex numbers are those after welding.\n";
-
 void addOutputOptions(CLI::App& command, OutputOptions& output) {
-  command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  CLI::Option* const quiet = command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  command.add_flag("-v,--verbose", output.verbose, "Say more: every step and its time")
+      ->excludes(quiet);
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
 void addMesh(CLI::App& command, std::string& mesh) {
-  command.add_option("mesh", mesh, "Mesh file: .obj, .stl (text or binary) or .ply")
+  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl, text or binary")
       ->type_name("MESH")
       ->required();
 }
@@ -67,17 +32,12 @@ void addMesh(CLI::App& command, std::string& mesh) {
 void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addMesh(command, field.mesh);
   command.add_option("--fix", field.fixes, "Hold vertices at a value; may be given often")
-      ->type_name("SELECTOR=VALUE")
+      ->type_name("SELECTOR=VALUE[:TAG]")
       ->allow_extra_args(false);
+  command.add_option("--fix-file", field.fixFile, "Hold the vertices that a file names")
+      ->type_name("FILE.csv");
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
-}
-
-/// The sections of a command's help, with an empty line between each two.
-std::string sections(std::initializer_list<const char*> texts) {
-  std::string all;
-  for (const char* text : texts) all += (all.empty() ? "" : "\n") + std::string(text);
-  return all;
 }
 
 class CommandLine {
@@ -90,9 +50,10 @@ class CommandLine {
                           "Print the version and exit");
     app_.set_help_flag("-h,--help", "Print this help and exit");
     app_.require_subcommand(1);
-    app_.footer(kExitHelp);
+    app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
     addSolve();
     addHeatmap();
+    addCurves();
     addWeld();
   }
 
@@ -114,10 +75,11 @@ class CommandLine {
     addFieldOptions(command, solve_.field);
     command
         .add_option("-o,--output", solve_.output,
-                    "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
+                    "Write the field as CSV; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(sections({kConditionHelp, kLoadHelp, kSoupHelp, kSolveExamples, kExitHelp}));
+    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
+                             kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
@@ -132,11 +94,37 @@ class CommandLine {
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(sections(
-        {kHeatmapHelp, kConditionHelp, kLoadHelp, kSoupHelp, kHeatmapExamples, kExitHelp}));
+    command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
+    });
+  }
+
+  void addCurves() {
+    CLI::App& command =
+        *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
+    addFieldOptions(command, curves_.field);
+    command.add_option("--levels", curves_.levels.count, "Cut at N levels, evenly spaced")
+        ->type_name("N");
+    command.add_option("--at", curves_.levels.at, "Cut at these levels")->type_name("V,V,...");
+    command.add_option("--every", curves_.levels.every, "Cut at all multiples of a step")
+        ->type_name("STEP");
+    command
+        .add_option("-o,--output", curves_.outputs,
+                    "Where the curves go: .obj, .json, .svg, .csv, or -")
+        ->type_name("OUT")
+        ->allow_extra_args(false)
+        ->required();
+    command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
+        ->type_name("DIRECTION");
+    addOutputOptions(command, output_);
+    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
+                             kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(curves_.field);
+      runCurves(curves_, output_);
     });
   }
 
@@ -148,12 +136,10 @@ class CommandLine {
         .add_option("-o,--output", weld_.output, "Where the mesh goes; - is the standard output")
         ->type_name("OUT")
         ->required();
-    command
-        .add_option("--tolerance", weld_.tolerance,
-                    "Merge vertices closer than this; a millionth of the diagonal unless given")
+    command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
-    command.footer(sections({kWeldHelp, kWeldExamples, kExitHelp}));
+    command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] { runWeld(weld_, output_); });
   }
 
@@ -170,7 +156,7 @@ class CommandLine {
   }
 
   static void requireFixes(const FieldOptions& field) {
-    if (field.fixes.empty())
+    if (field.fixes.empty() && field.fixFile.empty())
       throw UsageError(
           "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
   }
@@ -191,6 +177,7 @@ class CommandLine {
   OutputOptions output_;
   SolveOptions solve_;
   HeatmapOptions heatmap_;
+  CurvesOptions curves_;
   WeldOptions weld_;
 };
 

@@ -11,16 +11,6 @@
 
 namespace qelm::tool {
 
-const char* const kConditionHelp =
-    "Boundary conditions: --fix SELECTOR=VALUE holds the selected vertices at VALUE.\n"
-    "  vertex:I[,I...]         vertices by number\n"
-    "  loop:K                  the K-th boundary loop, the longest is loop:0\n"
-    "  near:X,Y,Z              the vertex nearest to a point\n"
-    "  box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
-    "Vertices, triangles, faces and loops are numbered from 0 (files in which the\n"
-    "first vertex is 1, such as OBJ, too). Where several --fix select the same\n"
-    "vertex, the last one holds, and a note says so.\n";
-
 namespace {
 
 [[noreturn]] void fail(std::string_view text, const std::string& why) {
@@ -28,8 +18,8 @@ namespace {
 }
 
 constexpr const char* kForms =
-    "write vertex:I[,I...]=VALUE, loop:K=VALUE, near:X,Y,Z=VALUE or "
-    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE";
+    "write vertex:I[,I...]=VALUE, loop:K=VALUE, boundary=VALUE, near:X,Y,Z=VALUE or "
+    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE; a tag may follow, as in loop:0=1:2";
 
 double finiteNumber(std::string_view word, std::string_view text) {
   const auto value = parseDouble(trimmed(word));
@@ -70,6 +60,7 @@ Box parseBox(std::string_view list, std::string_view text) {
 }
 
 Selector parseSelector(std::string_view selector, std::string_view text) {
+  if (selector == "boundary") return WholeBoundary{};
   const std::size_t colon = selector.find(':');
   if (colon == std::string_view::npos) fail(text, kForms);
   const std::string_view kind = selector.substr(0, colon);
@@ -84,15 +75,31 @@ Selector parseSelector(std::string_view selector, std::string_view text) {
   fail(text, fmt::format("no selector '{}'; {}", kind, kForms));
 }
 
+int wantedTag(std::string_view word, std::string_view text) {
+  const auto tag = parseTag(trimmed(word));
+  if (!tag) fail(text, fmt::format("'{}' is not a tag; give 1, 2 or 3", word));
+  return *tag;
+}
+
 }  // namespace
+
+std::optional<int> parseTag(std::string_view text) {
+  const auto tag = parseInteger(text);
+  if (!tag || *tag < 1 || *tag > 3) return {};
+  return static_cast<int>(*tag);
+}
 
 Condition parseCondition(const std::string& text) {
   const std::string_view view = text;
   const std::size_t equals = view.rfind('=');
   if (equals == std::string_view::npos) fail(text, kForms);
   const std::string_view selector = trimmed(view.substr(0, equals));
+  const std::string_view value = view.substr(equals + 1);
+  const std::size_t colon = value.find(':');
+  const bool hasTag = colon != std::string_view::npos;
   return {std::string(selector), parseSelector(selector, text),
-          finiteNumber(view.substr(equals + 1), text)};
+          finiteNumber(value.substr(0, colon), text),
+          hasTag ? wantedTag(value.substr(colon + 1), text) : 1};
 }
 
 }  // namespace qelm::tool

@@ -1,8 +1,10 @@
-// The grammar of boundary conditions: SELECTOR=VALUE.
+// The grammar of boundary conditions: SELECTOR=VALUE[:TAG].
 #ifndef QELM_TOOLS_CONDITIONS_H
 #define QELM_TOOLS_CONDITIONS_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -16,25 +18,27 @@ struct VertexList {  ///< vertex:I[,I...]
 struct LoopNumber {  ///< loop:K
   long long number;
 };
-struct NearestTo {  ///< near:X,Y,Z
+struct WholeBoundary {};  ///< boundary
+struct NearestTo {        ///< near:X,Y,Z
   Point point;
 };
 struct Box {  ///< box:X0,Y0,Z0,X1,Y1,Z1, any two opposite corners
   Point low, high;
 };
-using Selector = std::variant<VertexList, LoopNumber, NearestTo, Box>;
+using Selector = std::variant<VertexList, LoopNumber, WholeBoundary, NearestTo, Box>;
 
 struct Condition {
   std::string text;  ///< the selector as written, for messages
   Selector selector;
   double value;
+  int tag;
 };
+
+/// The library's marks for vertices that are held: 1, 2 and 3.
+std::optional<int> parseTag(std::string_view text);
 
 /// Throws UsageError that quotes `text`.
 Condition parseCondition(const std::string& text);
-
-/// Shown in --help.
-extern const char* const kConditionHelp;
 
 }  // namespace qelm::tool
 

@@ -57,7 +57,7 @@ std::vector<double> inSystemOrder(const std::vector<double>& field, const std::v
 void checkRange(const SolvedField& solved) {
   const auto [low, high] = std::minmax_element(solved.field.begin(), solved.field.end());
   if (*high - *low <= kConstantField * std::max(std::abs(*low), std::abs(*high)))
-    throw InputError(fmt::format(
+    throw RequestError(fmt::format(
         "{}: the field is {:.6g} everywhere, so there is no range to colour; fix vertices "
         "at two different values at least",
         solved.meshName, *low));
@@ -72,7 +72,8 @@ void checkLines(const fs::path& file, std::ptrdiff_t expected, const fs::path& t
     lines = std::count(text.begin(), text.end(), '\n');
   }
   if (lines != expected)
-    throw InputError(fmt::format("{}: writing failed; is there room on the disk?", toUtf8(target)));
+    throw OutputError(
+        fmt::format("{}: writing failed; is there room on the disk?", toUtf8(target)));
 }
 
 void writeRamp(const fs::path& path) {
@@ -109,7 +110,7 @@ void writeHeatmap(const SolvedField& solved, const fs::path& base, OutputFolder&
 }  // namespace
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
-  const Console console(output.quiet);
+  const Console console(output);
   const fs::path base = basePath(options.output);
   refuseToOverwriteTheMesh(options.field.mesh, base);
   // What cannot be written is better known before a long solve.

@@ -40,8 +40,8 @@ Format formatOf(const std::filesystem::path& path) {
   if (extension == ".obj") return Format::kObj;
   if (extension == ".stl") return Format::kStl;
   if (extension == ".ply") return Format::kPly;
-  throw InputError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
-                               toUtf8(path), kReadableFormats));
+  throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
+                              toUtf8(path), kReadableFormats));
 }
 
 bool readStl(std::string bytes, const std::string& name, ReaderSoup& soup) {
@@ -72,7 +72,7 @@ bool readAs(Format format, std::string bytes, const std::string& name, ReaderSou
 int checkedIndex(const ReaderSoup& soup, std::size_t face, std::size_t index,
                  const std::string& name) {
   if (index >= soup.points.size())
-    throw InputError(fmt::format(
+    throw MeshError(fmt::format(
         "{}: face {}: vertex index {} is out of range: the file has {} "
         "vertices, numbered 0 to {}",
         name, face, static_cast<long long>(index), soup.points.size(), soup.points.size() - 1));
@@ -86,7 +86,7 @@ PolygonSoup checkedSoup(const ReaderSoup& from, const std::string& name) {
   soup.faces.resize(from.faces.size());
   for (std::size_t f = 0; f < from.faces.size(); ++f) {
     if (from.faces[f].size() < 3)
-      throw InputError(
+      throw FileError(
           fmt::format("{}: face {}: has only {} corners", name, f, from.faces[f].size()));
     for (const std::size_t index : from.faces[f])
       soup.faces[f].push_back(checkedIndex(from, f, index, name));
@@ -100,17 +100,16 @@ PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   const std::string name = toUtf8(path);
   std::string bytes = readFile(path);
   const Format format = formatOf(path);
-  if (trimmed(bytes).empty()) throw InputError(fmt::format("{}: not a mesh: empty file", name));
+  if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
   ReaderSoup soup;
   if (!readAs(format, std::move(bytes), name, soup))
-    throw InputError(
+    throw FileError(
         fmt::format("{}: not a mesh that can be read; it may be damaged or cut short", name));
   if (soup.points.empty() || soup.faces.empty())
-    throw InputError(
+    throw FileError(
         fmt::format("{}: not a mesh: no {}", name, soup.points.empty() ? "vertices" : "faces"));
   if (soup.points.size() > kMostFaces || soup.faces.size() > kMostFaces)
-    throw InputError(
-        fmt::format("{}: too large: more than {} vertices or faces", name, kMostFaces));
+    throw FileError(fmt::format("{}: too large: more than {} vertices or faces", name, kMostFaces));
   PolygonSoup result = checkedSoup(soup, name);
   result.facetsOwnTheirCorners = format == Format::kStl;
   return result;

@@ -62,7 +62,7 @@ class PlyHeader {
   void check() {
     nextLine();
     if (trimmed(lines_.line()) != "ply")
-      throw InputError(fmt::format("{}: not a PLY file: it does not begin with 'ply'", name_));
+      throw FileError(fmt::format("{}: not a PLY file: it does not begin with 'ply'", name_));
     format(nextLine());
     for (Words words = nextLine(); words[0] != "end_header"; words = nextLine()) statement(words);
     checkVertices();
@@ -72,7 +72,7 @@ class PlyHeader {
 
  private:
   [[noreturn]] void fail(std::size_t line, const std::string& what) const {
-    throw InputError(fmt::format("{}:{}: {}", name_, line, what));
+    throw FileError(fmt::format("{}:{}: {}", name_, line, what));
   }
 
   Words nextLine() {
@@ -124,7 +124,7 @@ class PlyHeader {
   const Element& find(std::string_view name, std::string_view other) const {
     for (const Element& element : elements_)
       if (element.name == name || element.name == other) return element;
-    throw InputError(fmt::format("{}: not a mesh: no element '{}'", name_, name));
+    throw FileError(fmt::format("{}: not a mesh: no element '{}'", name_, name));
   }
 
   void checkVertices() const {

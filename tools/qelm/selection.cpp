@@ -31,7 +31,7 @@ class Selection {
 
  private:
   [[noreturn]] void fail(const std::string& what) const {
-    throw InputError(fmt::format("--fix {}: {}", condition_.text, what));
+    throw RequestError(fmt::format("--fix {}: {}", condition_.text, what));
   }
 
   std::vector<int> select(const VertexList& list) const {
@@ -61,6 +61,15 @@ class Selection {
     for (std::size_t k = 0; k < std::min(loops_->size(), kShown); ++k)
       text += fmt::format("{} loop:{} ({:.6g} long)", k == 0 ? ":" : ",", k, (*loops_)[k].length);
     return loops_->size() > kShown ? text + ", ..." : text;
+  }
+
+  std::vector<int> select(const WholeBoundary&) const {
+    if (!loops_) loops_ = boundaryLoops(mesh_);
+    if (loops_->empty()) fail("the mesh is closed: it has no boundary");
+    std::vector<int> vertices;
+    for (const BoundaryLoop& loop : *loops_)
+      vertices.insert(vertices.end(), loop.vertices.begin(), loop.vertices.end());
+    return vertices;
   }
 
   // Of equally near vertices the one with the lowest number.
@@ -108,13 +117,14 @@ class Selection {
 };
 
 /// Fixes the vertices and returns those that had another value before.
-std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices, double value) {
+std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices, double value,
+                     int tag) {
   std::vector<int> changed;
   for (const int v : vertices) {
     const auto i = static_cast<std::size_t>(v);
     if (prescribed.tags[i] != 0 && prescribed.values[i] != value) changed.push_back(v);
     if (prescribed.tags[i] == 0) ++prescribed.fixedCount;
-    prescribed.tags[i] = 1;
+    prescribed.tags[i] = tag;
     prescribed.values[i] = value;
   }
   return changed;
@@ -122,17 +132,19 @@ std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices, d
 
 }  // namespace
 
-Prescribed prescribe(const Mesh& mesh, std::span<const Condition> conditions) {
+Prescribed prescribe(const Mesh& mesh, std::span<const FixedVertex> fromFile,
+                     std::span<const Condition> conditions) {
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   Prescribed prescribed{std::vector<int>(n, 0), std::vector<double>(n, 0.0), {}, {}, 0};
+  for (const FixedVertex& fixed : fromFile) fix(prescribed, {fixed.vertex}, fixed.value, fixed.tag);
   std::optional<std::vector<BoundaryLoop>> loops;
   for (const Condition& condition : conditions) {
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
     prescribed.selected.push_back(static_cast<int>(vertices.size()));
-    const std::vector<int> changed = fix(prescribed, vertices, condition.value);
+    const std::vector<int> changed = fix(prescribed, vertices, condition.value, condition.tag);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
-          "{}={} holds instead of an earlier --fix at {} {}, the first is {}", condition.text,
+          "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,
           condition.value, changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }

@@ -8,23 +8,25 @@
 
 #include "conditions.h"
 #include "mesh.h"
+#include "vertex_csv.h"
 
 namespace qelm::tool {
 
 struct Prescribed {
-  std::vector<int> tags;           ///< n; 1 at fixed vertices, else 0
+  std::vector<int> tags;           ///< n; 1, 2 or 3 at fixed vertices, else 0
   std::vector<double> values;      ///< n; 0 at free vertices
   std::vector<int> selected;       ///< for each condition how many vertices it selects
   std::vector<std::string> notes;  ///< for the user, such as conditions that overlap
   int fixedCount = 0;
 };
 
-/// Applies the conditions in order; where they overlap with different values the
-/// later one holds and a note names the first such vertex.
+/// Applies first what a file holds, then the conditions in order; where they overlap with different
+/// values the later one holds and a note names the first such vertex.
 ///
-/// Throws InputError when a condition names what the mesh has not, or selects
+/// Throws RequestError when a condition names what the mesh has not, or selects
 /// nothing.
-Prescribed prescribe(const Mesh& mesh, std::span<const Condition> conditions);
+Prescribed prescribe(const Mesh& mesh, std::span<const FixedVertex> fromFile,
+                     std::span<const Condition> conditions);
 
 }  // namespace qelm::tool
 

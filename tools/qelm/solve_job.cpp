@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <nlohmann/json.hpp>
 
-#include "load_csv.h"
 #include "load_mesh.h"
 #include "mesh_checks.h"
 #include "output_file.h"
+#include "vertex_csv.h"
 
 namespace qelm::tool {
 namespace {
@@ -38,24 +37,28 @@ Json vertexJson(const SolvedField& solved, int vertex) {
       {"value", valueAt(solved, vertex)}, {"vertex", vertex}, {"point", solved.mesh.point(vertex)}};
 }
 
-void printJson(const SolvedField& solved, const std::vector<std::string>& results) {
+void printJson(const SolvedField& solved, const std::vector<std::string>& results,
+               const std::vector<ReportItem>& more) {
   const Extremes extremes = extremesOf(solved.field);
   Json fixes = Json::array();
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     fixes.push_back({{"selector", solved.conditions[k].text},
                      {"value", solved.conditions[k].value},
+                     {"tag", solved.conditions[k].tag},
                      {"vertices", solved.prescribed.selected[k]}});
   Json seconds = Json::object();
   for (const Step& step : solved.steps.list()) seconds[step.name] = step.seconds;
-  const Json summary = {{"mesh", solved.meshName},
-                        {"vertices", solved.mesh.vertexCount()},
-                        {"triangles", solved.mesh.triangleCount()},
-                        {"fixedVertices", solved.prescribed.fixedCount},
-                        {"fix", fixes},
-                        {"min", vertexJson(solved, extremes.lowest)},
-                        {"max", vertexJson(solved, extremes.highest)},
-                        {"seconds", seconds},
-                        {"results", results}};
+  Json summary = {{"mesh", solved.meshName},
+                  {"vertices", solved.mesh.vertexCount()},
+                  {"triangles", solved.mesh.triangleCount()},
+                  {"fixedVertices", solved.prescribed.fixedCount},
+                  {"fixFileVertices", solved.fromFile},
+                  {"fix", fixes},
+                  {"min", vertexJson(solved, extremes.lowest)},
+                  {"max", vertexJson(solved, extremes.highest)}};
+  for (const ReportItem& item : more) summary[item.name] = item.json;
+  summary["seconds"] = seconds;
+  summary["results"] = results;
   printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
@@ -64,16 +67,18 @@ std::string describeValue(const SolvedField& solved, int vertex) {
 }
 
 void printLines(const SolvedField& solved, const std::vector<std::string>& results,
-                const Console& console) {
+                const Console& console, const std::vector<ReportItem>& more) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
                            solved.mesh.vertexCount(), solved.mesh.triangleCount()));
   console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
                              solved.conditions[k].value, solved.prescribed.selected[k]));
   const Extremes extremes = extremesOf(solved.field);
   console.line("minimum  " + describeValue(solved, extremes.lowest));
   console.line("maximum  " + describeValue(solved, extremes.highest));
+  for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
   console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
@@ -92,16 +97,20 @@ std::string describeTimes(const Steps& steps) {
 SolvedField solveField(const FieldOptions& options, const Console& console) {
   SolvedField solved;
   solved.meshName = options.mesh;
+  solved.steps = Steps(console);
   for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
   Steps& steps = solved.steps;
   solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
   std::vector<double> load;
   if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
+  std::vector<FixedVertex> fromFile;
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
+  solved.fromFile = static_cast<int>(fromFile.size());
   naming(options.mesh, [&] {
     steps.run("check", [&] {
       checkMesh(mesh);
-      solved.prescribed = prescribe(mesh, solved.conditions);
+      solved.prescribed = prescribe(mesh, fromFile, solved.conditions);
       checkEveryPartIsFixed(mesh, solved.prescribed.tags);
     });
     for (const std::string& note : solved.prescribed.notes) console.note(note);
@@ -113,11 +122,12 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,
-                 const OutputOptions& output, const Console& console) {
+                 const OutputOptions& output, const Console& console,
+                 const std::vector<ReportItem>& more) {
   if (output.json)
-    printJson(solved, results);
+    printJson(solved, results, more);
   else
-    printLines(solved, results, console);
+    printLines(solved, results, console, more);
 }
 
 }  // namespace qelm::tool

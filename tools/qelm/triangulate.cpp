@@ -59,8 +59,8 @@ class Splitter {
   }
 
   [[noreturn]] static void refuse(const std::vector<int>& outline, int face, const char* why) {
-    throw InputError(fmt::format("face {} ({}): {}; split it into triangles in your modeller", face,
-                                 fmt::join(outline, ", "), why));
+    throw MeshError(fmt::format("face {} ({}): {}; split it into triangles in your modeller", face,
+                                fmt::join(outline, ", "), why));
   }
 
   void checkOutline(const std::vector<int>& outline, int face) const {

@@ -1,0 +1,135 @@
+#include "curves_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "curve_files.h"
+#include "curve_set.h"
+#include "curve_svg.h"
+#include "error.h"
+#include "load_mesh.h"
+#include "output_file.h"
+#include "paths.h"
+#include "projection.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+enum class CurveFormat { kObj, kJson, kSvg, kCsv };
+
+struct Target {
+  std::string name;
+  CurveFormat format;
+  std::unique_ptr<OutputFile> file;
+};
+
+CurveFormat formatOf(const std::string& name) {
+  if (name == "-") return CurveFormat::kCsv;
+  const std::string extension = lowerExtension(toPath(name));
+  if (extension == ".obj") return CurveFormat::kObj;
+  if (extension == ".json") return CurveFormat::kJson;
+  if (extension == ".svg") return CurveFormat::kSvg;
+  if (extension == ".csv") return CurveFormat::kCsv;
+  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .json, .svg or .csv", name));
+}
+
+void refuseToOverwrite(const std::string& mesh, const std::string& name) {
+  std::error_code ignored;
+  if (name != "-" && std::filesystem::equivalent(toPath(mesh), toPath(name), ignored))
+    throw UsageError(fmt::format("-o {}: would overwrite the mesh; choose another name", name));
+}
+
+/// Opened before anything is computed.
+std::vector<Target> openTargets(const CurvesOptions& options, const OutputOptions& output) {
+  std::vector<Target> targets;
+  for (const std::string& name : options.outputs) {
+    if (output.json && name == "-")
+      throw UsageError("the standard output takes the curves (-o -) or --json, not both");
+    const auto isSame = [&name](const Target& target) { return target.name == name; };
+    if (std::any_of(targets.begin(), targets.end(), isSame))
+      throw UsageError(fmt::format("-o {}: given twice", name));
+    refuseToOverwrite(options.field.mesh, name);
+    targets.push_back({name, formatOf(name), nullptr});
+  }
+  for (Target& target : targets) target.file = std::make_unique<OutputFile>(target.name);
+  return targets;
+}
+
+struct Range {
+  double low, high;
+};
+
+Range rangeOf(const SolvedField& solved) {
+  const auto [low, high] = std::minmax_element(solved.field.begin(), solved.field.end());
+  return {*low, *high};
+}
+
+void write(Target& target, const SolvedField& solved, const CurveSet& curves,
+           const ViewChoice& view) {
+  OutputFile& file = *target.file;
+  if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
+  if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
+  if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
+  if (target.format == CurveFormat::kSvg) {
+    const Projection projection = projectionFor(view, solved.mesh);
+    const Range range = rangeOf(solved);
+    writeCurvesSvg({solved.mesh, curves, projection, toUtf8(toPath(solved.meshName).filename()),
+                    range.low, range.high},
+                   file);
+  }
+}
+
+std::vector<std::size_t> curvesPerLevel(const CurveSet& curves) {
+  std::vector<std::size_t> counts(curves.levels().size(), 0);
+  for (std::size_t c = 0; c < curves.size(); ++c) ++counts[curves[c].level];
+  return counts;
+}
+
+/// For the summary as JSON.
+Json levelsJson(const CurveSet& curves) {
+  const std::vector<std::size_t> counts = curvesPerLevel(curves);
+  Json levels = Json::array();
+  for (std::size_t k = 0; k < counts.size(); ++k)
+    levels.push_back({{"level", curves.levels()[k]}, {"curves", counts[k]}});
+  return levels;
+}
+
+/// For the summary in lines, such as "9 levels, 0.1 to 0.9".
+std::string describe(const CurveSet& curves) {
+  const std::vector<double>& levels = curves.levels();
+  std::size_t closed = 0;
+  for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
+  return fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+                     curves.size(), closed, curves.size() - closed, curves.pointCount(),
+                     levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back());
+}
+
+}  // namespace
+
+void runCurves(const CurvesOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  const LevelChoice choice(options.levels);
+  const ViewChoice view = parseView(options.view);
+  std::vector<Target> targets = openTargets(options, output);
+  SolvedField solved = solveField(options.field, console);
+  const Range range = rangeOf(solved);
+  const std::vector<double> levels =
+      naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
+  const CurveSet curves =
+      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field, levels); });
+  std::vector<std::string> results;
+  solved.steps.run("write", [&] {
+    for (Target& target : targets) write(target, solved, curves, view);
+    for (Target& target : targets) target.file->commit();
+  });
+  for (const Target& target : targets)
+    results.push_back(target.name == "-" ? "standard output" : target.name);
+  reportField(solved, results, output, console, {{"curves", describe(curves), levelsJson(curves)}});
+}
+
+}  // namespace qelm::tool

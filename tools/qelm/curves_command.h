@@ -1,0 +1,24 @@
+// qelm curves
+#ifndef QELM_TOOLS_CURVES_COMMAND_H
+#define QELM_TOOLS_CURVES_COMMAND_H
+
+#include <string>
+#include <vector>
+
+#include "levels.h"
+#include "solve_job.h"
+
+namespace qelm::tool {
+
+struct CurvesOptions {
+  FieldOptions field;
+  LevelOptions levels;
+  std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string view = "best";         ///< for pictures
+};
+
+void runCurves(const CurvesOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif
