@@ -42,17 +42,21 @@ def read_obj(path):
 def read_csv(path):
     with open(path, newline="") as file:
         rows = list(csv.reader(file))
-    assert rows[0] == ["curve", "level", "closed", "x", "y", "z"]
+    assert rows[0] == ["curve", "level", "value", "closed", "x", "y", "z"]
     curves = {}
-    for curve, level, closed, *point in rows[1:]:
-        key = int(curve), float(level), closed == "1"
+    for curve, level, value, closed, *point in rows[1:]:
+        key = int(curve), int(level), float(value), closed == "1"
         curves.setdefault(key, []).append(tuple(map(float, point)))
-    return [(level, points, closed) for (_, level, closed), points in curves.items()]
+    levels = sorted({(level, value) for _, level, value, _ in curves})
+    assert [level for level, _ in levels] == list(range(len(levels)))
+    return [(value, points, closed) for (_, _, value, closed), points in curves.items()]
 
 
 def read_json(path):
     found = json.loads(path.read_text())
-    return found, [(c["level"], [tuple(p) for p in c["points"]], c["closed"]) for c in found["curves"]]
+    for c in found["curves"]:
+        assert c["value"] == found["levels"][c["level"]]
+    return found, [(c["value"], [tuple(p) for p in c["points"]], c["closed"]) for c in found["curves"]]
 
 
 def test_every_format_holds_the_same_curves_to_the_last_bit(qelm, ring):
@@ -90,13 +94,15 @@ LEVELS = {
 def test_levels_are_chosen_as_documented(qelm, grid, case):
     arguments, expected = LEVELS[case]
     summary = qelm.json("curves", grid, *LEFT_RIGHT, *arguments, "-o", "c.csv")
-    assert summary["curves"] == [{"level": level, "curves": 1} for level in expected]
+    assert (summary["levels"], summary["curves"]) == (expected, len(expected))
+    assert summary["closedCurves"] == 0
+    assert summary["points"] == len((qelm.folder / "c.csv").read_text().splitlines()) - 1
 
 
 def test_even_levels_between_round_values_are_round(qelm, grid):
     fix = ["--fix", "box:0,0,0,0,9,0=-20", "--fix", "box:4,0,0,4,9,0=30"]
     summary = qelm.json("curves", grid, *fix, "--levels", "9", "-o", "c.csv")
-    assert [c["level"] for c in summary["curves"]] == [-15, -10, -5, 0, 5, 10, 15, 20, 25]
+    assert summary["levels"] == [-15, -10, -5, 0, 5, 10, 15, 20, 25]
 
 
 def test_steps_count_from_zero(qelm, grid):
@@ -128,6 +134,20 @@ def test_curves_go_to_the_standard_output_as_csv(qelm, ring):
     assert done.stdout == (qelm.folder / "c.csv").read_text()
 
 
+def test_a_format_may_be_named(qelm, ring):
+    arguments = ["curves", ring, *RINGS, "--levels", "1"]
+    done = qelm.ok(*arguments, "-o", "-", "--format", "json", "-q")
+    qelm.ok(*arguments, "-o", "curves.txt", "--format", "json")
+    assert done.stdout == (qelm.folder / "curves.txt").read_text()
+    assert json.loads(done.stdout)["levels"] == [0.5]
+
+
+def test_no_curve_at_all_is_still_a_good_file(qelm, grid):
+    qelm.ok("curves", grid, *LEFT_RIGHT, "--at", "7", "-o", "c.json", "-o", "c.svg", "-o", "c.obj")
+    assert read_json(qelm.folder / "c.json") == ({"mesh": "grid.obj", "levels": [7], "curves": []}, [])
+    assert read_obj(qelm.folder / "c.obj") == []
+
+
 def test_lengths_tend_to_those_of_circles(qelm):
     # Between circles the field is log r: the curve at the middle is the geometric mean's.
     qelm.write("ring.obj", shapes.obj(shapes.annulus(1, 1.2, 400)))
@@ -153,8 +173,9 @@ def test_refusals(qelm, grid):
         (2, [*LEFT_RIGHT, "--every", "7", *out], "no multiple of it lies between 0 and 1; use a"),
         (2, [*LEFT_RIGHT, *level], "--output is required"),
         (2, [*LEFT_RIGHT, *level, "-o", "c.step"], "a name that ends in .obj, .json, .svg or .csv"),
+        (2, [*LEFT_RIGHT, *level, *out, "--format", "dxf"], "or --format obj and so on"),
         (2, [*LEFT_RIGHT, *level, *out, *out], "-o c.obj: given twice"),
-        (2, [*LEFT_RIGHT, *level, "-o", "grid.obj"], "-o grid.obj: would overwrite the mesh"),
+        (2, [*LEFT_RIGHT, *level, "-o", "grid.obj"], "-o would overwrite the mesh grid.obj"),
         (2, [*LEFT_RIGHT, *level, "--json", "-o", "-"], "not both"),
         (2, [*LEFT_RIGHT, *level, *out, "--view", "top"], "--view top: give best, x, y, z, -x"),
         (2, [*LEFT_RIGHT, *level, *out, "--view", "0,0,0"], "--view 0,0,0: give best"),

@@ -160,3 +160,66 @@ def test_the_last_of_two_conditions_on_a_vertex_holds_and_a_note_says_so(qelm):
 def test_version_and_help_go_to_the_standard_output(qelm):
     assert re.fullmatch(r"qelm \d+\.\d+\.\d+\n", qelm.ok("--version").stdout)
     assert "solve" in qelm.ok("--help").stdout
+
+
+def test_several_fields_are_those_of_single_solves_bit_for_bit(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.annulus(1, 2)))
+    inner = ["3", "-1e-3", "7.25"]
+    qelm.ok("solve", "grid.obj", "--fix", "loop:0=0,1,-0.1", "--fix", "loop:1=" + ",".join(inner),
+            "-o", "all.csv")
+    rows = [line.split(",") for line in (qelm.folder / "all.csv").read_text().splitlines()]
+    assert rows[0] == ["vertex", "x", "y", "z", "value1", "value2", "value3"]
+    for k, (a, b) in enumerate(zip(["0", "1", "-0.1"], inner)):
+        qelm.ok("solve", "grid.obj", "--fix", f"loop:0={a}", "--fix", f"loop:1={b}", "-o", "one.csv")
+        assert [float(row[4 + k]) for row in rows[1:]] == qelm.field("one.csv")
+
+
+def test_a_single_value_is_for_all_fields_and_each_has_its_range(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    arguments = ["solve", "grid.obj", "--fix", "box:0,0,0,0,9,0=5", "--fix", "box:4,0,0,4,9,0=1,9"]
+    summary = qelm.json(*arguments)
+    assert summary["fix"][0]["value"] == 5 and summary["fix"][1]["values"] == [1, 9]
+    assert [(f["min"]["value"], f["max"]["value"]) for f in summary["fields"]] == [(1, 5), (5, 9)]
+    lines = qelm.ok(*arguments).stderr.splitlines()
+    assert lines[3] == "         box:4,0,0,4,9,0 = 1,9: 4"
+    assert lines[4:6] == ["field 1", "minimum  1 at vertex 4 (4, 0, 0)"]
+    assert lines[7] == "field 2"
+
+
+def test_several_fields_take_the_same_load(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    qelm.write("load.csv", "".join(f"{0.1 * v}\n" for v in range(20)))
+    load = ["--load", "load.csv"]
+    qelm.ok("solve", "grid.obj", "--fix", "vertex:0=0,2", *load, "-o", "both.csv")
+    rows = [line.split(",") for line in (qelm.folder / "both.csv").read_text().splitlines()[1:]]
+    for k, value in enumerate([0, 2]):
+        qelm.ok("solve", "grid.obj", "--fix", f"vertex:0={value}", *load, "-o", "one.csv")
+        assert [float(row[4 + k]) for row in rows] == qelm.field("one.csv")
+
+
+def test_tags_1_to_3_give_the_same_field(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    fields = []
+    for tag in ("", ":1", ":2", ":3"):
+        qelm.ok("solve", "grid.obj", "--fix", "vertex:0=0" + tag, "--fix", "vertex:19=1" + tag,
+                "-o", "field.csv")
+        fields.append(qelm.field())
+    assert fields[0] == fields[1] == fields[2] == fields[3]
+
+
+def test_values_and_tags_that_do_not_fit_are_refused(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    cases = [
+        (["vertex:0=0,1", "vertex:1=1,2,3"], "--fix vertex:0=0,1 has 2 values, --fix vertex:1=1,2,3 has 3"),
+        (["vertex:0=0:4"], "the tag '4' is not 1, 2 or 3"),
+        (["vertex:0=0:"], "the tag '' is not 1, 2 or 3"),
+        (["vertex:0=0,"], "'' is not a number"),
+        (["vertex:0=1,nan"], "'nan' is not finite"),
+    ]
+    for fixes, message in cases:
+        arguments = [word for fix in fixes for word in ("--fix", fix)]
+        assert message in qelm.fails(2, "solve", "grid.obj", *arguments)
+    for command in ("heatmap", "curves"):
+        assert "takes one field" in qelm.fails(
+            2, command, "grid.obj", "--fix", "vertex:0=0,1", "-o", "out.obj",
+            *(["--levels", "3"] if command == "curves" else []))

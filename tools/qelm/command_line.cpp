@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "check_command.h"
 #include "console.h"
 #include "curves_command.h"
 #include "error.h"
@@ -29,13 +30,17 @@ void addMesh(CLI::App& command, std::string& mesh) {
       ->required();
 }
 
-void addFieldOptions(CLI::App& command, FieldOptions& field) {
-  addMesh(command, field.mesh);
-  command.add_option("--fix", field.fixes, "Hold vertices at a value; may be given often")
+void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& fixFile) {
+  command.add_option("--fix", fixes, "Hold vertices at a value; may be given often")
       ->type_name("SELECTOR=VALUE[:TAG]")
       ->allow_extra_args(false);
-  command.add_option("--fix-file", field.fixFile, "Hold the vertices that a file names")
+  command.add_option("--fix-file", fixFile, "Hold the vertices that a file names")
       ->type_name("FILE.csv");
+}
+
+void addFieldOptions(CLI::App& command, FieldOptions& field) {
+  addMesh(command, field.mesh);
+  addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
 }
@@ -52,6 +57,7 @@ class CommandLine {
     app_.require_subcommand(1);
     app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
     addSolve();
+    addCheck();
     addHeatmap();
     addCurves();
     addWeld();
@@ -65,7 +71,7 @@ class CommandLine {
     } catch (const CLI::ParseError& error) {
       return explain(error);
     }
-    return kExitOk;
+    return outcome_;
   }
 
  private:
@@ -73,17 +79,29 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand(
         "solve", "Compute the smooth field between fixed values on a triangle mesh");
     addFieldOptions(command, solve_.field);
+    solve_.field.several = true;
     command
         .add_option("-o,--output", solve_.output,
                     "Write the field as CSV; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
-                             kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
     });
+  }
+
+  void addCheck() {
+    CLI::App& command =
+        *app_.add_subcommand("check", "Say what is wrong with a mesh, and what it is like");
+    addMesh(command, check_.mesh);
+    addFixes(command, check_.fixes, check_.fixFile);
+    addOutputOptions(command, output_);
+    command.footer(sections({kCheckExamples, kCheckHelp, kConditionHelp, kFixFileHelp, kSoupHelp,
+                             kStreamsHelp, kExitHelp}));
+    command.callback([this] { outcome_ = runCheck(check_, output_); });
   }
 
   void addHeatmap() {
@@ -117,6 +135,8 @@ class CommandLine {
         ->type_name("OUT")
         ->allow_extra_args(false)
         ->required();
+    command.add_option("--format", curves_.format, "Whatever OUT is called")
+        ->type_name("obj|json|svg|csv");
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("DIRECTION");
     addOutputOptions(command, output_);
@@ -174,7 +194,9 @@ class CommandLine {
   }
 
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
+  int outcome_ = kExitOk;
   OutputOptions output_;
+  CheckOptions check_;
   SolveOptions solve_;
   HeatmapOptions heatmap_;
   CurvesOptions curves_;

@@ -1,6 +1,7 @@
 #include "conditions.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -75,13 +76,39 @@ Selector parseSelector(std::string_view selector, std::string_view text) {
   fail(text, fmt::format("no selector '{}'; {}", kind, kForms));
 }
 
+std::vector<double> parseValues(std::string_view list, std::string_view text) {
+  std::vector<double> values;
+  for (const std::string_view word : splitAt(list, ',')) values.push_back(finiteNumber(word, text));
+  return values;
+}
+
 int wantedTag(std::string_view word, std::string_view text) {
   const auto tag = parseTag(trimmed(word));
-  if (!tag) fail(text, fmt::format("'{}' is not a tag; give 1, 2 or 3", word));
+  if (!tag) fail(text, fmt::format("the tag '{}' is not 1, 2 or 3", word));
   return *tag;
 }
 
 }  // namespace
+
+std::string describeValues(const Condition& condition) {
+  return fmt::format("{}", fmt::join(condition.values, ","));
+}
+
+std::size_t fieldCount(const std::vector<Condition>& conditions) {
+  const Condition* several = nullptr;
+  for (const Condition& condition : conditions) {
+    const std::size_t count = condition.values.size();
+    if (count == 1) continue;
+    if (several == nullptr) several = &condition;
+    if (count != several->values.size())
+      throw UsageError(
+          fmt::format("--fix {}={} has {} values, --fix {}={} has {}; give each as "
+                      "many, or one for all fields",
+                      several->text, describeValues(*several), several->values.size(),
+                      condition.text, describeValues(condition), count));
+  }
+  return several == nullptr ? 1 : several->values.size();
+}
 
 std::optional<int> parseTag(std::string_view text) {
   const auto tag = parseInteger(text);
@@ -94,12 +121,12 @@ Condition parseCondition(const std::string& text) {
   const std::size_t equals = view.rfind('=');
   if (equals == std::string_view::npos) fail(text, kForms);
   const std::string_view selector = trimmed(view.substr(0, equals));
-  const std::string_view value = view.substr(equals + 1);
-  const std::size_t colon = value.find(':');
-  const bool hasTag = colon != std::string_view::npos;
-  return {std::string(selector), parseSelector(selector, text),
-          finiteNumber(value.substr(0, colon), text),
-          hasTag ? wantedTag(value.substr(colon + 1), text) : 1};
+  const std::string_view rest = view.substr(equals + 1);
+  const std::size_t colon = rest.find(':');
+  Condition condition{std::string(selector), parseSelector(selector, text),
+                      parseValues(rest.substr(0, colon), text)};
+  if (colon != std::string_view::npos) condition.tag = wantedTag(rest.substr(colon + 1), text);
+  return condition;
 }
 
 }  // namespace qelm::tool

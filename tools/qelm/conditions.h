@@ -1,7 +1,8 @@
-// The grammar of boundary conditions: SELECTOR=VALUE[:TAG].
+// The grammar of boundary conditions: SELECTOR=VALUE[,VALUE...][:TAG].
 #ifndef QELM_TOOLS_CONDITIONS_H
 #define QELM_TOOLS_CONDITIONS_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,9 +31,15 @@ using Selector = std::variant<VertexList, LoopNumber, WholeBoundary, NearestTo, 
 struct Condition {
   std::string text;  ///< the selector as written, for messages
   Selector selector;
-  double value;
-  int tag;
+  std::vector<double> values;  ///< one for each field; a single one is for all
+  int tag = 1;                 ///< 1, 2 or 3: the library treats all alike
 };
+
+/// "0,1" as it would be written.
+std::string describeValues(const Condition& condition);
+
+/// How many fields the conditions ask for. Throws UsageError when they disagree.
+std::size_t fieldCount(const std::vector<Condition>& conditions);
 
 /// The library's marks for vertices that are held: 1, 2 and 3.
 std::optional<int> parseTag(std::string_view text);

@@ -39,8 +39,8 @@ void writeCurvesJson(const CurveSet& curves, const std::string& meshName, Output
              dumped(curves.levels()));
   for (std::size_t c = 0; c < curves.size(); ++c) {
     const Curve curve = curves[c];
-    block.text("{}\n  {{\"level\": {}, \"closed\": {}, \"points\": [", c == 0 ? "" : ",",
-               curves.levels()[curve.level], curve.closed);
+    block.text("{}\n  {{\"level\": {}, \"value\": {}, \"closed\": {}, \"points\": [",
+               c == 0 ? "" : ",", curve.level, curves.levels()[curve.level], curve.closed);
     for (std::size_t k = 0; k < curve.size(); ++k) {
       const Point p = curve.point(k);
       block.text("{}[{}, {}, {}]", k == 0 ? "" : ", ", p[0], p[1], p[2]);
@@ -53,13 +53,13 @@ void writeCurvesJson(const CurveSet& curves, const std::string& meshName, Output
 
 void writeCurvesCsv(const CurveSet& curves, OutputFile& file) {
   TextBlock block(file);
-  block.text("curve,level,closed,x,y,z\n");
+  block.text("curve,level,value,closed,x,y,z\n");
   for (std::size_t c = 0; c < curves.size(); ++c) {
     const Curve curve = curves[c];
     for (std::size_t k = 0; k < curve.size(); ++k) {
       const Point p = curve.point(k);
-      block.text("{},{},{},{},{},{}\n", c, curves.levels()[curve.level], curve.closed ? 1 : 0, p[0],
-                 p[1], p[2]);
+      block.text("{},{},{},{},{},{},{}\n", c, curve.level, curves.levels()[curve.level],
+                 curve.closed ? 1 : 0, p[0], p[1], p[2]);
     }
   }
   block.flush();

@@ -13,11 +13,12 @@ namespace qelm::tool {
 /// their first vertex.
 void writeCurvesObj(const CurveSet& curves, OutputFile& file);
 
-/// An object with the mesh's name, the levels, and the curves: their level, whether
-/// they are closed, and their points, of which a closed curve's first is not repeated.
+/// An object with the mesh's name, the levels, and the curves: the level's index
+/// and value, whether they are closed, and their points, of which a closed curve's first is not
+/// repeated.
 void writeCurvesJson(const CurveSet& curves, const std::string& meshName, OutputFile& file);
 
-/// "curve,level,closed,x,y,z" and a line for each point.
+/// "curve,level,value,closed,x,y,z" and a line for each point.
 void writeCurvesCsv(const CurveSet& curves, OutputFile& file);
 
 }  // namespace qelm::tool

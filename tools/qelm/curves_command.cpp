@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "curve_files.h"
 #include "curve_set.h"
@@ -18,8 +17,6 @@
 namespace qelm::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 enum class CurveFormat { kObj, kJson, kSvg, kCsv };
 
 struct Target {
@@ -28,20 +25,16 @@ struct Target {
   std::unique_ptr<OutputFile> file;
 };
 
-CurveFormat formatOf(const std::string& name) {
-  if (name == "-") return CurveFormat::kCsv;
-  const std::string extension = lowerExtension(toPath(name));
+CurveFormat formatOf(const std::string& name, const std::string& wanted) {
+  if (name == "-" && wanted.empty()) return CurveFormat::kCsv;
+  const std::string extension = wanted.empty() ? lowerExtension(toPath(name)) : "." + wanted;
   if (extension == ".obj") return CurveFormat::kObj;
   if (extension == ".json") return CurveFormat::kJson;
   if (extension == ".svg") return CurveFormat::kSvg;
   if (extension == ".csv") return CurveFormat::kCsv;
-  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .json, .svg or .csv", name));
-}
-
-void refuseToOverwrite(const std::string& mesh, const std::string& name) {
-  std::error_code ignored;
-  if (name != "-" && std::filesystem::equivalent(toPath(mesh), toPath(name), ignored))
-    throw UsageError(fmt::format("-o {}: would overwrite the mesh; choose another name", name));
+  throw UsageError(fmt::format(
+      "-o {}: give a name that ends in .obj, .json, .svg or .csv, or --format obj and so on",
+      name));
 }
 
 /// Opened before anything is computed.
@@ -53,8 +46,8 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
     const auto isSame = [&name](const Target& target) { return target.name == name; };
     if (std::any_of(targets.begin(), targets.end(), isSame))
       throw UsageError(fmt::format("-o {}: given twice", name));
-    refuseToOverwrite(options.field.mesh, name);
-    targets.push_back({name, formatOf(name), nullptr});
+    refuseToOverwrite(options.field.mesh, toPath(name));
+    targets.push_back({name, formatOf(name, options.format), nullptr});
   }
   for (Target& target : targets) target.file = std::make_unique<OutputFile>(target.name);
   return targets;
@@ -65,7 +58,7 @@ struct Range {
 };
 
 Range rangeOf(const SolvedField& solved) {
-  const auto [low, high] = std::minmax_element(solved.field.begin(), solved.field.end());
+  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
   return {*low, *high};
 }
 
@@ -84,29 +77,19 @@ void write(Target& target, const SolvedField& solved, const CurveSet& curves,
   }
 }
 
-std::vector<std::size_t> curvesPerLevel(const CurveSet& curves) {
-  std::vector<std::size_t> counts(curves.levels().size(), 0);
-  for (std::size_t c = 0; c < curves.size(); ++c) ++counts[curves[c].level];
-  return counts;
-}
-
-/// For the summary as JSON.
-Json levelsJson(const CurveSet& curves) {
-  const std::vector<std::size_t> counts = curvesPerLevel(curves);
-  Json levels = Json::array();
-  for (std::size_t k = 0; k < counts.size(); ++k)
-    levels.push_back({{"level", curves.levels()[k]}, {"curves", counts[k]}});
-  return levels;
-}
-
-/// For the summary in lines, such as "9 levels, 0.1 to 0.9".
-std::string describe(const CurveSet& curves) {
+/// For the summary, such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
+ReportItem report(const CurveSet& curves) {
   const std::vector<double>& levels = curves.levels();
   std::size_t closed = 0;
   for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
-  return fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
-                     curves.size(), closed, curves.size() - closed, curves.pointCount(),
-                     levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back());
+  return {"curves",
+          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+                      curves.size(), closed, curves.size() - closed, curves.pointCount(),
+                      levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
+          {{"levels", levels},
+           {"curves", curves.size()},
+           {"closedCurves", closed},
+           {"points", curves.pointCount()}}};
 }
 
 }  // namespace
@@ -117,11 +100,12 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   const ViewChoice view = parseView(options.view);
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
+  requireRange(solved, "cut");
   const Range range = rangeOf(solved);
   const std::vector<double> levels =
       naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
   const CurveSet curves =
-      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field, levels); });
+      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
     for (Target& target : targets) write(target, solved, curves, view);
@@ -129,7 +113,7 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   });
   for (const Target& target : targets)
     results.push_back(target.name == "-" ? "standard output" : target.name);
-  reportField(solved, results, output, console, {{"curves", describe(curves), levelsJson(curves)}});
+  reportField(solved, results, output, console, {report(curves)});
 }
 
 }  // namespace qelm::tool

@@ -14,6 +14,7 @@ struct CurvesOptions {
   FieldOptions field;
   LevelOptions levels;
   std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string format;                ///< instead of the extensions'; empty: none
   std::string view = "best";         ///< for pictures
 };
 

@@ -16,8 +16,9 @@ class FieldSystem {
   /// Throws InputError when the library refuses the mesh or cannot factorise.
   FieldSystem(const Mesh& mesh, std::span<const int> tags);
 
-  /// One value per vertex, in the mesh's order; an empty `load` is none. Throws
-  /// InputError when a value is not finite: qelminfo() alone does not see that.
+  /// One or more fields, one after another, with a value for each vertex in the mesh's
+  /// order; `load` is one of them for all, or empty for none. Throws InputError when a
+  /// value is not finite: qelminfo() alone does not see that.
   std::vector<double> solve(const Mesh& mesh, std::span<const double> values,
                             std::span<const double> load) const;
 

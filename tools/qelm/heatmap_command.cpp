@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 
 #include "error.h"
@@ -22,10 +21,6 @@ namespace {
 constexpr std::ptrdiff_t kObjHeadLines = 2;
 constexpr std::ptrdiff_t kMtlLines = 8;
 
-// A field that should be constant varies by the rounding of its solve; stretched
-// over all colours that would show noise.
-constexpr double kConstantField = 1e-12;
-
 /// The files' path without extension.
 fs::path basePath(const std::string& output) {
   fs::path path = toPath(output);
@@ -37,30 +32,15 @@ fs::path basePath(const std::string& output) {
 
 fs::path withExtension(fs::path base, const char* extension) { return base += extension; }
 
-void refuseToOverwriteTheMesh(const std::string& mesh, const fs::path& base) {
-  std::error_code ignored;
-  if (fs::equivalent(toPath(mesh), withExtension(base, ".obj"), ignored))
-    throw UsageError(fmt::format("-o would overwrite the mesh {}; choose another name", mesh));
-}
-
 /// The library indexes fields by its own order: fixed vertices first, in the
 /// mesh's order, then the free ones from the back.
-std::vector<double> inSystemOrder(const std::vector<double>& field, const std::vector<int>& tags) {
+std::vector<double> inSystemOrder(std::span<const double> field, const std::vector<int>& tags) {
   std::vector<double> ordered(field.size());
   std::size_t front = 0;
   std::size_t back = field.size();
   for (std::size_t i = 0; i < field.size(); ++i)
     ordered[tags[i] != 0 ? front++ : --back] = field[i];
   return ordered;
-}
-
-void checkRange(const SolvedField& solved) {
-  const auto [low, high] = std::minmax_element(solved.field.begin(), solved.field.end());
-  if (*high - *low <= kConstantField * std::max(std::abs(*low), std::abs(*high)))
-    throw RequestError(fmt::format(
-        "{}: the field is {:.6g} everywhere, so there is no range to colour; fix vertices "
-        "at two different values at least",
-        solved.meshName, *low));
 }
 
 /// wobj() has no result: what it wrote is counted instead, so that a full disk shows.
@@ -86,7 +66,7 @@ void writeRamp(const fs::path& path) {
 // for it from where the OBJ file lies: so the name alone is given, from within
 // the folder.
 void writeObj(const SolvedField& solved, const fs::path& folder, const fs::path& name) {
-  const std::vector<double> field = inSystemOrder(solved.field, solved.prescribed.tags);
+  const std::vector<double> field = inSystemOrder(solved.field(), solved.prescribed.tags);
   const std::string narrow = toNarrow(name);
   const WorkingFolder here(folder);
   wobj(solved.system->handle(), field.data(), narrow.c_str());
@@ -112,12 +92,12 @@ void writeHeatmap(const SolvedField& solved, const fs::path& base, OutputFolder&
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
   const Console console(output);
   const fs::path base = basePath(options.output);
-  refuseToOverwriteTheMesh(options.field.mesh, base);
+  refuseToOverwrite(options.field.mesh, withExtension(base, ".obj"));
   // What cannot be written is better known before a long solve.
   toNarrow(base.filename());
   OutputFolder folder(base);
   SolvedField solved = solveField(options.field, console);
-  checkRange(solved);
+  requireRange(solved, "colour");
   solved.steps.run("write", [&] { writeHeatmap(solved, base, folder); });
   if (toUtf8(base.filename()).find(' ') != std::string::npos)
     console.note("many viewers do not find a material file with a blank in its name");

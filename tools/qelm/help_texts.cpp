@@ -69,6 +69,19 @@ const char* const kSolveHelp =
     "  -o writes the header line vertex,x,y,z,value, then for each vertex its number, place\n"
     "  and value, with the shortest digits that read back as the same doubles.\n";
 
+const char* const kSeveralHelp =
+    "Several fields at once:\n"
+    "  --fix SELECTOR=VALUE,VALUE,... gives one value for each field, a single VALUE is for\n"
+    "  all. They are solved together, in much less time than one after another, and\n"
+    "  written to columns value1, value2 and so on.\n";
+
+const char* const kCheckHelp =
+    "The report:\n"
+    "  Says on the standard output what would keep the mesh from being solved on; -q leaves\n"
+    "  only the exit code: 0 when there is no defect, 4 when there is one, 5 when parts\n"
+    "  are not fixed. That is looked at when there is a --fix: every connected part needs\n"
+    "  a fixed vertex.\n";
+
 const char* const kHeatmapHelp =
     "What is written:\n"
     "  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is yellow,\n"
@@ -87,9 +100,11 @@ const char* const kCurvesHelp =
     "  curve, seen from where triangles are counter-clockwise.\n"
     "  The extension of OUT chooses the format, and -o may be given often:\n"
     "    .obj   polylines (l), closed ones closed, a group level_V for each level\n"
-    "    .json  levels, and for each curve its level, whether it is closed, its points\n"
-    "    .csv   curve,level,closed,x,y,z for each point; also what -o - writes\n"
-    "    .svg   a picture with a scale\n";
+    "    .json  levels, and for each curve its level by number and value, whether it\n"
+    "           is closed, and its points\n"
+    "    .csv   curve,level,value,closed,x,y,z for each point; also what -o - writes\n"
+    "    .svg   a picture with a scale\n"
+    "  --format says so for a name that ends otherwise.\n";
 
 const char* const kPictureHelp =
     "Pictures:\n"
@@ -107,12 +122,18 @@ const char* const kWeldHelp =
     "  The extension of OUT chooses the format: .obj and .ply keep every double, .stl is\n"
     "  rounded to single precision; - is OBJ on the standard output.\n";
 
+const char* const kCheckExamples =
+    "Examples:\n"
+    "  qelm check roof.obj\n"
+    "  qelm check roof.obj --fix loop:0=0 --json\n";
+
 const char* const kSolveExamples =
     "Examples:\n"
     "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
     "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - -q\n"
     "  qelm solve roof.obj --fix box:-9,-9,0,9,9,0=0:2 --fix loop:1=3 --json -o field.csv\n"
     "  qelm solve roof.obj --fix-file fixed.csv --load snow.csv -o field.csv\n"
+    "  qelm solve roof.obj --fix loop:0=0,1 --fix loop:1=1,0 -o fields.csv\n"
     "  qelm solve roof.obj --fix boundary=0 --load snow.csv\n";
 
 const char* const kHeatmapExamples =

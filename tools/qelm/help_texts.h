@@ -16,13 +16,16 @@ extern const char* const kSoupHelp;
 extern const char* const kStreamsHelp;
 extern const char* const kExitHelp;
 
+extern const char* const kCheckHelp;
 extern const char* const kSolveHelp;
+extern const char* const kSeveralHelp;
 extern const char* const kHeatmapHelp;
 extern const char* const kCurvesHelp;
 extern const char* const kPictureHelp;
 extern const char* const kWeldHelp;
 
 /// Every line that begins with "  qelm " is run by a test.
+extern const char* const kCheckExamples;
 extern const char* const kSolveExamples;
 extern const char* const kHeatmapExamples;
 extern const char* const kCurvesExamples;

@@ -15,9 +15,6 @@ namespace {
 // More curves than anyone can look at, and few enough to be cut in a moment.
 constexpr int kMostLevels = 10000;
 
-// A field that should be constant varies by the rounding of its solve.
-constexpr double kConstantField = 1e-12;
-
 int parsedCount(const std::string& text) {
   const auto count = parseInteger(trimmed(text));
   if (!count || *count < 1 || *count > kMostLevels)
@@ -61,11 +58,6 @@ LevelChoice::LevelChoice(const LevelOptions& options) {
 }
 
 std::vector<double> LevelChoice::levels(double low, double high, const Console& console) const {
-  if (high - low <= kConstantField * std::max(std::abs(low), std::abs(high)))
-    throw RequestError(
-        fmt::format("the field is {:.6g} everywhere, so there are no curves; fix vertices at two "
-                    "different values at least",
-                    low));
   if (count_ > 0) return even(low, high);
   if (step_ > 0) return multiples(low, high);
   for (const double level : list_)

@@ -113,6 +113,12 @@ void OutputFile::commit() {
   temporary_.clear();
 }
 
+void refuseToOverwrite(const std::string& mesh, const std::filesystem::path& target) {
+  std::error_code ignored;
+  if (std::filesystem::equivalent(toPath(mesh), target, ignored))
+    throw UsageError(fmt::format("-o would overwrite the mesh {}; choose another name", mesh));
+}
+
 void printData(std::string_view text) {
   OutputFile file("-");
   file.write(text);

@@ -34,6 +34,9 @@ class OutputFile {
   std::FILE* file_ = nullptr;
 };
 
+/// Throws UsageError when `target` is the file that the mesh was read from.
+void refuseToOverwrite(const std::string& mesh, const std::filesystem::path& target);
+
 /// Writes to the standard output. Throws InputError when that fails.
 void printData(std::string_view text);
 

@@ -98,7 +98,7 @@ Point parsedDirection(const std::string& text) {
 }  // namespace
 
 ViewChoice parseView(const std::string& text) {
-  if (trimmed(text) == "best") return {{}, text};
+  if (trimmed(text) == "best" || trimmed(text) == "plane") return {{}, text};
   return {parsedDirection(text), text};
 }
 

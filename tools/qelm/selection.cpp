@@ -116,36 +116,62 @@ class Selection {
   std::optional<std::vector<BoundaryLoop>>& loops_;
 };
 
-/// Fixes the vertices and returns those that had another value before.
-std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices, double value,
-                     int tag) {
+/// The value of a condition in field k: one given for all, or the k-th.
+double valueOf(const Condition& condition, std::size_t k) {
+  return condition.values.size() == 1 ? condition.values[0] : condition.values[k];
+}
+
+/// What a file holds at a vertex, for all fields.
+void fix(Prescribed& prescribed, const FixedVertex& fixed) {
+  const std::size_t n = prescribed.tags.size();
+  const auto i = static_cast<std::size_t>(fixed.vertex);
+  for (std::size_t k = 0; k < prescribed.fieldCount; ++k)
+    prescribed.values[k * n + i] = fixed.value;
+  prescribed.tags[i] = fixed.tag;
+  ++prescribed.fixedCount;
+}
+
+/// Fixes the vertices and returns those that had another value before, in any field.
+std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
+                     const Condition& condition) {
+  const std::size_t n = prescribed.tags.size();
   std::vector<int> changed;
   for (const int v : vertices) {
     const auto i = static_cast<std::size_t>(v);
-    if (prescribed.tags[i] != 0 && prescribed.values[i] != value) changed.push_back(v);
-    if (prescribed.tags[i] == 0) ++prescribed.fixedCount;
-    prescribed.tags[i] = tag;
-    prescribed.values[i] = value;
+    bool differs = false;
+    for (std::size_t k = 0; k < prescribed.fieldCount; ++k) {
+      double& value = prescribed.values[k * n + i];
+      differs = differs || value != valueOf(condition, k);
+      value = valueOf(condition, k);
+    }
+    if (prescribed.tags[i] == 0)
+      ++prescribed.fixedCount;
+    else if (differs)
+      changed.push_back(v);
+    prescribed.tags[i] = condition.tag;
   }
   return changed;
 }
 
 }  // namespace
 
-Prescribed prescribe(const Mesh& mesh, std::span<const FixedVertex> fromFile,
-                     std::span<const Condition> conditions) {
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
+                     std::span<const FixedVertex> fromFile) {
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
-  Prescribed prescribed{std::vector<int>(n, 0), std::vector<double>(n, 0.0), {}, {}, 0};
-  for (const FixedVertex& fixed : fromFile) fix(prescribed, {fixed.vertex}, fixed.value, fixed.tag);
+  Prescribed prescribed;
+  prescribed.tags.assign(n, 0);
+  prescribed.fieldCount = fieldCount(conditions);
+  prescribed.values.assign(prescribed.fieldCount * n, 0.0);
+  for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
   std::optional<std::vector<BoundaryLoop>> loops;
   for (const Condition& condition : conditions) {
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
     prescribed.selected.push_back(static_cast<int>(vertices.size()));
-    const std::vector<int> changed = fix(prescribed, vertices, condition.value, condition.tag);
+    const std::vector<int> changed = fix(prescribed, vertices, condition);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
           "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,
-          condition.value, changed.size(), changed.size() == 1 ? "vertex" : "vertices",
+          describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }
   return prescribed;

@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_SELECTION_H
 #define QELM_TOOLS_SELECTION_H
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,7 +15,8 @@ namespace qelm::tool {
 
 struct Prescribed {
   std::vector<int> tags;           ///< n; 1, 2 or 3 at fixed vertices, else 0
-  std::vector<double> values;      ///< n; 0 at free vertices
+  std::size_t fieldCount = 1;      ///< c
+  std::vector<double> values;      ///< c * n, field after field; 0 at free vertices
   std::vector<int> selected;       ///< for each condition how many vertices it selects
   std::vector<std::string> notes;  ///< for the user, such as conditions that overlap
   int fixedCount = 0;
@@ -24,9 +26,9 @@ struct Prescribed {
 /// values the later one holds and a note names the first such vertex.
 ///
 /// Throws RequestError when a condition names what the mesh has not, or selects
-/// nothing.
-Prescribed prescribe(const Mesh& mesh, std::span<const FixedVertex> fromFile,
-                     std::span<const Condition> conditions);
+/// nothing; UsageError when the conditions disagree about the number of fields.
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
+                     std::span<const FixedVertex> fromFile = {});
 
 }  // namespace qelm::tool
 

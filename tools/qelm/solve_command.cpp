@@ -19,7 +19,7 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   std::vector<std::string> results;
   if (file) {
     solved.steps.run("write", [&] {
-      writeFieldCsv(solved.mesh, solved.field, *file);
+      writeFieldCsv(solved.mesh, solved.fields, *file);
       file->commit();
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);
