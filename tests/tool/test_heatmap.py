@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import struct
 import subprocess
 
 import pytest
@@ -46,6 +47,27 @@ def test_every_point_carries_its_own_value(qelm):
     place = {p: i for i, p in enumerate(mesh[0])}
     assert [tuple(place[points[v]] for v in face) for face in faces] == mesh[1]
     assert "result   heat.obj, heat.mtl, viridis.PNG" in done.stderr
+
+
+def test_ply_holds_the_value_and_colour_of_every_vertex_in_the_meshs_order(qelm):
+    mesh = shapes.grid(4, 3)
+    qelm.write("grid.obj", shapes.obj(mesh))
+    done = qelm.ok("heatmap", "grid.obj", *LEFT_RIGHT, "-o", "heat.ply")
+    assert qelm.files() == ["grid.obj", "heat.ply"]
+    assert "result   heat.ply" in done.stderr
+    head, body = (qelm.folder / "heat.ply").read_bytes().split(b"end_header\n")
+    assert b"property uchar red\nproperty uchar green\nproperty uchar blue\nproperty double value\n" in head
+    size = struct.calcsize("<3d3Bd")
+    for k, point in enumerate(mesh[0]):
+        x, y, z, red, green, blue, value = struct.unpack_from("<3d3Bd", body, k * size)
+        assert (x, y, z) == point
+        assert value == pytest.approx(x / 4, abs=1e-14)
+        expected = {0: DARK_BLUE, 2: MIDDLE, 4: YELLOW}.get(point[0])
+        assert expected is None or (red, green, blue) == pytest.approx(expected, abs=1)
+    faces = struct.iter_unpack("<B3i", body[len(mesh[0]) * size :])
+    assert [face[1:] for face in faces] == mesh[1]
+    # And the tool reads it as a mesh again.
+    qelm.ok("solve", "heat.ply", *LEFT_RIGHT)
 
 
 def test_the_material_names_the_image_exactly(qelm):

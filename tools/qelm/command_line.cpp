@@ -108,7 +108,9 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("heatmap", "Write a mesh with its field as a heat map for any viewer");
     addFieldOptions(command, heatmap_.field);
-    command.add_option("-o,--output", heatmap_.output, "Where the files go, without extension")
+    command
+        .add_option("-o,--output", heatmap_.output,
+                    "Where the files go, without extension, or OUT.ply")
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "colour_ply.h"
 #include "error.h"
 #include "output_file.h"
 #include "output_folder.h"
@@ -87,9 +88,24 @@ void writeHeatmap(const SolvedField& solved, const fs::path& base, OutputFolder&
   folder.publish({kRampFileName, mtl, obj});
 }
 
+/// One file instead of three.
+void runColourPly(const HeatmapOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  refuseToOverwrite(options.field.mesh, toPath(options.output));
+  OutputFile file(options.output);
+  SolvedField solved = solveField(options.field, console);
+  requireRange(solved, "colour");
+  solved.steps.run("write", [&] {
+    writeColourPly(solved.mesh, solved.field(), file);
+    file.commit();
+  });
+  reportField(solved, {options.output}, output, console);
+}
+
 }  // namespace
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
+  if (lowerExtension(toPath(options.output)) == ".ply") return runColourPly(options, output);
   const Console console(output);
   const fs::path base = basePath(options.output);
   refuseToOverwrite(options.field.mesh, withExtension(base, ".obj"));
