@@ -121,8 +121,8 @@ def test_a_closed_mesh_has_no_loop(qelm):
 BAD_USAGE = {
     "no_fix": (["solve", "a.obj"], "no vertex is fixed; give at least one --fix"),
     "no_mesh": (["solve", *ONE_FIX], "mesh is required"),
-    "no_command": ([], "no command; name one of: solve, check"),
-    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: solve, check"),
+    "no_command": ([], "no command; name one of: info, check, solve"),
+    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: info, check, solve"),
     "unknown_option": (["solve", "a.obj", *ONE_FIX, "--colour"], "--colour"),
     "no_value": (["solve", "a.obj", "--fix", "vertex:0"], "--fix vertex:0: write vertex:I"),
     "empty_value": (["solve", "a.obj", "--fix", "vertex:0="], "'' is not a number"),

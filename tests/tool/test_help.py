@@ -8,7 +8,7 @@ import pytest
 import shapes
 from tool import Tool, run_all
 
-COMMANDS = ["solve", "check", "heatmap", "curves", "weld"]
+COMMANDS = ["info", "check", "solve", "heatmap", "curves", "weld"]
 
 
 @pytest.fixture(scope="module")

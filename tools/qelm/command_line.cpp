@@ -10,6 +10,7 @@
 #include "error.h"
 #include "heatmap_command.h"
 #include "help_texts.h"
+#include "info_command.h"
 #include "output_file.h"
 #include "solve_command.h"
 #include "weld_command.h"
@@ -56,8 +57,9 @@ class CommandLine {
     app_.set_help_flag("-h,--help", "Print this help and exit");
     app_.require_subcommand(1);
     app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
-    addSolve();
+    addInfo();
     addCheck();
+    addSolve();
     addHeatmap();
     addCurves();
     addWeld();
@@ -75,6 +77,15 @@ class CommandLine {
   }
 
  private:
+  void addInfo() {
+    CLI::App& command =
+        *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
+    addMesh(command, info_.mesh);
+    addOutputOptions(command, output_);
+    command.footer(sections({kInfoExamples, kInfoHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] { runInfo(info_, output_); });
+  }
+
   void addSolve() {
     CLI::App& command = *app_.add_subcommand(
         "solve", "Compute the smooth field between fixed values on a triangle mesh");
@@ -199,6 +210,7 @@ class CommandLine {
   int outcome_ = kExitOk;
   OutputOptions output_;
   CheckOptions check_;
+  InfoOptions info_;
   SolveOptions solve_;
   HeatmapOptions heatmap_;
   CurvesOptions curves_;

@@ -50,19 +50,24 @@ void clearLiveLine() {
   liveWidth = 0;
 }
 
+std::string message(std::string_view text) {
+  if (text.size() <= kLongestMessage) return printable(text);
+  return printable(text.substr(0, kLongestMessage)) + " ...";
+}
+
 void print(std::string_view text) {
   const std::lock_guard lock(streamMutex);
   clearLiveLine();
-  fmt::print(stderr, "{}\n", printable(text));
+  fmt::print(stderr, "{}\n", message(text));
 }
 
 void labelled(const char* colour, std::string_view label, std::string_view text) {
   const std::lock_guard lock(streamMutex);
   clearLiveLine();
   if (useColour())
-    fmt::print(stderr, "qelm: {}{}:\x1b[0m {}\n", colour, label, printable(text));
+    fmt::print(stderr, "qelm: {}{}:\x1b[0m {}\n", colour, label, message(text));
   else
-    fmt::print(stderr, "qelm: {}: {}\n", label, printable(text));
+    fmt::print(stderr, "qelm: {}: {}\n", label, message(text));
 }
 
 }  // namespace
@@ -95,14 +100,14 @@ void LiveLine::clear() {
 
 std::string printable(std::string_view text) {
   std::string result;
-  for (const char c : text.substr(0, kLongestMessage)) {
+  for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
     if ((code < 0x20 && c != '\n') || code == 0x7f)
       result += fmt::format("\\x{:02x}", code);
     else
       result += c;
   }
-  return text.size() > kLongestMessage ? result + " ..." : result;
+  return result;
 }
 
 bool hasTerminal() {

@@ -48,7 +48,7 @@ class LiveLine {
 };
 
 /// The text without what could steer a terminal: files and their names may hold
-/// anything. Line ends stay. Very long texts are cut.
+/// anything. Line ends stay.
 std::string printable(std::string_view text);
 
 /// True when there is someone to watch: the standard error stream is a terminal

@@ -4,6 +4,7 @@ namespace qelm::tool {
 
 const char* const kTourHelp =
     "Where to begin:\n"
+    "  qelm info MESH       shows the boundary loops of a mesh\n"
     "  qelm solve --help    has the grammar of boundary conditions\n"
     "  qelm curves --help   has examples to copy\n";
 
@@ -75,6 +76,12 @@ const char* const kSeveralHelp =
     "  all. They are solved together, in much less time than one after another, and\n"
     "  written to columns value1, value2 and so on.\n";
 
+const char* const kInfoHelp =
+    "The facts:\n"
+    "  On the standard output: counts, bounding box, area, lengths of edges, connected parts,\n"
+    "  and the boundary loops by the numbers that loop:K takes. --json has every part and\n"
+    "  every loop. 'qelm check' says whether the mesh can be solved on.\n";
+
 const char* const kCheckHelp =
     "The report:\n"
     "  Says on the standard output what would keep the mesh from being solved on; -q leaves\n"
@@ -121,6 +128,11 @@ const char* const kWeldHelp =
     "  mesh's diagonal unless given; 0 merges nothing.\n"
     "  The extension of OUT chooses the format: .obj and .ply keep every double, .stl is\n"
     "  rounded to single precision; - is OBJ on the standard output.\n";
+
+const char* const kInfoExamples =
+    "Examples:\n"
+    "  qelm info roof.obj\n"
+    "  qelm info part.stl --json\n";
 
 const char* const kCheckExamples =
     "Examples:\n"

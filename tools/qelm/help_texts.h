@@ -16,6 +16,7 @@ extern const char* const kSoupHelp;
 extern const char* const kStreamsHelp;
 extern const char* const kExitHelp;
 
+extern const char* const kInfoHelp;
 extern const char* const kCheckHelp;
 extern const char* const kSolveHelp;
 extern const char* const kSeveralHelp;
@@ -25,6 +26,7 @@ extern const char* const kPictureHelp;
 extern const char* const kWeldHelp;
 
 /// Every line that begins with "  qelm " is run by a test.
+extern const char* const kInfoExamples;
 extern const char* const kCheckExamples;
 extern const char* const kSolveExamples;
 extern const char* const kHeatmapExamples;

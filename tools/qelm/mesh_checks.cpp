@@ -72,7 +72,8 @@ std::vector<bool> usedVertices(const Mesh& mesh) {
   return used;
 }
 
-/// The lowest vertex of each vertex's connected part.
+}  // namespace
+
 std::vector<int> lowestOfPart(const Mesh& mesh) {
   std::vector<int> parent(static_cast<std::size_t>(mesh.vertexCount()));
   std::iota(parent.begin(), parent.end(), 0);
@@ -93,8 +94,6 @@ std::vector<int> lowestOfPart(const Mesh& mesh) {
   for (int v = 0; v < mesh.vertexCount(); ++v) parent[static_cast<std::size_t>(v)] = root(v);
   return parent;
 }
-
-}  // namespace
 
 std::string describeTriangle(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
