@@ -91,9 +91,17 @@ def ply_text(mesh):
     return "\n".join(head) + "\n"
 
 
-def ply_binary(mesh):
+def ply_binary(mesh, endian="little"):
     points, faces = mesh
+    mark = "<" if endian == "little" else ">"
     head = ply_text((points, faces)).split("end_header\n")[0] + "end_header\n"
-    body = b"".join(struct.pack("<3d", *p) for p in points)
-    body += b"".join(struct.pack("<B%di" % len(f), len(f), *f) for f in faces)
-    return head.replace("ascii", "binary_little_endian").encode() + body
+    body = b"".join(struct.pack(mark + "3d", *p) for p in points)
+    body += b"".join(struct.pack(mark + "B%di" % len(f), len(f), *f) for f in faces)
+    return head.replace("ascii", f"binary_{endian}_endian").encode() + body
+
+
+def off(mesh):
+    lines = ["OFF", f"{len(mesh[0])} {len(mesh[1])} 0"]
+    lines += ["%r %r %r" % tuple(p) for p in mesh[0]]
+    lines += [" ".join(map(str, (len(face), *face))) for face in mesh[1]]
+    return "\n".join(lines) + "\n"

@@ -66,10 +66,31 @@ BAD_MESHES = {
     "ply_bad_count": ("a.ply", PLY.replace("vertex 4", "vertex -4"), "a.ply:3: an element needs a name and a count"),
     "ply_flat": ("a.ply", PLY.replace("property double z\n", ""), "a.ply:3: vertices need a float or double property 'z'"),
     "ply_no_faces": ("a.ply", PLY.replace("element face", "element edge"), "a.ply: not a mesh: no element 'face'"),
-    "ply_short_indices": ("a.ply", PLY.replace("uchar int", "uchar short"), "a.ply:7: faces need a list 'vertex_indices' of int or uint"),
+    "ply_float_indices": ("a.ply", PLY.replace("uchar int", "uchar float"), "a.ply:7: faces need a list 'vertex_indices' of whole numbers"),
     "ply_endless": ("a.ply", PLY.split("end_header")[0], "a.ply:8: the header has no 'end_header'"),
     "ply_too_many": ("a.ply", PLY.replace("vertex 4", "vertex 99999999999"), "a.ply:3: 99999999999 of 'vertex' are announced, but the file is too short"),
-    "ply_cut_short": ("a.ply", shapes.ply_binary(shapes.SQUARE)[:-5], "a.ply: not a mesh that can be read; it may be damaged or cut short"),
+    "ply_cut_short": ("a.ply", shapes.ply_binary(shapes.SQUARE)[:-5], "a.ply: face 1: a list of 3 numbers, but the file is too short for them"),
+    "ply_cut_in_a_number": ("a.ply", shapes.ply_binary(shapes.SQUARE)[:-1] , "a.ply: face 1: the file ends here; it may be cut short"),
+    "ply_text_cut_short": ("a.ply", PLY[:-3], "a.ply:15: face 1: a list of 3 numbers, but the file is too short for them"),
+    "ply_word": ("a.ply", PLY.replace("3 0 1 2", "3 0 one 2"), "a.ply:14: face 0: 'one' is not a whole number"),
+    "ply_half_index": ("a.ply", PLY.replace("3 0 1 2", "3 0 1.5 2"), "a.ply:14: face 0: '1.5' is not a whole number"),
+    "ply_negative_count": ("a.ply", PLY.replace("3 0 1 2", "-3 0 1 2"), "a.ply:14: face 0: a list of -3 numbers"),
+    "ply_list_count_is_no_number": ("a.ply", PLY.replace("list uchar", "list float"), "a.ply:8: a list needs a whole number for its count"),
+    "ply_two_corners": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2)])), "a.ply: face 1: has only 2 corners"),
+    "off_not": ("a.off", SQUARE, "a.off:1: not an OFF file: it does not begin with 'OFF'"),
+    "off_four": ("a.off", shapes.off(shapes.SQUARE).replace("OFF", "4OFF"), "a.off:1: '4OFF' is not a surface in space"),
+    "off_binary": ("a.off", shapes.off(shapes.SQUARE).replace("OFF", "OFF BINARY"), "a.off:1: binary OFF files cannot be read; save it as text"),
+    "off_header_only": ("a.off", "OFF\n", "a.off:1: the file ends before the counts of vertices and faces"),
+    "off_bad_count": ("a.off", shapes.off(shapes.SQUARE).replace("4 2 0", "four 2 0"), "a.off:2: 'four' is not a number of vertices"),
+    "off_too_many": ("a.off", shapes.off(shapes.SQUARE).replace("4 2 0", "4 99999999 0"), "a.off:2: 99999999 faces are announced, but the file is too short for them"),
+    "off_short": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3\n", ""), "a.off:7: the file ends before face 1 of 2; it may be cut short"),
+    "off_word": ("a.off", shapes.off(shapes.SQUARE).replace("1 1 0", "1 y 0"), "a.off:5: vertex 2: 'y' is not a coordinate"),
+    "off_index": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "3 0 2 4"), "a.off: face 1: vertex index 4 is out of range: the file has 4 vertices, numbered 0 to 3"),
+    "off_huge_index": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "3 0 2 -9999999999"), "a.off: face 1: vertex index -2147483647 is out of range"),
+    "off_word_in_a_face": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "3 0 2 x"), "a.off:8: face 1: 'x' is not a vertex's number"),
+    "off_corners": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "999999 0 2 3"), "a.off:8: face 1: 999999 corners, but the file is too short for them"),
+    "off_two_corners": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "2 0 2"), "a.off: face 1: has only 2 corners"),
+    "off_nan": ("a.off", shapes.off(shapes.SQUARE).replace("1 1 0", "1 nan 0"), "a.off: vertex 2 (1, nan, 0): coordinates not finite"),
     "ply_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, 4)])), "a.ply: face 1: vertex index 4 is out of range: the file has 4 vertices, numbered 0 to 3"),
     "ply_negative_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, -1)])), "a.ply: face 1: vertex index -1 is out of range"),
     "ply_nan": ("a.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])), "a.ply: vertex 1 (1, nan, 0): coordinates not finite; repair"),
@@ -77,10 +98,10 @@ BAD_MESHES = {
 
 
 def test_files_that_are_not_there_and_folders_are_refused(qelm):
-    message = qelm.fails(1, "solve", "none.obj", *ONE_FIX)
+    message = qelm.fails(3, "solve", "none.obj", *ONE_FIX)
     assert "none.obj: no such file; check the name" in message
     (qelm.folder / "folder.obj").mkdir()
-    assert "folder.obj: is a folder" in qelm.fails(1, "solve", "folder.obj", *ONE_FIX)
+    assert "folder.obj: is a folder" in qelm.fails(3, "solve", "folder.obj", *ONE_FIX)
 
 
 BAD_FOR_THE_MESH = {
@@ -93,15 +114,15 @@ BAD_FOR_THE_MESH = {
 
 def test_a_closed_mesh_has_no_loop(qelm):
     qelm.write("a.obj", shapes.obj(shapes.tetrahedron()))
-    message = qelm.fails(1, "solve", "a.obj", "--fix", "loop:0=0")
+    message = qelm.fails(2, "solve", "a.obj", "--fix", "loop:0=0")
     assert "the mesh is closed: it has no boundary loop" in message
 
 
 BAD_USAGE = {
     "no_fix": (["solve", "a.obj"], "no vertex is fixed; give at least one --fix"),
     "no_mesh": (["solve", *ONE_FIX], "mesh is required"),
-    "no_command": ([], "no command; name one of: solve, check, curves, heatmap, weld"),
-    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: solve, check, curves, heatmap, weld"),
+    "no_command": ([], "no command; name one of: info, check, solve"),
+    "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: info, check, solve"),
     "unknown_option": (["solve", "a.obj", *ONE_FIX, "--colour"], "--colour"),
     "no_value": (["solve", "a.obj", "--fix", "vertex:0"], "--fix vertex:0: write vertex:I"),
     "empty_value": (["solve", "a.obj", "--fix", "vertex:0="], "'' is not a number"),
@@ -121,16 +142,29 @@ BAD_USAGE = {
 
 
 
+# A part of the message of everything that was read, but is no mesh to compute on.
+BAD_MESH = (
+    "out of range", "vertex index 0", "not finite", "names vertex", "in no triangle",
+    "zero area", "a polygon", "has only 2",
+)  # fmt: skip
+
+
+def exit_code(message):
+    if "has no fixed vertex" in message:
+        return 5
+    return 4 if any(part in message for part in BAD_MESH) else 3
+
+
 def bad_runs():
     """(group, case) -> (file, its content, arguments, exit code, part of the message)."""
     runs = {}
     for case, (name, content, message) in BAD_MESHES.items():
         arguments = ["solve", name, *ONE_FIX, "-o", "field.csv"]
-        runs["mesh", case] = (name, content, arguments, 1, message)
+        runs["mesh", case] = (name, content, arguments, exit_code(message), message)
     for fix, message in BAD_FOR_THE_MESH.items():
         arguments = ["solve", "a.obj", "--fix", fix, "-o", "field.csv"]
         text = f"a.obj: --fix {fix.split('=')[0]}: {message}"
-        runs["condition", fix] = ("a.obj", SQUARE, arguments, 1, text)
+        runs["condition", fix] = ("a.obj", SQUARE, arguments, 2, text)
     for case, (arguments, message) in BAD_USAGE.items():
         runs["usage", case] = ("a.obj", SQUARE, arguments, 2, message)
     return runs
@@ -161,4 +195,4 @@ def test_is_refused_by_name_of_what_is_wrong(outcomes, run):
 
 
 def test_quiet_still_shows_errors(qelm):
-    assert "no such file" in qelm.fails(1, "solve", "none.obj", *ONE_FIX, "-q")
+    assert "no such file" in qelm.fails(3, "solve", "none.obj", *ONE_FIX, "-q")

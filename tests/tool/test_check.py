@@ -38,13 +38,13 @@ def test_a_good_mesh_has_no_defect(qelm):
 def test_conditions_are_looked_at_when_given(qelm):
     two = shapes.obj(shapes.joined(shapes.SQUARE, shapes.moved(shapes.SQUARE, (5, 0, 0))))
     assert "        2 connected parts" in check(qelm, two, code=0).stdout.splitlines()
-    done = check(qelm, two, "--fix", "vertex:0=1", code=1)
+    done = check(qelm, two, "--fix", "vertex:0=1", code=5)
     assert "        1 connected part has no fixed vertex: vertex 4 (5, 0, 0)\n" in done.stdout
     assert "fix a vertex in every part" in done.stdout
     assert "        1 fixed vertex\n" in done.stdout
     done = check(qelm, two, "--fix", "vertex:0,4=1", code=0)
     assert done.stdout.endswith("Verdict: every solve on it with these --fix is well posed\n")
-    assert found(check(qelm, two, "--fix", "vertex:0=1", "--json", code=1)) == {"untaggedPart": (1, 4)}
+    assert found(check(qelm, two, "--fix", "vertex:0=1", "--json", code=5)) == {"untaggedPart": (1, 4)}
 
 
 def test_each_defect_is_counted_and_named(qelm):
@@ -56,8 +56,8 @@ def test_each_defect_is_counted_and_named(qelm):
         ("v 0 0 0\nv 1e70 0 0\nv 0 1e70 0\nf 1 2 3\n", {"sizeOutOfRange": (1, 0)}),
     ]
     for content, expected in cases:
-        assert found(check(qelm, content, "--json", code=1)) == expected
-    text = check(qelm, cases[1][0], code=1).stdout
+        assert found(check(qelm, content, "--json", code=4)) == expected
+    text = check(qelm, cases[1][0], code=4).stdout
     assert "1 triangle has no area, or too little for its size and place: triangle 1 (0, 1, 3)" in text
     assert "Verdict: cannot be solved on: a triangle has no area, or too little" in text
 
@@ -68,7 +68,7 @@ def test_a_coordinate_that_is_not_finite_in_a_binary_file_is_a_defect(qelm):
         struct.pack("<3d", 1, 1, 0), struct.pack("<3d", 1, math.nan, 0))
     qelm.write("mesh.ply", content)
     done = qelm.run("check", "mesh.ply", "--json")
-    assert done.returncode == 1
+    assert done.returncode == 4
     assert found(done) == {"notFinite": (1, 2)}
 
 
@@ -88,11 +88,11 @@ def test_what_the_library_solves_on_is_for_information(qelm):
 def test_quiet_leaves_the_exit_code(qelm):
     done = check(qelm, shapes.obj(shapes.SQUARE), "-q", code=0)
     assert done.stdout == done.stderr == ""
-    assert check(qelm, "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n", "-q", code=1).stdout == ""
+    assert check(qelm, "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n", "-q", code=4).stdout == ""
 
 
 def test_json_has_the_code_of_the_first_defect(qelm):
-    done = check(qelm, "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n", "--json", code=1)
+    done = check(qelm, "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n", "--json", code=4)
     report = json.loads(done.stdout)
     assert report["code"] == 103
     assert report["information"]["worstTriangle"] == 0
@@ -110,8 +110,8 @@ def test_soups_are_welded_first(qelm):
 
 def test_refusals(qelm):
     qelm.write("mesh.obj", shapes.obj(shapes.SQUARE))
-    assert "none.obj" in qelm.fails(1, "check", "none.obj")
-    assert "there is no vertex 9" in qelm.fails(1, "check", "mesh.obj", "--fix", "vertex:9=1")
+    assert "none.obj" in qelm.fails(3, "check", "none.obj")
+    assert "there is no vertex 9" in qelm.fails(2, "check", "mesh.obj", "--fix", "vertex:9=1")
     assert "mesh is required" in qelm.fails(2, "check")
 
 

@@ -1,197 +1,187 @@
-"""qelm curves: the levels, the four kinds of file, and what is refused."""
+"""qelm curves: which levels, and the same curves in every format."""
 
 import csv
 import json
 import math
-import re
-import xml.etree.ElementTree as ElementTree
 
 import pytest
 
 import shapes
 
 LEFT_RIGHT = ["--fix", "box:0,0,0,0,9,0=0", "--fix", "box:4,0,0,4,9,0=1"]
-SVG = "{http://www.w3.org/2000/svg}"
+RINGS = ["--fix", "loop:0=0", "--fix", "loop:1=1"]
 
 
 @pytest.fixture
 def grid(qelm):
+    """Its field is x / 4."""
     return qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
 
 
-def curves_of(qelm, *arguments):
-    qelm.ok("curves", *arguments, "-o", "out.json")
-    return json.loads((qelm.folder / "out.json").read_text())
+@pytest.fixture
+def ring(qelm):
+    return qelm.write("ring.obj", shapes.obj(shapes.annulus(1, 2)))
 
 
-def test_levels_divide_the_range_evenly_without_its_ends(qelm, grid):
-    result = curves_of(qelm, grid, *LEFT_RIGHT, "--levels", "3")
-    assert result["levels"] == [0.25, 0.5, 0.75]
-    assert [c["level"] for c in result["curves"]] == [0, 1, 2]
+def read_obj(path):
+    """(group, points, closed) of every polyline."""
+    curves, points, group = [], [], None
+    for line in path.read_text().splitlines():
+        kind, *rest = line.split()
+        if kind == "g":
+            group = rest[0]
+        elif kind == "v":
+            points.append(tuple(map(float, rest)))
+        elif kind == "l":
+            at = [int(word) - 1 for word in rest]
+            closed = at[0] == at[-1]
+            curves.append((group, [points[i] for i in (at[:-1] if closed else at)], closed))
+    return curves
 
 
-def test_points_lie_where_the_field_has_the_level(qelm, grid):
-    result = curves_of(qelm, grid, *LEFT_RIGHT, "--at", "0.1, 0.625")
-    assert result["levels"] == [0.1, 0.625]
-    for curve in result["curves"]:
-        assert curve["value"] == result["levels"][curve["level"]]
-        assert not curve["closed"]
-        assert [p[0] for p in curve["points"]] == pytest.approx([4 * curve["value"]] * len(curve["points"]))
-        assert sorted(p[1] for p in curve["points"])[0::len(curve["points"]) - 1] == [0, 3]
+def read_csv(path):
+    with open(path, newline="") as file:
+        rows = list(csv.reader(file))
+    assert rows[0] == ["curve", "level", "value", "closed", "x", "y", "z"]
+    curves = {}
+    for curve, level, value, closed, *point in rows[1:]:
+        key = int(curve), int(level), float(value), closed == "1"
+        curves.setdefault(key, []).append(tuple(map(float, point)))
+    levels = sorted({(level, value) for _, level, value, _ in curves})
+    assert [level for level, _ in levels] == list(range(len(levels)))
+    return [(value, points, closed) for (_, _, value, closed), points in curves.items()]
 
 
-def test_curves_round_a_hole_are_closed(qelm):
-    qelm.write("ring.obj", shapes.obj(shapes.annulus(1, 2)))
-    fix = ["--fix", "loop:0=0", "--fix", "loop:1=1"]
-    result = curves_of(qelm, "ring.obj", *fix, "--levels", "2")
-    assert [c["closed"] for c in result["curves"]] == [True, True]
-    assert all(len(c["points"]) == 24 for c in result["curves"])
-    for format in ("obj", "csv", "svg"):
-        qelm.ok("curves", "ring.obj", *fix, "--levels", "2", "-o", f"out.{format}")
-    lines = [line for line in (qelm.folder / "out.obj").read_text().splitlines() if line[0] == "l"]
-    assert [line.split()[1] for line in lines] == [line.split()[-1] for line in lines] == ["1", "25"]
-    assert (qelm.folder / "out.svg").read_text().count('Z"') == 2
+def read_json(path):
+    found = json.loads(path.read_text())
+    for c in found["curves"]:
+        assert c["value"] == found["levels"][c["level"]]
+    return found, [(c["value"], [tuple(p) for p in c["points"]], c["closed"]) for c in found["curves"]]
 
 
-def test_every_format_holds_the_same_curves(qelm, grid):
-    arguments = [grid, *LEFT_RIGHT, "--at", "0.7,0.3"]
-    expected = curves_of(qelm, *arguments)["curves"]
-    qelm.ok("curves", *arguments, "-o", "out.csv")
-    with open(qelm.folder / "out.csv", newline="") as file:
-        rows = list(csv.DictReader(file))
-    qelm.ok("curves", *arguments, "-o", "out.obj")
-    points, lines, groups = [], [], []
-    for line in (qelm.folder / "out.obj").read_text().splitlines():
-        words = line.split()
-        if words[0] == "v":
-            points.append([float(w) for w in words[1:]])
-        elif words[0] == "l":
-            lines.append([points[int(w) - 1] for w in words[1:]])
-        elif words[0] == "g":
-            groups.append(words[1])
-    assert groups == ["level_0", "level_1"]
-    assert lines == [c["points"] for c in expected]
-    for k, curve in enumerate(expected):
-        mine = [r for r in rows if int(r["curve"]) == k]
-        assert [[float(r[a]) for a in "xyz"] for r in mine] == curve["points"]
-        assert {(int(r["level"]), float(r["value"]), r["closed"]) for r in mine} == {
-            (curve["level"], curve["value"], "0")
-        }
+def test_every_format_holds_the_same_curves_to_the_last_bit(qelm, ring):
+    qelm.ok("curves", ring, *RINGS, "--levels", "4", "-o", "c.obj", "-o", "c.json", "-o", "c.csv")
+    found, curves = read_json(qelm.folder / "c.json")
+    assert found["mesh"] == "ring.obj"
+    assert len(curves) == 4 and all(closed for _, _, closed in curves)
+    assert [level for level, _, _ in curves] == found["levels"] == [0.2, 0.4, 0.6, 0.8]
+    assert read_csv(qelm.folder / "c.csv") == curves
+    obj = read_obj(qelm.folder / "c.obj")
+    assert obj == [(f"level_{level!r}", points, closed) for level, points, closed in curves]
 
 
-def paths(qelm, *arguments):
-    """The drawing's curves as lists of points, and its legend's texts."""
-    qelm.ok("curves", *arguments, "-o", "out.svg")
-    root = ElementTree.parse(qelm.folder / "out.svg").getroot()
-    size = [float(w) for w in root.get("viewBox").split()[2:]]
-    found = []
-    for path in root.iter(SVG + "path"):
-        if path.get("data-level"):
-            numbers = [float(w) for w in re.findall(r"-?[\d.]+", path.get("d"))]
-            found.append(list(zip(numbers[0::2], numbers[1::2])))
-    texts = [t.text for t in root.iter(SVG + "text")]
-    assert all(0 <= x <= size[0] and 0 <= y <= size[1] for p in found for x, y in p)
-    return found, texts
+def test_curves_lie_where_the_field_has_their_level(qelm, grid):
+    qelm.ok("curves", grid, *LEFT_RIGHT, "--at", "0.375,0.125", "-o", "c.json")
+    _, curves = read_json(qelm.folder / "c.json")
+    assert [(level, closed) for level, _, closed in curves] == [(0.125, False), (0.375, False)]
+    for level, points, _ in curves:
+        assert [p[0] for p in points] == pytest.approx([4 * level] * len(points), abs=1e-13)
+        assert sorted([points[0][1], points[-1][1]]) == pytest.approx([0, 3])
+        # Higher values at the left: from above, with x growing, curves go down.
+        assert points[0][1] > points[-1][1]
 
 
-def test_a_drawing_shows_the_curves_and_a_legend_from_high_to_low(qelm, grid):
-    found, texts = paths(qelm, grid, *LEFT_RIGHT, "--levels", "3")
-    assert texts == ["0.75", "0.5", "0.25"]
-    # Looked at from above: x to the right, y upwards, 4 units on 900 pixels.
-    for curve, level in zip(found, (0.25, 0.5, 0.75)):
-        assert [x for x, _ in curve] == pytest.approx([40 + 900 * level] * len(curve), abs=0.01)
-        assert sorted(y for _, y in curve)[0] == pytest.approx(40, abs=0.01)
+LEVELS = {
+    "even": (["--levels", "3"], [0.25, 0.5, 0.75]),
+    "one": (["--levels", "1"], [0.5]),
+    "list": (["--at", " .5,0.25,5e-1"], [0.25, 0.5]),
+    "step": (["--every", "0.25"], [0.25, 0.5, 0.75]),
+    "step_that_does_not_end_at_the_top": (["--every", "0.4"], [0.4, 0.8]),
+}
 
 
-def test_a_drawing_can_be_seen_from_another_side(qelm):
-    upright = [(x, 0, y) for x, y, _ in shapes.grid(4, 3)[0]], shapes.grid(4, 3)[1]
-    qelm.write("wall.obj", shapes.obj(upright))
-    fix = ["--fix", "box:0,0,0,0,0,9=0", "--fix", "box:4,0,0,4,0,9=1", "--at", "0.25"]
-    from_front = paths(qelm, "wall.obj", *fix, "--view=-y")[0]
-    from_behind = paths(qelm, "wall.obj", *fix, "--view", "y")[0]
-    assert [x for x, _ in from_front[0]] == pytest.approx([40 + 225] * len(from_front[0]), abs=0.01)
-    assert [x for x, _ in from_behind[0]] == pytest.approx([40 + 675] * len(from_front[0]), abs=0.01)
-    # The wall's triangles are counter-clockwise when seen from the front.
-    assert paths(qelm, "wall.obj", *fix)[0] == from_front
+@pytest.mark.parametrize("case", LEVELS)
+def test_levels_are_chosen_as_documented(qelm, grid, case):
+    arguments, expected = LEVELS[case]
+    summary = qelm.json("curves", grid, *LEFT_RIGHT, *arguments, "-o", "c.csv")
+    assert (summary["levels"], summary["curves"]) == (expected, len(expected))
+    assert summary["closedCurves"] == 0
+    assert summary["points"] == len((qelm.folder / "c.csv").read_text().splitlines()) - 1
 
 
-def test_many_levels_have_a_legend_of_some(qelm, grid):
-    found, texts = paths(qelm, grid, *LEFT_RIGHT, "--levels", "99")
-    assert len(found) == 99
-    assert len(texts) == 14
-    assert texts[0] == "0.99" and texts[-1] == "0.01"
+def test_even_levels_between_round_values_are_round(qelm, grid):
+    fix = ["--fix", "box:0,0,0,0,9,0=-20", "--fix", "box:4,0,0,4,9,0=30"]
+    summary = qelm.json("curves", grid, *fix, "--levels", "9", "-o", "c.csv")
+    assert summary["levels"] == [-15, -10, -5, 0, 5, 10, 15, 20, 25]
 
 
-def test_says_what_was_cut(qelm, grid):
-    done = qelm.ok("curves", grid, *LEFT_RIGHT, "--levels", "3", "-o", "out.csv")
+def test_steps_count_from_zero(qelm, grid):
+    fix = ["--fix", "box:0,0,0,0,9,0=-0.75", "--fix", "box:4,0,0,4,9,0=1"]
+    qelm.ok("curves", grid, *fix, "--every", "0.5", "-o", "c.obj")
+    groups = [group for group, _, _ in read_obj(qelm.folder / "c.obj")]
+    assert groups == ["level_-0.5", "level_0", "level_0.5"]
+
+
+def test_a_level_outside_is_noted_and_has_no_curve(qelm, grid):
+    done = qelm.ok("curves", grid, *LEFT_RIGHT, "--at", "0.5,1.5", "-o", "c.csv")
+    assert "note: the level 1.5 is outside of the field, 0 to 1: no curve" in done.stderr
+    assert [level for level, _, _ in read_csv(qelm.folder / "c.csv")] == [0.5]
+
+
+def test_the_summary_is_for_people(qelm, ring):
+    done = qelm.ok("curves", ring, *RINGS, "--levels", "4", "-o", "c.csv")
     assert done.stdout == ""
-    assert re.match(r"curves   3 at 3 levels, 0 of them closed; \d+ points\n", done.stderr)
-    assert done.stderr.endswith("result   out.csv\n")
-    summary = qelm.json("curves", grid, *LEFT_RIGHT, "--levels", "3", "-o", "out.csv")
-    assert summary["levels"] == [0.25, 0.5, 0.75]
-    assert (summary["curves"], summary["closedCurves"]) == (3, 0)
-    rows = (qelm.folder / "out.csv").read_text().splitlines()
-    assert summary["points"] == len(rows) - 1
+    points = len((qelm.folder / "c.csv").read_text().splitlines()) - 1
+    line = f"curves   4 (4 closed, 0 open) with {points} points, at 4 levels, 0.2 to 0.8"
+    assert line in done.stderr.splitlines()
+    assert "result   c.csv" in done.stderr
 
 
-def test_levels_outside_the_field_are_noted_and_have_no_curve(qelm, grid):
-    done = qelm.ok("curves", grid, *LEFT_RIGHT, "--at", "0.5,2,-1,0", "-o", "out.json")
-    result = json.loads((qelm.folder / "out.json").read_text())
-    assert [c["level"] for c in result["curves"]] == [0]
-    for level in ("2", "-1", "0"):
-        assert f"no curves at {level}: the field goes from 0 to 1" in done.stderr
+def test_curves_go_to_the_standard_output_as_csv(qelm, ring):
+    done = qelm.ok("curves", ring, *RINGS, "--levels", "1", "-o", "-", "-q")
+    qelm.ok("curves", ring, *RINGS, "--levels", "1", "-o", "c.csv")
+    assert done.stderr == ""
+    assert done.stdout == (qelm.folder / "c.csv").read_text()
+
+
+def test_a_format_may_be_named(qelm, ring):
+    arguments = ["curves", ring, *RINGS, "--levels", "1"]
+    done = qelm.ok(*arguments, "-o", "-", "--format", "json", "-q")
+    qelm.ok(*arguments, "-o", "curves.txt", "--format", "json")
+    assert done.stdout == (qelm.folder / "curves.txt").read_text()
+    assert json.loads(done.stdout)["levels"] == [0.5]
 
 
 def test_no_curve_at_all_is_still_a_good_file(qelm, grid):
-    result = curves_of(qelm, grid, *LEFT_RIGHT, "--at", "7")
-    assert result == {"levels": [7], "curves": []}
-    found, texts = paths(qelm, grid, *LEFT_RIGHT, "--at", "7")
-    assert (found, texts) == ([], ["7"])
+    qelm.ok("curves", grid, *LEFT_RIGHT, "--at", "7", "-o", "c.json", "-o", "c.svg", "-o", "c.obj")
+    assert read_json(qelm.folder / "c.json") == ({"mesh": "grid.obj", "levels": [7], "curves": []}, [])
+    assert read_obj(qelm.folder / "c.obj") == []
 
 
-def test_the_standard_output_takes_any_format_by_name(qelm, grid):
-    done = qelm.ok("curves", grid, *LEFT_RIGHT, "--levels", "1", "-o", "-", "--format", "csv", "-q")
-    assert done.stdout.splitlines()[0] == "curve,level,value,closed,x,y,z"
-    qelm.ok("curves", grid, *LEFT_RIGHT, "--levels", "1", "-o", "data.txt", "--format", "json")
-    assert json.loads((qelm.folder / "data.txt").read_text())["levels"] == [0.5]
+def test_lengths_tend_to_those_of_circles(qelm):
+    # Between circles the field is log r: the curve at the middle is the geometric mean's.
+    qelm.write("ring.obj", shapes.obj(shapes.annulus(1, 1.2, 400)))
+    qelm.ok("curves", "ring.obj", *RINGS, "--levels", "1", "-o", "c.json")
+    _, ((_, points, closed),) = read_json(qelm.folder / "c.json")
+    assert closed
+    total = sum(math.dist(p, q) for p, q in zip(points, points[1:] + points[:1]))
+    assert total == pytest.approx(2 * math.pi * 1.2**0.5, rel=5e-3)
 
 
 def test_refusals(qelm, grid):
-    out = ["-o", "out.csv"]
-    one = ["--levels", "1"]
+    level = ["--levels", "3"]
+    out = ["-o", "c.obj"]
     cases = [
-        (2, [*LEFT_RIGHT, *out], "give either --levels N or --at"),
-        (2, [*LEFT_RIGHT, *out, *one, "--at", "1"], "give either --levels N or --at"),
-        (2, [*LEFT_RIGHT, *out, "--levels", "0"], "--levels 0: a whole number from 1"),
-        (2, [*LEFT_RIGHT, *out, "--levels", "2.5"], "--levels 2.5: a whole number from 1"),
-        (2, [*LEFT_RIGHT, *out, "--levels", "100001"], "a whole number from 1 to 100000"),
-        (2, [*LEFT_RIGHT, *out, "--at", "1,x"], "--at 1,x: 'x' is not a number"),
-        (2, [*LEFT_RIGHT, *out, "--at", "inf"], "--at inf: 'inf' is not a number"),
-        (2, [*LEFT_RIGHT, *one, "-o", "out.dxf"], "-o out.dxf: name a file that ends in .obj"),
-        (2, [*LEFT_RIGHT, *one, "-o", "-"], "-o - needs --format obj, json, svg or csv"),
-        (2, [*LEFT_RIGHT, *one, "-o", "x.obj", "--format", "dxf"], "or give --format"),
-        (2, [*LEFT_RIGHT, *one, "-o", "grid.obj"], "-o would overwrite the mesh grid.obj"),
-        (2, [*LEFT_RIGHT, *one, *out, "--view", "w"], "--view w: write x, y, z, -x, -y, -z or plane"),
-        (2, [*one, *out], "no vertex is fixed"),
-        (1, ["--fix", "loop:0=2", *one, *out], "grid.obj: the field is 2 everywhere"),
-        (1, [*LEFT_RIGHT, *one, "-o", "nowhere/out.csv"], "nowhere/out.csv: cannot be written"),
+        (2, [*LEFT_RIGHT, *out], "no levels; give --levels N, --at V,V,... or --every STEP"),
+        (2, [*LEFT_RIGHT, *level, "--at", "1", *out], "give only one of --levels, --at and --every"),
+        (2, [*LEFT_RIGHT, "--levels", "0", *out], "--levels 0: a whole number from 1 to 10000"),
+        (2, [*LEFT_RIGHT, "--levels", "99999999999", *out], "a whole number from 1 to 10000"),
+        (2, [*LEFT_RIGHT, "--at", "1,two", *out], "--at 1,two: 'two' is not a number"),
+        (2, [*LEFT_RIGHT, "--at", "1,,2", *out], "'' is not a number"),
+        (2, [*LEFT_RIGHT, "--every", "-1", *out], "--every -1: a step larger than 0"),
+        (2, [*LEFT_RIGHT, "--every", "1e-300", *out], "more than 10000 levels between 0 and 1"),
+        (2, [*LEFT_RIGHT, "--every", "7", *out], "no multiple of it lies between 0 and 1; use a"),
+        (2, [*LEFT_RIGHT, *level], "--output is required"),
+        (2, [*LEFT_RIGHT, *level, "-o", "c.step"], "a name that ends in .obj, .json, .svg or .csv"),
+        (2, [*LEFT_RIGHT, *level, *out, "--format", "dxf"], "or --format obj and so on"),
+        (2, [*LEFT_RIGHT, *level, *out, *out], "-o c.obj: given twice"),
+        (2, [*LEFT_RIGHT, *level, "-o", "grid.obj"], "-o would overwrite the mesh grid.obj"),
+        (2, [*LEFT_RIGHT, *level, "--json", "-o", "-"], "not both"),
+        (2, [*LEFT_RIGHT, *level, *out, "--view", "top"], "--view top: give best, x, y, z, -x"),
+        (2, [*LEFT_RIGHT, *level, *out, "--view", "0,0,0"], "--view 0,0,0: give best"),
+        (2, ["--fix", "loop:0=2", *level, *out], "grid.obj: the field is 2 everywhere, so there"),
+        (2, [*level, *out], "no vertex is fixed"),
+        (1, [*LEFT_RIGHT, *level, "-o", "nowhere/c.obj"], "nowhere/c.obj: cannot be written"),
     ]
     for code, arguments, message in cases:
-        assert message in qelm.fails(code, "curves", "grid.obj", *arguments), arguments
-
-
-def test_help_has_examples_that_run(qelm):
-    examples = re.findall(r"^  qelm (curves .*)$", qelm.ok("curves", "--help").stdout, re.MULTILINE)
-    assert len(examples) == 3
-    qelm.write("roof.obj", shapes.obj(shapes.annulus(1, 2)))
-    qelm.write("part.stl", shapes.stl_text(shapes.grid(4, 3)))
-    for example in examples:
-        qelm.ok(*example.split())
-    assert {"curves.obj", "curves.svg"} <= set(qelm.files())
-
-
-def test_curves_of_a_ring_are_circles_as_exact_as_the_mesh(qelm):
-    qelm.write("ring.obj", shapes.obj(shapes.annulus(1, 2, segments=96)))
-    result = curves_of(qelm, "ring.obj", "--fix", "loop:0=0", "--fix", "loop:1=1", "--at", "0.5")
-    radii = [math.hypot(x, y) for x, y, _ in result["curves"][0]["points"]]
-    assert radii == pytest.approx([1.5] * len(radii), abs=1e-3)
+        assert message in qelm.fails(code, "curves", grid, *arguments)

@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import struct
 import subprocess
 
 import pytest
@@ -46,6 +47,27 @@ def test_every_point_carries_its_own_value(qelm):
     place = {p: i for i, p in enumerate(mesh[0])}
     assert [tuple(place[points[v]] for v in face) for face in faces] == mesh[1]
     assert "result   heat.obj, heat.mtl, viridis.PNG" in done.stderr
+
+
+def test_ply_holds_the_value_and_colour_of_every_vertex_in_the_meshs_order(qelm):
+    mesh = shapes.grid(4, 3)
+    qelm.write("grid.obj", shapes.obj(mesh))
+    done = qelm.ok("heatmap", "grid.obj", *LEFT_RIGHT, "-o", "heat.ply")
+    assert qelm.files() == ["grid.obj", "heat.ply"]
+    assert "result   heat.ply" in done.stderr
+    head, body = (qelm.folder / "heat.ply").read_bytes().split(b"end_header\n")
+    assert b"property uchar red\nproperty uchar green\nproperty uchar blue\nproperty double value\n" in head
+    size = struct.calcsize("<3d3Bd")
+    for k, point in enumerate(mesh[0]):
+        x, y, z, red, green, blue, value = struct.unpack_from("<3d3Bd", body, k * size)
+        assert (x, y, z) == point
+        assert value == pytest.approx(x / 4, abs=1e-14)
+        expected = {0: DARK_BLUE, 2: MIDDLE, 4: YELLOW}.get(point[0])
+        assert expected is None or (red, green, blue) == pytest.approx(expected, abs=1)
+    faces = struct.iter_unpack("<B3i", body[len(mesh[0]) * size :])
+    assert [face[1:] for face in faces] == mesh[1]
+    # And the tool reads it as a mesh again.
+    qelm.ok("solve", "heat.ply", *LEFT_RIGHT)
 
 
 def test_the_material_names_the_image_exactly(qelm):
@@ -121,7 +143,7 @@ def test_existing_files_are_replaced_only_by_success(qelm):
     qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
     for name in ("heat.obj", "heat.mtl", "viridis.PNG"):
         qelm.write(name, "old")
-    qelm.fails(1, "heatmap", "grid.obj", "--fix", "loop:9=0", "-o", "heat")
+    qelm.fails(2, "heatmap", "grid.obj", "--fix", "loop:9=0", "-o", "heat")
     assert (qelm.folder / "heat.obj").read_text() == "old"
     qelm.ok("heatmap", "grid.obj", *LEFT_RIGHT, "-o", "heat")
     assert len(read_obj(qelm.folder / "heat.obj")[1]) == 20
@@ -133,7 +155,7 @@ def test_refusals(qelm):
     (qelm.folder / "taken.mtl").mkdir()
     same = ["--fix", "loop:0=2"]
     cases = [
-        (1, [*same, "-o", "heat"], "grid.obj: the field is 2 everywhere, so there is no range"),
+        (2, [*same, "-o", "heat"], "grid.obj: the field is 2 everywhere, so there is no range"),
         (1, [*LEFT_RIGHT, "-o", "nowhere/heat"], "nowhere: cannot be written to: No such file"),
         (1, [*LEFT_RIGHT, "-o", "taken"], "taken.mtl: cannot be written: it is a folder"),
         (2, [*LEFT_RIGHT, "-o", "grid"], "-o would overwrite the mesh grid.obj"),

@@ -103,6 +103,6 @@ def test_bad_loads_are_refused_with_their_line(qelm):
     qelm.write("strip.obj", shapes.obj(STRIP))
     for load, message in BAD_LOADS.values():
         qelm.write("load.csv", load)
-        assert message in qelm.fails(1, "solve", "strip.obj", *ENDS, "--load", "load.csv")
-    missing = qelm.fails(1, "solve", "strip.obj", *ENDS, "--load", "none.csv")
+        assert message in qelm.fails(3, "solve", "strip.obj", *ENDS, "--load", "load.csv")
+    missing = qelm.fails(3, "solve", "strip.obj", *ENDS, "--load", "none.csv")
     assert "none.csv: no such file" in missing

@@ -25,7 +25,7 @@ def test_an_existing_file_is_replaced(qelm, square):
 
 def test_a_failed_run_leaves_an_existing_file_as_it_was(qelm, square):
     qelm.write("field.csv", "precious")
-    qelm.fails(1, "solve", square, "--fix", "vertex:9=1", "-o", "field.csv")
+    qelm.fails(2, "solve", square, "--fix", "vertex:9=1", "-o", "field.csv")
     assert (qelm.folder / "field.csv").read_text() == "precious"
 
 

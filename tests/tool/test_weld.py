@@ -109,9 +109,9 @@ def test_refusals(qelm):
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),
         (2, ["m.obj", "-o", "-", "--json"], "not both"),
-        (1, ["m.obj", "-o", "w.obj", "--tolerance", "100"], "m.obj: welding within 100 leaves no triangle"),
-        (1, ["nan.ply", "-o", "w.obj"], "nan.ply: vertex 1 (1, nan, 0): coordinates not finite"),
-        (1, ["none.obj", "-o", "w.obj"], "none.obj: no such file"),
+        (4, ["m.obj", "-o", "w.obj", "--tolerance", "100"], "m.obj: welding within 100 leaves no triangle"),
+        (4, ["nan.ply", "-o", "w.obj"], "nan.ply: vertex 1 (1, nan, 0): coordinates not finite"),
+        (3, ["none.obj", "-o", "w.obj"], "none.obj: no such file"),
         (1, ["m.obj", "-o", "nowhere/w.obj"], "nowhere/w.obj: cannot be written"),
     ]  # fmt: skip
     for code, arguments, message in cases:
@@ -133,14 +133,6 @@ def test_solve_welds_stl_files_by_itself_and_says_so(qelm):
 
 def test_a_soup_in_another_format_is_pointed_to_weld(qelm):
     qelm.write("soup.obj", shapes.obj(soup(GRID)))
-    message = qelm.fails(1, "solve", "soup.obj", "--fix", "vertex:0=1")
+    message = qelm.fails(5, "solve", "soup.obj", "--fix", "vertex:0=1")
     assert "has no fixed vertex (and 22 more)" in message
     assert "or join the parts with 'qelm weld'" in message
-
-
-def test_help_explains_and_its_example_runs(qelm):
-    text = qelm.ok("weld", "--help").stdout
-    assert "a millionth of the diagonal" in text
-    qelm.write("part.stl", shapes.stl_text(GRID))
-    example = re.search(r"^  qelm (weld .*)$", text, re.MULTILINE).group(1)
-    qelm.ok(*example.split())

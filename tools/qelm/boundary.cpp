@@ -137,7 +137,7 @@ class Walker {
   }
 
   BoundaryLoop measured(std::vector<int> vertices, bool closed) const {
-    BoundaryLoop loop{std::move(vertices), 0};
+    BoundaryLoop loop{std::move(vertices), 0, closed};
     const std::size_t n = loop.vertices.size();
     for (std::size_t k = 0; k + (closed ? 0 : 1) < n; ++k)
       loop.length +=

@@ -11,6 +11,7 @@ namespace qelm::tool {
 struct BoundaryLoop {
   std::vector<int> vertices;  ///< in order along the loop, each once
   double length = 0;
+  bool closed = true;  ///< false where it ends at an edge of three or more triangles
 };
 
 /// The boundary loops, longest first; of equally long ones the one with the

@@ -86,8 +86,11 @@ Check checkFile(const CheckOptions& options, const Console& console) {
   for (const std::string& fix : options.fixes) conditions.push_back(parseCondition(fix));
   Check check;
   check.mesh = loadWeldedMesh(options.mesh, console);
-  if (!conditions.empty())
-    check.prescribed = naming(options.mesh, [&] { return prescribe(check.mesh, conditions); });
+  std::vector<FixedVertex> fromFile;
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, check.mesh.vertexCount());
+  if (!conditions.empty() || !fromFile.empty())
+    check.prescribed =
+        naming(options.mesh, [&] { return prescribe(check.mesh, conditions, fromFile); });
   const std::vector<int> tags = tagsOf(check);
   check.code = qelmcheckTagged(check.mesh.vertexCount(), check.mesh.vertices.data(),
                                check.mesh.triangleCount(), check.mesh.triangles.data(), tags.data(),
@@ -180,7 +183,7 @@ Json reportJson(const Check& check, const std::string& name) {
 }  // namespace
 
 int runCheck(const CheckOptions& options, const OutputOptions& output) {
-  const Console console(output.quiet);
+  const Console console(output);
   const Check check = checkFile(options, console);
   if (check.prescribed)
     for (const std::string& note : check.prescribed->notes) console.note(note);
@@ -188,7 +191,8 @@ int runCheck(const CheckOptions& options, const OutputOptions& output) {
     printJson(reportJson(check, options.mesh));
   else if (!output.quiet)
     printData(reportText(check, options.mesh));
-  return check.code == 0 ? kExitOk : kExitBadInput;
+  if (check.code == 0) return kExitOk;
+  return check.code == QELM_CHECK_UNTAGGED_PART ? kExitSingular : kExitBadMesh;
 }
 
 }  // namespace qelm::tool

@@ -2,16 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <initializer_list>
 #include <sstream>
 
 #include "check_command.h"
-#include "conditions.h"
 #include "console.h"
 #include "curves_command.h"
 #include "error.h"
 #include "heatmap_command.h"
-#include "load_csv.h"
+#include "help_texts.h"
+#include "info_command.h"
 #include "output_file.h"
 #include "solve_command.h"
 #include "weld_command.h"
@@ -19,104 +18,32 @@
 namespace qelm::tool {
 namespace {
 
-constexpr const char* kExitHelp =
-    "Messages go to the standard error stream, data to the standard output. Exit code 0\n"
-    "for success, 1 for input that cannot be used or a result that cannot be written,\n"
-    "2 for a wrong command line. NO_COLOR switches colours off.\n";
-
-constexpr const char* kSolveExamples =
-    "Examples:\n"
-    "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
-    "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - | head\n"
-    "  qelm solve hall.obj --fix box:0,0,0,9,9,0=0 --fix loop:1=3 --json -o field.csv\n"
-    "  qelm solve roof.obj --fix loop:0=0,1 --fix loop:1=1,0 -o fields.csv\n";
-
-constexpr const char* kSeveralHelp =
-    "Several fields at once: --fix SELECTOR=VALUE,VALUE,... gives one value for each field,\n"
-    "a single VALUE is for all. They are solved together, in much less time than one after\n"
-    "another, and written to columns value1, value2 and so on.\n";
-
-constexpr const char* kHeatmapExamples =
-    "Example:\n"
-    "  qelm heatmap roof.obj --fix loop:0=0 --fix loop:1=1 -o heat\n";
-
-constexpr const char* kHeatmapHelp =
-    "Writes PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
-    "yellow, the smallest dark blue. A file of those names is replaced. Vertices come in\n"
-    "the library's order (fixed ones first), not in the mesh's.\n";
-
-constexpr const char* kCurvesHelp =
-    "Cuts the field at --levels N levels that divide its range evenly, the ends left out,\n"
-    "or at the values of --at. Curves are closed or end at the mesh's boundary; higher\n"
-    "values lie at their left. The extension of OUT chooses the format, or --format:\n"
-    "  .obj    polylines, a group for each level\n"
-    "  .json   levels, and for each curve its level, value, points, and whether it is closed\n"
-    "  .csv    a line for each point: curve,level,value,closed,x,y,z\n"
-    "  .svg    a drawing with a legend, seen along an axis (--view x, y, z, -x, -y, -z) or at\n"
-    "          right angles to the plane that fits best (--view plane, unless given)\n"
-    "Coordinates keep every digit, but for the drawing.\n";
-
-constexpr const char* kCurvesExamples =
-    "Examples:\n"
-    "  qelm curves roof.obj --fix loop:0=0 --fix loop:1=1 --levels 12 -o curves.obj\n"
-    "  qelm curves roof.obj --fix loop:0=0 --fix loop:1=1 --at 0.25,0.5,0.75 -o curves.svg\n"
-    "  qelm curves part.stl --fix vertex:0=20 --fix near:9,9,9=80 --levels 5 -o - --format csv\n";
-
-constexpr const char* kCheckHelp =
-    "Looks for what would keep the mesh from being solved on, and prints a report on the\n"
-    "standard output; -q leaves only the exit code: 0 when there is no defect, else 1. With\n"
-    "--fix, conditions are looked at as well: every connected part needs a fixed vertex.\n";
-
-constexpr const char* kCheckExamples =
-    "Examples:\n"
-    "  qelm check roof.obj\n"
-    "  qelm check roof.obj --fix loop:0=0 --json\n";
-
-constexpr const char* kWeldHelp =
-    "Vertices closer together than the tolerance become one, at the place of the one that\n"
-    "comes first; chains of close vertices merge as a whole. Triangles that collapse or\n"
-    "repeat an earlier one are dropped, then vertices that no triangle uses. Every corner\n"
-    "of an STL facet counts as a vertex. --tolerance 0 merges nothing.\n"
-    "The extension of OUT chooses the format: .obj and .ply keep every double, .stl is\n"
-    "rounded to single precision.\n";
-
-constexpr const char* kWeldExamples =
-    "Example:\n"
-    "  qelm weld part.stl -o part.obj --tolerance 1e-4\n";
-
-constexpr const char* kSoupHelp =
-    "STL files are welded before anything else, within a millionth of the mesh's diagonal;\n"
-    "a note says so, and vertex numbers are those after welding.\n";
-
 void addOutputOptions(CLI::App& command, OutputOptions& output) {
-  command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  CLI::Option* const quiet = command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  command.add_flag("-v,--verbose", output.verbose, "Say more: every step and its time")
+      ->excludes(quiet);
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
 void addMesh(CLI::App& command, std::string& mesh) {
-  command.add_option("mesh", mesh, "Mesh file: .obj, .stl (text or binary) or .ply")
+  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl, text or binary")
       ->type_name("MESH")
       ->required();
 }
 
-void addFixes(CLI::App& command, std::vector<std::string>& fixes) {
+void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& fixFile) {
   command.add_option("--fix", fixes, "Hold vertices at a value; may be given often")
-      ->type_name("SELECTOR=VALUE")
+      ->type_name("SELECTOR=VALUE[:TAG]")
       ->allow_extra_args(false);
+  command.add_option("--fix-file", fixFile, "Hold the vertices that a file names")
+      ->type_name("FILE.csv");
 }
 
 void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addMesh(command, field.mesh);
-  addFixes(command, field.fixes);
+  addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
-}
-
-/// The sections of a command's help, with an empty line between each two.
-std::string sections(std::initializer_list<const char*> texts) {
-  std::string all;
-  for (const char* text : texts) all += (all.empty() ? "" : "\n") + std::string(text);
-  return all;
 }
 
 class CommandLine {
@@ -129,11 +56,12 @@ class CommandLine {
                           "Print the version and exit");
     app_.set_help_flag("-h,--help", "Print this help and exit");
     app_.require_subcommand(1);
-    app_.footer(kExitHelp);
-    addSolve();
+    app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
+    addInfo();
     addCheck();
-    addCurves();
+    addSolve();
     addHeatmap();
+    addCurves();
     addWeld();
   }
 
@@ -149,6 +77,15 @@ class CommandLine {
   }
 
  private:
+  void addInfo() {
+    CLI::App& command =
+        *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
+    addMesh(command, info_.mesh);
+    addOutputOptions(command, output_);
+    command.footer(sections({kInfoExamples, kInfoHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] { runInfo(info_, output_); });
+  }
+
   void addSolve() {
     CLI::App& command = *app_.add_subcommand(
         "solve", "Compute the smooth field between fixed values on a triangle mesh");
@@ -156,11 +93,11 @@ class CommandLine {
     solve_.field.several = true;
     command
         .add_option("-o,--output", solve_.output,
-                    "Write the field as CSV: vertex,x,y,z,value; - is the standard output")
+                    "Write the field as CSV; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(
-        sections({kConditionHelp, kSeveralHelp, kLoadHelp, kSoupHelp, kSolveExamples, kExitHelp}));
+    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
@@ -171,49 +108,56 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("check", "Say what is wrong with a mesh, and what it is like");
     addMesh(command, check_.mesh);
-    addFixes(command, check_.fixes);
+    addFixes(command, check_.fixes, check_.fixFile);
     addOutputOptions(command, output_);
-    command.footer(sections({kCheckHelp, kConditionHelp, kSoupHelp, kCheckExamples, kExitHelp}));
+    command.footer(sections({kCheckExamples, kCheckHelp, kConditionHelp, kFixFileHelp, kSoupHelp,
+                             kStreamsHelp, kExitHelp}));
     command.callback([this] { outcome_ = runCheck(check_, output_); });
-  }
-
-  void addCurves() {
-    CLI::App& command =
-        *app_.add_subcommand("curves", "Cut the field into level curves, joined into polylines");
-    addFieldOptions(command, curves_.field);
-    command.add_option("--levels", curves_.levels, "How many levels, spread evenly")
-        ->type_name("N");
-    command.add_option("--at", curves_.at, "Or the levels themselves")->type_name("VALUE,...");
-    command.add_option("--view", curves_.view, "Where a drawing is seen from")
-        ->type_name("DIRECTION");
-    command.add_option("--format", curves_.format, "obj, json, svg or csv, whatever OUT is called")
-        ->type_name("NAME");
-    command
-        .add_option("-o,--output", curves_.output, "Where the curves go; - is the standard output")
-        ->type_name("OUT")
-        ->required();
-    addOutputOptions(command, output_);
-    command.footer(
-        sections({kCurvesHelp, kConditionHelp, kLoadHelp, kSoupHelp, kCurvesExamples, kExitHelp}));
-    command.callback([this] {
-      requireFixes(curves_.field);
-      runCurves(curves_, output_);
-    });
   }
 
   void addHeatmap() {
     CLI::App& command =
         *app_.add_subcommand("heatmap", "Write a mesh with its field as a heat map for any viewer");
     addFieldOptions(command, heatmap_.field);
-    command.add_option("-o,--output", heatmap_.output, "Where the files go, without extension")
+    command
+        .add_option("-o,--output", heatmap_.output,
+                    "Where the files go, without extension, or OUT.ply")
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(sections(
-        {kHeatmapHelp, kConditionHelp, kLoadHelp, kSoupHelp, kHeatmapExamples, kExitHelp}));
+    command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
+    });
+  }
+
+  void addCurves() {
+    CLI::App& command =
+        *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
+    addFieldOptions(command, curves_.field);
+    command.add_option("--levels", curves_.levels.count, "Cut at N levels, evenly spaced")
+        ->type_name("N");
+    command.add_option("--at", curves_.levels.at, "Cut at these levels")->type_name("V,V,...");
+    command.add_option("--every", curves_.levels.every, "Cut at all multiples of a step")
+        ->type_name("STEP");
+    command
+        .add_option("-o,--output", curves_.outputs,
+                    "Where the curves go: .obj, .json, .svg, .csv, or -")
+        ->type_name("OUT")
+        ->allow_extra_args(false)
+        ->required();
+    command.add_option("--format", curves_.format, "Whatever OUT is called")
+        ->type_name("obj|json|svg|csv");
+    command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
+        ->type_name("DIRECTION");
+    addOutputOptions(command, output_);
+    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
+                             kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(curves_.field);
+      runCurves(curves_, output_);
     });
   }
 
@@ -225,12 +169,10 @@ class CommandLine {
         .add_option("-o,--output", weld_.output, "Where the mesh goes; - is the standard output")
         ->type_name("OUT")
         ->required();
-    command
-        .add_option("--tolerance", weld_.tolerance,
-                    "Merge vertices closer than this; a millionth of the diagonal unless given")
+    command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
-    command.footer(sections({kWeldHelp, kWeldExamples, kExitHelp}));
+    command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] { runWeld(weld_, output_); });
   }
 
@@ -247,7 +189,7 @@ class CommandLine {
   }
 
   static void requireFixes(const FieldOptions& field) {
-    if (field.fixes.empty())
+    if (field.fixes.empty() && field.fixFile.empty())
       throw UsageError(
           "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
   }
@@ -267,10 +209,11 @@ class CommandLine {
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
   int outcome_ = kExitOk;
   OutputOptions output_;
-  SolveOptions solve_;
   CheckOptions check_;
-  CurvesOptions curves_;
+  InfoOptions info_;
+  SolveOptions solve_;
   HeatmapOptions heatmap_;
+  CurvesOptions curves_;
   WeldOptions weld_;
 };
 

@@ -12,18 +12,6 @@
 
 namespace qelm::tool {
 
-const char* const kConditionHelp =
-    "Boundary conditions: --fix SELECTOR=VALUE holds the selected vertices at VALUE.\n"
-    "A SELECTOR is one of\n"
-    "  vertex:I[,I...]         vertices by number\n"
-    "  loop:K                  the K-th boundary loop, the longest is loop:0\n"
-    "  near:X,Y,Z              the vertex nearest to a point\n"
-    "  box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
-    "Vertices, triangles, faces and loops are numbered from 0 (files in which the\n"
-    "first vertex is 1, such as OBJ, too). Where several --fix select the same\n"
-    "vertex, the last one holds, and a note says so. SELECTOR=VALUE:TAG hands the tag\n"
-    "1, 2 or 3 to the library, which keeps it (1 unless given).\n";
-
 namespace {
 
 [[noreturn]] void fail(std::string_view text, const std::string& why) {
@@ -31,8 +19,8 @@ namespace {
 }
 
 constexpr const char* kForms =
-    "write vertex:I[,I...]=VALUE, loop:K=VALUE, near:X,Y,Z=VALUE or "
-    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE";
+    "write vertex:I[,I...]=VALUE, loop:K=VALUE, boundary=VALUE, near:X,Y,Z=VALUE or "
+    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE; a tag may follow, as in loop:0=1:2";
 
 double finiteNumber(std::string_view word, std::string_view text) {
   const auto value = parseDouble(trimmed(word));
@@ -73,6 +61,7 @@ Box parseBox(std::string_view list, std::string_view text) {
 }
 
 Selector parseSelector(std::string_view selector, std::string_view text) {
+  if (selector == "boundary") return WholeBoundary{};
   const std::size_t colon = selector.find(':');
   if (colon == std::string_view::npos) fail(text, kForms);
   const std::string_view kind = selector.substr(0, colon);
@@ -93,10 +82,10 @@ std::vector<double> parseValues(std::string_view list, std::string_view text) {
   return values;
 }
 
-int parseTag(std::string_view word, std::string_view text) {
-  const auto tag = parseInteger(trimmed(word));
-  if (!tag || *tag < 1 || *tag > 3) fail(text, fmt::format("the tag '{}' is not 1, 2 or 3", word));
-  return static_cast<int>(*tag);
+int wantedTag(std::string_view word, std::string_view text) {
+  const auto tag = parseTag(trimmed(word));
+  if (!tag) fail(text, fmt::format("the tag '{}' is not 1, 2 or 3", word));
+  return *tag;
 }
 
 }  // namespace
@@ -121,6 +110,12 @@ std::size_t fieldCount(const std::vector<Condition>& conditions) {
   return several == nullptr ? 1 : several->values.size();
 }
 
+std::optional<int> parseTag(std::string_view text) {
+  const auto tag = parseInteger(text);
+  if (!tag || *tag < 1 || *tag > 3) return {};
+  return static_cast<int>(*tag);
+}
+
 Condition parseCondition(const std::string& text) {
   const std::string_view view = text;
   const std::size_t equals = view.rfind('=');
@@ -130,7 +125,7 @@ Condition parseCondition(const std::string& text) {
   const std::size_t colon = rest.find(':');
   Condition condition{std::string(selector), parseSelector(selector, text),
                       parseValues(rest.substr(0, colon), text)};
-  if (colon != std::string_view::npos) condition.tag = parseTag(rest.substr(colon + 1), text);
+  if (colon != std::string_view::npos) condition.tag = wantedTag(rest.substr(colon + 1), text);
   return condition;
 }
 

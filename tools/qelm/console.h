@@ -3,27 +3,57 @@
 #ifndef QELM_TOOLS_CONSOLE_H
 #define QELM_TOOLS_CONSOLE_H
 
+#include <string>
 #include <string_view>
 
 namespace qelm::tool {
 
+/// What every command takes.
+struct OutputOptions {
+  bool quiet = false;
+  bool verbose = false;
+  bool json = false;
+};
+
 class Console {
  public:
   explicit Console(bool quiet = false) : quiet_(quiet) {}
+  explicit Console(const OutputOptions& options)
+      : quiet_(options.quiet), verbose_(options.verbose) {}
 
   /// A line of the summary; not shown with -q.
   void line(std::string_view text) const;
   /// Something that was done without being asked for, or is better known; not
   /// shown with -q.
   void note(std::string_view text) const;
+  /// Shown with -v only.
+  void detail(std::string_view text) const;
   /// Always shown.
   void error(std::string_view text) const;
 
   bool quiet() const { return quiet_; }
+  bool verbose() const { return verbose_; }
 
  private:
-  bool quiet_;
+  bool quiet_ = false;
+  bool verbose_ = false;
 };
+
+/// A line at the end of a terminal that is written over again and again. Whatever
+/// else is printed takes its place.
+class LiveLine {
+ public:
+  static void show(const std::string& text);
+  static void clear();
+};
+
+/// The text without what could steer a terminal: files and their names may hold
+/// anything. Line ends stay.
+std::string printable(std::string_view text);
+
+/// True when there is someone to watch: the standard error stream is a terminal
+/// on which lines can be written over.
+bool hasTerminal();
 
 /// Lets Windows consoles show UTF-8. Does nothing elsewhere.
 void prepareConsole();

@@ -1,177 +1,251 @@
-// The drawing of level curves.
+#include "curve_svg.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <iterator>
-#include <limits>
-#include <utility>
+#include <cstddef>
+#include <vector>
 
-#include "curve_writer.h"
+#include "curve_labels.h"
+#include "curve_picture.h"
+#include "text_block.h"
 #include "viridis.h"
 
 namespace qelm::tool {
 namespace {
 
-// All in pixels of the drawing.
-constexpr double kDrawingSize = 900;  // the longer side of what is drawn
+// The page, in pixels: a heading, the curves, and a scale at the right.
 constexpr double kMargin = 40;
-constexpr double kLegendWidth = 150;
-constexpr double kRowHeight = 22;
-constexpr double kSampleLength = 28;
-constexpr std::size_t kMostRows = 14;  // of the legend
+constexpr double kHeading = 58;
+constexpr double kScaleColumn = 100;
+constexpr double kMostWidth = 1000;
+constexpr double kMostHeight = 760;
+constexpr double kLeastHeight = 220;
 
-// The bright end of the ramp cannot be told from white paper: lines stop before it.
-constexpr double kBrightest = 0.88;
+// The scale's bar, and how far its labels keep apart.
+constexpr double kBarWidth = 16;
+constexpr double kMostBar = 360;
+constexpr double kLabelPitch = 17;
+constexpr int kBarStops = 16;
 
-std::string colourOf(double t) {
-  const Colour c = viridis(kBrightest * t);
-  return fmt::format("#{:02x}{:02x}{:02x}", c[0], c[1], c[2]);
+// More levels than this are drawn with finer lines.
+constexpr std::size_t kManyLevels = 24;
+
+std::string hex(const Colour& colour) {
+  return fmt::format("#{:02x}{:02x}{:02x}", colour[0], colour[1], colour[2]);
 }
 
-struct Extent {
-  double low[2] = {std::numeric_limits<double>::infinity(),
-                   std::numeric_limits<double>::infinity()};
-  double high[2] = {-low[0], -low[1]};
-
-  void include(const std::array<double, 2>& p) {
-    for (std::size_t k = 0; k < 2; ++k) {
-      low[k] = std::min(low[k], p[k]);
-      high[k] = std::max(high[k], p[k]);
-    }
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    if (c == '&')
+      result += "&amp;";
+    else if (c == '<')
+      result += "&lt;";
+    else if (c == '>')
+      result += "&gt;";
+    else if (static_cast<unsigned char>(c) < 0x20)
+      result += ' ';  // no other character is forbidden in XML
+    else
+      result += c;
   }
-  double size(std::size_t k) const { return high[k] - low[k]; }
-};
-
-/// Edges of one triangle.
-std::vector<std::pair<int, int>> boundaryEdges(const Mesh& mesh) {
-  std::vector<std::pair<int, int>> sides;
-  for (int t = 0; t < mesh.triangleCount(); ++t) {
-    const auto c = mesh.corners(t);
-    for (std::size_t k = 0; k < 3; ++k) sides.push_back(std::minmax(c[k], c[(k + 1) % 3]));
-  }
-  std::sort(sides.begin(), sides.end());
-  std::vector<std::pair<int, int>> single;
-  for (std::size_t i = 0; i < sides.size();) {
-    std::size_t end = i + 1;
-    while (end < sides.size() && sides[end] == sides[i]) ++end;
-    if (end == i + 1) single.push_back(sides[i]);
-    i = end;
-  }
-  return single;
+  return result;
 }
 
-class Drawing {
+class SvgWriter {
  public:
-  Drawing(const LevelCurves& curves, const Mesh& mesh, const Projection& projection)
-      : curves_(curves), mesh_(mesh), projection_(projection) {
-    for (int v = 0; v < mesh.vertexCount(); ++v) extent_.include(projection(mesh.point(v)));
-    const double longer = std::max(extent_.size(0), extent_.size(1));
-    scale_ = longer > 0 ? kDrawingSize / longer : 1;
-  }
+  SvgWriter(const CurveDrawing& drawing, const CurvePicture& picture, OutputFile& file)
+      : drawing_(drawing),
+        picture_(picture),
+        levels_(drawing.curves.levels()),
+        texts_(levelTexts(levels_)),
+        isFine_(levels_.size() > kManyLevels),
+        block_(file) {}
 
-  std::string text() {
-    add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 {0:.0f} {1:.0f}\" "
-        "width=\"{0:.0f}\" "
-        "height=\"{1:.0f}\">\n",
-        width() + kLegendWidth, height());
-    add("<title>Level curves</title>\n<desc>{} levels, {} curves</desc>\n", curves_.levels().size(),
-        curves_.count());
-    add("<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n");
-    drawBoundary();
-    drawCurves();
-    drawLegend();
-    add("</svg>\n");
-    return std::move(text_);
+  void run() {
+    open();
+    heading();
+    block_.text("<g transform=\"translate({:.2f} {:.2f})\">\n", kMargin, top());
+    outline();
+    curves();
+    labels();
+    block_.text("</g>\n");
+    scale();
+    block_.text("</svg>\n");
+    block_.flush();
   }
 
  private:
-  template <class... Arguments>
-  void add(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-    fmt::format_to(std::back_inserter(text_), format, std::forward<Arguments>(arguments)...);
+  double plotHeight() const { return std::max(picture_.height, kLeastHeight); }
+  double top() const { return kHeading + kMargin / 2 + (plotHeight() - picture_.height) / 2; }
+  double pageWidth() const { return picture_.width + 2 * kMargin + kScaleColumn; }
+  double pageHeight() const { return plotHeight() + kHeading + 1.5 * kMargin; }
+
+  double part(double level) const {
+    return std::clamp((level - drawing_.low) / (drawing_.high - drawing_.low), 0.0, 1.0);
+  }
+  std::string colourOf(double level) const { return hex(viridis(part(level))); }
+
+  void open() {
+    block_.text(
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0:.0f}\" height=\"{1:.0f}\" "
+        "viewBox=\"0 0 {0:.0f} {1:.0f}\" font-family=\"Helvetica, Arial, 'Liberation Sans', "
+        "sans-serif\" fill=\"#222\">\n<title>{2}</title>\n"
+        "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n",
+        pageWidth(), pageHeight(), escaped(drawing_.title));
   }
 
-  double width() const { return 2 * kMargin + scale_ * extent_.size(0); }
-  double height() const {
-    return std::max(2 * kMargin + scale_ * extent_.size(1),
-                    2 * kMargin + kRowHeight * static_cast<double>(legendLevels().size()));
+  void heading() {
+    std::string what = fmt::format("{} level curve{}", drawing_.curves.size(),
+                                   drawing_.curves.size() == 1 ? "" : "s");
+    if (levels_.size() > 1)
+      what += fmt::format(" at {} levels, {} to {}", levels_.size(), texts_.front(), texts_.back());
+    else if (!levels_.empty())
+      what += " at " + texts_.front();
+    block_.text(
+        "<text x=\"{0:.0f}\" y=\"36\" font-size=\"18\" font-weight=\"bold\">{1}</text>\n"
+        "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}</text>\n",
+        kMargin, escaped(drawing_.title), what, drawing_.projection.description);
   }
 
-  void addPoint(char command, const Point& p) {
-    const auto at = projection_(p);
-    add("{}{:.2f} {:.2f}", command, kMargin + scale_ * (at[0] - extent_.low[0]),
-        kMargin + scale_ * (extent_.high[1] - at[1]));
+  void outline() {
+    block_.text(
+        "<g id=\"outline\" fill=\"none\" stroke=\"#8c8c8c\" stroke-width=\"1\" "
+        "stroke-linecap=\"round\" stroke-linejoin=\"round\">\n");
+    paths(picture_.outline);
+    block_.text("</g>\n");
   }
 
-  void drawBoundary() {
-    add("<path fill=\"none\" stroke=\"#9aa0a6\" stroke-width=\"1.2\" stroke-linecap=\"round\" "
-        "d=\"");
-    for (const auto& [a, b] : boundaryEdges(mesh_)) {
-      addPoint('M', mesh_.point(a));
-      addPoint('L', mesh_.point(b));
+  // Every line lies on a wider dark one: yellow would be lost on white.
+  void curves() {
+    const double width = isFine_ ? 1.1 : 2;
+    block_.text(
+        "<g id=\"curves\" fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n");
+    for (std::size_t k = 0; k < levels_.size(); ++k) {
+      const LevelStrokes& strokes = picture_.levels[k];
+      if (strokes.front.empty() && strokes.behind.empty()) continue;
+      const std::string colour = colourOf(levels_[k]);
+      block_.text("<g data-level=\"{}\">\n", levels_[k]);
+      group(strokes.behind, colour, width * 0.6, " stroke-opacity=\"0.3\"");
+      group(strokes.front, "#333", width + 1, " stroke-opacity=\"0.75\"");
+      group(strokes.front, colour, width, "");
+      block_.text("</g>\n");
     }
-    add("\"/>\n");
+    block_.text("</g>\n");
   }
 
-  /// Where a level lies between the lowest and the highest one: 0 to 1.
-  double place(double level) const {
-    const auto [low, high] = std::minmax_element(curves_.levels().begin(), curves_.levels().end());
-    return *high > *low ? (level - *low) / (*high - *low) : 0.5;
+  void group(const std::vector<Stroke>& strokes, const std::string& colour, double width,
+             const char* more) {
+    if (strokes.empty()) return;
+    block_.text("<g stroke=\"{}\" stroke-width=\"{:.2f}\"{}>\n", colour, width, more);
+    paths(strokes);
+    block_.text("</g>\n");
   }
 
-  void drawCurves() {
-    add("<g fill=\"none\" stroke-width=\"2\" stroke-linejoin=\"round\" "
-        "stroke-linecap=\"round\">\n");
-    for (std::size_t k = 0; k < curves_.count(); ++k) {
-      const Curve curve = curves_[k];
-      const double value = curves_.levels()[curve.level];
-      add("<path stroke=\"{}\" data-level=\"{}\" d=\"", colourOf(place(value)), value);
-      for (std::size_t p = 0; p < curve.pointCount(); ++p)
-        addPoint(p == 0 ? 'M' : 'L', curve.point(p));
-      add("{}\"/>\n", curve.closed ? "Z" : "");
+  void paths(const std::vector<Stroke>& strokes) {
+    if (strokes.empty()) return;
+    block_.text("<path d=\"");
+    for (const Stroke& stroke : strokes) path(stroke);
+    block_.text("\"/>\n");
+  }
+
+  // To a hundredth of a pixel; points that fall together are left out.
+  void path(const Stroke& stroke) {
+    std::string last;
+    char command = 'M';
+    for (const PicturePoint& p : stroke.points) {
+      std::string place = fmt::format("{:.2f} {:.2f}", p[0], p[1]);
+      if (place == last) continue;
+      block_.text("{}{}", command, place);
+      last = std::move(place);
+      command = 'L';
     }
-    add("</g>\n");
+    if (stroke.closed) block_.text("Z");
   }
 
-  /// From high to low; of many, evenly chosen ones with both ends.
-  std::vector<double> legendLevels() const {
-    std::vector<double> levels(curves_.levels().begin(), curves_.levels().end());
-    std::sort(levels.rbegin(), levels.rend());
-    levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
-    if (levels.size() <= kMostRows) return levels;
-    std::vector<double> chosen;
-    for (std::size_t k = 0; k < kMostRows; ++k)
-      chosen.push_back(levels[k * (levels.size() - 1) / (kMostRows - 1)]);
-    return chosen;
-  }
-
-  void drawLegend() {
-    const double x = width();
-    double y = kMargin + kRowHeight / 2;
-    add("<g font-family=\"Helvetica, Arial, sans-serif\" font-size=\"14\" fill=\"#202124\" "
-        "stroke-width=\"3\" stroke-linecap=\"round\">\n");
-    for (const double level : legendLevels()) {
-      add("<path stroke=\"{}\" d=\"M{:.1f} {:.1f}h{:.1f}\"/>", colourOf(place(level)), x, y,
-          kSampleLength);
-      add("<text x=\"{:.1f}\" y=\"{:.1f}\">{:.4g}</text>\n", x + kSampleLength + 10, y + 5, level);
-      y += kRowHeight;
+  void labels() {
+    block_.text("<g id=\"labels\" font-size=\"{}\" text-anchor=\"middle\">\n", kLabelSize);
+    for (const CurveLabel& label : placeLabels(picture_, texts_)) {
+      // Twice, so that the white lies behind the digits in every viewer.
+      for (const char* style : {"stroke=\"#fff\" stroke-width=\"4\" stroke-linejoin=\"round\"", ""})
+        block_.text(
+            "<text transform=\"translate({:.2f} {:.2f}) rotate({:.1f})\" dy=\"0.36em\" {}>{}"
+            "</text>\n",
+            label.centre[0], label.centre[1], label.degrees, style, label.text);
     }
-    add("</g>\n");
+    block_.text("</g>\n");
   }
 
-  const LevelCurves& curves_;
-  const Mesh& mesh_;
-  const Projection& projection_;
-  Extent extent_;
-  double scale_ = 1;
-  std::string text_;
+  void scale() {
+    const double height = std::min(kMostBar, plotHeight());
+    const double left = kMargin * 1.75 + picture_.width;
+    const double above = kHeading + kMargin / 2 + (plotHeight() - height) / 2;
+    block_.text(
+        "<g id=\"scale\" font-size=\"12\" transform=\"translate({:.2f} {:.2f})\">\n"
+        "<defs><linearGradient id=\"ramp\" x1=\"0\" y1=\"1\" x2=\"0\" y2=\"0\">\n",
+        left, above);
+    for (int k = 0; k <= kBarStops; ++k) {
+      const double t = static_cast<double>(k) / kBarStops;
+      block_.text("<stop offset=\"{}\" stop-color=\"{}\"/>\n", t, hex(viridis(t)));
+    }
+    block_.text(
+        "</linearGradient></defs>\n<rect width=\"{}\" height=\"{:.2f}\" fill=\"url(#ramp)\"/>\n",
+        kBarWidth, height);
+    ends(height);
+    ticks(height);
+    block_.text("</g>\n");
+  }
+
+  void ends(double height) {
+    block_.text(
+        "<g fill=\"#595959\"><text y=\"-8\">max {:.4g}</text>\n"
+        "<text y=\"{:.2f}\">min {:.4g}</text></g>\n",
+        drawing_.high, height + 18, drawing_.low);
+  }
+
+  void ticks(double height) {
+    const std::size_t every = labelEvery(height);
+    for (std::size_t k = 0; k < levels_.size(); ++k) {
+      if (levels_[k] < drawing_.low || levels_[k] > drawing_.high) continue;
+      const double y = height * (1 - part(levels_[k]));
+      // On the bar in whichever of black and white stands out.
+      block_.text(
+          "<path d=\"M0 {0:.2f}H{1}\" stroke=\"{2}\"/><path d=\"M{1} {0:.2f}h5\" "
+          "stroke=\"#595959\"/>\n",
+          y, kBarWidth, part(levels_[k]) < 0.6 ? "#fff" : "#222");
+      if (k % every == 0)
+        block_.text("<text x=\"{}\" y=\"{:.2f}\" dy=\"0.36em\">{}</text>\n", kBarWidth + 9, y,
+                    texts_[k]);
+    }
+  }
+
+  /// Labels every so many levels, so that those at the closest levels keep apart.
+  std::size_t labelEvery(double height) const {
+    for (std::size_t every = 1; every < levels_.size(); ++every) {
+      bool isFree = true;
+      for (std::size_t k = every; k < levels_.size() && isFree; k += every)
+        isFree = height * (part(levels_[k]) - part(levels_[k - every])) >= kLabelPitch;
+      if (isFree) return every;
+    }
+    return std::max<std::size_t>(levels_.size(), 1);
+  }
+
+  const CurveDrawing& drawing_;
+  const CurvePicture& picture_;
+  const std::vector<double>& levels_;
+  const std::vector<std::string> texts_;
+  bool isFine_;
+  TextBlock block_;
 };
 
 }  // namespace
 
-void writeCurvesSvg(const LevelCurves& curves, const Mesh& mesh, const Projection& projection,
-                    OutputFile& file) {
-  file.write(Drawing(curves, mesh, projection).text());
+void writeCurvesSvg(const CurveDrawing& drawing, OutputFile& file) {
+  const CurvePicture picture =
+      drawCurves(drawing.mesh, drawing.curves, drawing.projection, kMostWidth, kMostHeight);
+  SvgWriter(drawing, picture, file).run();
 }
 
 }  // namespace qelm::tool

@@ -3,19 +3,55 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+#include <memory>
 
-#include "curve_writer.h"
+#include "curve_files.h"
+#include "curve_set.h"
+#include "curve_svg.h"
 #include "error.h"
-#include "level_curves.h"
+#include "load_mesh.h"
 #include "output_file.h"
 #include "paths.h"
-#include "text.h"
+#include "projection.h"
 
 namespace qelm::tool {
 namespace {
 
-constexpr long long kMostLevels = 100000;
+enum class CurveFormat { kObj, kJson, kSvg, kCsv };
+
+struct Target {
+  std::string name;
+  CurveFormat format;
+  std::unique_ptr<OutputFile> file;
+};
+
+CurveFormat formatOf(const std::string& name, const std::string& wanted) {
+  if (name == "-" && wanted.empty()) return CurveFormat::kCsv;
+  const std::string extension = wanted.empty() ? lowerExtension(toPath(name)) : "." + wanted;
+  if (extension == ".obj") return CurveFormat::kObj;
+  if (extension == ".json") return CurveFormat::kJson;
+  if (extension == ".svg") return CurveFormat::kSvg;
+  if (extension == ".csv") return CurveFormat::kCsv;
+  throw UsageError(fmt::format(
+      "-o {}: give a name that ends in .obj, .json, .svg or .csv, or --format obj and so on",
+      name));
+}
+
+/// Opened before anything is computed.
+std::vector<Target> openTargets(const CurvesOptions& options, const OutputOptions& output) {
+  std::vector<Target> targets;
+  for (const std::string& name : options.outputs) {
+    if (output.json && name == "-")
+      throw UsageError("the standard output takes the curves (-o -) or --json, not both");
+    const auto isSame = [&name](const Target& target) { return target.name == name; };
+    if (std::any_of(targets.begin(), targets.end(), isSame))
+      throw UsageError(fmt::format("-o {}: given twice", name));
+    refuseToOverwrite(options.field.mesh, toPath(name));
+    targets.push_back({name, formatOf(name, options.format), nullptr});
+  }
+  for (Target& target : targets) target.file = std::make_unique<OutputFile>(target.name);
+  return targets;
+}
 
 struct Range {
   double low, high;
@@ -26,118 +62,58 @@ Range rangeOf(const SolvedField& solved) {
   return {*low, *high};
 }
 
-int parsedCount(const std::string& text) {
-  const auto count = parseInteger(trimmed(text));
-  if (!count || *count < 1 || *count > kMostLevels)
-    throw UsageError(
-        fmt::format("--levels {}: a whole number from 1 to {} is needed", text, kMostLevels));
-  return static_cast<int>(*count);
+void write(Target& target, const SolvedField& solved, const CurveSet& curves,
+           const ViewChoice& view) {
+  OutputFile& file = *target.file;
+  if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
+  if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
+  if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
+  if (target.format == CurveFormat::kSvg) {
+    const Projection projection = projectionFor(view, solved.mesh);
+    const Range range = rangeOf(solved);
+    writeCurvesSvg({solved.mesh, curves, projection, toUtf8(toPath(solved.meshName).filename()),
+                    range.low, range.high},
+                   file);
+  }
 }
 
-/// Which levels, once the field's range is known. Read before that, so that a wrong
-/// command line is refused before a long solve.
-class Levels {
- public:
-  explicit Levels(const CurvesOptions& options) {
-    if (options.levels.has_value() == options.at.has_value())
-      throw UsageError("give either --levels N or --at VALUE,VALUE,...");
-    if (options.at) values_ = parseLevels(*options.at);
-    if (options.levels) count_ = parsedCount(*options.levels);
-  }
-
-  std::vector<double> in(const Range& range) const {
-    return count_ > 0 ? evenLevels(range.low, range.high, count_) : values_;
-  }
-
-  bool areGiven() const { return count_ == 0; }
-
- private:
-  std::vector<double> values_;
-  int count_ = 0;
-};
-
-/// A level without any curve is no error, but seldom meant.
-void noteLevelsOutside(const std::vector<double>& levels, const Range& range,
-                       const Console& console) {
-  for (const double level : levels)
-    if (!(range.low < level && level <= range.high))
-      console.note(fmt::format("no curves at {:.6g}: the field goes from {:.6g} to {:.6g}", level,
-                               range.low, range.high));
-}
-
-void write(const LevelCurves& curves, const SolvedField& solved, const Projection& projection,
-           CurveFormat format, OutputFile& file) {
-  switch (format) {
-    case CurveFormat::obj:
-      writeCurvesObj(curves, file);
-      break;
-    case CurveFormat::json:
-      writeCurvesJson(curves, file);
-      break;
-    case CurveFormat::csv:
-      writeCurvesCsv(curves, file);
-      break;
-    case CurveFormat::svg:
-      writeCurvesSvg(curves, solved.mesh, projection, file);
-      break;
-  }
-  file.commit();
-}
-
-struct Counts {
-  std::size_t curves = 0;
+/// For the summary, such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
+ReportItem report(const CurveSet& curves) {
+  const std::vector<double>& levels = curves.levels();
   std::size_t closed = 0;
-  std::size_t points = 0;
-};
-
-Counts countsOf(const LevelCurves& curves) {
-  Counts counts;
-  for (std::size_t k = 0; k < curves.count(); ++k) {
-    ++counts.curves;
-    counts.closed += curves[k].closed ? 1 : 0;
-    counts.points += curves[k].pointCount();
-  }
-  return counts;
-}
-
-void report(const SolvedField& solved, const LevelCurves& curves,
-            const std::vector<std::string>& results, const OutputOptions& output,
-            const Console& console) {
-  const Counts counts = countsOf(curves);
-  if (output.json) {
-    nlohmann::ordered_json summary = summaryJson(solved, results);
-    summary["levels"] = curves.levels();
-    summary["curves"] = counts.curves;
-    summary["closedCurves"] = counts.closed;
-    summary["points"] = counts.points;
-    printJson(summary);
-    return;
-  }
-  console.line(fmt::format("curves   {} at {} levels, {} of them closed; {} points", counts.curves,
-                           curves.levels().size(), counts.closed, counts.points));
-  reportField(solved, results, output, console);
+  for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
+  return {"curves",
+          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+                      curves.size(), closed, curves.size() - closed, curves.pointCount(),
+                      levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
+          {{"levels", levels},
+           {"curves", curves.size()},
+           {"closedCurves", closed},
+           {"points", curves.pointCount()}}};
 }
 
 }  // namespace
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output) {
-  if (output.json && options.output == "-")
-    throw UsageError("the standard output takes the curves (-o -) or --json, not both");
-  const Console console(output.quiet);
-  const CurveFormat format = curveFormat(options.output, options.format);
-  const Levels levels(options);
-  refuseToOverwrite(options.field.mesh, toPath(options.output));
-  OutputFile file(options.output);
+  const Console console(output);
+  const LevelChoice choice(options.levels);
+  const ViewChoice view = parseView(options.view);
+  std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
-  const Projection projection = projectionOf(options.view, solved.mesh);
   const Range range = rangeOf(solved);
-  const LevelCurves curves = solved.steps.run(
-      "cut", [&] { return LevelCurves(*solved.system, solved.field(), levels.in(range)); });
-  if (levels.areGiven()) noteLevelsOutside(levels.in(range), range, console);
-  solved.steps.run("write", [&] { write(curves, solved, projection, format, file); });
-  report(solved, curves, {options.output == "-" ? "standard output" : options.output}, output,
-         console);
+  const std::vector<double> levels =
+      naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
+  const CurveSet curves =
+      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
+  std::vector<std::string> results;
+  solved.steps.run("write", [&] {
+    for (Target& target : targets) write(target, solved, curves, view);
+    for (Target& target : targets) target.file->commit();
+  });
+  for (const Target& target : targets)
+    results.push_back(target.name == "-" ? "standard output" : target.name);
+  reportField(solved, results, output, console, {report(curves)});
 }
 
 }  // namespace qelm::tool

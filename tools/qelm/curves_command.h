@@ -2,20 +2,20 @@
 #ifndef QELM_TOOLS_CURVES_COMMAND_H
 #define QELM_TOOLS_CURVES_COMMAND_H
 
-#include <optional>
 #include <string>
+#include <vector>
 
+#include "levels.h"
 #include "solve_job.h"
 
 namespace qelm::tool {
 
 struct CurvesOptions {
   FieldOptions field;
-  std::optional<std::string> levels;  ///< a number of them
-  std::optional<std::string> at;      ///< or their values
-  std::string view = "plane";         ///< of a drawing, see projectionOf()
-  std::optional<std::string> format;
-  std::string output;
+  LevelOptions levels;
+  std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string format;                ///< instead of the extensions'; empty: none
+  std::string view = "best";         ///< for pictures
 };
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output);

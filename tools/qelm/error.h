@@ -7,20 +7,54 @@
 
 namespace qelm::tool {
 
+/// Documented in --help and in docs/tool.md; scripts rely on them.
 enum ExitCode : int {
   kExitOk = 0,
-  /// The input cannot be used, or the result cannot be written.
-  kExitBadInput = 1,
-  /// The command line itself is wrong.
+  /// The result cannot be written, or the machine's memory is not enough.
+  kExitFailure = 1,
+  /// The command line is wrong, or asks for what the mesh has not.
   kExitUsage = 2,
+  /// A file that cannot be opened, or is not what its name says.
+  kExitUnreadable = 3,
+  /// A file that was read, but holds no mesh that can be used.
+  kExitBadMesh = 4,
+  /// The mesh is good, but not enough of it is fixed for one smooth field.
+  kExitSingular = 5,
 };
 
 /// What is wrong, where, and what to do about it.
 class InputError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit InputError(const std::string& text, ExitCode code = kExitFailure)
+      : std::runtime_error(text), code_(code) {}
+  ExitCode code() const { return code_; }
+
+ private:
+  ExitCode code_;
 };
 
+struct OutputError : InputError {
+  explicit OutputError(const std::string& text) : InputError(text, kExitFailure) {}
+};
+
+/// The command line is right in itself, but does not fit the mesh.
+struct RequestError : InputError {
+  explicit RequestError(const std::string& text) : InputError(text, kExitUsage) {}
+};
+
+struct FileError : InputError {
+  explicit FileError(const std::string& text) : InputError(text, kExitUnreadable) {}
+};
+
+struct MeshError : InputError {
+  explicit MeshError(const std::string& text) : InputError(text, kExitBadMesh) {}
+};
+
+struct SingularError : InputError {
+  explicit SingularError(const std::string& text) : InputError(text, kExitSingular) {}
+};
+
+/// The command line cannot be understood; a hint at --help follows.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -17,9 +17,9 @@ FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags) {
                  mesh.triangles.data(), tags.data(), nullptr, &status, &handle);
   handle_.reset(handle);
   if (status != QELM_STATUS_OK)
-    throw InputError(fmt::format("the library refuses the mesh: {}", qelmstatustext(status)));
+    throw MeshError(fmt::format("the library refuses the mesh: {}", qelmstatustext(status)));
   if (const int info = qelminfo(handle); info != 0)
-    throw InputError(fmt::format(
+    throw SingularError(fmt::format(
         "the system cannot be factorised (qelminfo {}); look for needle-like triangles, and fix "
         "a vertex in every connected part",
         info));
@@ -40,7 +40,7 @@ std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double>
     throw InputError(fmt::format("the library refuses to solve: {}", qelmstatustext(status)));
   for (std::size_t i = 0; i < fields.size(); ++i)
     if (!std::isfinite(fields[i]))
-      throw InputError(
+      throw SingularError(
           fmt::format("the field is not finite, first at {}; look for needle-like "
                       "triangles and for values that are too large",
                       describeVertex(mesh, static_cast<int>(i % n))));

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "colour_ply.h"
 #include "error.h"
 #include "output_file.h"
 #include "output_folder.h"
@@ -52,7 +53,8 @@ void checkLines(const fs::path& file, std::ptrdiff_t expected, const fs::path& t
     lines = std::count(text.begin(), text.end(), '\n');
   }
   if (lines != expected)
-    throw InputError(fmt::format("{}: writing failed; is there room on the disk?", toUtf8(target)));
+    throw OutputError(
+        fmt::format("{}: writing failed; is there room on the disk?", toUtf8(target)));
 }
 
 void writeRamp(const fs::path& path) {
@@ -86,10 +88,25 @@ void writeHeatmap(const SolvedField& solved, const fs::path& base, OutputFolder&
   folder.publish({kRampFileName, mtl, obj});
 }
 
+/// One file instead of three.
+void runColourPly(const HeatmapOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  refuseToOverwrite(options.field.mesh, toPath(options.output));
+  OutputFile file(options.output);
+  SolvedField solved = solveField(options.field, console);
+  requireRange(solved, "colour");
+  solved.steps.run("write", [&] {
+    writeColourPly(solved.mesh, solved.field(), file);
+    file.commit();
+  });
+  reportField(solved, {options.output}, output, console);
+}
+
 }  // namespace
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
-  const Console console(output.quiet);
+  if (lowerExtension(toPath(options.output)) == ".ply") return runColourPly(options, output);
+  const Console console(output);
   const fs::path base = basePath(options.output);
   refuseToOverwrite(options.field.mesh, withExtension(base, ".obj"));
   // What cannot be written is better known before a long solve.

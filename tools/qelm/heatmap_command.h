@@ -10,7 +10,8 @@ namespace qelm::tool {
 
 struct HeatmapOptions {
   FieldOptions field;
-  std::string output;  ///< the files' path without extension; a final ".obj" is ignored
+  std::string output;  ///< the files' path without extension; a final ".obj" is ignored. One that
+                       ///< ends in ".ply" is a single file's
 };
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output);

@@ -18,7 +18,7 @@ auto naming(const std::string& file, Action action) {
   try {
     return action();
   } catch (const InputError& error) {
-    throw InputError(fmt::format("{}: {}", file, error.what()));
+    throw InputError(fmt::format("{}: {}", file, error.what()), error.code());
   }
 }
 

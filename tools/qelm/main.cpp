@@ -42,10 +42,13 @@ int run(int argc, char** argv) {
     return qelm::tool::kExitUsage;
   } catch (const std::bad_alloc&) {
     Console().error("out of memory; the mesh is too large for this machine");
+  } catch (const qelm::tool::InputError& error) {
+    Console().error(error.what());
+    return error.code();
   } catch (const std::exception& error) {
     Console().error(error.what());
   }
-  return qelm::tool::kExitBadInput;
+  return qelm::tool::kExitFailure;
 }
 
 }  // namespace

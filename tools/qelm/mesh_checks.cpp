@@ -22,7 +22,7 @@ constexpr double kFlatRoundings = 8;
 
 /// Calls `bad(element)` for every element and throws a message about the first
 /// for which it is true; `describe` makes that message's beginning and `advice` its end.
-template <class Bad, class Describe>
+template <class Error = MeshError, class Bad, class Describe>
 void refuseFirst(int count, Bad bad, Describe describe, const char* advice) {
   int first = -1;
   int more = 0;
@@ -35,7 +35,7 @@ void refuseFirst(int count, Bad bad, Describe describe, const char* advice) {
   }
   if (first < 0) return;
   const std::string others = more == 0 ? "" : fmt::format(" (and {} more)", more);
-  throw InputError(fmt::format("{}{}; {}", describe(first), others, advice));
+  throw Error(fmt::format("{}{}; {}", describe(first), others, advice));
 }
 
 int repeatedCorner(std::span<const int, 3> c) {
@@ -72,7 +72,8 @@ std::vector<bool> usedVertices(const Mesh& mesh) {
   return used;
 }
 
-/// The lowest vertex of each vertex's connected part.
+}  // namespace
+
 std::vector<int> lowestOfPart(const Mesh& mesh) {
   std::vector<int> parent(static_cast<std::size_t>(mesh.vertexCount()));
   std::iota(parent.begin(), parent.end(), 0);
@@ -93,8 +94,6 @@ std::vector<int> lowestOfPart(const Mesh& mesh) {
   for (int v = 0; v < mesh.vertexCount(); ++v) parent[static_cast<std::size_t>(v)] = root(v);
   return parent;
 }
-
-}  // namespace
 
 std::string describeTriangle(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
@@ -144,7 +143,7 @@ void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
     ++size[static_cast<std::size_t>(lowest[v])];
     if (tags[v] != 0) fixed[static_cast<std::size_t>(lowest[v])] = true;
   }
-  refuseFirst(
+  refuseFirst<SingularError>(
       mesh.vertexCount(),
       [&](int v) {
         return size[static_cast<std::size_t>(v)] > 0 && !fixed[static_cast<std::size_t>(v)];

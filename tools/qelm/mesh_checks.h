@@ -5,6 +5,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "mesh.h"
 
@@ -21,6 +22,10 @@ void checkFinite(const Mesh& mesh);
 /// Throws InputError when some connected part of the mesh has no vertex with a
 /// nonzero tag. Triangles are connected when they share a vertex.
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);
+
+/// The lowest vertex of each vertex's connected part; triangles are connected when
+/// they share a vertex.
+std::vector<int> lowestOfPart(const Mesh& mesh);
 
 /// "triangle 4711 (12, 90, 91)", with its face where faces were split.
 std::string describeTriangle(const Mesh& mesh, int triangle);

@@ -1,9 +1,8 @@
-// The one file that sees CGAL, whose readers do the reading proper. See
-// obj_text.h, ply_header.h and stl_data.h for what has to be done before.
+// The one file that sees CGAL, whose readers do the reading proper of OBJ and STL.
+// See obj_text.h and stl_data.h for what has to be done before.
 #include "mesh_reader.h"
 
 #include <CGAL/IO/OBJ.h>
-#include <CGAL/IO/PLY.h>
 #include <CGAL/IO/STL.h>
 #include <CGAL/Simple_cartesian.h>
 #include <fmt/format.h>
@@ -15,8 +14,9 @@
 
 #include "error.h"
 #include "obj_text.h"
+#include "off_data.h"
 #include "paths.h"
-#include "ply_header.h"
+#include "ply_data.h"
 #include "stl_data.h"
 #include "text.h"
 
@@ -33,18 +33,39 @@ struct ReaderSoup {
   std::vector<std::vector<std::size_t>> faces;
 };
 
-enum class Format { kObj, kStl, kPly };
+enum class Format { kObj, kOff, kPly, kStl };
 
 Format formatOf(const std::filesystem::path& path) {
   const std::string extension = lowerExtension(path);
   if (extension == ".obj") return Format::kObj;
-  if (extension == ".stl") return Format::kStl;
+  if (extension == ".off") return Format::kOff;
   if (extension == ".ply") return Format::kPly;
-  throw InputError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
-                               toUtf8(path), kReadableFormats));
+  if (extension == ".stl") return Format::kStl;
+  throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
+                              toUtf8(path), kReadableFormats));
 }
 
-bool readStl(std::string bytes, const std::string& name, ReaderSoup& soup) {
+PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) {
+  if (!isRead)
+    throw FileError(
+        fmt::format("{}: not a mesh that can be read; it may be damaged or cut short", name));
+  PolygonSoup soup;
+  soup.points.reserve(from.points.size());
+  for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
+  soup.faces.reserve(from.faces.size());
+  for (const std::vector<std::size_t>& face : from.faces)
+    soup.faces.emplace_back(face.begin(), face.end());
+  return soup;
+}
+
+PolygonSoup readObj(std::string bytes, const std::string& name) {
+  ReaderSoup soup;
+  std::istringstream stream(plainObj(bytes, name));
+  const bool isRead = CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
+  return taken(soup, isRead, name);
+}
+
+PolygonSoup readStl(std::string bytes, const std::string& name) {
   if (isBinaryStl(bytes)) {
     checkBinaryStl(bytes, name);
     // So that no binary file is tried as text first.
@@ -52,68 +73,58 @@ bool readStl(std::string bytes, const std::string& name, ReaderSoup& soup) {
   } else {
     bytes = plainStl(bytes, name);
   }
+  ReaderSoup soup;
   std::istringstream stream(std::move(bytes));
-  return CGAL::IO::read_STL(stream, soup.points, soup.faces);
+  const bool isRead = CGAL::IO::read_STL(stream, soup.points, soup.faces);
+  PolygonSoup result = taken(soup, isRead, name);
+  result.facetsOwnTheirCorners = true;
+  return result;
 }
 
-bool readPly(std::string bytes, const std::string& name, ReaderSoup& soup) {
-  checkPlyHeader(bytes, name);
-  std::istringstream stream(std::move(bytes));
-  return CGAL::IO::read_PLY(stream, soup.points, soup.faces);
-}
-
-bool readAs(Format format, std::string bytes, const std::string& name, ReaderSoup& soup) {
-  if (format == Format::kStl) return readStl(std::move(bytes), name, soup);
-  if (format == Format::kPly) return readPly(std::move(bytes), name, soup);
-  std::istringstream stream(plainObj(bytes, name));
-  return CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
-}
-
-int checkedIndex(const ReaderSoup& soup, std::size_t face, std::size_t index,
-                 const std::string& name) {
-  if (index >= soup.points.size())
-    throw InputError(fmt::format(
-        "{}: face {}: vertex index {} is out of range: the file has {} "
-        "vertices, numbered 0 to {}",
-        name, face, static_cast<long long>(index), soup.points.size(), soup.points.size() - 1));
-  return static_cast<int>(index);
-}
-
-PolygonSoup checkedSoup(const ReaderSoup& from, const std::string& name) {
-  PolygonSoup soup;
-  soup.points.reserve(from.points.size());
-  for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
-  soup.faces.resize(from.faces.size());
-  for (std::size_t f = 0; f < from.faces.size(); ++f) {
-    if (from.faces[f].size() < 3)
-      throw InputError(
-          fmt::format("{}: face {}: has only {} corners", name, f, from.faces[f].size()));
-    for (const std::size_t index : from.faces[f])
-      soup.faces[f].push_back(checkedIndex(from, f, index, name));
+PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
+  switch (format) {
+    case Format::kObj:
+      return readObj(std::move(bytes), name);
+    case Format::kOff:
+      return readOff(bytes, name);
+    case Format::kPly:
+      return readPly(bytes, name);
+    default:
+      return readStl(std::move(bytes), name);
   }
-  return soup;
+}
+
+void checkSizes(const PolygonSoup& soup, const std::string& name) {
+  if (soup.points.empty() || soup.faces.empty())
+    throw FileError(
+        fmt::format("{}: not a mesh: no {}", name, soup.points.empty() ? "vertices" : "faces"));
+  if (soup.points.size() > kMostFaces || soup.faces.size() > kMostFaces)
+    throw MeshError(fmt::format("{}: too large: more than {} vertices or faces", name, kMostFaces));
+}
+
+void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& name) {
+  const std::vector<int>& corners = soup.faces[face];
+  if (corners.size() < 3)
+    throw MeshError(fmt::format("{}: face {}: has only {} corners", name, face, corners.size()));
+  for (const int index : corners)
+    if (index < 0 || static_cast<std::size_t>(index) >= soup.points.size())
+      throw MeshError(fmt::format(
+          "{}: face {}: vertex index {} is out of range: the file has {} vertices, numbered 0 "
+          "to {}",
+          name, face, index, soup.points.size(), soup.points.size() - 1));
 }
 
 }  // namespace
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   const std::string name = toUtf8(path);
-  std::string bytes = readFile(path);
   const Format format = formatOf(path);
-  if (trimmed(bytes).empty()) throw InputError(fmt::format("{}: not a mesh: empty file", name));
-  ReaderSoup soup;
-  if (!readAs(format, std::move(bytes), name, soup))
-    throw InputError(
-        fmt::format("{}: not a mesh that can be read; it may be damaged or cut short", name));
-  if (soup.points.empty() || soup.faces.empty())
-    throw InputError(
-        fmt::format("{}: not a mesh: no {}", name, soup.points.empty() ? "vertices" : "faces"));
-  if (soup.points.size() > kMostFaces || soup.faces.size() > kMostFaces)
-    throw InputError(
-        fmt::format("{}: too large: more than {} vertices or faces", name, kMostFaces));
-  PolygonSoup result = checkedSoup(soup, name);
-  result.facetsOwnTheirCorners = format == Format::kStl;
-  return result;
+  std::string bytes = readFile(path);
+  if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
+  PolygonSoup soup = readAs(format, std::move(bytes), name);
+  checkSizes(soup, name);
+  for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
+  return soup;
 }
 
 }  // namespace qelm::tool

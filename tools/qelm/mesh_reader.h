@@ -9,14 +9,15 @@
 namespace qelm::tool {
 
 /// The extensions that readPolygonSoup() takes, for messages.
-inline constexpr const char* kReadableFormats = ".obj, .stl (text or binary) or .ply";
+inline constexpr const char* kReadableFormats = ".obj, .off, .ply or .stl";
 
 /// Reads a mesh file. Vertices and faces keep their order in the file and every
 /// double its bits. Corners of an STL file's facets that are exactly equal are
 /// one point already.
 ///
-/// Throws InputError that names the file, and the line where there is one, when
-/// the file cannot be read, is not a mesh, or names a vertex that it has not.
+/// Throws FileError that names the file, and the line where there is one, when the
+/// file cannot be read or is not a mesh, MeshError when it names a vertex that it has
+/// not.
 PolygonSoup readPolygonSoup(const std::filesystem::path& path);
 
 }  // namespace qelm::tool

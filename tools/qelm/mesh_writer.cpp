@@ -2,14 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
-#include <iterator>
 
 #include "error.h"
 #include "paths.h"
+#include "text_block.h"
 #include "vec3.h"
 
 namespace qelm::tool {
@@ -17,37 +15,7 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "binary PLY and STL are little-endian");
 
-/// Gathers what is written into blocks.
-class Block {
- public:
-  explicit Block(OutputFile& file) : file_(file) {}
-
-  template <class... Values>
-  void text(fmt::format_string<Values...> format, Values&&... values) {
-    fmt::format_to(std::back_inserter(buffer_), format, std::forward<Values>(values)...);
-    if (buffer_.size() >= kSize) flush();
-  }
-
-  template <class Value>
-  void bytes(const Value& value) {
-    std::array<char, sizeof value> raw;
-    std::memcpy(raw.data(), &value, sizeof value);
-    buffer_.append(raw.data(), raw.data() + raw.size());
-    if (buffer_.size() >= kSize) flush();
-  }
-
-  void flush() {
-    file_.write({buffer_.data(), buffer_.size()});
-    buffer_.clear();
-  }
-
- private:
-  static constexpr std::size_t kSize = 1 << 16;
-  OutputFile& file_;
-  fmt::memory_buffer buffer_;
-};
-
-void writeObj(const Mesh& mesh, Block& block) {
+void writeObj(const Mesh& mesh, TextBlock& block) {
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const Point p = mesh.point(v);
     block.text("v {} {} {}\n", p[0], p[1], p[2]);
@@ -58,7 +26,7 @@ void writeObj(const Mesh& mesh, Block& block) {
   }
 }
 
-void writePly(const Mesh& mesh, Block& block) {
+void writePly(const Mesh& mesh, TextBlock& block) {
   block.text(
       "ply\nformat binary_little_endian 1.0\nelement vertex {}\nproperty double x\n"
       "property double y\nproperty double z\nelement face {}\n"
@@ -71,11 +39,11 @@ void writePly(const Mesh& mesh, Block& block) {
   }
 }
 
-void writePoint(const Point& p, Block& block) {
+void writePoint(const Point& p, TextBlock& block) {
   for (const double coordinate : p) block.bytes(static_cast<float>(coordinate));
 }
 
-void writeStl(const Mesh& mesh, Block& block) {
+void writeStl(const Mesh& mesh, TextBlock& block) {
   block.text("{:<80}", "binary STL written by qelm");
   block.bytes(static_cast<std::uint32_t>(mesh.triangleCount()));
   for (int t = 0; t < mesh.triangleCount(); ++t) {
@@ -102,7 +70,7 @@ MeshFormat writableFormat(const std::string& name) {
 }
 
 void writeMesh(const Mesh& mesh, MeshFormat format, OutputFile& file) {
-  Block block(file);
+  TextBlock block(file);
   if (format == MeshFormat::kObj) writeObj(mesh, block);
   if (format == MeshFormat::kPly) writePly(mesh, block);
   if (format == MeshFormat::kStl) writeStl(mesh, block);

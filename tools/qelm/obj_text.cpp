@@ -39,7 +39,11 @@ class ObjPass {
 
  private:
   [[noreturn]] void fail(std::size_t line, const std::string& what) const {
-    throw InputError(fmt::format("{}:{}: {}", name_, line, what));
+    throw FileError(fmt::format("{}:{}: {}", name_, line, what));
+  }
+
+  [[noreturn]] void failMesh(std::size_t line, const std::string& what) const {
+    throw MeshError(fmt::format("{}:{}: {}", name_, line, what));
   }
 
   std::string_view joinLines(std::string& joined) {
@@ -64,8 +68,8 @@ class ObjPass {
       const auto value = parseDouble(words[k]);
       if (!value) fail(line, fmt::format("'{}' is not a coordinate", words[k]));
       if (!std::isfinite(*value))
-        fail(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
-                               vertexCount_, words[k]));
+        failMesh(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
+                                   vertexCount_, words[k]));
     }
     fmt::format_to(std::back_inserter(plain_), "v {} {} {}\n", words[1], words[2], words[3]);
     ++vertexCount_;
@@ -84,23 +88,25 @@ class ObjPass {
   long long cornerIndex(std::string_view corner, std::size_t line) {
     const auto index = parseInteger(corner.substr(0, corner.find('/')));
     if (!index) fail(line, fmt::format("'{}' is not a corner of a face", corner));
-    if (*index == 0) fail(line, "vertex index 0: OBJ files number their vertices from 1");
+    if (*index == 0) failMesh(line, "vertex index 0: OBJ files number their vertices from 1");
     if (*index > 0) {
       if (*index > highest_.index) highest_ = {*index, line};
       return *index;
     }
     if (*index < -vertexCount_)
-      fail(line, fmt::format("vertex index {} is out of range: {} vertices come before this line",
-                             *index, vertexCount_));
+      failMesh(line,
+               fmt::format("vertex index {} is out of range: {} vertices come before this line",
+                           *index, vertexCount_));
     return vertexCount_ + *index + 1;
   }
 
   void checkHighest() const {
     if (highest_.index > vertexCount_)
-      fail(highest_.line, fmt::format("vertex index {} is out of range: the file has {} vertices",
-                                      highest_.index, vertexCount_));
-    if (vertexCount_ == 0) throw InputError(fmt::format("{}: not a mesh: no vertices", name_));
-    if (faceCount_ == 0) throw InputError(fmt::format("{}: not a mesh: no faces", name_));
+      failMesh(highest_.line,
+               fmt::format("vertex index {} is out of range: the file has {} vertices",
+                           highest_.index, vertexCount_));
+    if (vertexCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no vertices", name_));
+    if (faceCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no faces", name_));
   }
 
   LineReader lines_;

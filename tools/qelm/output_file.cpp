@@ -54,7 +54,7 @@ OutputFile::OutputFile(const std::string& target) : name_(target) {
   }
   const fs::file_status status = fs::status(target_, error);
   if (fs::is_directory(status))
-    throw InputError(fmt::format("{}: cannot be written: it is a folder; name a file", name_));
+    throw OutputError(fmt::format("{}: cannot be written: it is a folder; name a file", name_));
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     file_ = openBinary(target_, false);
     if (file_ == nullptr) fail("cannot be written");
@@ -92,7 +92,7 @@ void OutputFile::fail(const char* what) const {
   const int code = errno;
   std::string advice;
   if (code == ENOENT) advice = "; is its folder there?";
-  throw InputError(fmt::format("{}: {}: {}{}", name_, what, std::strerror(code), advice));
+  throw OutputError(fmt::format("{}: {}: {}{}", name_, what, std::strerror(code), advice));
 }
 
 void OutputFile::write(std::string_view bytes) {
@@ -109,7 +109,7 @@ void OutputFile::commit() {
   if (temporary_.empty()) return;
   std::error_code error;
   fs::rename(temporary_, target_, error);
-  if (error) throw InputError(fmt::format("{}: cannot be replaced: {}", name_, error.message()));
+  if (error) throw OutputError(fmt::format("{}: cannot be replaced: {}", name_, error.message()));
   temporary_.clear();
 }
 

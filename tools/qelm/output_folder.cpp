@@ -22,8 +22,8 @@ OutputFolder::OutputFolder(const fs::path& beside) {
     }
     if (error) break;
   }
-  throw InputError(fmt::format("{}: cannot be written to: {}", toUtf8(target_),
-                               error ? error.message() : "too many temporary folders"));
+  throw OutputError(fmt::format("{}: cannot be written to: {}", toUtf8(target_),
+                                error ? error.message() : "too many temporary folders"));
 }
 
 OutputFolder::~OutputFolder() {
@@ -37,13 +37,13 @@ void OutputFolder::publish(const std::vector<fs::path>& names) {
     const fs::path target = target_ / name;
     std::error_code ignored;
     if (fs::is_directory(target, ignored))
-      throw InputError(fmt::format("{}: cannot be written: it is a folder", toUtf8(target)));
+      throw OutputError(fmt::format("{}: cannot be written: it is a folder", toUtf8(target)));
   }
   for (const fs::path& name : names) {
     std::error_code error;
     fs::rename(temporary_ / name, target_ / name, error);
     if (error)
-      throw InputError(
+      throw OutputError(
           fmt::format("{}: cannot be written: {}", toUtf8(target_ / name), error.message()));
   }
 }

@@ -38,7 +38,7 @@ std::string toNarrow(const fs::path& path) {
   WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, narrow.data(), size,
                       nullptr, nullptr);
   if (lossy)
-    throw InputError(
+    throw OutputError(
         fmt::format("{}: the name has characters outside the system's code page; choose another",
                     toUtf8(path)));
   return narrow;
@@ -64,14 +64,14 @@ std::string readFile(const fs::path& path) {
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
   if (status.type() == fs::file_type::not_found)
-    throw InputError(fmt::format("{}: no such file; check the name and the folder", name));
+    throw FileError(fmt::format("{}: no such file; check the name and the folder", name));
   if (status.type() == fs::file_type::directory)
-    throw InputError(fmt::format("{}: is a folder; name a file in it", name));
+    throw FileError(fmt::format("{}: is a folder; name a file in it", name));
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  if (!file) throw InputError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));
+  if (!file) throw FileError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));
   std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (file.bad()) throw InputError(fmt::format("{}: reading it failed", name));
+  if (file.bad()) throw FileError(fmt::format("{}: reading it failed", name));
   return bytes;
 }
 

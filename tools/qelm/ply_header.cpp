@@ -13,71 +13,58 @@
 namespace qelm::tool {
 namespace {
 
-struct TypeSize {
-  std::string_view type;
-  std::size_t size;
+struct NamedType {
+  std::string_view name;
+  PlyType type;
 };
 
-constexpr std::array<TypeSize, 16> kTypes = {{{"char", 1},
-                                              {"int8", 1},
-                                              {"uchar", 1},
-                                              {"uint8", 1},
-                                              {"short", 2},
-                                              {"int16", 2},
-                                              {"ushort", 2},
-                                              {"uint16", 2},
-                                              {"int", 4},
-                                              {"int32", 4},
-                                              {"uint", 4},
-                                              {"uint32", 4},
-                                              {"float", 4},
-                                              {"float32", 4},
-                                              {"double", 8},
-                                              {"float64", 8}}};
+constexpr std::array<NamedType, 16> kTypes = {{{"char", PlyType::kInt8},
+                                               {"int8", PlyType::kInt8},
+                                               {"uchar", PlyType::kUint8},
+                                               {"uint8", PlyType::kUint8},
+                                               {"short", PlyType::kInt16},
+                                               {"int16", PlyType::kInt16},
+                                               {"ushort", PlyType::kUint16},
+                                               {"uint16", PlyType::kUint16},
+                                               {"int", PlyType::kInt32},
+                                               {"int32", PlyType::kInt32},
+                                               {"uint", PlyType::kUint32},
+                                               {"uint32", PlyType::kUint32},
+                                               {"float", PlyType::kFloat32},
+                                               {"float32", PlyType::kFloat32},
+                                               {"double", PlyType::kFloat64},
+                                               {"float64", PlyType::kFloat64}}};
 
 // A number in a text and what separates it from the next.
 constexpr std::size_t kLeastTextSize = 2;
 
-struct Property {
-  std::string_view type;  ///< of a list: of its items
-  std::string_view name;
-  bool isList;
-};
-
-struct Element {
-  std::string_view name;
-  std::size_t count;
-  std::size_t line;
-  std::vector<Property> properties;
-  std::size_t leastSize = 0;  ///< of one item, in a binary file
-};
-
 using Words = std::vector<std::string_view>;
 
-class PlyHeader {
+class HeaderReader {
  public:
-  PlyHeader(std::string_view bytes, const std::string& name)
-      : lines_(bytes), name_(name), unread_(bytes.size()) {}
+  HeaderReader(std::string_view bytes, const std::string& name) : lines_(bytes), name_(name) {}
 
-  void check() {
+  PlyHeader run() {
     nextLine();
     if (trimmed(lines_.line()) != "ply")
-      throw InputError(fmt::format("{}: not a PLY file: it does not begin with 'ply'", name_));
+      throw FileError(fmt::format("{}: not a PLY file: it does not begin with 'ply'", name_));
     format(nextLine());
     for (Words words = nextLine(); words[0] != "end_header"; words = nextLine()) statement(words);
+    header_.body = lines_.rest();
+    header_.lines = lines_.number();
     checkVertices();
     checkFaces();
-    for (const Element& element : elements_) checkSize(element);
+    for (const PlyElement& element : header_.elements) checkSize(element);
+    return std::move(header_);
   }
 
  private:
   [[noreturn]] void fail(std::size_t line, const std::string& what) const {
-    throw InputError(fmt::format("{}:{}: {}", name_, line, what));
+    throw FileError(fmt::format("{}:{}: {}", name_, line, what));
   }
 
   Words nextLine() {
     if (!lines_.next()) fail(lines_.number(), "the header has no 'end_header'");
-    unread_ -= std::min(unread_, lines_.line().size() + 1);
     Words words = splitAtBlanks(lines_.line());
     if (words.empty()) fail(lines_.number(), "an empty line in the header");
     return words;
@@ -86,8 +73,13 @@ class PlyHeader {
   void format(const Words& words) {
     if (words.size() != 3 || words[0] != "format")
       fail(lines_.number(), "the second line must be 'format ... 1.0'");
-    isText_ = words[1] == "ascii";
-    if (!isText_ && words[1] != "binary_little_endian" && words[1] != "binary_big_endian")
+    if (words[1] == "ascii")
+      header_.format = PlyFormat::kText;
+    else if (words[1] == "binary_little_endian")
+      header_.format = PlyFormat::kLittleEndian;
+    else if (words[1] == "binary_big_endian")
+      header_.format = PlyFormat::kBigEndian;
+    else
       fail(lines_.number(), fmt::format("unknown format '{}'", words[1]));
   }
 
@@ -101,37 +93,37 @@ class PlyHeader {
   void element(const Words& words) {
     const auto count = words.size() == 3 ? parseInteger(words[2]) : std::nullopt;
     if (!count || *count < 0) fail(lines_.number(), "an element needs a name and a count");
-    elements_.push_back({words[1], static_cast<std::size_t>(*count), lines_.number(), {}});
+    header_.elements.push_back({words[1], static_cast<std::size_t>(*count), lines_.number(), {}});
   }
 
   void property(const Words& words) {
-    if (elements_.empty()) fail(lines_.number(), "a property before the first element");
+    if (header_.elements.empty()) fail(lines_.number(), "a property before the first element");
     const bool isList = words.size() == 5 && words[1] == "list";
     if (!isList && words.size() != 3) fail(lines_.number(), "a property needs a type and a name");
-    Element& element = elements_.back();
-    element.leastSize += sizeOf(words[isList ? 2 : 1]);
-    const std::string_view type = words[isList ? 3 : 1];
-    sizeOf(type);
-    element.properties.push_back({type, words.back(), isList});
+    PlyProperty property{words.back(), typeOf(words[isList ? 3 : 1]), {}};
+    if (isList) property.countType = typeOf(words[2]);
+    if (isList && !isWhole(*property.countType))
+      fail(lines_.number(), "a list needs a whole number for its count");
+    header_.elements.back().properties.push_back(property);
   }
 
-  std::size_t sizeOf(std::string_view type) const {
-    for (const TypeSize& known : kTypes)
-      if (known.type == type) return known.size;
-    fail(lines_.number(), fmt::format("unknown type '{}'", type));
+  PlyType typeOf(std::string_view name) const {
+    for (const NamedType& known : kTypes)
+      if (known.name == name) return known.type;
+    fail(lines_.number(), fmt::format("unknown type '{}'", name));
   }
 
-  const Element& find(std::string_view name, std::string_view other) const {
-    for (const Element& element : elements_)
-      if (element.name == name || element.name == other) return element;
-    throw InputError(fmt::format("{}: not a mesh: no element '{}'", name_, name));
+  const PlyElement& find(bool (*isWanted)(std::string_view), const char* name) const {
+    for (const PlyElement& element : header_.elements)
+      if (isWanted(element.name)) return element;
+    throw FileError(fmt::format("{}: not a mesh: no element '{}'", name_, name));
   }
 
   void checkVertices() const {
-    const Element& vertices = find("vertex", "vertices");
+    const PlyElement& vertices = find(isVertexElement, "vertex");
     for (const std::string_view axis : {"x", "y", "z"}) {
-      const auto isAxis = [axis](const Property& p) {
-        return p.name == axis && !p.isList && (p.type.starts_with("float") || p.type == "double");
+      const auto isAxis = [axis](const PlyProperty& p) {
+        return p.name == axis && !p.countType && !isWhole(p.type);
       };
       if (std::none_of(vertices.properties.begin(), vertices.properties.end(), isAxis))
         fail(vertices.line, fmt::format("vertices need a float or double property '{}'", axis));
@@ -139,41 +131,52 @@ class PlyHeader {
   }
 
   void checkFaces() const {
-    const Element& faces = find("face", "faces");
-    const auto isCorners = [](const Property& p) {
-      return p.isList && (p.name == "vertex_indices" || p.name == "vertex_index") &&
-             (p.type.starts_with("int") || p.type.starts_with("uint")) && sizeOfIndex(p.type) == 4;
-    };
-    if (std::none_of(faces.properties.begin(), faces.properties.end(), isCorners))
-      fail(faces.line, "faces need a list 'vertex_indices' of int or uint");
+    const PlyElement& faces = find(isFaceElement, "face");
+    const auto isGood = [](const PlyProperty& p) { return isCornerList(p) && isWhole(p.type); };
+    if (std::none_of(faces.properties.begin(), faces.properties.end(), isGood))
+      fail(faces.line, "faces need a list 'vertex_indices' of whole numbers");
   }
 
-  static std::size_t sizeOfIndex(std::string_view type) {
-    return type.ends_with("16") ? 2 : type.ends_with("8") ? 1 : 4;
-  }
-
-  void checkSize(const Element& element) const {
+  void checkSize(const PlyElement& element) const {
     if (element.properties.empty() && element.count > 0)
       fail(element.line, fmt::format("element '{}' has no properties", element.name));
-    const std::size_t least =
-        isText_ ? kLeastTextSize * element.properties.size() : element.leastSize;
+    std::size_t least = 0;
+    for (const PlyProperty& property : element.properties)
+      least += header_.format == PlyFormat::kText
+                   ? kLeastTextSize
+                   : sizeOf(property.countType.value_or(property.type));
     // One more: the last number of a text may have nothing behind it.
-    if (least > 0 && element.count > (unread_ + 1) / least)
+    if (least > 0 && element.count > (header_.body.size() + 1) / least)
       fail(element.line, fmt::format("{} of '{}' are announced, but the file is too short for them",
                                      element.count, element.name));
   }
 
   LineReader lines_;
   const std::string& name_;
-  std::size_t unread_;  ///< bytes after the lines read so far
-  bool isText_ = true;
-  std::vector<Element> elements_;
+  PlyHeader header_;
 };
 
 }  // namespace
 
-void checkPlyHeader(std::string_view bytes, const std::string& name) {
-  PlyHeader(bytes, name).check();
+std::size_t sizeOf(PlyType type) {
+  switch (type) {
+    case PlyType::kInt8:
+    case PlyType::kUint8:
+      return 1;
+    case PlyType::kInt16:
+    case PlyType::kUint16:
+      return 2;
+    case PlyType::kFloat64:
+      return 8;
+    default:
+      return 4;
+  }
+}
+
+bool isWhole(PlyType type) { return type != PlyType::kFloat32 && type != PlyType::kFloat64; }
+
+PlyHeader readPlyHeader(std::string_view bytes, const std::string& name) {
+  return HeaderReader(bytes, name).run();
 }
 
 }  // namespace qelm::tool

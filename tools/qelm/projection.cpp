@@ -3,94 +3,117 @@
 #include <fmt/format.h>
 
 #include <Eigen/Eigenvalues>
+#include <algorithm>
 #include <cmath>
-#include <optional>
+#include <cstddef>
+#include <string_view>
+#include <vector>
 
 #include "error.h"
-#include "vec3.h"
+#include "text.h"
+#include "weld.h"
 
 namespace qelm::tool {
 namespace {
 
-// With less than this part of a view's length, an axis is too close to the direction
-// of view to tell what is up.
-constexpr double kLeastUpward = 0.1;
+// Bodies about as flat along z as across their best plane are looked at from
+// above: a picture in a known direction is worth more than a slightly larger one.
+constexpr double kFlatEnough = 1.1;
 
-Point scaled(const Point& a, double factor) {
-  return {a[0] * factor, a[1] * factor, a[2] * factor};
+// Closer to the z axis than about 8 degrees, "z points up" says too little.
+constexpr double kAlongZ = 0.99;
+
+Point scaled(const Point& p, double factor) {
+  return {p[0] * factor, p[1] * factor, p[2] * factor};
 }
 
-Point unit(const Point& a) { return scaled(a, 1 / length(a)); }
-
-/// The view from where `normal` points to, with z upwards on paper, or else y.
-Projection seenFrom(const Point& normal) {
-  const auto upward = [&](const Point& axis) { return axis - scaled(normal, dot(axis, normal)); };
-  Point up = upward({0, 0, 1});
-  if (length(up) < kLeastUpward) up = upward({0, 1, 0});
-  up = unit(up);
-  return {cross(up, normal), up};
+// By the largest part first: squares of the parts could overflow or vanish.
+Point unit(const Point& p) {
+  const double largest = std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
+  const Point q = scaled(p, 1 / largest);
+  return scaled(q, 1 / length(q));
 }
 
-Point centre(const Mesh& mesh) {
-  Point sum = {0, 0, 0};
-  for (int v = 0; v < mesh.vertexCount(); ++v) sum = sum + mesh.point(v);
-  return scaled(sum, 1.0 / mesh.vertexCount());
+/// Covariance of the vertices, in units of the mesh's diagonal.
+Eigen::Matrix3d covariance(const Mesh& mesh) {
+  const double size = diagonal(mesh);
+  const Point origin = mesh.point(0);
+  const auto place = [&](int v) {
+    const Point p = scaled(mesh.point(v) - origin, 1 / size);
+    return Eigen::Vector3d(p[0], p[1], p[2]);
+  };
+  Eigen::Vector3d mean = Eigen::Vector3d::Zero();
+  for (int v = 0; v < mesh.vertexCount(); ++v) mean += place(v);
+  mean /= mesh.vertexCount();
+  Eigen::Matrix3d sum = Eigen::Matrix3d::Zero();
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    sum += (place(v) - mean) * (place(v) - mean).transpose();
+  return sum / mesh.vertexCount();
 }
 
-/// Of the plane of least squares: the direction in which the vertices spread least.
-Point planeNormal(const Mesh& mesh) {
-  const Point middle = centre(mesh);
-  Eigen::Matrix3d spread = Eigen::Matrix3d::Zero();
-  for (int v = 0; v < mesh.vertexCount(); ++v) {
-    const Point p = mesh.point(v) - middle;
-    const Eigen::Vector3d d(p[0], p[1], p[2]);
-    spread += d * d.transpose();
+/// From +z, -y or +x, by whichever axis the direction is nearest to.
+Point facingTheViewer(const Point& normal) {
+  constexpr Point kSigns = {1, -1, 1};
+  std::size_t main = 2;
+  for (const std::size_t k : {1, 0})
+    if (std::abs(normal[k]) > std::abs(normal[main])) main = k;
+  return scaled(normal, normal[main] * kSigns[main] < 0 ? -1 : 1);
+}
+
+Point bestDirection(const Mesh& mesh) {
+  const Eigen::Matrix3d spread = covariance(mesh);
+  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(spread);
+  if (spread(2, 2) <= kFlatEnough * solver.eigenvalues()[0]) return {0, 0, 1};
+  const Eigen::Vector3d normal = solver.eigenvectors().col(0);
+  return facingTheViewer({normal[0], normal[1], normal[2]});
+}
+
+Point parsedDirection(const std::string& text) {
+  constexpr std::string_view kAxes = "xyz";
+  std::string_view word = trimmed(text);
+  const bool isSigned = word.size() == 2 && (word[0] == '-' || word[0] == '+');
+  if (isSigned || word.size() == 1) {
+    const std::size_t axis = kAxes.find(word.back());
+    if (axis != std::string_view::npos) {
+      Point direction{};
+      direction[axis] = word[0] == '-' ? -1 : 1;
+      return direction;
+    }
   }
-  const Eigen::Vector3d n =
-      Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d>(spread).eigenvectors().col(0);
-  return unit({n[0], n[1], n[2]});
-}
-
-/// Twice the sum of the triangles' oriented areas.
-Point areaVector(const Mesh& mesh) {
-  Point sum = {0, 0, 0};
-  for (int t = 0; t < mesh.triangleCount(); ++t) {
-    const auto c = mesh.corners(t);
-    const Point p = mesh.point(c[0]);
-    sum = sum + cross(mesh.point(c[1]) - p, mesh.point(c[2]) - p);
+  Point direction{};
+  const std::vector<std::string_view> parts = splitAt(word, ',');
+  bool good = parts.size() == 3;
+  for (std::size_t k = 0; good && k < 3; ++k) {
+    const auto value = parseDouble(trimmed(parts[k]));
+    good = value && std::isfinite(*value);
+    if (good) direction[k] = *value;
   }
-  return sum;
-}
-
-Projection fittingPlane(const Mesh& mesh) {
-  const Point normal = planeNormal(mesh);
-  const double facing = dot(areaVector(mesh), normal);
-  return seenFrom(facing < 0 ? scaled(normal, -1) : normal);
-}
-
-std::optional<Point> axisOf(const std::string& word) {
-  const bool negative = !word.empty() && word[0] == '-';
-  const std::string name = negative ? word.substr(1) : word;
-  for (std::size_t k = 0; k < 3; ++k) {
-    if (name != std::string(1, "xyz"[k])) continue;
-    Point axis = {0, 0, 0};
-    axis[k] = negative ? -1 : 1;
-    return axis;
-  }
-  return {};
+  if (!good || direction == Point{})
+    throw UsageError(fmt::format(
+        "--view {}: give best, x, y, z, -x, -y, -z, or a direction X,Y,Z towards the viewer",
+        text));
+  return direction;
 }
 
 }  // namespace
 
-std::array<double, 2> Projection::operator()(const Point& p) const {
-  return {dot(right, p), dot(up, p)};
+ViewChoice parseView(const std::string& text) {
+  if (trimmed(text) == "best" || trimmed(text) == "plane") return {{}, text};
+  return {parsedDirection(text), text};
 }
 
-Projection projectionOf(const std::string& word, const Mesh& mesh) {
-  if (word == "plane") return fittingPlane(mesh);
-  const std::optional<Point> axis = axisOf(word);
-  if (!axis) throw UsageError(fmt::format("--view {}: write x, y, z, -x, -y, -z or plane", word));
-  return seenFrom(*axis);
+Projection projectionFor(const ViewChoice& choice, const Mesh& mesh) {
+  Projection result;
+  result.toward = unit(choice.direction ? *choice.direction : bestDirection(mesh));
+  const Point upright = std::abs(result.toward[2]) > kAlongZ ? Point{0, 1, 0} : Point{0, 0, 1};
+  result.right = unit(cross(upright, result.toward));
+  result.up = cross(result.toward, result.right);
+  constexpr Point kAbove = {0, 0, 1};
+  const bool fromAbove = result.toward == kAbove;
+  result.description = fromAbove          ? "seen from +z"
+                       : choice.direction ? fmt::format("seen from {}", choice.text)
+                                          : "seen across its best plane";
+  return result;
 }
 
 }  // namespace qelm::tool

@@ -1,27 +1,37 @@
-// Looking at a mesh along a direction: where its points are on paper.
+// From where a picture looks at a mesh.
 #ifndef QELM_TOOLS_PROJECTION_H
 #define QELM_TOOLS_PROJECTION_H
 
-#include <array>
+#include <optional>
 #include <string>
 
 #include "mesh.h"
+#include "vec3.h"
 
 namespace qelm::tool {
 
-/// Orthogonal. x to the right, y upwards, both in the unit of the mesh.
+/// A parallel projection: to the right, up, and towards the viewer, each of length 1.
 struct Projection {
-  Point right, up;
+  Point right, up, toward;
+  std::string description;  ///< "seen from +z"
 
-  std::array<double, 2> operator()(const Point& p) const;
+  Point operator()(const Point& p) const { return {dot(p, right), dot(p, up), dot(p, toward)}; }
 };
 
-/// From a word: "x", "y", "z" look from the positive end of an axis towards the
-/// origin, "-x", "-y", "-z" from the negative end, with z upwards, or y where z is the
-/// axis; "plane" looks at right angles at the plane that fits the vertices best
-/// (least squares), from the side from which most of the surface is seen to be
-/// counter-clockwise. Throws UsageError that quotes the word.
-Projection projectionOf(const std::string& word, const Mesh& mesh);
+/// What --view says: an axis, a direction, or nothing for the best plane.
+struct ViewChoice {
+  std::optional<Point> direction;
+  std::string text;
+};
+
+/// "best", "x", "-y" and so on, or "X,Y,Z". Throws UsageError that quotes `text`.
+ViewChoice parseView(const std::string& text);
+
+/// Towards the viewer along the choice's direction or, for the best plane, across
+/// the plane that fits the vertices best (least squares): from above rather than
+/// from below, from the front (-y) rather than from behind. z points up in the
+/// picture, or y where the viewer looks along z. Requires finite coordinates.
+Projection projectionFor(const ViewChoice& choice, const Mesh& mesh);
 
 }  // namespace qelm::tool
 

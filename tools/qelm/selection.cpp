@@ -31,7 +31,7 @@ class Selection {
 
  private:
   [[noreturn]] void fail(const std::string& what) const {
-    throw InputError(fmt::format("--fix {}: {}", condition_.text, what));
+    throw RequestError(fmt::format("--fix {}: {}", condition_.text, what));
   }
 
   std::vector<int> select(const VertexList& list) const {
@@ -61,6 +61,15 @@ class Selection {
     for (std::size_t k = 0; k < std::min(loops_->size(), kShown); ++k)
       text += fmt::format("{} loop:{} ({:.6g} long)", k == 0 ? ":" : ",", k, (*loops_)[k].length);
     return loops_->size() > kShown ? text + ", ..." : text;
+  }
+
+  std::vector<int> select(const WholeBoundary&) const {
+    if (!loops_) loops_ = boundaryLoops(mesh_);
+    if (loops_->empty()) fail("the mesh is closed: it has no boundary");
+    std::vector<int> vertices;
+    for (const BoundaryLoop& loop : *loops_)
+      vertices.insert(vertices.end(), loop.vertices.begin(), loop.vertices.end());
+    return vertices;
   }
 
   // Of equally near vertices the one with the lowest number.
@@ -112,6 +121,16 @@ double valueOf(const Condition& condition, std::size_t k) {
   return condition.values.size() == 1 ? condition.values[0] : condition.values[k];
 }
 
+/// What a file holds at a vertex, for all fields.
+void fix(Prescribed& prescribed, const FixedVertex& fixed) {
+  const std::size_t n = prescribed.tags.size();
+  const auto i = static_cast<std::size_t>(fixed.vertex);
+  for (std::size_t k = 0; k < prescribed.fieldCount; ++k)
+    prescribed.values[k * n + i] = fixed.value;
+  prescribed.tags[i] = fixed.tag;
+  ++prescribed.fixedCount;
+}
+
 /// Fixes the vertices and returns those that had another value before, in any field.
 std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
                      const Condition& condition) {
@@ -136,12 +155,14 @@ std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
 
 }  // namespace
 
-Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions) {
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
+                     std::span<const FixedVertex> fromFile) {
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   Prescribed prescribed;
   prescribed.tags.assign(n, 0);
   prescribed.fieldCount = fieldCount(conditions);
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
+  for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
   std::optional<std::vector<BoundaryLoop>> loops;
   for (const Condition& condition : conditions) {
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
@@ -149,7 +170,7 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions)
     const std::vector<int> changed = fix(prescribed, vertices, condition);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
-          "{}={} holds instead of an earlier --fix at {} {}, the first is {}", condition.text,
+          "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,
           describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }

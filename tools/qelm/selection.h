@@ -9,6 +9,7 @@
 
 #include "conditions.h"
 #include "mesh.h"
+#include "vertex_csv.h"
 
 namespace qelm::tool {
 
@@ -21,12 +22,13 @@ struct Prescribed {
   int fixedCount = 0;
 };
 
-/// Applies the conditions in order; where they overlap with different values the
-/// later one holds and a note names the first such vertex.
+/// Applies first what a file holds, then the conditions in order; where they overlap with different
+/// values the later one holds and a note names the first such vertex.
 ///
-/// Throws InputError when a condition names what the mesh has not, or selects
+/// Throws RequestError when a condition names what the mesh has not, or selects
 /// nothing; UsageError when the conditions disagree about the number of fields.
-Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions);
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
+                     std::span<const FixedVertex> fromFile = {});
 
 }  // namespace qelm::tool
 

@@ -11,7 +11,7 @@ namespace qelm::tool {
 void runSolve(const SolveOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the field (-o -) or --json, not both");
-  const Console console(output.quiet);
+  const Console console(output);
   // Opened first: a long solve must not end with a folder that is not there.
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output);

@@ -8,10 +8,10 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 
-#include "load_csv.h"
 #include "load_mesh.h"
 #include "mesh_checks.h"
 #include "output_file.h"
+#include "vertex_csv.h"
 
 namespace qelm::tool {
 namespace {
@@ -54,12 +54,14 @@ Json conditionJson(const Condition& condition) {
     json["value"] = condition.values[0];
   else
     json["values"] = condition.values;
+  json["tag"] = condition.tag;
   return json;
 }
 
 }  // namespace
 
-Json summaryJson(const SolvedField& solved, const std::vector<std::string>& results) {
+Json summaryJson(const SolvedField& solved, const std::vector<std::string>& results,
+                 const std::vector<ReportItem>& more) {
   Json fixes = Json::array();
   for (std::size_t k = 0; k < solved.conditions.size(); ++k) {
     fixes.push_back(conditionJson(solved.conditions[k]));
@@ -69,6 +71,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
                   {"vertices", solved.mesh.vertexCount()},
                   {"triangles", solved.mesh.triangleCount()},
                   {"fixedVertices", solved.prescribed.fixedCount},
+                  {"fixFileVertices", solved.fromFile},
                   {"fix", fixes}};
   if (solved.fieldCount() == 1) {
     summary.update(rangeJson(solved, 0));
@@ -77,6 +80,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
   }
+  for (const ReportItem& item : more) summary.update(item.members);
   summary["seconds"] = Json::object();
   for (const Step& step : solved.steps.list()) summary["seconds"][step.name] = step.seconds;
   summary["results"] = results;
@@ -100,14 +104,16 @@ void printRanges(const SolvedField& solved, const Console& console) {
 }
 
 void printLines(const SolvedField& solved, const std::vector<std::string>& results,
-                const Console& console) {
+                const Console& console, const std::vector<ReportItem>& more) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
                            solved.mesh.vertexCount(), solved.mesh.triangleCount()));
   console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
                              describeValues(solved.conditions[k]), solved.prescribed.selected[k]));
   printRanges(solved, console);
+  for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
   console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
@@ -130,6 +136,7 @@ std::string describeTimes(const Steps& steps) {
 SolvedField solveField(const FieldOptions& options, const Console& console) {
   SolvedField solved;
   solved.meshName = options.mesh;
+  solved.steps = Steps(console);
   for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
   if (!options.several && fieldCount(solved.conditions) > 1)
     throw UsageError(
@@ -140,10 +147,13 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   const Mesh& mesh = solved.mesh;
   std::vector<double> load;
   if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
+  std::vector<FixedVertex> fromFile;
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
+  solved.fromFile = static_cast<int>(fromFile.size());
   naming(options.mesh, [&] {
     steps.run("check", [&] {
       checkMesh(mesh);
-      solved.prescribed = prescribe(mesh, solved.conditions);
+      solved.prescribed = prescribe(mesh, solved.conditions, fromFile);
       checkEveryPartIsFixed(mesh, solved.prescribed.tags);
     });
     for (const std::string& note : solved.prescribed.notes) console.note(note);
@@ -159,18 +169,19 @@ void requireRange(const SolvedField& solved, const char* use) {
   constexpr double kConstant = 1e-12;
   const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
   if (*high - *low <= kConstant * std::max(std::abs(*low), std::abs(*high)))
-    throw InputError(fmt::format(
+    throw RequestError(fmt::format(
         "{}: the field is {:.6g} everywhere, so there is no range to {}; fix vertices at two "
         "different values at least",
         solved.meshName, *low, use));
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,
-                 const OutputOptions& output, const Console& console) {
+                 const OutputOptions& output, const Console& console,
+                 const std::vector<ReportItem>& more) {
   if (output.json)
-    printJson(summaryJson(solved, results));
+    printJson(summaryJson(solved, results, more));
   else
-    printLines(solved, results, console);
+    printLines(solved, results, console, more);
 }
 
 }  // namespace qelm::tool

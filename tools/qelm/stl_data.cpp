@@ -49,7 +49,7 @@ class StlPass {
     plain_ = "solid\n";
     while (lines_.next()) statement(splitAtBlanks(lines_.line()));
     if (corners_ != kOutside) fail("the file ends within a facet; it may be cut short");
-    if (facetCount_ == 0) throw InputError(fmt::format("{}: not a mesh: no facets", name_));
+    if (facetCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name_));
     plain_ += "endsolid\n";
     return std::move(plain_);
   }
@@ -58,7 +58,11 @@ class StlPass {
   static constexpr int kOutside = -1;
 
   [[noreturn]] void fail(const std::string& what) const {
-    throw InputError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
+    throw FileError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
+  }
+
+  [[noreturn]] void failMesh(const std::string& what) const {
+    throw MeshError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
   }
 
   // One line may hold several statements: some programs write whole facets so.
@@ -91,8 +95,8 @@ class StlPass {
       const auto value = parseDouble(words[k]);
       if (!value) fail(fmt::format("'{}' is not a coordinate", words[k]));
       if (!std::isfinite(*value))
-        fail(fmt::format("facet {}: coordinate '{}' is not finite; repair the file", facetCount_,
-                         words[k]));
+        failMesh(fmt::format("facet {}: coordinate '{}' is not finite; repair the file",
+                             facetCount_, words[k]));
     }
     fmt::format_to(std::back_inserter(plain_), "vertex {} {} {}\n", words[at + 1], words[at + 2],
                    words[at + 3]);
@@ -124,17 +128,17 @@ bool isBinaryStl(std::string_view bytes) {
 
 void checkBinaryStl(std::string_view bytes, const std::string& name) {
   const std::uint64_t count = facetCount(bytes);
-  if (count == 0) throw InputError(fmt::format("{}: not a mesh: no facets", name));
+  if (count == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name));
   const std::uint64_t present = (bytes.size() - kHeaderSize) / kFacetSize;
   if (present < count)
-    throw InputError(
+    throw FileError(
         fmt::format("{}: not an STL file, or cut short: {} facets are announced, {} are there",
                     name, count, present));
   for (std::uint64_t facet = 0; facet < count; ++facet) {
     const std::size_t corners = kHeaderSize + kFacetSize * facet + kNormalSize;
     for (std::size_t k = 0; k < 9; ++k)
       if (!std::isfinite(valueAt<float>(bytes, corners + 4 * k)))
-        throw InputError(
+        throw MeshError(
             fmt::format("{}: facet {}: a coordinate of corner {} is not finite; repair the file",
                         name, facet, k / 3));
   }

@@ -28,6 +28,8 @@ class LineReader {
   /// Moves to the next line; false at the end.
   bool next();
   std::string_view line() const { return line_; }
+  /// What follows this line.
+  std::string_view rest() const { return rest_; }
   /// Counted from 1, as editors do.
   std::size_t number() const { return number_; }
 

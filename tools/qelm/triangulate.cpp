@@ -22,6 +22,13 @@ constexpr double kStraightTolerance = 1e-6;
 // A convex outline turns once, by 2 pi; one that turns twice crosses itself.
 constexpr double kMostTurning = 3 * std::numbers::pi;
 
+// The best of all corners is looked for at every cut: more corners than this would
+// take minutes, and nobody models them.
+constexpr std::size_t kMostCorners = 2000;
+
+// How many corners of a polygon a message shows.
+constexpr std::size_t kShownCorners = 12;
+
 class Splitter {
  public:
   explicit Splitter(const PolygonSoup& soup) : soup_(soup) {}
@@ -59,11 +66,14 @@ class Splitter {
   }
 
   [[noreturn]] static void refuse(const std::vector<int>& outline, int face, const char* why) {
-    throw InputError(fmt::format("face {} ({}): {}; split it into triangles in your modeller", face,
-                                 fmt::join(outline, ", "), why));
+    const std::span shown(outline.data(), std::min(outline.size(), kShownCorners));
+    throw MeshError(fmt::format("face {} ({}{}): {}; split it into triangles in your modeller",
+                                face, fmt::join(shown, ", "),
+                                shown.size() < outline.size() ? ", ..." : "", why));
   }
 
   void checkOutline(const std::vector<int>& outline, int face) const {
+    if (outline.size() > kMostCorners) refuse(outline, face, "a polygon with too many corners");
     std::vector<int> sorted = outline;
     std::sort(sorted.begin(), sorted.end());
     if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())

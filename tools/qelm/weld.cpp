@@ -45,7 +45,7 @@ double diagonal(const Mesh& mesh) {
   }
   const double result = length(high - low);
   if (!std::isfinite(result))
-    throw InputError("the mesh is too large: its diagonal is not finite; scale it down");
+    throw MeshError("the mesh is too large: its diagonal is not finite; scale it down");
   return result;
 }
 
@@ -62,10 +62,10 @@ Welded weld(const Mesh& mesh, double tolerance) {
                mesh.triangles.data(), tolerance, welded.mesh.vertices.data(),
                welded.mesh.triangles.data(), map.data(), &vertexCount, &triangleCount);
   if (status != QELM_STATUS_OK)
-    throw InputError(fmt::format("the library refuses to weld with status {}", status));
+    throw MeshError(fmt::format("the library refuses to weld with status {}", status));
   if (triangleCount == 0)
-    throw InputError(fmt::format(
-        "welding within {:.6g} leaves no triangle; use a smaller tolerance", tolerance));
+    throw MeshError(fmt::format("welding within {:.6g} leaves no triangle; use a smaller tolerance",
+                                tolerance));
   welded.mesh.vertices.resize(3 * static_cast<std::size_t>(vertexCount));
   welded.mesh.triangles.resize(3 * static_cast<std::size_t>(triangleCount));
   welded.droppedTriangles = mesh.triangleCount() - triangleCount;

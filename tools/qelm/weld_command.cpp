@@ -79,9 +79,10 @@ void noteProblems(const Mesh& mesh, const Console& console) {
 void runWeld(const WeldOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
-  const Console console(output.quiet);
+  const Console console(output);
   const MeshFormat format = writableFormat(options.output);
   WeldRun run;
+  run.steps = Steps(console);
   if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
   OutputFile file(options.output);
   run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });

@@ -1,0 +1,60 @@
+"""--help: the grammar, the exit codes, and examples that run as they stand."""
+
+import re
+import shlex
+
+import pytest
+
+import shapes
+from tool import Tool, run_all
+
+COMMANDS = ["info", "check", "solve", "heatmap", "curves", "weld"]
+
+
+@pytest.fixture(scope="module")
+def helps(tmp_path_factory):
+    folder = tmp_path_factory.mktemp("help")
+    tool = Tool(folder)
+    done = run_all([(tool, [command, "--help"]) for command in COMMANDS])
+    return dict(zip(COMMANDS, done))
+
+
+def examples(text):
+    return [shlex.split(line)[1:] for line in re.findall(r"^  (qelm .*)$", text, re.MULTILINE)]
+
+
+def write_example_files(qelm):
+    roof = shapes.annulus(1, 2)
+    qelm.write("roof.obj", shapes.obj(roof))
+    qelm.write("part.stl", shapes.stl_text(shapes.grid(4, 3)))
+    qelm.write("fixed.csv", "0,1\n12,0.5,3\n".replace(",3", ""))
+    qelm.write("snow.csv", "0.01\n" * len(roof[0]))
+
+
+@pytest.mark.parametrize("command", COMMANDS)
+def test_every_example_runs(qelm, helps, command):
+    assert helps[command].returncode == 0 and helps[command].stderr == ""
+    found = examples(helps[command].stdout)
+    assert len(found) >= 2 and all(example[0] == command for example in found)
+    write_example_files(qelm)
+    for example in found:
+        qelm.ok(*example)
+
+
+@pytest.mark.parametrize("command", ["solve", "heatmap", "curves"])
+def test_every_command_with_a_field_shows_the_same_grammar(helps, command):
+    text = helps[command].stdout
+    for form in (
+        "--fix SELECTOR=VALUE[:TAG]", "--fix-file FILE.csv", "--load FILE.csv", "vertex:I[,I...]", "loop:K",
+        "boundary ", "near:X,Y,Z", "box:X0,Y0,Z0,X1,Y1,Z1", "from 0",
+    ):  # fmt: skip
+        assert form in text, form
+
+
+@pytest.mark.parametrize("command", COMMANDS)
+def test_every_command_shows_the_exit_codes_and_fits_a_terminal(helps, command):
+    text = helps[command].stdout
+    section = text[text.index("Exit codes:") :]
+    assert re.findall(r"^  (\d)  ", section, re.MULTILINE) == list("012345")
+    long = [line for line in text.splitlines() if len(line) > 88 and not line.startswith("  qelm ")]
+    assert long == []

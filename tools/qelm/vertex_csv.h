@@ -1,0 +1,26 @@
+// Values at vertices as CSV: loads, and values to hold.
+#ifndef QELM_TOOLS_VERTEX_CSV_H
+#define QELM_TOOLS_VERTEX_CSV_H
+
+#include <string>
+#include <vector>
+
+namespace qelm::tool {
+
+/// Reads one load per vertex from a CSV file, see kLoadHelp for its forms.
+/// Throws FileError that names the file and the line.
+std::vector<double> readLoad(const std::string& name, int vertexCount);
+
+struct FixedVertex {
+  int vertex;
+  double value;
+  int tag;
+};
+
+/// Reads values to hold, see kFixFileHelp; every vertex at most once, in the file's
+/// order. Throws FileError that names the file and the line.
+std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount);
+
+}  // namespace qelm::tool
+
+#endif
