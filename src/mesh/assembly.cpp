@@ -25,19 +25,6 @@ Corners cornersOf(std::span<const std::int32_t> triangles, std::size_t j) {
 
 bool repeatsAVertex(const Corners& c) { return c[0] == c[1] || c[1] == c[2] || c[0] == c[2]; }
 
-/// Status of the first defect by index. Three different vertices without area are
-/// no defect: their entries are non-finite, and the factorisation meets them.
-int meshStatus(int vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<bool> used(static_cast<std::size_t>(vertexCount), false);
-  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const Corners c = cornersOf(triangles, j);
-    if (repeatsAVertex(c)) return QELM_STATUS_REPEATED_VERTEX;
-    for (const std::int32_t v : c) used[static_cast<std::size_t>(v)] = true;
-  }
-  const bool allUsed = std::find(used.begin(), used.end(), false) == used.end();
-  return allUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
-}
-
 /// Adds to K_rc, wherever the entry lies; rows of tagged vertices are not kept.
 void addEntry(FreeRowBlocks& blocks, std::int32_t t, std::int32_t row, std::int32_t column,
               double value) {
@@ -76,6 +63,17 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 }
 
 }  // namespace
+
+int meshStatus(int vertexCount, std::span<const std::int32_t> triangles) {
+  std::vector<bool> used(static_cast<std::size_t>(vertexCount), false);
+  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
+    const Corners c = cornersOf(triangles, j);
+    if (repeatsAVertex(c)) return QELM_STATUS_REPEATED_VERTEX;
+    for (const std::int32_t v : c) used[static_cast<std::size_t>(v)] = true;
+  }
+  const bool allUsed = std::find(used.begin(), used.end(), false) == used.end();
+  return allUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
+}
 
 FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
                                std::span<const double> coordinates,
