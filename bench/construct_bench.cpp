@@ -78,6 +78,10 @@ Run kept(const Case& c) {
     const std::vector<std::int32_t> order = work->mesh.tags;
     const SparseBlock freeFree = work->freeFree;
     const SparseBlock freeFixed = work->freeFixed;
+    benchmark::DoNotOptimize(coordinates.data());
+    benchmark::DoNotOptimize(triangles.data());
+    benchmark::DoNotOptimize(place.data());
+    benchmark::DoNotOptimize(order.data());
     benchmark::DoNotOptimize(freeFixed.valuePtr());
     return static_cast<std::size_t>(work->mesh.triangleCount());
   };
