@@ -81,7 +81,8 @@ double largestError(const Field& solved, const Field& exact) {
   double largest = 0;
   for (std::size_t i = 0; i < exact.size(); ++i) {
     const double error = std::fabs(solved[i] - exact[i]);
-    if (!(error <= largest)) largest = error;
+    if (std::isnan(error)) return error;
+    if (error > largest) largest = error;
   }
   return largest;
 }

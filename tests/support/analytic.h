@@ -28,7 +28,7 @@ AnalyticCase catenoidCase(int resolution);
 /// All of them at one resolution: 4 * resolution vertices around, resolution + 1 across.
 std::vector<AnalyticCase> analyticCases(int resolution);
 
-/// Largest |solved - exact| over the vertices.
+/// Largest |solved - exact| over the vertices; NaN if any of them is NaN.
 double largestError(const Field& solved, const Field& exact);
 
 }  // namespace qelm::test
