@@ -1,74 +1,85 @@
 // The heat-map export beside its plain form, line by line through a stream, and the
-// mere formatting of the same doubles into memory. The argument is thousands of
-// vertices.
-#include <benchmark/benchmark.h>
-
+// mere formatting of the same doubles into memory.
 #include <charconv>
-#include <cmath>
+#include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include "export/plain_heat_map.h"
-#include "interface/mesh_system.h"
 #include "qelm.h"
-#include "support/meshes.h"
+#include "support/contender.h"
 
 namespace {
 
-struct Case {
+using qelm::bench::Case;
+using qelm::bench::Run;
+
+struct Work {
   MeshSystem system;
-  std::vector<double> field;
-  std::string path = "/tmp/qelm-export-bench";
+  qelm::test::Field field;
+  std::string path = (std::filesystem::temp_directory_path() / "qelm-export-bench").string();
+
+  Work() = default;
+  Work(Work&&) = default;
+  ~Work() {
+    std::remove((path + ".obj").c_str());
+    std::remove((path + ".mtl").c_str());
+  }
 };
 
-Case makeCase(const benchmark::State& state) {
-  const int side = static_cast<int>(std::sqrt(1000.0 * static_cast<double>(state.range(0))));
-  qelm::test::Mesh mesh = qelm::test::openSurface(side, side, 1);
-  Case c;
-  c.field = mesh.sample([](qelm::test::Point p) { return std::sin(3 * p.x) + p.y; });
-  c.system.vertices = std::make_shared<const std::vector<double>>(std::move(mesh.vertices));
-  c.system.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(mesh.triangles));
-  return c;
+std::shared_ptr<const Work> workOf(const Case& c) {
+  return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
+    qelm::test::Mesh mesh = makeMesh(which);
+    Work work;
+    work.field = qelm::bench::waves(mesh);
+    work.system.vertices = std::make_shared<const std::vector<double>>(std::move(mesh.vertices));
+    work.system.triangles =
+        std::make_shared<const std::vector<std::int32_t>>(std::move(mesh.triangles));
+    return work;
+  });
 }
 
-void removeFiles(const Case& c) {
-  std::remove((c.path + ".obj").c_str());
-  std::remove((c.path + ".mtl").c_str());
+Run heatMap(const Case& c) {
+  return [work = workOf(c)] {
+    wobj(&work->system, work->field.data(), work->path.c_str());
+    return std::filesystem::file_size(work->path + ".obj");
+  };
 }
 
-void heatMap(benchmark::State& state) {
-  const Case c = makeCase(state);
-  for (auto _ : state) wobj(&c.system, c.field.data(), c.path.c_str());
-  removeFiles(c);
+Run plain(const Case& c) {
+  return [work = workOf(c)] {
+    {
+      std::ofstream obj(work->path + ".obj");
+      qelm::test::plainObj(obj, work->system, work->field, work->path);
+    }
+    return std::filesystem::file_size(work->path + ".obj");
+  };
 }
 
-void plain(benchmark::State& state) {
-  const Case c = makeCase(state);
-  for (auto _ : state) {
-    std::ofstream obj(c.path + ".obj");
-    qelm::test::plainObj(obj, c.system, c.field, c.path);
-  }
-  removeFiles(c);
-}
-
-void formattingAlone(benchmark::State& state) {
-  const Case c = makeCase(state);
-  std::vector<char> memory(64 * c.field.size());
-  for (auto _ : state) {
-    char* to = memory.data();
-    char* const end = to + memory.size();
+/// Coordinates and field, with no separators, no triangles and no file.
+Run toChars(const Case& c) {
+  const auto work = workOf(c);
+  return [work, memory = std::make_shared<std::vector<char>>(64 * work->field.size())] {
+    char* to = memory->data();
+    char* const end = to + memory->size();
     const auto write = [&](double x) {
       to = std::to_chars(to, end, x, std::chars_format::general, 6).ptr;
     };
-    for (const double x : *c.system.vertices) write(x);
-    for (const double x : c.field) write(x);
-    benchmark::DoNotOptimize(to);
-  }
+    for (const double x : *work->system.vertices) write(x);
+    for (const double x : work->field) write(x);
+    return static_cast<std::size_t>(to - memory->data());
+  };
 }
 
 }  // namespace
 
-BENCHMARK(heatMap)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(plain)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(formattingAlone)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+int main(int argumentCount, char** arguments) {
+  using qelm::bench::addContender;
+  addContender("export", "qelm", heatMap);
+  addContender("export", "plain", plain, qelm::bench::upTo(1'000'000));
+  addContender("export", "to_chars", toChars, qelm::bench::upTo(1'000'000));
+  return qelm::bench::runContenders(argumentCount, arguments);
+}

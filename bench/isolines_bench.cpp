@@ -1,86 +1,159 @@
-// Isoline segments beside the plain form with its dense tables. Arguments: thousands
-// of vertices, levels. The mesh is arranged column by column, as the export reads
-// it, so its rows are the triangles of a grid; the field rises along one side, and
-// every level crosses about one row of the grid's cells.
-#include <benchmark/benchmark.h>
-
-#include <cmath>
+// Isolines and joined curves of one surface and field, beside the plain form of the
+// isolines with its dense tables, and VTK's contour filter with and without joining.
+//
+// qelisoline() reads its tables column by column with as many rows of triangles as of
+// vertices. To cut the very triangles that the others cut, the mesh is laid out in
+// that way, with vertices at its end that no triangle has.
+#include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <utility>
 
-#include "interface/mesh_system.h"
 #include "isolines/plain_isolines.h"
 #include "qelm.h"
-#include "support/meshes.h"
+#include "support/contender.h"
+
+#if defined(QELM_HAVE_VTK)
+#include "peers/vtk.h"
+#endif
 
 namespace {
 
-struct Case {
-  MeshSystem system;
-  std::vector<double> field;
-  std::vector<double> levels;
+using qelm::bench::Case;
+using qelm::bench::Run;
+using qelm::bench::SystemHandle;
+using qelm::test::Field;
+using qelm::test::Mesh;
+using Levels = std::vector<double>;
+
+struct Work {
+  Mesh mesh;
+  Field field;
+  MeshSystem columns;  ///< for qelisoline
+  Field columnsField;
+  SystemHandle system;  ///< for qelmcurvesTagged
 };
 
-/// As many triangle rows as vertices: every second triangle of the grid.
-Case makeCase(const benchmark::State& state) {
-  const int side = static_cast<int>(std::sqrt(1000.0 * static_cast<double>(state.range(0))));
-  const qelm::test::Mesh mesh = qelm::test::gridMesh(side, side);
-  const std::size_t n = mesh.tags.size();
-  std::vector<double> columns(3 * n);
-  std::vector<std::int32_t> corners(3 * n, 0);
-  Case c;
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t k = 0; k < 3; ++k) columns[i + k * n] = mesh.vertices[3 * i + k];
-    c.field.push_back(mesh.vertices[3 * i]);
+MeshSystem inColumns(const Mesh& mesh) {
+  const auto rows = static_cast<std::size_t>(std::max(mesh.vertexCount(), mesh.triangleCount()));
+  std::vector<double> points(3 * rows);
+  std::vector<std::int32_t> corners(3 * rows, 0);
+  for (std::size_t k = 0; k < 3; ++k) {
+    for (std::size_t i = 0; i < mesh.tags.size(); ++i) {
+      points[i + k * rows] = mesh.vertices[3 * i + k];
+    }
+    for (std::size_t t = 0; 3 * t < mesh.triangles.size(); ++t) {
+      corners[t + k * rows] = mesh.triangles[3 * t + k];
+    }
   }
-  for (std::size_t t = 0; 6 * t < mesh.triangles.size(); ++t) {
-    for (std::size_t k = 0; k < 3; ++k) corners[t + k * n] = mesh.triangles[6 * t + k];
-  }
-  c.system.vertexCount = static_cast<std::int64_t>(n);
-  c.system.vertices = std::make_shared<const std::vector<double>>(std::move(columns));
-  c.system.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(corners));
-  const auto levelCount = static_cast<int>(state.range(1));
-  for (int j = 0; j < levelCount; ++j) c.levels.push_back((j + 0.53) / levelCount);
-  return c;
+  MeshSystem system;
+  system.vertexCount = static_cast<std::int64_t>(rows);
+  system.vertices = std::make_shared<const std::vector<double>>(std::move(points));
+  system.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(corners));
+  return system;
 }
 
-/// Nearly no crossings: every level lies beyond the field, but for the first.
-Case makeQuietCase(const benchmark::State& state) {
-  Case c = makeCase(state);
-  for (std::size_t j = 1; j < c.levels.size(); ++j) c.levels[j] = 2 + c.levels[j];
-  return c;
+std::shared_ptr<const Work> workOf(const Case& c) {
+  return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
+    Work work;
+    // With every vertex tagged there is nothing to factorise.
+    work.mesh = makeMesh(which).withEveryVertexTagged();
+    work.field = qelm::bench::waves(work.mesh);
+    work.columns = inColumns(work.mesh);
+    work.columnsField = work.field;
+    work.columnsField.resize(static_cast<std::size_t>(work.columns.vertexCount), 0.0);
+    work.system = qelm::bench::construct(work.mesh);
+    return work;
+  });
 }
 
-void run(benchmark::State& state, const Case& c) {
-  std::int64_t segments = 0;
-  for (auto _ : state) {
+/// One level through the middle; the others are beyond the field.
+Levels oneOf(const Field& field, int count) {
+  Levels levels = qelm::bench::spreadLevels(field, 1);
+  for (int j = 1; j < count; ++j) levels.push_back(1000 + j);
+  return levels;
+}
+
+Run isolines(std::shared_ptr<const Work> work, Levels levels) {
+  return [work = std::move(work), levels = std::move(levels)] {
     IsoPointMatrix* points = nullptr;
     IsoEdgeMatrix* edges = nullptr;
-    qelisoline(&c.system, c.field.data(), static_cast<int>(c.levels.size()), c.levels.data(),
-               &points, &edges);
-    segments = edges->rows;
+    qelisoline(&work->columns, work->columnsField.data(), static_cast<int>(levels.size()),
+               levels.data(), &points, &edges);
+    const auto segments = static_cast<std::size_t>(edges->rows);
     qelfreeisoline(points, edges);
-  }
-  state.counters["segments"] = static_cast<double>(segments);
+    return segments;
+  };
 }
 
-void isolines(benchmark::State& state) { run(state, makeCase(state)); }
-void quietIsolines(benchmark::State& state) { run(state, makeQuietCase(state)); }
+Run curves(std::shared_ptr<const Work> work, Levels levels) {
+  return [work = std::move(work), levels = std::move(levels)] {
+    QelmCurves* curves = nullptr;
+    int status = 0;
+    qelmcurvesTagged(work->system.get(), work->field.data(), static_cast<int>(levels.size()),
+                     levels.data(), &curves, &status);
+    const auto points = static_cast<std::size_t>(curves->pointCount);
+    qelmfreecurves(curves);
+    return points;
+  };
+}
 
-void plain(benchmark::State& state) {
-  const Case c = makeCase(state);
-  std::size_t segments = 0;
-  for (auto _ : state) {
-    segments = qelm::test::plainIsolines(c.system, c.field, c.levels).edges.size() / 2;
-  }
-  state.counters["segments"] = static_cast<double>(segments);
+Run plain(std::shared_ptr<const Work> work, Levels levels) {
+  return [work = std::move(work), levels = std::move(levels)] {
+    return qelm::test::plainIsolines(work->columns, work->columnsField, levels).edges.size() / 2;
+  };
+}
+
+#if defined(QELM_HAVE_VTK)
+Run vtk(std::shared_ptr<const Work> work, Levels levels,
+        std::size_t (*cut)(vtkPolyData&, const Levels&)) {
+  return [mesh = qelm::bench::vtkMesh(work->mesh, work->field), levels = std::move(levels), cut] {
+    return cut(*mesh, levels);
+  };
+}
+#endif
+
+void addSpread(const char* stage, int count, int largestPlain, [[maybe_unused]] int largestPeer) {
+  using qelm::bench::addContender;
+  const auto add = [=](const char* contender, Run (*run)(std::shared_ptr<const Work>, Levels),
+                       int largest) {
+    addContender(
+        stage, contender,
+        [=](const Case& c) {
+          const auto work = workOf(c);
+          return run(work, qelm::bench::spreadLevels(work->field, count));
+        },
+        qelm::bench::upTo(largest));
+  };
+  add("isolines", isolines, 3'000'000);
+  add("curves", curves, 3'000'000);
+  add("plain", plain, largestPlain);
+#if defined(QELM_HAVE_VTK)
+  add(
+      "vtk", [](auto work, auto levels) { return vtk(work, levels, qelm::bench::vtkContours); },
+      largestPeer);
+  add(
+      "vtk_joined",
+      [](auto work, auto levels) { return vtk(work, levels, qelm::bench::vtkJoinedContours); },
+      largestPeer);
+#endif
+}
+
+void addFew(const char* contender, int count) {
+  qelm::bench::addContender("levels_few", contender, [=](const Case& c) {
+    const auto work = workOf(c);
+    return isolines(work, oneOf(work->field, count));
+  });
 }
 
 }  // namespace
 
-BENCHMARK(isolines)
-    ->ArgsProduct({{10, 100, 1000}, {1, 10, 100, 1000}})
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(quietIsolines)->ArgsProduct({{1000}, {1, 10, 100, 1000}})->Unit(benchmark::kMillisecond);
-// Without 1000 levels on a million vertices: the tables alone would take 24 GB.
-BENCHMARK(plain)->ArgsProduct({{10, 100}, {1, 10, 100, 1000}})->Unit(benchmark::kMillisecond);
-BENCHMARK(plain)->ArgsProduct({{1000}, {1, 10, 100}})->Unit(benchmark::kMillisecond);
+int main(int argumentCount, char** arguments) {
+  addSpread("levels_1", 1, 3'000'000, 1'000'000);
+  addSpread("levels_10", 10, 1'000'000, 1'000'000);
+  // At a million vertices the plain form's tables would take 5 GB, and VTK minutes.
+  addSpread("levels_100", 100, 100'000, 100'000);
+  addFew("isolines_1", 1);
+  addFew("isolines_100", 100);
+  return qelm::bench::runContenders(argumentCount, arguments);
+}

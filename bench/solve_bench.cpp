@@ -1,87 +1,86 @@
-// Construction and solves through the exports, beside bare Eigen on the same
-// free-free block. The argument is the number of grid columns and rows.
-#include <benchmark/benchmark.h>
+// Solves through the exports, beside bare Eigen and CHOLMOD with factors of the same
+// free-free block.
+#include <cstddef>
+#include <memory>
 
-#include "interface/mesh_system.h"
 #include "qelm.h"
-#include "support/meshes.h"
+#include "support/contender.h"
+
+#if defined(QELM_HAVE_CHOLMOD)
+#include <Eigen/CholmodSupport>
+#endif
 
 namespace {
 
-using qelm::test::Mesh;
+using qelm::SparseBlock;
+using qelm::bench::Case;
+using qelm::bench::Run;
 
-Mesh benchMesh(const benchmark::State& state) {
-  const int side = static_cast<int>(state.range(0));
-  return qelm::test::openSurface(side, side, 1).withBoundaryTagged();
+struct Work {
+  qelm::bench::SystemHandle system;
+  qelm::test::Field values;
+  mutable qelm::test::Field result;
+};
+
+std::shared_ptr<const Work> workOf(const Case& c) {
+  return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
+    const qelm::test::Mesh mesh = makeMesh(which);
+    return Work{qelm::bench::construct(mesh), qelm::bench::waves(mesh),
+                qelm::test::Field(mesh.tags.size())};
+  });
 }
 
-MeshSystem* construct(const Mesh& mesh) {
-  MeshSystem* system = nullptr;
-  int status = 0;
-  qelmctorTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                 mesh.triangles.data(), mesh.tags.data(), nullptr, &status, &system);
-  return system;
+Run dirichlet(const Case& c) {
+  return [work = workOf(c)] {
+    int status = 0;
+    qelmsolveTagged(work->system.get(), work->values.data(), work->result.data(), &status);
+    return work->result.size();
+  };
 }
 
-void construction(benchmark::State& state) {
-  const Mesh mesh = benchMesh(state);
-  for (auto _ : state) {
-    MeshSystem* system = construct(mesh);
-    benchmark::DoNotOptimize(system);
-    qelmfree(system);
-  }
+Run withLoad(const Case& c) {
+  return [work = workOf(c)] {
+    int status = 0;
+    qelmsolvePTagged(work->system.get(), work->values.data(), work->values.data(),
+                     work->result.data(), &status);
+    return work->result.size();
+  };
 }
 
-void bareEigenCompute(benchmark::State& state) {
-  MeshSystem* system = construct(benchMesh(state));
-  for (auto _ : state) {
-    qelm::FreeSolver solver(*system->freeFreeBlock);
-    benchmark::DoNotOptimize(solver.info());
-  }
-  qelmfree(system);
+template <class Solver>
+Run solveWith(std::shared_ptr<const Work> work, std::shared_ptr<const Solver> solver) {
+  const Eigen::VectorXd rhs = Eigen::VectorXd::Random(work->system->freeFreeBlock->rows());
+  return [=] {
+    const Eigen::VectorXd solution = solver->solve(rhs);
+    return static_cast<std::size_t>(solution.size());
+  };
 }
 
-void dirichletSolve(benchmark::State& state) {
-  const Mesh mesh = benchMesh(state);
-  MeshSystem* system = construct(mesh);
-  const qelm::test::Field values = mesh.sample([](qelm::test::Point p) { return p.x - p.y; });
-  qelm::test::Field result(values.size());
-  int status = 0;
-  for (auto _ : state) {
-    qelmsolveTagged(system, values.data(), result.data(), &status);
-    benchmark::DoNotOptimize(result.data());
-  }
-  qelmfree(system);
+Run bareEigen(const Case& c) {
+  const auto work = workOf(c);
+  return solveWith<qelm::FreeSolver>(work, work->system->freeSolver);
 }
 
-void loadSolve(benchmark::State& state) {
-  const Mesh mesh = benchMesh(state);
-  MeshSystem* system = construct(mesh);
-  const qelm::test::Field values = mesh.sample([](qelm::test::Point p) { return p.x - p.y; });
-  qelm::test::Field result(values.size());
-  int status = 0;
-  for (auto _ : state) {
-    qelmsolvePTagged(system, values.data(), values.data(), result.data(), &status);
-    benchmark::DoNotOptimize(result.data());
-  }
-  qelmfree(system);
+#if defined(QELM_HAVE_CHOLMOD)
+template <class Solver>
+Run cholmod(const Case& c) {
+  const auto work = workOf(c);
+  return solveWith<Solver>(work, std::make_shared<const Solver>(*work->system->freeFreeBlock));
 }
-
-void bareEigenSolve(benchmark::State& state) {
-  MeshSystem* system = construct(benchMesh(state));
-  const Eigen::VectorXd rhs = Eigen::VectorXd::Random(system->freeFreeBlock->rows());
-  Eigen::VectorXd solution(rhs.size());
-  for (auto _ : state) {
-    solution = system->freeSolver->solve(rhs);
-    benchmark::DoNotOptimize(solution.data());
-  }
-  qelmfree(system);
-}
+#endif
 
 }  // namespace
 
-BENCHMARK(construction)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond);
-BENCHMARK(bareEigenCompute)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond);
-BENCHMARK(dirichletSolve)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond);
-BENCHMARK(loadSolve)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond);
-BENCHMARK(bareEigenSolve)->Arg(100)->Arg(316)->Unit(benchmark::kMillisecond);
+int main(int argumentCount, char** arguments) {
+  using qelm::bench::addContender;
+  addContender("solve", "qelm", dirichlet);
+  addContender("solve", "qelm_load", withLoad);
+  addContender("solve", "eigen", bareEigen);
+#if defined(QELM_HAVE_CHOLMOD)
+  addContender("solve", "cholmod_simplicial", cholmod<Eigen::CholmodSimplicialLDLT<SparseBlock>>,
+               qelm::bench::upTo(1'000'000));
+  addContender("solve", "cholmod_supernodal", cholmod<Eigen::CholmodSupernodalLLT<SparseBlock>>,
+               qelm::bench::upTo(1'000'000));
+#endif
+  return qelm::bench::runContenders(argumentCount, arguments);
+}

@@ -1,97 +1,143 @@
-// qelmWeld beside its plain form: two tree builds, one query per vertex into a
-// vector, a node-based set of triangles. Soups of triangles as an STL file has
-// them, and scattered points.
-#include <benchmark/benchmark.h>
-
+// qelmWeld beside its plain form (two tree builds, one query per vertex into a vector,
+// a node-based set of triangles) and VTK's merging of points with a tolerance. The
+// input is as many triangles as the case's size says, each with corners of its own, as
+// an STL file has them; scattered points besides.
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "qelm.h"
-#include "support/meshes.h"
+#include "support/contender.h"
 #include "support/plain_weld.h"
 #include "support/random.h"
 
+#if defined(QELM_HAVE_VTK)
+#include "peers/vtk.h"
+#endif
+
 namespace {
 
-struct Input {
-  std::vector<double> vertices;
-  std::vector<std::int32_t> triangles;
+using qelm::bench::Case;
+using qelm::bench::Run;
+using qelm::bench::upTo;
+using qelm::test::Mesh;
+
+struct Work {
+  Mesh soup;
   double tolerance = 1e-9;
 };
+using MakeWork = Work (*)(const Case&);
 
-/// About as many triangles as the argument says, each with its own vertices.
-Input soup(const benchmark::State& state) {
-  const int side = static_cast<int>(std::sqrt(static_cast<double>(state.range(0)) / 2));
-  const auto mesh = qelm::test::asSoup(qelm::test::openSurface(side + 1, side + 1, 1));
-  return {mesh.vertices, mesh.triangles};
+/// In the order of the triangles, or with the corners' numbers in a random one.
+Work soupOf(const Case& c) {
+  const Mesh soup = qelm::test::asSoup(qelm::bench::makeMesh({c.surface, false, c.size / 2}));
+  if (!c.shuffled) return {soup};
+  qelm::test::Random random(1);
+  return {relabelled(soup, qelm::test::permutation(random, soup.vertexCount()))};
 }
 
-/// The same, every corner off its place by less than the tolerance.
-Input noisySoup(const benchmark::State& state) {
-  Input input = soup(state);
+/// Every corner off its place by less than the tolerance.
+Work noisySoupOf(const Case& c) {
+  Work work = soupOf(c);
   qelm::test::Random random(1);
-  for (double& v : input.vertices) v += qelm::test::uniform(random, -1e-10, 1e-10);
-  return input;
+  for (double& x : work.soup.vertices) x += qelm::test::uniform(random, -1e-10, 1e-10);
+  return work;
 }
 
-/// Uniform in the unit cube, with `neighbours` others within the tolerance of a
-/// point on average.
-Input scattered(const benchmark::State& state, double neighbours) {
+/// Uniform in the unit cube, with `neighbours` others within the tolerance of a point
+/// on average. As many points as the size says, whatever the surface.
+template <int neighbours>
+Work scattered(const Case& c) {
   qelm::test::Random random(1);
-  Input input;
-  const auto count = static_cast<double>(state.range(0));
-  for (int k = 0; k < 3 * state.range(0); ++k) {
-    input.vertices.push_back(qelm::test::uniform(random, 0, 1));
+  Work work;
+  for (int k = 0; k < 3 * c.size; ++k) {
+    work.soup.vertices.push_back(qelm::test::uniform(random, 0, 1));
   }
+  work.soup.tags.assign(static_cast<std::size_t>(c.size), 0);
   constexpr double kBallVolume = 4.18879;  // of radius 1
-  input.tolerance = std::cbrt(neighbours / (count * kBallVolume));
-  return input;
+  work.tolerance = std::cbrt(neighbours / (c.size * kBallVolume));
+  return work;
 }
 
-Input scatteredSparse(const benchmark::State& state) { return scattered(state, 0.1); }
-Input scatteredHalf(const benchmark::State& state) { return scattered(state, 1); }
-Input scatteredDense(const benchmark::State& state) { return scattered(state, 100); }
-Input scatteredVeryDense(const benchmark::State& state) { return scattered(state, 1000); }
-
-void library(benchmark::State& state, Input (*make)(const benchmark::State&)) {
-  const Input input = make(state);
-  std::vector<double> vertices(input.vertices.size());
-  std::vector<int> triangles(input.triangles.size());
-  std::vector<int> map(input.vertices.size() / 3);
-  int vertexCount = 0;
-  int triangleCount = 0;
-  for (auto _ : state) {
-    qelmWeld(static_cast<int>(map.size()), input.vertices.data(),
-             static_cast<int>(triangles.size() / 3), input.triangles.data(), input.tolerance,
-             vertices.data(), triangles.data(), map.data(), &vertexCount, &triangleCount);
-    benchmark::DoNotOptimize(vertexCount);
-  }
-  state.counters["kept"] = vertexCount;
+template <MakeWork make>
+std::shared_ptr<const Work> workOf(const Case& c) {
+  // A lambda's type of its own keeps the stages' works apart.
+  struct OfStage : Work {};
+  return qelm::bench::sharedBetweenContenders<OfStage>(
+      c, [](const Case& which) { return OfStage{make(which)}; });
 }
 
-void plain(benchmark::State& state, Input (*make)(const benchmark::State&)) {
-  const Input input = make(state);
-  std::size_t kept = 0;
-  for (auto _ : state) {
-    const auto welded = qelm::test::plainWeld(input.vertices, input.triangles, input.tolerance);
-    kept = welded.vertices.size() / 3;
-    benchmark::DoNotOptimize(kept);
-  }
-  state.counters["kept"] = static_cast<double>(kept);
+Run library(std::shared_ptr<const Work> work) {
+  struct Outputs {
+    std::vector<double> vertices;
+    std::vector<int> triangles;
+    std::vector<int> map;
+  };
+  const auto out = std::make_shared<Outputs>();
+  out->vertices.resize(work->soup.vertices.size());
+  out->triangles.resize(work->soup.triangles.size());
+  out->map.resize(work->soup.tags.size());
+  return [=] {
+    int vertexCount = 0;
+    int triangleCount = 0;
+    qelmWeld(work->soup.vertexCount(), work->soup.vertices.data(), work->soup.triangleCount(),
+             work->soup.triangles.data(), work->tolerance, out->vertices.data(),
+             out->triangles.data(), out->map.data(), &vertexCount, &triangleCount);
+    return static_cast<std::size_t>(vertexCount);
+  };
+}
+
+Run plain(std::shared_ptr<const Work> work) {
+  return [=] {
+    const auto welded =
+        qelm::test::plainWeld(work->soup.vertices, work->soup.triangles, work->tolerance);
+    return welded.vertices.size() / 3;
+  };
+}
+
+#if defined(QELM_HAVE_VTK)
+template <std::size_t (*clean)(vtkPolyData&, double)>
+Run vtk(std::shared_ptr<const Work> work) {
+  return
+      [work, mesh = qelm::bench::vtkMesh(work->soup, {})] { return clean(*mesh, work->tolerance); };
+}
+#endif
+
+template <MakeWork make>
+void add(const char* stage, const char* contender, Run (*run)(std::shared_ptr<const Work>),
+         const qelm::bench::TakesPart& takesPart) {
+  qelm::bench::addContender(
+      stage, contender, [=](const Case& c) { return run(workOf<make>(c)); }, takesPart);
+}
+
+template <MakeWork make>
+void addSoup(const char* stage, [[maybe_unused]] const qelm::bench::TakesPart& vtkCanClean) {
+  add<make>(stage, "qelm", library, upTo(3'000'000));
+  add<make>(stage, "plain", plain, upTo(1'000'000));
+#if defined(QELM_HAVE_VTK)
+  add<make>(stage, "vtk", vtk<qelm::bench::vtkClean>, vtkCanClean);
+  add<make>(stage, "vtk_static", vtk<qelm::bench::vtkStaticClean>, upTo(1'000'000));
+#endif
+}
+
+template <MakeWork make>
+void addScattered(const char* stage) {
+  add<make>(stage, "qelm", library, upTo(100'000));
+  add<make>(stage, "plain", plain, upTo(100'000));
 }
 
 }  // namespace
 
-#define QELM_WELD_CASE(input, count)                                                   \
-  BENCHMARK_CAPTURE(library, input, input)->Arg(count)->Unit(benchmark::kMillisecond); \
-  BENCHMARK_CAPTURE(plain, input, input)->Arg(count)->Unit(benchmark::kMillisecond)
-
-QELM_WELD_CASE(soup, 100000);
-QELM_WELD_CASE(soup, 1000000);
-QELM_WELD_CASE(noisySoup, 100000);
-QELM_WELD_CASE(noisySoup, 1000000);
-QELM_WELD_CASE(scatteredSparse, 1000000);
-QELM_WELD_CASE(scatteredHalf, 1000000);
-QELM_WELD_CASE(scatteredDense, 100000);
-QELM_WELD_CASE(scatteredVeryDense, 100000);
+int main(int argumentCount, char** arguments) {
+  addSoup<soupOf>("weld_soup", upTo(1'000'000));
+  // Of a plane that is a little thick vtkCleanPolyData makes a box of few cells, and
+  // takes a minute for 10 thousand triangles.
+  addSoup<noisySoupOf>("weld_noisy_soup", [](const Case& c) {
+    return c.surface != qelm::bench::Surface::kGrid && c.size <= 1'000'000;
+  });
+  addScattered<scattered<1>>("weld_scattered_1");
+  addScattered<scattered<100>>("weld_scattered_100");
+  return qelm::bench::runContenders(argumentCount, arguments);
+}

@@ -1,8 +1,7 @@
 // The stiffness matrix K is never formed as a whole, nor is a list of its
-// contributions: the free rows' two blocks are laid out from the triangles
-// around each vertex, and the element matrices are added into place. Triangles
-// are added in input order, and each entry's sum starts from its first
-// contribution. The order of that sum is what decides the bits.
+// contributions: element matrices are evaluated in blocks of triangles, added up over
+// edges and vertices in input order, and laid out in the free rows' two blocks. The
+// order of those sums is what decides the bits.
 #include "mesh/assembly.h"
 
 #include <algorithm>
@@ -11,7 +10,8 @@
 #include <span>
 #include <utility>
 
-#include "mesh/element.h"
+#include "mesh/edge_sums.h"
+#include "mesh/element_block.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -25,46 +25,23 @@ Corners cornersOf(std::span<const std::int32_t> triangles, std::size_t j) {
 
 bool repeatsAVertex(const Corners& c) { return c[0] == c[1] || c[1] == c[2] || c[0] == c[2]; }
 
-/// Status of the first defect by index. Three different vertices without area are
-/// no defect: their entries are non-finite, and the factorisation meets them.
-int meshStatus(int vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<bool> used(static_cast<std::size_t>(vertexCount), false);
-  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const Corners c = cornersOf(triangles, j);
-    if (repeatsAVertex(c)) return QELM_STATUS_REPEATED_VERTEX;
-    for (const std::int32_t v : c) used[static_cast<std::size_t>(v)] = true;
-  }
-  const bool allUsed = std::find(used.begin(), used.end(), false) == used.end();
-  return allUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
-}
-
-/// Adds to K_rc, wherever the entry lies; rows of tagged vertices are not kept.
-void addEntry(FreeRowBlocks& blocks, std::int32_t t, std::int32_t row, std::int32_t column,
-              double value) {
-  if (row < t) return;
-  if (column < t) {
-    addToEntry(blocks.freeFixed, row - t, column, value);
-  } else {
-    addToEntry(blocks.freeFree, row - t, column - t, value);
+void gather(std::span<const double> coordinates, const Corners& corners, std::size_t lane,
+            BlockCorners& block) {
+  for (std::size_t k = 0; k < 3; ++k) {
+    const auto base = 3 * static_cast<std::size_t>(corners[k]);
+    block.x[k][lane] = coordinates[base];
+    block.y[k][lane] = coordinates[base + 1];
+    block.z[k][lane] = coordinates[base + 2];
   }
 }
 
-void addElement(FreeRowBlocks& blocks, std::int32_t t, const Corners& c,
-                const ElementStiffness& e) {
-  addEntry(blocks, t, c[0], c[1], e.k01);
-  addEntry(blocks, t, c[1], c[0], e.k01);
-  addEntry(blocks, t, c[1], c[2], e.k12);
-  addEntry(blocks, t, c[2], c[1], e.k12);
-  addEntry(blocks, t, c[0], c[2], e.k02);
-  addEntry(blocks, t, c[2], c[0], e.k02);
-  addEntry(blocks, t, c[0], c[0], e.k00);
-  addEntry(blocks, t, c[1], c[1], e.k11);
-  addEntry(blocks, t, c[2], c[2], e.k22);
-}
-
-Vec3 pointAt(std::span<const double> coordinates, std::int32_t vertex) {
-  const auto base = 3 * static_cast<std::size_t>(vertex);
-  return {coordinates[base], coordinates[base + 1], coordinates[base + 2]};
+void addElement(EdgeSums& sums, const Corners& c, const ElementStiffness& e) {
+  sums.add(c[0], c[1], e.k01);
+  sums.add(c[1], c[2], e.k12);
+  sums.add(c[0], c[2], e.k02);
+  sums.addToDiagonal(c[0], e.k00);
+  sums.addToDiagonal(c[1], e.k11);
+  sums.addToDiagonal(c[2], e.k22);
 }
 
 /// Moves a block behind a shared pointer. By swapping: Eigen's sparse matrices copy
@@ -77,17 +54,37 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 
 }  // namespace
 
+int meshStatus(int vertexCount, std::span<const std::int32_t> triangles) {
+  std::vector<char> used(static_cast<std::size_t>(vertexCount), 0);
+  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
+    const Corners c = cornersOf(triangles, j);
+    if (repeatsAVertex(c)) return QELM_STATUS_REPEATED_VERTEX;
+    for (const std::int32_t v : c) used[static_cast<std::size_t>(v)] = 1;
+  }
+  const bool allUsed = std::find(used.begin(), used.end(), 0) == used.end();
+  return allUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
+}
+
 FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
                                std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles) {
-  FreeRowBlocks blocks = emptyFreeRows(taggedCount, vertexCount, triangles);
-  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const Corners c = cornersOf(triangles, j);
-    addElement(blocks, taggedCount, c,
-               elementStiffness(pointAt(coordinates, c[0]), pointAt(coordinates, c[1]),
-                                pointAt(coordinates, c[2])));
+  const StiffnessOfBlock stiffnessOfBlock = fastestStiffnessOfBlock();
+  EdgeSums sums(taggedCount, vertexCount, triangles);
+  const std::size_t m = triangles.size() / 3;
+  BlockCorners corners{};  // lanes that a last block leaves over hold some numbers
+  BlockStiffness stiffness;
+  for (std::size_t first = 0; first < m; first += kBlock) {
+    const std::size_t count = std::min(kBlock, m - first);
+    for (std::size_t lane = 0; lane < count; ++lane) {
+      gather(coordinates, cornersOf(triangles, first + lane), lane, corners);
+    }
+    stiffnessOfBlock(corners, stiffness);
+    for (std::size_t lane = 0; lane < count; ++lane) {
+      addElement(sums, cornersOf(triangles, first + lane), stiffness.of(lane));
+    }
   }
-  return blocks;
+  sums.sortLists();
+  return blocksOf(sums, taggedCount);
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

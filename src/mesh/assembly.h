@@ -8,14 +8,19 @@
 #include <vector>
 
 #include "interface/mesh_system.h"
-#include "mesh/sparsity.h"
+#include "mesh/free_rows.h"
 
 namespace qelm {
+
+/// Status of the first defect by index: 0, 23 (a triangle repeats a vertex) or 24 (a
+/// vertex in no triangle). Three different vertices without area are no defect: their
+/// entries are non-finite, and the factorisation meets them.
+int meshStatus(int vertexCount, std::span<const std::int32_t> triangles);
 
 /// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
 /// in 0 .. n-1, no triangle with a repeated vertex. Each entry sums its triangles'
 /// contributions in input order, starting from the first one. Beyond the result
-/// it needs 12 bytes for each triangle and 16 for each vertex.
+/// it needs 36 bytes for each triangle and 24 for each vertex.
 FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
                                std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles);

@@ -106,3 +106,39 @@ def test_the_shared_object_is_hardened():
     assert "GNU_RELRO" in headers
     assert re.search(r"GNU_STACK.* RW ", headers), "the stack must not be executable"
     assert "BIND_NOW" in run("readelf", "-dW", LIBRARY) or "NOW" in run("readelf", "-dW", LIBRARY)
+
+
+@linux_only
+@pytest.mark.skipif(bool(SANITIZERS), reason="sanitizers replace the checks of the stack")
+def test_the_tool_and_the_library_check_their_stacks():
+    for file in (LIBRARY, program("qelm")):
+        assert "__stack_chk_fail" in run("nm", "-D", "--undefined-only", file), file
+
+
+@linux_only
+def test_the_tool_is_hardened_and_can_lie_anywhere():
+    tool = program("qelm")
+    headers = run("readelf", "-lW", tool)
+    assert "GNU_RELRO" in headers
+    assert re.search(r"GNU_STACK.* RW ", headers), "the stack must not be executable"
+    assert "NOW" in run("readelf", "-dW", tool)
+    assert re.search(r"Type:\s+DYN", run("readelf", "-hW", tool)), "not position-independent"
+
+
+@linux_only
+def test_nothing_is_both_writable_and_executable():
+    for file in (LIBRARY, program("qelm")):
+        assert not re.search(r" RWE ", run("readelf", "-lW", file)), file
+
+
+@windows_only
+def test_the_tool_has_dep_aslr_and_high_entropy_addresses():
+    headers = run(OBJDUMP, "-p", program("qelm"))
+    for flag in ("NX_COMPAT", "DYNAMIC_BASE", "HIGH_ENTROPY_VA"):
+        assert flag in headers
+
+
+@windows_only
+def test_the_tool_needs_nothing_but_windows_and_the_dll():
+    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", run(OBJDUMP, "-p", program("qelm")))}
+    assert needed <= WINDOWS_DLLS | {"qelm.dll", "shell32.dll"}, needed

@@ -1,0 +1,153 @@
+// Construction beside the plain way through triplets and one full matrix, Eigen's
+// own compute on the same free-free block, and CHOLMOD's.
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <utility>
+
+#include "mesh/assembly.h"
+#include "mesh/numbering.h"
+#include "qelm.h"
+#include "support/contender.h"
+#include "support/plain_assembly.h"
+
+#if defined(QELM_HAVE_CHOLMOD)
+#include <Eigen/CholmodSupport>
+#endif
+
+namespace {
+
+using qelm::SparseBlock;
+using qelm::bench::Case;
+using qelm::bench::Run;
+using qelm::test::Mesh;
+
+struct Work {
+  Mesh mesh;
+  MeshSystem reordered;  ///< the mesh alone
+  SparseBlock freeFree;
+  SparseBlock freeFixed;
+};
+
+qelm::FreeRowBlocks assemble(const Mesh& mesh, MeshSystem& reordered) {
+  qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
+  auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
+  auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
+  if (qelm::meshStatus(mesh.vertexCount(), triangles) != QELM_STATUS_OK) return {};
+  qelm::FreeRowBlocks blocks =
+      qelm::assembleFreeRows(numbering.taggedCount, mesh.vertexCount(), coordinates, triangles);
+  reordered.fixedCount = numbering.taggedCount;
+  reordered.vertexCount = mesh.vertexCount();
+  reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
+  reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
+  return blocks;
+}
+
+std::shared_ptr<const Work> workOf(const Case& c) {
+  return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
+    Work work;
+    work.mesh = makeMesh(which);
+    qelm::FreeRowBlocks blocks = assemble(work.mesh, work.reordered);
+    work.freeFree.swap(blocks.freeFree);
+    work.freeFixed.swap(blocks.freeFixed);
+    return work;
+  });
+}
+
+Run whole(const Case& c) {
+  return [work = workOf(c)] {
+    const qelm::bench::SystemHandle system = qelm::bench::construct(work->mesh);
+    return static_cast<std::size_t>(system->freeFreeBlock->nonZeros());
+  };
+}
+
+/// Checks, renumbering and blocks: construction without Eigen's compute.
+Run assembly(const Case& c) {
+  return [work = workOf(c)] {
+    MeshSystem reordered;
+    return static_cast<std::size_t>(assemble(work->mesh, reordered).freeFree.nonZeros());
+  };
+}
+
+/// What a handle keeps of all this, and nothing done: a copy. Makes the triangles.
+Run kept(const Case& c) {
+  return [work = workOf(c)] {
+    const std::vector<double> coordinates = *work->reordered.vertices;
+    const std::vector<std::int32_t> triangles = *work->reordered.triangles;
+    const std::vector<std::int32_t> place = work->mesh.tags;
+    const std::vector<std::int32_t> order = work->mesh.tags;
+    const SparseBlock freeFree = work->freeFree;
+    const SparseBlock freeFixed = work->freeFixed;
+    benchmark::DoNotOptimize(coordinates.data());
+    benchmark::DoNotOptimize(triangles.data());
+    benchmark::DoNotOptimize(place.data());
+    benchmark::DoNotOptimize(order.data());
+    benchmark::DoNotOptimize(freeFixed.valuePtr());
+    return static_cast<std::size_t>(work->mesh.triangleCount());
+  };
+}
+
+/// What Eigen is given: a copy of the block.
+Run block(const Case& c) {
+  return [work = workOf(c)] {
+    const SparseBlock copy = work->freeFree;
+    benchmark::DoNotOptimize(copy.valuePtr());
+    return static_cast<std::size_t>(copy.nonZeros());
+  };
+}
+
+/// Without checks and renumbering.
+Run plainTriplets(const Case& c) {
+  return [work = workOf(c)] {
+    const qelm::test::PlainBlocks blocks = qelm::test::plainAssembly(work->reordered);
+    return static_cast<std::size_t>(blocks.freeFree.nonZeros());
+  };
+}
+
+template <class Solver>
+Run compute(const Case& c) {
+  return [work = workOf(c)] {
+    const Solver solver(work->freeFree);
+    return static_cast<std::size_t>(work->freeFree.nonZeros());
+  };
+}
+
+/// The first part of compute(): ordering, then the pattern of the factor.
+Run eigenAnalysis(const Case& c) {
+  return [work = workOf(c)] {
+    qelm::FreeSolver solver;
+    solver.analyzePattern(work->freeFree);
+    return static_cast<std::size_t>(work->freeFree.nonZeros());
+  };
+}
+
+/// The first part of analyzePattern(): approximate minimum degree.
+Run eigenOrdering(const Case& c) {
+  return [work = workOf(c)] {
+    const SparseBlock whole = work->freeFree.selfadjointView<Eigen::Lower>();
+    Eigen::PermutationMatrix<Eigen::Dynamic, Eigen::Dynamic, int> order;
+    Eigen::AMDOrdering<int>()(whole, order);
+    return static_cast<std::size_t>(work->freeFree.nonZeros());
+  };
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  using qelm::bench::addContender;
+  addContender("construct", "qelm", whole);
+  addContender("construct", "assembly", assembly);
+  addContender("construct", "block", block);
+  addContender("construct", "kept", kept);
+  addContender("construct", "plain", plainTriplets);
+  addContender("construct", "eigen", compute<qelm::FreeSolver>);
+  addContender("construct", "eigen_analysis", eigenAnalysis);
+  addContender("construct", "eigen_ordering", eigenOrdering);
+#if defined(QELM_HAVE_CHOLMOD)
+  addContender("construct", "cholmod_simplicial",
+               compute<Eigen::CholmodSimplicialLDLT<SparseBlock>>, qelm::bench::upTo(1'000'000));
+  addContender("construct", "cholmod_supernodal", compute<Eigen::CholmodSupernodalLLT<SparseBlock>>,
+               qelm::bench::upTo(1'000'000));
+#endif
+  return qelm::bench::runContenders(argumentCount, arguments);
+}

@@ -1,0 +1,120 @@
+namespace Qelm
+{
+    /// <summary>How often something was found in a mesh, and where first.</summary>
+    public struct MeshFinding
+    {
+        internal MeshFinding(QelmFinding finding)
+            : this()
+        {
+            Count = checked((int)finding.count);
+            First = checked((int)finding.first);
+        }
+
+        /// <summary>How often.</summary>
+        public int Count { get; private set; }
+
+        /// <summary>The lowest index, of a triangle or a vertex as the finding says; -1 if there is none.</summary>
+        public int First { get; private set; }
+
+        /// <summary>"3, first 17", or "none".</summary>
+        public override string ToString()
+        {
+            return Count == 0 ? "none" : Text.Of(Count) + ", first " + Text.Of(First);
+        }
+    }
+
+    /// <summary>
+    /// What <c>Mesh.Check</c> found. Each finding looks at the mesh by itself, whatever the others found; those for
+    /// information keep no mesh from being solved on.
+    /// </summary>
+    public sealed class MeshReport
+    {
+        internal MeshReport(int code, QelmMeshReport report)
+        {
+            Status = (QelmStatus)code;
+            IndexOutOfRange = new MeshFinding(report.indexOutOfRange);
+            RepeatedVertex = new MeshFinding(report.repeatedVertex);
+            UnusedVertex = new MeshFinding(report.unusedVertex);
+            NotFinite = new MeshFinding(report.notFinite);
+            NearZeroArea = new MeshFinding(report.nearZeroArea);
+            SizeOutOfRange = new MeshFinding(report.sizeOutOfRange);
+            UntaggedPart = new MeshFinding(report.untaggedPart);
+            Part = new MeshFinding(report.part);
+            TaggedVertex = new MeshFinding(report.taggedVertex);
+            CrowdedEdge = new MeshFinding(report.crowdedEdge);
+            BoundaryLoop = new MeshFinding(report.boundaryLoop);
+            OpposedEdge = new MeshFinding(report.opposedEdge);
+            RepeatedTriangle = new MeshFinding(report.repeatedTriangle);
+            CoincidentVertex = new MeshFinding(report.coincidentVertex);
+            WorstTriangle = checked((int)report.worstTriangle);
+            WorstQuality = report.worstQuality;
+        }
+
+        /// <summary><see cref="QelmStatus.Ok"/>, or the first defect: in the order of the properties here.</summary>
+        public QelmStatus Status { get; private set; }
+
+        /// <summary>Whether the mesh can be built and every solve on it is well posed.</summary>
+        public bool IsSound
+        {
+            get { return Status == QelmStatus.Ok; }
+        }
+
+        /// <summary>The status in words.</summary>
+        public string Description
+        {
+            get { return NativeLibrary.StatusText((int)Status); }
+        }
+
+        /// <summary>Triangles that name a vertex that does not exist.</summary>
+        public MeshFinding IndexOutOfRange { get; private set; }
+
+        /// <summary>Triangles that name a vertex twice.</summary>
+        public MeshFinding RepeatedVertex { get; private set; }
+
+        /// <summary>Vertices that no triangle names.</summary>
+        public MeshFinding UnusedVertex { get; private set; }
+
+        /// <summary>Vertices with a coordinate that is infinite or not a number.</summary>
+        public MeshFinding NotFinite { get; private set; }
+
+        /// <summary>Triangles with a quality below 2^-44: no area, or too little for their size and place.</summary>
+        public MeshFinding NearZeroArea { get; private set; }
+
+        /// <summary>Triangles whose longest edge is not within 1e-60 and 1e60.</summary>
+        public MeshFinding SizeOutOfRange { get; private set; }
+
+        /// <summary>Connected parts without a tagged vertex; the first is given by its lowest vertex.</summary>
+        public MeshFinding UntaggedPart { get; private set; }
+
+        /// <summary>For information: connected parts; the first is given by its lowest vertex.</summary>
+        public MeshFinding Part { get; private set; }
+
+        /// <summary>For information: vertices tagged 1, 2 or 3.</summary>
+        public MeshFinding TaggedVertex { get; private set; }
+
+        /// <summary>For information: edges of more than two triangles; the first is given by a triangle.</summary>
+        public MeshFinding CrowdedEdge { get; private set; }
+
+        /// <summary>For information: boundary loops; the first is given by its lowest vertex.</summary>
+        public MeshFinding BoundaryLoop { get; private set; }
+
+        /// <summary>For information: edges whose two triangles are oriented against each other.</summary>
+        public MeshFinding OpposedEdge { get; private set; }
+
+        /// <summary>For information: triangles with the vertices of an earlier one.</summary>
+        public MeshFinding RepeatedTriangle { get; private set; }
+
+        /// <summary>For information: vertices exactly at the place of an earlier one.</summary>
+        public MeshFinding CoincidentVertex { get; private set; }
+
+        /// <summary>The first triangle of the lowest quality; -1 if none has one.</summary>
+        public int WorstTriangle { get; private set; }
+
+        /// <summary>
+        /// Its quality h * h / (L * W), with its longest edge L, the height h on it, and the larger one W of L and its
+        /// largest coordinate: fields have a relative rounding error of about 2.2e-16 / quality. Infinite if no
+        /// triangle has one.
+        /// </summary>
+        public double WorstQuality { get; private set; }
+    }
+}

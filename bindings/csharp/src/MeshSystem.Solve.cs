@@ -1,0 +1,141 @@
+using System;
+
+namespace Qelm
+{
+    public sealed unsafe partial class MeshSystem
+    {
+        /// <summary>Solves for one value per vertex, smooth between the prescribed ones.</summary>
+        /// <param name="values">One value per vertex; read at tagged vertices only.</param>
+        /// <returns>The field, one value per vertex. Tagged vertices have their own value, bit for bit.</returns>
+        /// <exception cref="ArgumentNullException">The array is null.</exception>
+        /// <exception cref="ArgumentException">The length is wrong, or the value of a tagged vertex is not
+        /// finite.</exception>
+        /// <exception cref="SingularSystemException">The system cannot be solved.</exception>
+        /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
+        public double[] Solve(double[] values)
+        {
+            var result = new double[VertexCount];
+            SolveInto(values, result);
+            return result;
+        }
+
+        /// <summary>Solves with a load as well: stiffness times field plus load is zero at each free vertex.</summary>
+        /// <param name="values">One value per vertex; read at tagged vertices only.</param>
+        /// <param name="load">One number per vertex, read at free vertices only and taken as it is: for the Poisson
+        /// equation the integral of the right-hand side times the vertex's hat function.</param>
+        /// <returns>The field, one value per vertex.</returns>
+        /// <exception cref="ArgumentNullException">An array is null.</exception>
+        /// <exception cref="ArgumentException">A length is wrong, or a number that is read is not finite.</exception>
+        /// <exception cref="SingularSystemException">The system cannot be solved.</exception>
+        /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
+        public double[] Solve(double[] values, double[] load)
+        {
+            var result = new double[VertexCount];
+            SolveInto(values, load, result);
+            return result;
+        }
+
+        /// <summary>As <see cref="Solve(double[])"/>, into an array of the caller's.</summary>
+        /// <param name="values">One value per vertex; read at tagged vertices only.</param>
+        /// <param name="result">Receives the field; may be the same array as <paramref name="values"/>.</param>
+        public void SolveInto(double[] values, double[] result)
+        {
+            Ensure.NotNull(values, "values");
+            Ensure.NotNull(result, "result");
+            fixed (double* v = values, r = result)
+            {
+                SolveInto(v, values.Length, null, r, result.Length);
+            }
+        }
+
+        /// <summary>As <see cref="Solve(double[], double[])"/>, into an array of the caller's.</summary>
+        /// <param name="values">One value per vertex; read at tagged vertices only.</param>
+        /// <param name="load">One number per vertex; read at free vertices only.</param>
+        /// <param name="result">Receives the field; any of the three arrays may be the same one.</param>
+        public void SolveInto(double[] values, double[] load, double[] result)
+        {
+            Ensure.NotNull(values, "values");
+            Ensure.NotNull(load, "load");
+            Ensure.NotNull(result, "result");
+            Ensure.Length(load.Length, VertexCount, "load");
+            fixed (double* v = values, l = load, r = result)
+            {
+                SolveInto(v, values.Length, l, r, result.Length);
+            }
+        }
+
+        /// <summary>A null load means none; another has its length checked already.</summary>
+        private void SolveInto(double* values, int valueCount, double* load, double* result, int resultCount)
+        {
+            Ensure.Length(valueCount, VertexCount, "values");
+            Ensure.Length(resultCount, VertexCount, "result");
+            EnsureFinite(values, 0, FixedCount, "vertex", "values");
+            if (load != null)
+            {
+                EnsureFinite(load, FixedCount, VertexCount, "vertex", "load");
+            }
+            ThrowUnlessSolvable();
+
+            int status;
+            if (load == null)
+            {
+                NativeMethods.qelmsolveTagged(Live(), values, result, &status);
+            }
+            else
+            {
+                NativeMethods.qelmsolvePTagged(Live(), values, load, result, &status);
+            }
+            QelmException.ThrowUnlessOk(status);
+            EnsureSolved(result);
+        }
+
+        /// <summary>Looks at the vertices of a range of system indices.</summary>
+        private void EnsureFinite(double* numbers, int begin, int end, string element, string name)
+        {
+            for (int s = begin; s < end; ++s)
+            {
+                int i = order.InputOf(s);
+                Ensure.Finite(numbers[i], element, i, name);
+            }
+        }
+
+        private void ThrowUnlessSolvable()
+        {
+            if (defect != null)
+            {
+                throw new SingularSystemException(FactorisationInfo, "The system cannot be solved: " + defect + ".");
+            }
+            if (FactorisationInfo != FactorisationInfo.Success)
+            {
+                throw new SingularSystemException(FactorisationInfo, "The factorisation ended with "
+                    + FactorisationInfo + ": some free vertices are not tied to a prescribed one.");
+            }
+        }
+
+        private void DisposeUnlessSolvable()
+        {
+            try
+            {
+                ThrowUnlessSolvable();
+            }
+            catch (SingularSystemException)
+            {
+                Dispose();
+                throw;
+            }
+        }
+
+        // A nearly singular system passes the factorisation and overflows in the solve.
+        private void EnsureSolved(double* result)
+        {
+            for (int i = 0; i < VertexCount; ++i)
+            {
+                if (!Ensure.IsFinite(result[i]))
+                {
+                    throw new SingularSystemException(FactorisationInfo, "The field is " + Text.Of(result[i])
+                        + " at vertex " + Text.Of(i) + ": the equations have no finite solution there.");
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,153 @@
+using System;
+using System.Runtime.InteropServices;
+
+namespace Qelm
+{
+    /// <summary>
+    /// A triangle mesh with its factorised Laplace system: built once, then solved as often as wanted for values
+    /// that are smooth between the prescribed ones.
+    /// </summary>
+    /// <remarks>
+    /// <para>Every field that goes in or comes out has one value per vertex in the order of the caller's arrays
+    /// (input order). Members that hand out the system's own numbering say so in their name.</para>
+    /// <para>All members may be called from any number of threads at once. Disposing while a call is running on
+    /// another thread lets that call finish first.</para>
+    /// <para>When memory runs out inside the native library, a C++ exception leaves it. Managed code cannot catch
+    /// that: the process ends. The memory that a factorisation needs grows faster than the mesh; the C header's
+    /// documentation has figures.</para>
+    /// </remarks>
+    public sealed unsafe partial class MeshSystem : IDisposable
+    {
+        private readonly MeshSystemHandle handle;
+        private readonly VertexOrder order;
+
+        /// <summary>Why no solve would be well posed, as far as the mesh tells; null when nothing is known.</summary>
+        private readonly string defect;
+
+        private MeshSystem(MeshSystemHandle handle, VertexOrder order, int triangleCount, string defect)
+        {
+            this.handle = handle;
+            this.order = order;
+            this.defect = defect;
+            TriangleCount = triangleCount;
+            FactorisationInfo = (FactorisationInfo)NativeMethods.qelminfo(handle);
+        }
+
+        /// <summary>Number of vertices.</summary>
+        public int VertexCount
+        {
+            get { return order.Count; }
+        }
+
+        /// <summary>Number of vertices whose value is prescribed: those with tag 1, 2 or 3.</summary>
+        public int FixedCount
+        {
+            get { return order.FixedCount; }
+        }
+
+        /// <summary>Number of triangles.</summary>
+        public int TriangleCount { get; private set; }
+
+        /// <summary>How the factorisation ended; kept from the construction.</summary>
+        public FactorisationInfo FactorisationInfo { get; private set; }
+
+        /// <summary>
+        /// How many systems share this one's factorisation: 1, and one more for each duplicate that is not disposed.
+        /// </summary>
+        /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
+        public int UseCount
+        {
+            get { return NativeMethods.usecount(Live()); }
+        }
+
+        /// <summary>Builds a system and factorises it.</summary>
+        /// <param name="vertices">Coordinates x, y, z of each vertex; every vertex lies in a triangle.</param>
+        /// <param name="triangles">Three vertex numbers per triangle, from 0.</param>
+        /// <param name="tags">One tag per vertex: 1, 2 and 3 mean that its value will be prescribed, any other
+        /// number that it is free.</param>
+        /// <param name="mustSolve">True: throw unless every solve will be well posed. False: build anyway, for a
+        /// system of which only curves and heat maps of other fields are wanted; solving then throws.</param>
+        /// <returns>The system, to be disposed.</returns>
+        /// <exception cref="ArgumentNullException">An array is null.</exception>
+        /// <exception cref="ArgumentException">A length, index or coordinate is wrong, or, with
+        /// <paramref name="mustSolve"/>, a triangle has no area or a part of the mesh no tagged vertex; the message
+        /// names the first vertex or triangle at fault.</exception>
+        /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
+        /// failed.</exception>
+        /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
+        /// looked for.</exception>
+        public static MeshSystem Build(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
+        {
+            Ensure.NotNull(vertices, "vertices");
+            Ensure.NotNull(triangles, "triangles");
+            Ensure.NotNull(tags, "tags");
+            fixed (double* v = vertices)
+            fixed (int* t = triangles, g = tags)
+            {
+                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve);
+            }
+        }
+
+        /// <summary>
+        /// Makes a second system that shares mesh and factorisation with this one, at the cost of a few arrays. Each
+        /// is disposed on its own; what they share goes with the last.
+        /// </summary>
+        /// <returns>The duplicate, to be disposed.</returns>
+        /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
+        public MeshSystem Duplicate()
+        {
+            MeshSystemHandle copy;
+            NativeMethods.dupl(Live(), out copy);
+            return new MeshSystem(copy, order, TriangleCount, defect);
+        }
+
+        /// <summary>Releases the native system. Doing so again does nothing.</summary>
+        public void Dispose()
+        {
+            handle.Dispose();
+        }
+
+        private static MeshSystem Build(double* vertices, int coordinateCount, int* triangles, int indexCount,
+            int* tags, int tagCount, bool mustSolve)
+        {
+            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
+            int triangleCount = Ensure.Triples(indexCount, "triangles");
+            Ensure.AtLeastOne(vertexCount, "vertex", "vertices");
+            Ensure.AtLeastOne(triangleCount, "triangle", "triangles");
+            Ensure.Length(tagCount, vertexCount, "tags");
+            Ensure.FiniteCoordinates(vertices, vertexCount, "vertices");
+            Ensure.IndicesInRange(triangles, triangleCount, vertexCount, "triangles");
+            Ensure.DistinctCorners(triangles, triangleCount, "triangles");
+            Ensure.EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
+            string blamed;
+            string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, out blamed);
+            if (mustSolve && defect != null)
+            {
+                throw new ArgumentException(defect, blamed);
+            }
+            NativeLibrary.Require();
+
+            int status;
+            MeshSystemHandle handle;
+            NativeMethods.qelmctorTagged(vertexCount, vertices, triangleCount, triangles, tags, null, &status,
+                out handle);
+            QelmException.ThrowUnlessOk(status);
+            var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount,
+                defect);
+            if (mustSolve)
+            {
+                system.DisposeUnlessSolvable();
+            }
+            return system;
+        }
+
+        private MeshSystemHandle Live()
+        {
+            if (handle.IsClosed)
+            {
+                throw new ObjectDisposedException("MeshSystem");
+            }
+            return handle;
+        }
+    }
+}

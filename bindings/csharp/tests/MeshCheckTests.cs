@@ -1,0 +1,119 @@
+using System;
+using NUnit.Framework;
+
+namespace Qelm.Tests
+{
+    [TestFixture]
+    public class MeshCheckTests
+    {
+        private static MeshReport Report(TestMesh mesh)
+        {
+            return Mesh.Check(mesh.Vertices, mesh.Triangles, mesh.Tags);
+        }
+
+        [Test]
+        public void AGoodMeshIsSound()
+        {
+            MeshReport report = Report(TestMesh.Grid(5, 4));
+            Assert.IsTrue(report.IsSound);
+            Assert.AreEqual(QelmStatus.Ok, report.Status);
+            Assert.AreEqual("success", report.Description);
+            Assert.AreEqual(1, report.Part.Count);
+            Assert.AreEqual(0, report.Part.First);
+            Assert.AreEqual(1, report.BoundaryLoop.Count);
+            Assert.AreEqual(14, report.TaggedVertex.Count);
+            Assert.AreEqual("none", report.IndexOutOfRange.ToString());
+            Assert.AreEqual(-1, report.IndexOutOfRange.First);
+            Assert.Greater(report.WorstQuality, 0.05);
+            Assert.GreaterOrEqual(report.WorstTriangle, 0);
+        }
+
+        [Test]
+        public void EachDefectHasItsOwnStatusAndFinding()
+        {
+            Expect(QelmStatus.IndexOutOfRange, r => r.IndexOutOfRange, 1, m => m.Triangles[4] = int.MinValue);
+            Expect(QelmStatus.RepeatedVertex, r => r.RepeatedVertex, 1, m => m.Triangles[4] = 0);
+            Expect(QelmStatus.UnusedVertex, r => r.UnusedVertex, 3, m => m.Triangles[5] = 1);
+            Expect(QelmStatus.NotFinite, r => r.NotFinite, 1, m => m.Vertices[4] = double.NegativeInfinity);
+            Expect(QelmStatus.NearZeroArea, r => r.NearZeroArea, 0, m => m.Vertices[3] = m.Vertices[4] = 0.5);
+            Expect(QelmStatus.UntaggedPart, r => r.UntaggedPart, 0, m => m.Tags[0] = m.Tags[2] = 4);
+            Expect(QelmStatus.SizeOutOfRange, r => r.SizeOutOfRange, 0, m =>
+            {
+                for (int i = 0; i < m.Vertices.Length; ++i)
+                {
+                    m.Vertices[i] *= 1e70;
+                }
+            });
+        }
+
+        private static void Expect(QelmStatus status, Func<MeshReport, MeshFinding> finding, int first,
+            Action<TestMesh> spoil)
+        {
+            TestMesh mesh = TestMesh.Square();
+            spoil(mesh);
+            MeshReport report = Report(mesh);
+            Assert.IsFalse(report.IsSound, status.ToString());
+            Assert.AreEqual(status, report.Status);
+            Assert.AreEqual(first, finding(report).First, status.ToString());
+            Assert.GreaterOrEqual(finding(report).Count, 1);
+            StringAssert.EndsWith(", first " + first, finding(report).ToString());
+        }
+
+        [Test]
+        public void InformationKeepsAMeshSound()
+        {
+            var vertices = new double[] { 0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0.5, 0.5, 1, 0.5, 0.5, 1 };
+            var triangles = new[] { 0, 1, 2, 2, 0, 3, 0, 2, 4, 0, 5, 2, 1, 2, 0, 0, 1, 3 };
+            MeshReport report = Mesh.Check(vertices, triangles, new[] { 1, 0, 0, 0, 0, 0 });
+            Assert.IsTrue(report.IsSound, report.Description);
+            Assert.AreEqual("1, first 4", report.RepeatedTriangle.ToString());
+            Assert.AreEqual("1, first 5", report.CoincidentVertex.ToString());
+            Assert.AreEqual(0, report.CrowdedEdge.First);
+            Assert.AreEqual(1, report.TaggedVertex.Count);
+        }
+
+        [Test]
+        public void WhatIsSoundCanBeBuiltAndTheRestCannot()
+        {
+            TestMesh mesh = TestMesh.Square();
+            Assert.IsTrue(Report(mesh).IsSound);
+            mesh.Build().Dispose();
+            mesh.Tags = new int[4];
+            Assert.IsFalse(Report(mesh).IsSound);
+            Assert.Throws<ArgumentException>(() => mesh.Build());
+        }
+
+        [Test]
+        public void AnEmptyMeshIsRefusedByItsStatus()
+        {
+            MeshReport report = Mesh.Check(new double[0], new int[0], new int[0]);
+            Assert.AreEqual(QelmStatus.BadCountOrHandle, report.Status);
+            Assert.AreEqual(double.PositiveInfinity, report.WorstQuality);
+            Assert.AreEqual(-1, report.WorstTriangle);
+            Assert.AreEqual(QelmStatus.UnusedVertex, Mesh.Check(new double[3], new int[0], new int[1]).Status);
+        }
+
+        [Test]
+        public void WrongLengthsAreRefusedByName()
+        {
+            var vertices = new double[9];
+            var triangles = new[] { 0, 1, 2 };
+            var tags = new int[3];
+            Check.Refuses<ArgumentNullException>("vertices", "", () => Mesh.Check(null, triangles, tags));
+            Check.Refuses<ArgumentNullException>("triangles", "", () => Mesh.Check(vertices, null, tags));
+            Check.Refuses<ArgumentNullException>("tags", "", () => Mesh.Check(vertices, triangles, null));
+            Check.Refuses<ArgumentException>("vertices", "8", () => Mesh.Check(new double[8], triangles, tags));
+            Check.Refuses<ArgumentException>("triangles", "4", () => Mesh.Check(vertices, new int[4], tags));
+            Check.Refuses<ArgumentException>("tags", "must be 3", () => Mesh.Check(vertices, triangles, new int[2]));
+        }
+
+        [Test]
+        public void TextsAndVersionAreTheLibrarys()
+        {
+            Assert.AreEqual("a triangle names the same vertex twice", NativeLibrary.StatusText(23));
+            Assert.AreEqual("unknown status code", NativeLibrary.StatusText(-5));
+            Version version = typeof(MeshSystem).Assembly.GetName().Version;
+            Assert.AreEqual(version.ToString(3), NativeLibrary.Version);
+        }
+    }
+}
