@@ -5,6 +5,7 @@ import shlex
 
 import pytest
 
+import built
 import shapes
 from tool import Tool, run_all
 
@@ -27,7 +28,7 @@ def write_example_files(qelm):
     roof = shapes.annulus(1, 2)
     qelm.write("roof.obj", shapes.obj(roof))
     qelm.write("part.stl", shapes.stl_text(shapes.grid(4, 3)))
-    qelm.write("fixed.csv", "0,1\n12,0.5,3\n".replace(",3", ""))
+    qelm.write("fixed.csv", "0,1\n12,0.5\n")
     qelm.write("snow.csv", "0.01\n" * len(roof[0]))
 
 
@@ -58,3 +59,25 @@ def test_every_command_shows_the_exit_codes_and_fits_a_terminal(helps, command):
     assert re.findall(r"^  (\d)  ", section, re.MULTILINE) == list("012345")
     long = [line for line in text.splitlines() if len(line) > 88 and not line.startswith("  qelm ")]
     assert long == []
+
+
+@pytest.mark.parametrize("page", ["boundary-conditions.md", "tool.md"])
+def test_examples_in_the_documents_run(qelm, page):
+    text = (built.SOURCE / "docs" / page).read_text()
+    write_example_files(qelm)
+    for line in re.findall(r"^qelm .*$", text, re.MULTILINE):
+        qelm.ok(*shlex.split(line)[1:])
+
+
+def test_documents_name_every_command_selector_and_exit_code(helps):
+    tool = (built.SOURCE / "docs" / "tool.md").read_text()
+    for command in (*COMMANDS, "completion", "manual"):
+        assert f"| `{command}` |" in tool
+    help_text = helps["solve"].stdout
+    codes = re.findall(r"^  (\d)  (.*(?:\n     .*)*)", help_text, re.MULTILINE)
+    assert len(codes) == 6
+    for code, meaning in codes:
+        assert f"| {code} | {' '.join(meaning.split())} |" in tool
+    conditions = (built.SOURCE / "docs" / "boundary-conditions.md").read_text()
+    for selector in re.findall(r"^    ([a-z]+(?::\S+)?)  ", help_text.split("Selectors:")[1], re.MULTILINE)[:5]:
+        assert f"| `{selector}` |" in conditions, selector

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import shutil
 
 import pytest
 
@@ -97,3 +98,83 @@ def test_colour_is_for_terminals_and_no_color_switches_it_off(qelm):
 
     assert "qelm: \x1b[1;31merror:\x1b[0m none.obj" in on_a_terminal({"NO_COLOR": ""})
     assert "qelm: error: none.obj" in on_a_terminal({"NO_COLOR": "1"})
+
+
+KEPT = "vertex,x,y,z,value\nwhat was there before\n"
+
+
+def temporary_files(folder):
+    return [p for p in folder.iterdir() if p.name.endswith(".part")]
+
+
+def kill_when(qelm, arguments, is_time):
+    """Starts the tool and kills it, with no chance to clean up, once `is_time()`; true
+    when it was still at work."""
+    import subprocess
+
+    null = subprocess.DEVNULL
+    tool = subprocess.Popen([built.program("qelm"), *arguments], cwd=qelm.folder, stdout=null, stderr=null)
+    while tool.poll() is None and not is_time():
+        pass
+    tool.kill()
+    return tool.wait() != 0
+
+
+def size_of_temporaries(folder):
+    size = 0
+    for path in temporary_files(folder):
+        try:
+            size += sum(p.stat().st_size for p in ([path] if path.is_file() else path.iterdir()))
+        except FileNotFoundError:
+            pass
+    return size
+
+
+TARGETS = {
+    "solve": (["-o", "out.csv"], "out.csv"),
+    "heatmap": (["-o", "out"], "out.obj"),
+    "curves": (["--levels", "300", "-o", "out.json"], "out.json"),
+}
+
+
+@posix_only
+@pytest.mark.parametrize("command", TARGETS)
+def test_a_run_that_is_killed_while_writing_leaves_the_result_as_it_was(qelm, command):
+    arguments, target = TARGETS[command]
+    qelm.write("grid.obj", shapes.obj(shapes.grid(150, 150)))
+    line = [command, "grid.obj", "--fix", "box:0,0,0,0,999,0=0", "--fix", "box:150,0,0,150,999,0=1", *arguments]
+    qelm.ok(*line)
+    complete = (qelm.folder / target).read_bytes()
+    assert temporary_files(qelm.folder) == []
+    killed = 0
+    # From the moment in which there is a temporary file to shortly before it is complete.
+    for part in (-1, 0, 0.1, 0.3, 0.5, 0.7, 0.9, 0.99):
+        qelm.write(target, KEPT)
+        for left in temporary_files(qelm.folder):
+            shutil.rmtree(left) if left.is_dir() else left.unlink()
+        enough = part * len(complete)
+        was_killed = kill_when(
+            qelm, line, lambda: bool(temporary_files(qelm.folder)) and size_of_temporaries(qelm.folder) > enough
+        )
+        found = (qelm.folder / target).read_bytes()
+        assert found in (KEPT.encode(), complete), f"killed at {part}: {len(found)} bytes"
+        killed += was_killed and found == KEPT.encode()
+    assert killed >= 3, "the kills came too late to show anything"
+
+
+@posix_only
+def test_a_run_that_is_interrupted_cleans_up(qelm, square):
+    import signal
+    import subprocess
+    import time
+
+    os.mkfifo(qelm.folder / "mesh.obj")
+    for kind in (signal.SIGINT, signal.SIGTERM):
+        for command in (["solve", "mesh.obj", *FIX, "-o", "out.csv"], ["heatmap", "mesh.obj", *FIX, "-o", "out"]):
+            tool = subprocess.Popen([built.program("qelm"), *command], cwd=qelm.folder)
+            while not temporary_files(qelm.folder):
+                time.sleep(0.01)
+                assert tool.poll() is None
+            tool.send_signal(kind)
+            assert tool.wait(timeout=10) == -kind
+            assert qelm.files() == ["mesh.obj", "square.obj"]

@@ -5,12 +5,14 @@
 #include <sstream>
 
 #include "check_command.h"
+#include "completion.h"
 #include "console.h"
 #include "curves_command.h"
 #include "error.h"
 #include "heatmap_command.h"
 #include "help_texts.h"
 #include "info_command.h"
+#include "manual_page.h"
 #include "output_file.h"
 #include "solve_command.h"
 #include "weld_command.h"
@@ -63,6 +65,8 @@ class CommandLine {
     addHeatmap();
     addCurves();
     addWeld();
+    addCompletion();
+    addManual();
   }
 
   int run(std::vector<std::string> arguments) {
@@ -151,7 +155,7 @@ class CommandLine {
     command.add_option("--format", curves_.format, "Whatever OUT is called")
         ->type_name("obj|json|svg|csv");
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
-        ->type_name("DIRECTION");
+        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);
     command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
                              kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
@@ -174,6 +178,20 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] { runWeld(weld_, output_); });
+  }
+
+  void addCompletion() {
+    CLI::App& command = *app_.add_subcommand(
+        "completion", "Print a script that completes command lines in a shell");
+    command.add_option("shell", shell_, "The shell")->type_name("bash|zsh|fish")->required();
+    command.footer(sections({kCompletionExamples, kCompletionHelp}));
+    command.callback([this] { printData(completionScript(app_, shell_)); });
+  }
+
+  void addManual() {
+    CLI::App& command = *app_.add_subcommand("manual", "Print the manual page, for man");
+    command.footer(sections({kManualExamples}));
+    command.callback([this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
   }
 
   // CLI11 would only say that a subcommand is required.
@@ -208,6 +226,7 @@ class CommandLine {
 
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
   int outcome_ = kExitOk;
+  std::string shell_;
   OutputOptions output_;
   CheckOptions check_;
   InfoOptions info_;

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "text.h"
+
 #ifdef _WIN32
 #include <io.h>
 #include <windows.h>
@@ -96,18 +98,6 @@ void LiveLine::show(const std::string& text) {
 void LiveLine::clear() {
   const std::lock_guard lock(streamMutex);
   clearLiveLine();
-}
-
-std::string printable(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    const auto code = static_cast<unsigned char>(c);
-    if ((code < 0x20 && c != '\n') || code == 0x7f)
-      result += fmt::format("\\x{:02x}", code);
-    else
-      result += c;
-  }
-  return result;
 }
 
 bool hasTerminal() {

@@ -47,10 +47,6 @@ class LiveLine {
   static void clear();
 };
 
-/// The text without what could steer a terminal: files and their names may hold
-/// anything. Line ends stay.
-std::string printable(std::string_view text);
-
 /// True when there is someone to watch: the standard error stream is a terminal
 /// on which lines can be written over.
 bool hasTerminal();

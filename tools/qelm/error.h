@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "text.h"
+
 namespace qelm::tool {
 
 /// Documented in --help and in docs/tool.md; scripts rely on them.
@@ -26,7 +28,7 @@ enum ExitCode : int {
 class InputError : public std::runtime_error {
  public:
   explicit InputError(const std::string& text, ExitCode code = kExitFailure)
-      : std::runtime_error(text), code_(code) {}
+      : std::runtime_error(printable(text)), code_(code) {}
   ExitCode code() const { return code_; }
 
  private:

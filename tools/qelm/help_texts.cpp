@@ -167,6 +167,21 @@ const char* const kWeldExamples =
     "  qelm weld part.stl -o part.obj --tolerance 1e-4\n"
     "  qelm weld part.stl -o part.ply --json\n";
 
+const char* const kCompletionExamples =
+    "Examples:\n"
+    "  qelm completion bash\n"
+    "  qelm completion fish\n";
+
+const char* const kCompletionHelp =
+    "Where it goes:\n"
+    "  bash   source <(qelm completion bash), or into bash-completion's folder as qelm\n"
+    "  zsh    into a folder of $fpath, as _qelm\n"
+    "  fish   into ~/.config/fish/completions, as qelm.fish\n";
+
+const char* const kManualExamples =
+    "Examples:\n"
+    "  qelm manual\n";
+
 std::string sections(std::initializer_list<const char*> texts) {
   std::string all;
   for (const char* text : texts) {

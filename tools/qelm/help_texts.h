@@ -24,6 +24,7 @@ extern const char* const kHeatmapHelp;
 extern const char* const kCurvesHelp;
 extern const char* const kPictureHelp;
 extern const char* const kWeldHelp;
+extern const char* const kCompletionHelp;
 
 /// Every line that begins with "  qelm " is run by a test.
 extern const char* const kInfoExamples;
@@ -32,6 +33,8 @@ extern const char* const kSolveExamples;
 extern const char* const kHeatmapExamples;
 extern const char* const kCurvesExamples;
 extern const char* const kWeldExamples;
+extern const char* const kCompletionExamples;
+extern const char* const kManualExamples;
 
 /// The sections with an empty line between each two.
 std::string sections(std::initializer_list<const char*> texts);

@@ -10,6 +10,7 @@
 #include "mesh_facts.h"
 #include "output_file.h"
 #include "solve_job.h"
+#include "text.h"
 #include "vec3.h"
 
 namespace qelm::tool {

@@ -76,6 +76,7 @@ void OutputFile::openTemporary() {
     temporary_.clear();
     fail("cannot be written");
   }
+  removal_.watch(fs::absolute(temporary_));
   // The permissions of a file that is replaced stay as they were.
   std::error_code ignored;
   if (fs::exists(target_, ignored))
@@ -111,6 +112,7 @@ void OutputFile::commit() {
   fs::rename(temporary_, target_, error);
   if (error) throw OutputError(fmt::format("{}: cannot be replaced: {}", name_, error.message()));
   temporary_.clear();
+  removal_.release();
 }
 
 void refuseToOverwrite(const std::string& mesh, const std::filesystem::path& target) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "cleanup.h"
+
 namespace qelm::tool {
 
 /// Writes to a temporary file beside the target, which commit() renames. Without
@@ -31,6 +33,7 @@ class OutputFile {
   std::string name_;
   std::filesystem::path target_;     ///< empty for the standard output
   std::filesystem::path temporary_;  ///< empty when the target is written to directly
+  RemovedOnInterrupt removal_;
   std::FILE* file_ = nullptr;
 };
 

@@ -18,6 +18,7 @@ OutputFolder::OutputFolder(const fs::path& beside) {
     const fs::path candidate = target_ / fmt::format(".qelm-{}-{}.part", processNumber(), k);
     if (fs::create_directory(candidate, error)) {
       temporary_ = candidate;
+      removal_.watch(temporary_);
       return;
     }
     if (error) break;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cleanup.h"
+
 namespace qelm::tool {
 
 /// A temporary folder beside the targets. What is written into it moves to its
@@ -27,6 +29,7 @@ class OutputFolder {
  private:
   std::filesystem::path target_;
   std::filesystem::path temporary_;
+  RemovedOnInterrupt removal_;
 };
 
 /// The process's working directory, for the time of a scope.

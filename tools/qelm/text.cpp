@@ -1,5 +1,7 @@
 #include "text.h"
 
+#include <fmt/format.h>
+
 #include <charconv>
 #include <cstdlib>
 #include <string>
@@ -62,6 +64,18 @@ std::string_view trimmed(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(kBlanks);
   if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    if ((code < 0x20 && c != '\n') || code == 0x7f)
+      result += fmt::format("\\x{:02x}", code);
+    else
+      result += c;
+  }
+  return result;
 }
 
 bool LineReader::next() {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +20,10 @@ std::optional<long long> parseInteger(std::string_view text);
 std::vector<std::string_view> splitAt(std::string_view text, char separator);
 std::vector<std::string_view> splitAtBlanks(std::string_view text);
 std::string_view trimmed(std::string_view text);
+
+/// The text without what could steer a terminal, or end a C string: files and their
+/// names may hold anything. Line ends stay.
+std::string printable(std::string_view text);
 
 /// Hands out a text line by line, without line ends ("\n" or "\r\n").
 class LineReader {

@@ -1,0 +1,18 @@
+// Completion scripts for shells, made of the same definitions as --help.
+#ifndef QELM_TOOLS_COMPLETION_H
+#define QELM_TOOLS_COMPLETION_H
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace qelm::tool {
+
+/// For "bash", "zsh" or "fish". Throws UsageError for any other.
+std::string completionScript(const CLI::App& app, const std::string& shell);
+
+}  // namespace qelm::tool
+
+#endif
