@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 #include "mesh/assembly.h"
@@ -33,7 +34,7 @@ qelm::FreeRowBlocks assemble(const Mesh& mesh, MeshSystem& reordered) {
   qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
   auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
   auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
-  if (qelm::meshStatus(mesh.vertexCount(), triangles) != QELM_STATUS_OK) return {};
+  if (qelm::meshStatus(mesh.vertexCount(), triangles) != QELM_STATUS_OK) std::abort();
   qelm::FreeRowBlocks blocks =
       qelm::assembleFreeRows(numbering.taggedCount, mesh.vertexCount(), coordinates, triangles);
   reordered.fixedCount = numbering.taggedCount;

@@ -35,6 +35,17 @@ void gather(std::span<const double> coordinates, const Corners& corners, std::si
   }
 }
 
+/// Has the memory of the next block's vertices ready.
+void prefetch(std::span<const double> coordinates, const EdgeSums& sums,
+              std::span<const std::int32_t> triangles) {
+#if defined(__GNUC__)
+  for (const std::int32_t v : triangles.first(std::min(triangles.size(), 3 * kBlock))) {
+    __builtin_prefetch(coordinates.data() + 3 * static_cast<std::size_t>(v));
+    sums.prefetchOwner(v);
+  }
+#endif
+}
+
 void addElement(EdgeSums& sums, const Corners& c, const ElementStiffness& e) {
   sums.add(c[0], c[1], e.k01);
   sums.add(c[1], c[2], e.k12);
@@ -75,8 +86,11 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
   BlockStiffness stiffness;
   for (std::size_t first = 0; first < m; first += kBlock) {
     const std::size_t count = std::min(kBlock, m - first);
+    prefetch(coordinates, sums, triangles.subspan(3 * std::min(first + kBlock, m)));
     for (std::size_t lane = 0; lane < count; ++lane) {
-      gather(coordinates, cornersOf(triangles, first + lane), lane, corners);
+      const Corners c = cornersOf(triangles, first + lane);
+      gather(coordinates, c, lane, corners);
+      for (const std::int32_t v : c) sums.prefetchList(v);
     }
     stiffnessOfBlock(corners, stiffness);
     for (std::size_t lane = 0; lane < count; ++lane) {

@@ -3,44 +3,75 @@
 #include <utility>
 
 namespace qelm {
+namespace {
+
+/// Makes an array longer; what is new in it is not set.
+template <class T>
+void lengthen(std::unique_ptr<T[]>& array, std::size_t size, std::size_t capacity) {
+  auto longer = std::make_unique_for_overwrite<T[]>(capacity);
+  std::copy_n(array.get(), size, longer.get());
+  array = std::move(longer);
+}
+
+}  // namespace
 
 // -0.0 is the number to start a sum from: -0.0 + x has the bits of x for every x,
 // where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
-    : t_(t),
-      start_(static_cast<std::size_t>(n - t), 0),
-      length_(start_.size(), 0),
-      diagonal_(start_.size(), -0.0) {
+    : t_(t), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0, 0, 0}) {
   const auto count = [&](std::int32_t a, std::int32_t b) {
-    const std::int32_t owner = std::max(a, b);
-    if (owner >= t) ++start_[static_cast<std::size_t>(owner - t)];
+    const std::int32_t higher = std::max(a, b);
+    if (higher >= t) ++owners_[static_cast<std::size_t>(higher - t)].room;
   };
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     count(triangles[j], triangles[j + 1]);
     count(triangles[j + 1], triangles[j + 2]);
     count(triangles[j], triangles[j + 2]);
   }
-  std::size_t end = 0;
-  for (std::size_t& entry : start_) end += std::exchange(entry, end);
-  neighbours_ = std::make_unique_for_overwrite<std::int32_t[]>(end);
-  sums_ = std::make_unique_for_overwrite<double[]>(end);
+  // Inner edges come twice; a boundary leaves two at a vertex that come once.
+  std::size_t size = 0;
+  for (Owner& owner : owners_) {
+    owner.room = owner.room / 2 + 1;
+    owner.start = size;
+    size += static_cast<std::size_t>(owner.room);
+  }
+  reserve(size);
+  size_ = size;
+}
+
+void EdgeSums::reserve(std::size_t capacity) {
+  lengthen(neighbours_, size_, capacity);
+  lengthen(sums_, size_, capacity);
+  capacity_ = capacity;
+}
+
+/// Behind all others; the old list's room is lost.
+void EdgeSums::moveToLargerList(Owner& owner) {
+  const std::int32_t room = 2 * owner.room;
+  const std::size_t size = size_ + static_cast<std::size_t>(room);
+  if (size > capacity_) reserve(size + size / 2);
+  std::copy_n(neighbours_.get() + owner.start, owner.length, neighbours_.get() + size_);
+  std::copy_n(sums_.get() + owner.start, owner.length, sums_.get() + size_);
+  owner.start = size_;
+  owner.room = room;
+  size_ = size;
 }
 
 void EdgeSums::sortLists() {
-  for (std::size_t v = 0; v < length_.size(); ++v) {
-    if (length_[v] <= kSearched) {
-      sortShortList(v);
+  for (Owner& owner : owners_) {
+    if (owner.length <= kSearched) {
+      sortShortList(owner);
     } else {
-      sortLongList(v);
+      sortLongList(owner);
     }
   }
 }
 
 /// By insertion: three or so, all different.
-void EdgeSums::sortShortList(std::size_t v) {
-  std::int32_t* const list = neighbours_.get() + start_[v];
-  double* const sums = sums_.get() + start_[v];
-  for (std::int32_t i = 1; i < length_[v]; ++i) {
+void EdgeSums::sortShortList(const Owner& owner) {
+  std::int32_t* const list = neighbours_.get() + owner.start;
+  double* const sums = sums_.get() + owner.start;
+  for (std::int32_t i = 1; i < owner.length; ++i) {
     const std::int32_t neighbour = list[i];
     const double sum = sums[i];
     std::int32_t k = i;
@@ -54,25 +85,23 @@ void EdgeSums::sortShortList(std::size_t v) {
 }
 
 /// Contributions to one entry stay in their order, and are added up in it.
-void EdgeSums::sortLongList(std::size_t v) {
-  std::int32_t* const list = neighbours_.get() + start_[v];
-  double* const sums = sums_.get() + start_[v];
+void EdgeSums::sortLongList(Owner& owner) {
+  std::int32_t* const list = neighbours_.get() + owner.start;
+  double* const sums = sums_.get() + owner.start;
   std::vector<std::pair<std::int32_t, double>> entries;
-  entries.reserve(static_cast<std::size_t>(length_[v]));
-  for (std::int32_t i = 0; i < length_[v]; ++i) entries.emplace_back(list[i], sums[i]);
+  entries.reserve(static_cast<std::size_t>(owner.length));
+  for (std::int32_t i = 0; i < owner.length; ++i) entries.emplace_back(list[i], sums[i]);
   std::stable_sort(entries.begin(), entries.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
-  std::int32_t length = 0;
+  owner.length = 0;
   for (const auto& [neighbour, sum] : entries) {
-    if (length > 0 && list[length - 1] == neighbour) {
-      sums[length - 1] += sum;
+    if (owner.length > 0 && list[owner.length - 1] == neighbour) {
+      sums[owner.length - 1] += sum;
       continue;
     }
-    list[length] = neighbour;
-    sums[length] = sum;
-    ++length;
+    list[owner.length] = neighbour;
+    sums[owner.length++] = sum;
   }
-  length_[v] = length;
 }
 
 }  // namespace qelm

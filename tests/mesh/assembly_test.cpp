@@ -200,6 +200,44 @@ TEST(Blocks, HaveTheBitsOfThePlainElementLoopOnRandomSoups) {
   }
 }
 
+TEST(Blocks, HaveTheBitsOfThePlainElementLoopWhereManyTrianglesMeet) {
+  // Far more triangles at every vertex and edge than a surface has.
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  for (const int n : {4, 9, 25, 70}) {
+    Mesh mesh;
+    for (int i = 0; i < 3 * n; ++i) mesh.vertices.push_back(uniform(random, -10, 10));
+    for (int i = 0; i < n; ++i) mesh.tags.push_back(i % 4 == 1 ? 1 : 0);
+    for (int round = 0; round < 100; ++round) {
+      const auto corners = permutation(random, n);
+      for (int i = 0; i + 2 < n; i += 3) {
+        mesh.triangles.insert(mesh.triangles.end(), corners.begin() + i, corners.begin() + i + 3);
+      }
+    }
+    for (int i = 0; i < n; ++i) {
+      mesh.triangles.insert(mesh.triangles.end(), {i, (i + 1) % n, (i + 2) % n});
+    }
+    expectPlainAssembly(mesh);
+  }
+}
+
+TEST(Blocks, HaveTheBitsOfThePlainElementLoopAroundAHub) {
+  // Vertex 0 has the highest system index, so all its edges belong to it.
+  expectPlainAssembly(fan(3000).withTagged({17}));
+}
+
+TEST(Blocks, OfAHubWithVeryManyTrianglesTakeNoQuadraticTime) {
+  // With a search through all neighbours these would be 45 billion comparisons.
+  const int triangles = 300'000;
+  const MeshHandle withoutHub = construct(fan(triangles).withTagged({0}));
+  EXPECT_EQ(withoutHub->freeFreeBlock->nonZeros(), triangles + 2 * triangles);
+  // One rim vertex less: it takes two rim edges and one to the hub with it.
+  const MeshHandle withHub = construct(fan(triangles).withTagged({1}));
+  EXPECT_EQ(withHub->freeFreeBlock->nonZeros(),
+            triangles + 2 * (triangles - 1) + 2 * (triangles - 2));
+}
+
 TEST(Blocks, AgreeWithTheCotangentForm) {
   // A few roundings in each of a handful of terms, and none of these meshes has
   // an angle below 15 degrees to magnify them.
