@@ -15,6 +15,7 @@
 #include "manual_page.h"
 #include "output_file.h"
 #include "solve_command.h"
+#include "view_command.h"
 #include "weld_command.h"
 
 namespace qelm::tool {
@@ -48,6 +49,12 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
       ->type_name("FILE.csv");
 }
 
+void addLevels(CLI::App& command, LevelOptions& levels) {
+  command.add_option("--levels", levels.count, "Cut at N levels, evenly spaced")->type_name("N");
+  command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
+  command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
+}
+
 class CommandLine {
  public:
   CommandLine() {
@@ -64,6 +71,7 @@ class CommandLine {
     addSolve();
     addHeatmap();
     addCurves();
+    addView();
     addWeld();
     addCompletion();
     addManual();
@@ -141,11 +149,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
     addFieldOptions(command, curves_.field);
-    command.add_option("--levels", curves_.levels.count, "Cut at N levels, evenly spaced")
-        ->type_name("N");
-    command.add_option("--at", curves_.levels.at, "Cut at these levels")->type_name("V,V,...");
-    command.add_option("--every", curves_.levels.every, "Cut at all multiples of a step")
-        ->type_name("STEP");
+    addLevels(command, curves_.levels);
     command
         .add_option("-o,--output", curves_.outputs,
                     "Where the curves go: .obj, .json, .svg, .csv, or -")
@@ -162,6 +166,26 @@ class CommandLine {
     command.callback([this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
+    });
+  }
+
+  void addView() {
+    CLI::App& command = *app_.add_subcommand(
+        "view", "Write a page that shows the field in a browser: turn, zoom, read values");
+    addFieldOptions(command, view_.field);
+    addLevels(command, view_.levels);
+    command
+        .add_option("-o,--output", view_.output, "Where the page goes; - is the standard output")
+        ->type_name("PAGE.html")
+        ->required();
+    command.add_option("--view", view_.view, "From where the page looks at first")
+        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+    addOutputOptions(command, output_);
+    command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
+                             kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(view_.field);
+      runView(view_, output_);
     });
   }
 
@@ -233,6 +257,7 @@ class CommandLine {
   SolveOptions solve_;
   HeatmapOptions heatmap_;
   CurvesOptions curves_;
+  ViewOptions view_;
   WeldOptions weld_;
 };
 

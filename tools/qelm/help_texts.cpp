@@ -6,7 +6,8 @@ const char* const kTourHelp =
     "Where to begin:\n"
     "  qelm info MESH       shows the boundary loops of a mesh\n"
     "  qelm solve --help    has the grammar of boundary conditions\n"
-    "  qelm curves --help   has examples to copy\n";
+    "  qelm curves --help   has examples to copy\n"
+    "  qelm view --help     says how to look at a field in a browser\n";
 
 const char* const kConditionHelp =
     "Boundary conditions:\n"
@@ -119,6 +120,14 @@ const char* const kPictureHelp =
     "  -z), along X,Y,Z towards the viewer, or across the best-fitting plane (best). z\n"
     "  points up, or y when the view is along z. What the mesh hides is drawn faintly.\n";
 
+const char* const kViewHelp =
+    "The page:\n"
+    "  One HTML file that needs nothing else, not even a network: the mesh with its heat map\n"
+    "  and level curves, a scale, and the value under the pointer. Drag to turn, drag with the\n"
+    "  right button to move, scroll to zoom; 'Keys' on the page lists what the keyboard does.\n"
+    "  The number of levels can be changed there. It begins with those of --levels (12 unless\n"
+    "  given), --at or --every, which are as for 'qelm curves'.\n";
+
 const char* const kWeldHelp =
     "Welding:\n"
     "  Vertices closer together than the tolerance become one, at the place of the one\n"
@@ -161,6 +170,11 @@ const char* const kCurvesExamples =
     "-o curves.svg\n"
     "  qelm curves roof.obj --fix loop:0=0 --fix loop:1=1 --levels 9 -o curves.csv -o "
     "curves.svg -q\n";
+
+const char* const kViewExamples =
+    "Examples:\n"
+    "  qelm view roof.obj --fix loop:0=0 --fix loop:1=1 --levels 12 -o roof.html\n"
+    "  qelm view part.stl --fix vertex:0=20 --fix near:0,0,10=80 --every 10 -o part.html\n";
 
 const char* const kWeldExamples =
     "Examples:\n"

@@ -23,6 +23,7 @@ extern const char* const kSeveralHelp;
 extern const char* const kHeatmapHelp;
 extern const char* const kCurvesHelp;
 extern const char* const kPictureHelp;
+extern const char* const kViewHelp;
 extern const char* const kWeldHelp;
 extern const char* const kCompletionHelp;
 
@@ -32,6 +33,7 @@ extern const char* const kCheckExamples;
 extern const char* const kSolveExamples;
 extern const char* const kHeatmapExamples;
 extern const char* const kCurvesExamples;
+extern const char* const kViewExamples;
 extern const char* const kWeldExamples;
 extern const char* const kCompletionExamples;
 extern const char* const kManualExamples;

@@ -128,12 +128,14 @@ void fix(Prescribed& prescribed, const FixedVertex& fixed) {
   for (std::size_t k = 0; k < prescribed.fieldCount; ++k)
     prescribed.values[k * n + i] = fixed.value;
   prescribed.tags[i] = fixed.tag;
+  prescribed.heldBy[i] = 1;
   ++prescribed.fixedCount;
 }
 
-/// Fixes the vertices and returns those that had another value before, in any field.
+/// Fixes the vertices and returns those that had another value before, in any field. `number` is
+/// the condition's, from 0.
 std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
-                     const Condition& condition) {
+                     const Condition& condition, int number) {
   const std::size_t n = prescribed.tags.size();
   std::vector<int> changed;
   for (const int v : vertices) {
@@ -149,6 +151,7 @@ std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
     else if (differs)
       changed.push_back(v);
     prescribed.tags[i] = condition.tag;
+    prescribed.heldBy[i] = 2 + number;
   }
   return changed;
 }
@@ -160,14 +163,16 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   Prescribed prescribed;
   prescribed.tags.assign(n, 0);
+  prescribed.heldBy.assign(n, 0);
   prescribed.fieldCount = fieldCount(conditions);
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
   for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
   std::optional<std::vector<BoundaryLoop>> loops;
   for (const Condition& condition : conditions) {
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
+    const auto number = static_cast<int>(prescribed.selected.size());
     prescribed.selected.push_back(static_cast<int>(vertices.size()));
-    const std::vector<int> changed = fix(prescribed, vertices, condition);
+    const std::vector<int> changed = fix(prescribed, vertices, condition, number);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
           "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,

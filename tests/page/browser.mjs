@@ -1,0 +1,65 @@
+// A headless browser that may not reach the network, for the tests of pages.
+import { mkdtemp, rm } from 'node:fs/promises';
+import { tmpdir } from 'node:os';
+import path from 'node:path';
+import { createRequire } from 'node:module';
+import { pathToFileURL } from 'node:url';
+
+const source = process.env.QELM_SOURCE_DIR ?? path.resolve(import.meta.dirname, '../..');
+// The packages lie with the page's sources.
+const require = createRequire(path.join(source, 'tools/page/package.json'));
+const puppeteer = require('puppeteer-core');
+
+const kOptions = [
+  '--no-sandbox',
+  '--use-gl=angle',
+  '--use-angle=swiftshader',
+  '--enable-unsafe-swiftshader',
+  '--disable-background-networking',
+  '--disable-component-update',
+  '--disable-quic',
+  '--disable-sync',
+  '--no-first-run',
+];
+
+/** {browser, close()}: a browser with an empty profile of its own. */
+export async function startBrowser() {
+  const profile = await mkdtemp(path.join(tmpdir(), 'qelm-browser-'));
+  const browser = await puppeteer.launch({
+    executablePath: process.env.QELM_CHROMIUM ?? '/usr/bin/chromium',
+    headless: true,
+    userDataDir: profile,
+    args: kOptions,
+  });
+  const close = async () => {
+    await browser.close();
+    await rm(profile, { recursive: true, force: true });
+  };
+  return { browser, close };
+}
+
+/**
+ * Opens a page's file and waits for its first picture. `page.complaints` lists what the
+ * console and the network had to say about it: nothing, if all is well.
+ */
+export async function openPage(browser, file, { width = 1200, height = 800, theme = 'light' } = {}) {
+  const page = await browser.newPage();
+  page.complaints = [];
+  page.on('console', (message) => {
+    if (['error', 'warning', 'warn'].includes(message.type()) && !isDriversNote(message.text()))
+      page.complaints.push(message.text());
+  });
+  page.on('pageerror', (error) => page.complaints.push(String(error)));
+  page.on('request', (request) => {
+    const url = request.url();
+    if (!/^(file|data|blob):/.test(url)) page.complaints.push(`asked for ${url}`);
+  });
+  await page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: theme }]);
+  await page.setViewport({ width, height });
+  await page.goto(pathToFileURL(file).href);
+  await page.waitForFunction(() => window.qelmPage?.surface.drawn > 0);
+  return page;
+}
+
+// The software renderer says so when pixels are read back.
+const isDriversNote = (text) => /GPU stall due to ReadPixels|GL Driver Message/.test(text);

@@ -1,0 +1,34 @@
+// usage: node build.mjs ENTRY TEMPLATE OUT
+// Bundles ENTRY and page.css into TEMPLATE: one HTML file that needs nothing else but
+// what replaces its @QELM_...@ marks.
+import { readFile, writeFile } from 'node:fs/promises';
+import path from 'node:path';
+import { build, transform } from 'esbuild';
+
+const [entry, template, out] = process.argv.slice(2);
+
+// What ends a script element or opens a comment must not stand in one.
+const inScript = (code) => code.replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
+
+const bundle = await build({
+  entryPoints: [entry],
+  bundle: true,
+  minify: true,
+  format: 'esm',
+  target: 'es2022',
+  charset: 'utf8',
+  legalComments: 'eof',
+  write: false,
+});
+const css = await readFile(path.join(path.dirname(template), 'page.css'), 'utf8');
+const style = await transform(css, { loader: 'css', minify: true });
+const pieces = {
+  '/*@STYLE@*/': style.code,
+  '/*@SCRIPT@*/': inScript(bundle.outputFiles[0].text),
+};
+let html = await readFile(template, 'utf8');
+for (const [mark, text] of Object.entries(pieces)) {
+  if (html.split(mark).length !== 2) throw new Error(`${template}: ${mark} must stand there once`);
+  html = html.replace(mark, () => text);
+}
+await writeFile(out, html);

@@ -1,0 +1,25 @@
+// qelm view
+#ifndef QELM_TOOLS_VIEW_COMMAND_H
+#define QELM_TOOLS_VIEW_COMMAND_H
+
+#include <string>
+
+#include "levels.h"
+#include "solve_job.h"
+
+namespace qelm::tool {
+
+struct ViewOptions {
+  FieldOptions field;
+  LevelOptions levels;  ///< none given: twelve
+  std::string output;
+  std::string view = "best";
+};
+
+/// Writes one page that shows the field in any browser, without a network. Throws
+/// OutputError when the tool was built without the page.
+void runView(const ViewOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif
