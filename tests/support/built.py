@@ -11,6 +11,7 @@ LAUNCHER = [os.environ["QELM_LAUNCHER"]] if os.environ.get("QELM_LAUNCHER") else
 C_COMPILER = os.environ["QELM_C_COMPILER"]
 TOOLCHAIN_FILE = os.environ.get("QELM_TOOLCHAIN_FILE", "")
 SANITIZERS = os.environ.get("QELM_SANITIZE", "")
+HAS_VIEW_PAGE = os.environ.get("QELM_HAS_VIEW_PAGE") == "ON"
 EXE = ".exe" if IS_WINDOWS else ""
 LIBRARY = BUILD / ("bin/qelm.dll" if IS_WINDOWS else "lib/libqelm.so")
 OBJDUMP = "x86_64-w64-mingw32-objdump" if IS_WINDOWS else "objdump"

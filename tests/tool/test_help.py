@@ -9,7 +9,7 @@ import built
 import shapes
 from tool import Tool, run_all
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "weld"]
+COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld"]
 
 
 @pytest.fixture(scope="module")
@@ -34,6 +34,8 @@ def write_example_files(qelm):
 
 @pytest.mark.parametrize("command", COMMANDS)
 def test_every_example_runs(qelm, helps, command):
+    if command == "view" and not built.HAS_VIEW_PAGE:
+        pytest.skip("built without the page")
     assert helps[command].returncode == 0 and helps[command].stderr == ""
     found = examples(helps[command].stdout)
     assert len(found) >= 2 and all(example[0] == command for example in found)
@@ -42,7 +44,7 @@ def test_every_example_runs(qelm, helps, command):
         qelm.ok(*example)
 
 
-@pytest.mark.parametrize("command", ["solve", "heatmap", "curves"])
+@pytest.mark.parametrize("command", ["solve", "heatmap", "curves", "view"])
 def test_every_command_with_a_field_shows_the_same_grammar(helps, command):
     text = helps[command].stdout
     for form in (

@@ -8,7 +8,7 @@ import pytest
 
 import built
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "weld", "completion", "manual"]
+COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "completion", "manual"]
 posix_only = pytest.mark.skipif(built.IS_WINDOWS, reason="shells of POSIX")
 
 

@@ -22,7 +22,15 @@ const bundle = await build({
 });
 const css = await readFile(path.join(path.dirname(template), 'page.css'), 'utf8');
 const style = await transform(css, { loader: 'css', minify: true });
+const packages = ['three', 'three-mesh-bvh'];
+const licences = await Promise.all(
+  packages.map(async (name) => {
+    const text = await readFile(path.join('node_modules', name, 'LICENSE'), 'utf8');
+    return `${name}:\n\n${text.trim().replaceAll('--', '- -')}\n`;
+  }),
+);
 const pieces = {
+  '<!--@LICENCES@-->': `<!--\nThis page contains\n\n${licences.join('\n')}-->`,
   '/*@STYLE@*/': style.code,
   '/*@SCRIPT@*/': inScript(bundle.outputFiles[0].text),
 };

@@ -122,11 +122,11 @@ const char* const kPictureHelp =
 
 const char* const kViewHelp =
     "The page:\n"
-    "  One HTML file that needs nothing else, not even a network: the mesh with its heat map\n"
-    "  and level curves, a scale, and the value under the pointer. Drag to turn, drag with the\n"
-    "  right button to move, scroll to zoom; 'Keys' on the page lists what the keyboard does.\n"
-    "  The number of levels can be changed there. It begins with those of --levels (12 unless\n"
-    "  given), --at or --every, which are as for 'qelm curves'.\n";
+    "  One HTML file that needs nothing else, not even a network: the mesh with its heat\n"
+    "  map and level curves, a scale, and the value under the pointer. Drag to turn, drag\n"
+    "  with the right button to move, scroll to zoom; 'Keys' on the page lists what the\n"
+    "  keyboard does. It begins with the levels of --levels (12 unless given), --at or\n"
+    "  --every, as 'qelm curves' has them; their number can be changed on the page.\n";
 
 const char* const kWeldHelp =
     "Welding:\n"
@@ -174,7 +174,7 @@ const char* const kCurvesExamples =
 const char* const kViewExamples =
     "Examples:\n"
     "  qelm view roof.obj --fix loop:0=0 --fix loop:1=1 --levels 12 -o roof.html\n"
-    "  qelm view part.stl --fix vertex:0=20 --fix near:0,0,10=80 --every 10 -o part.html\n";
+    "  qelm view part.stl --fix vertex:0=20 --fix near:9,9,0=80 --every 10 -o part.html\n";
 
 const char* const kWeldExamples =
     "Examples:\n"

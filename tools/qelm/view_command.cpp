@@ -27,9 +27,7 @@ LevelChoice levelChoice(LevelOptions options) {
   return LevelChoice(options);
 }
 
-std::string nameOf(const SolvedField& solved) {
-  return toUtf8(toPath(solved.meshName).filename());
-}
+std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
 
 /// What the page writes into its corner, and what it begins with.
 Json pageFacts(const SolvedField& solved, const ViewOptions& options, const ViewChoice& view,
@@ -123,10 +121,10 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
                 file);
     file.commit();
   });
-  const ReportItem report = {"levels",
-                             fmt::format("{}, {:.6g} to {:.6g}", levels.size(), levels.front(),
-                                         levels.back()),
-                             {{"levels", levels}}};
+  const ReportItem report = {
+      "levels",
+      fmt::format("{}, {:.6g} to {:.6g}", levels.size(), levels.front(), levels.back()),
+      {{"levels", levels}}};
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
               {report});
 }

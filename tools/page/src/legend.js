@@ -90,7 +90,7 @@ export class Legend {
     const top = this.#y(high);
     const bottom = this.#y(low);
     const wanted = this.#barHeight / kTickSpacing;
-    const between = high > low ? niceTicks(low, high, wanted) : [];
+    const between = high > low ? niceTicks(low, high, wanted).reverse() : [];
     const clear = (v) => this.#y(v) - top > kClear && bottom - this.#y(v) > kClear;
     return [high, ...between.filter(clear), low].flatMap((value) => {
       const y = this.#y(value);
@@ -100,7 +100,7 @@ export class Legend {
         element(
           'text',
           { x: right + 10, y, dy: '0.34em', class: ends ? 'end' : '' },
-          readable(value),
+          readable(value, high - low),
         ),
       ];
     });

@@ -26,19 +26,25 @@ export function evenLevels(low, high, count) {
   return levels;
 }
 
-/** A value in six significant digits at most, "0.25" rather than "0.250000". */
-export function readable(value) {
-  if (value === 0) return '0';
+/**
+ * A value in six significant digits at most, "0.25" rather than "0.250000". What is finer than
+ * a millionth of `scale`, if given, is noise there and left out: "0" rather than "1e-17".
+ */
+export function readable(value, scale = 0) {
+  const step = scale > 0 ? 10 ** Math.floor(Math.log10(scale) - 6) : 0;
   const size = Math.abs(value);
+  if (size < step || size === 0) return '0';
+  const digits = step > 0 ? Math.min(6, Math.floor(Math.log10(size / step)) + 1) : 6;
+  const rounded = value.toPrecision(Math.max(1, digits));
   if (size >= 1e6 || size < 1e-4) {
-    const [digits, exponent] = value.toExponential(5).split('e');
-    return `${minus(String(Number(digits)))}e${minus(exponent.replace('+', ''))}`;
+    const [front, exponent] = Number(rounded).toExponential().split('e');
+    return minus(`${front}e${exponent.replace('+', '')}`);
   }
-  return minus(String(Number(value.toPrecision(6))));
+  return minus(String(Number(rounded)));
 }
 
 // A hyphen is too short for a minus sign.
-const minus = (digits) => digits.replace('-', '\u2212');
+const minus = (digits) => digits.replaceAll('-', '\u2212');
 
 /** Round numbers within [low, high], about `wanted` of them. */
 export function niceTicks(low, high, wanted) {

@@ -175,6 +175,11 @@ export class Page {
       });
   }
 
+  #readableValue(value) {
+    const { low, high } = this.surface.range;
+    return readable(value, high - low);
+  }
+
   /** Shows the value at a point of the canvas, if the mesh is there. */
   #read(x, y) {
     const hit = this.surface.pick(x, y);
@@ -183,9 +188,11 @@ export class Page {
     reading.hidden = !hit;
     if (!hit) return null;
     const value = document.createElement('b');
-    value.textContent = readable(hit.value);
+    value.textContent = this.#readableValue(hit.value);
     const place = document.createElement('span');
-    place.textContent = hit.position.map(readable).join(', ');
+    place.textContent = hit.position
+      .map((c) => readable(c, this.surface.place.radius))
+      .join(', ');
     reading.replaceChildren(value, place);
     const { offsetWidth, offsetHeight } = reading;
     const left = x + 18 + offsetWidth > window.innerWidth ? x - 18 - offsetWidth : x + 18;
@@ -198,7 +205,7 @@ export class Page {
   #readMiddle() {
     const hit = this.#read(this.canvas.clientWidth / 2, this.canvas.clientHeight / 2);
     byId('announcement').textContent = hit
-      ? `Value in the middle: ${readable(hit.value)}`
+      ? `Value in the middle: ${this.#readableValue(hit.value)}`
       : 'Nothing lies in the middle of the view';
   }
 

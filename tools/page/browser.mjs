@@ -1,14 +1,9 @@
-// A headless browser that may not reach the network, for the tests of pages.
+// A headless browser for pages: their tests, and pictures of them.
 import { mkdtemp, rm } from 'node:fs/promises';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
-import { createRequire } from 'node:module';
 import { pathToFileURL } from 'node:url';
-
-const source = process.env.QELM_SOURCE_DIR ?? path.resolve(import.meta.dirname, '../..');
-// The packages lie with the page's sources.
-const require = createRequire(path.join(source, 'tools/page/package.json'));
-const puppeteer = require('puppeteer-core');
+import puppeteer from 'puppeteer-core';
 
 const kOptions = [
   '--no-sandbox',

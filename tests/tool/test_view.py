@@ -1,0 +1,191 @@
+"""qelm view: what stands in the page. How it behaves in a browser: tests/page."""
+
+import base64
+import html
+import json
+import re
+import struct
+
+import pytest
+
+import built
+import shapes
+
+LEFT_RIGHT = ["--fix", "box:0,0,0,0,9,0=0", "--fix", "box:4,0,0,4,9,0=1"]
+with_page = pytest.mark.skipif(not built.HAS_VIEW_PAGE, reason="built without the page")
+
+
+class Page:
+    """What a page holds, read the way that decode.js does."""
+
+    def __init__(self, path):
+        self.text = path.read_text(encoding="utf-8")
+        self.title = html.unescape(re.search(r"<title>(.*)</title>", self.text)[1])
+        self.facts = json.loads(self.script("page-facts"))
+        self.block = base64.b64decode(self.script("page-mesh"), validate=True)
+        magic, version, n, m = struct.unpack_from("<4sIII", self.block)
+        assert (magic, version) == (b"QELM", 1)
+        self.place = 16
+        self.points = list(zip(*[iter(self.take(f"<{3 * n}d"))] * 3))
+        self.field = list(self.take(f"<{n}d"))
+        self.colours = list(zip(*[iter(self.take("<768B"))] * 3))
+        self.fixed_by = [self.varint() for _ in range(n)]
+        corners = self.corners(3 * m)
+        self.triangles = list(zip(*[iter(corners)] * 3))
+        assert self.place == len(self.block), "nothing comes after the corners"
+
+    def script(self, name):
+        return re.search(f'<script id="{name}"[^>]*>(.*?)</script>', self.text, re.DOTALL)[1]
+
+    def take(self, form):
+        values = struct.unpack_from(form, self.block, self.place)
+        self.place += struct.calcsize(form)
+        return values
+
+    def varint(self):
+        value = shift = 0
+        while True:
+            byte = self.block[self.place]
+            self.place += 1
+            value |= (byte & 0x7F) << shift
+            shift += 7
+            if byte < 0x80:
+                return value
+
+    def corners(self, count):
+        corner, corners = 0, []
+        for _ in range(count):
+            code = self.varint()
+            corner += (code >> 1) ^ -(code & 1)
+            corners.append(corner)
+        return corners
+
+
+def view(qelm, mesh, *arguments):
+    qelm.ok("view", mesh, *arguments, "-o", "page.html")
+    return Page(qelm.folder / "page.html")
+
+
+@with_page
+def test_page_holds_the_mesh_and_its_field_bit_for_bit(qelm):
+    mesh = shapes.moved(shapes.grid(40, 9), (0, 0.1, -1 / 3))
+    qelm.write("grid.obj", shapes.obj(mesh))
+    fixes = ["--fix", "near:0,0,0=0.1", "--fix", "near:40,9,0=0.7"]
+    page = view(qelm, "grid.obj", *fixes)
+    assert page.points == mesh[0]
+    assert page.triangles == mesh[1]
+    qelm.ok("solve", "grid.obj", *fixes, "-o", "field.csv")
+    assert page.field == qelm.field()
+
+
+@with_page
+def test_corners_far_apart_survive_their_packing(qelm):
+    points, faces = shapes.grid(130, 130)
+    faces = faces[::-1] + []
+    faces[0], faces[9000] = faces[9000], faces[0]
+    qelm.write("grid.obj", shapes.obj((points, faces)))
+    page = view(qelm, "grid.obj", "--fix", "vertex:0=0", "--fix", "vertex:17160=1")
+    assert page.triangles == faces
+    assert len(page.block) < 16 + 32 * len(points) + 768 + len(points) + 2 * 3 * len(faces)
+
+
+@with_page
+def test_facts_name_the_conditions_and_who_holds_each_vertex(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    qelm.write("fixed.csv", "7,0.5\n0,0.25\n")
+    page = view(qelm, "grid.obj", "--fix-file", "fixed.csv", *LEFT_RIGHT, "--levels", "3")
+    assert page.facts["name"] == "grid.obj" and page.title == "grid.obj – qelm"
+    assert (page.facts["vertices"], page.facts["triangles"]) == (20, 24)
+    assert page.facts["conditions"] == [
+        {"text": "fixed.csv", "vertices": 2},
+        {"text": "box:0,0,0,0,9,0", "value": 0.0, "vertices": 4},
+        {"text": "box:4,0,0,4,9,0", "value": 1.0, "vertices": 4},
+    ]
+    assert page.facts["levels"] == [0.25, 0.5, 0.75]
+    assert page.facts["toward"] is None and page.facts["load"] is False
+    by_column = {0: 2, 4: 3}
+    assert page.fixed_by == [1 if v == 7 else by_column.get(v % 5, 0) for v in range(20)]
+
+
+@with_page
+def test_without_a_file_the_first_condition_is_number_one(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    page = view(qelm, "grid.obj", *LEFT_RIGHT)
+    assert page.fixed_by == [{0: 1, 4: 2}.get(v % 5, 0) for v in range(20)]
+    assert len(page.facts["levels"]) == 12
+
+
+@with_page
+def test_levels_and_the_first_view_are_the_command_lines(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    page = view(qelm, "grid.obj", *LEFT_RIGHT, "--every", "0.2", "--view", "0,-3,4")
+    assert page.facts["levels"] == pytest.approx([0.2, 0.4, 0.6, 0.8])
+    assert page.facts["toward"] == pytest.approx([0, -0.6, 0.8])
+
+
+@with_page
+def test_colours_go_from_dark_blue_to_yellow(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    colours = view(qelm, "grid.obj", *LEFT_RIGHT).colours
+    assert colours[0] == (68, 1, 84) and colours[128] == (33, 145, 140) and colours[255] == (253, 231, 37)
+
+
+@with_page
+@pytest.mark.skipif(built.IS_WINDOWS, reason="no such names there")
+def test_a_name_cannot_end_the_script_that_it_stands_in(qelm):
+    name = "a&b<script>alert(1)</b>.obj".replace("/", "\u2215")
+    qelm.write(name, shapes.obj(shapes.grid(4, 3)))
+    page = view(qelm, name, *LEFT_RIGHT)
+    assert page.facts["name"] == name
+    assert page.title == f"{name} – qelm"
+    assert "<script>alert" not in page.text
+
+
+@with_page
+def test_page_asks_for_nothing_from_outside(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    text = view(qelm, "grid.obj", *LEFT_RIGHT).text
+    assert "default-src 'none'" in text
+    markup = re.sub(r"<script.*?</script>|<style.*?</style>", "", text, flags=re.DOTALL)
+    assert not re.search(r"\b(src|href)=", markup)
+    assert "@QELM_" not in markup and "@STYLE@" not in text
+
+
+@with_page
+def test_summary_and_page_can_go_to_the_standard_output(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    done = qelm.ok("view", "grid.obj", *LEFT_RIGHT, "-o", "-", "-q")
+    assert done.stdout.startswith("<!DOCTYPE html>") and done.stderr == ""
+    summary = qelm.json("view", "grid.obj", *LEFT_RIGHT, "--levels", "1", "-o", "page.html")
+    assert summary["levels"] == [0.5] and summary["results"] == ["page.html"]
+    assert "write" in summary["seconds"]
+
+
+@with_page
+def test_what_cannot_be_shown_leaves_no_page(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    text = qelm.fails(2, "view", "grid.obj", "--fix", "boundary=1", "-o", "page.html")
+    assert "there is no range to show" in text
+    text = qelm.fails(2, "view", "grid.obj", *LEFT_RIGHT, "-o", "grid.obj")
+    assert "grid.obj" in text
+    text = qelm.fails(2, "view", "grid.obj", *LEFT_RIGHT, "-o", "-", "--json")
+    assert "not both" in text
+    text = qelm.fails(2, "view", "grid.obj", "--fix", "boundary=1,2", "-o", "page.html")
+    assert "one field" in text
+
+
+@pytest.mark.skipif(built.HAS_VIEW_PAGE, reason="built with the page")
+def test_a_tool_without_the_page_says_what_to_do(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    text = qelm.fails(1, "view", "grid.obj", *LEFT_RIGHT, "-o", "page.html")
+    assert "built without the page" in text and "scripts/page" in text
+
+
+@with_page
+def test_page_carries_the_licences_of_what_it_contains(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    text = view(qelm, "grid.obj", *LEFT_RIGHT).text
+    comment = text[text.rindex("<!--") :]
+    for words in ("three:\n", "three-mesh-bvh:\n", "The MIT License", "Permission is hereby granted"):
+        assert words in comment, words
+    assert comment.endswith("-->\n</body>\n</html>\n")
