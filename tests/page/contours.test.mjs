@@ -7,7 +7,7 @@ import { edgesOf, fixedMarks } from '../../tools/page/src/edges.js';
 import { evenLevels, niceTicks, rangeOf, readable } from '../../tools/page/src/levels.js';
 import { normalise } from '../../tools/page/src/normalise.js';
 import { cornerNormals } from '../../tools/page/src/normals.js';
-import { sheet, vertexCount } from './shapes.mjs';
+import { sheet } from './shapes.mjs';
 
 const fieldOf = ({ positions }, f) =>
   Float64Array.from({ length: positions.length / 3 }, (_, v) =>
@@ -49,7 +49,10 @@ test('a value at the level counts as above it', () => {
   const mesh = sheet(1, 1, [0, 1, 0, 1]);
   const field = fieldOf(mesh, (x) => x);
   assert.equal(levelSegments(mesh, field, [0]).levelOf.length, 0, 'nothing lies below 0');
-  assert.equal(levelSegments(mesh, field, [1]).levelOf.length, 2, 'the side x = 1 is a line');
+  const { points, levelOf } = levelSegments(mesh, field, [1]);
+  // The other triangle has only a corner at 1.
+  assert.equal(levelOf.length, 1);
+  assert.deepEqual([...points].sort(), [0, 0, 0, 1, 1, 1], 'the side x = 1');
   assert.equal(levelSegments(mesh, field, []).levelOf.length, 0);
 });
 
@@ -58,6 +61,7 @@ test('many levels through one triangle each have their segment', () => {
   const levels = evenLevels(0, 1, 5000);
   const { points, levelOf } = levelSegments(mesh, [0, 1, 0.5], levels);
   assert.equal(levelOf.length, 5000);
+  assert.ok(levelOf.every((l, k) => l === k), 'each its own, in order');
   for (let k = 0; k < 5000; ++k)
     for (const end of [6 * k, 6 * k + 3])
       assert.ok(Math.abs(points[end] + points[end + 1] / 2 - levels[k]) < 1e-6, `level ${k}`);
@@ -103,15 +107,36 @@ test('normals are smooth on a curved sheet and sharp at a fold', () => {
   });
 });
 
-test('every edge is there once, and the boundary is known', () => {
+const pairsOf = (list) => Array.from({ length: list.length / 2 }, (_, k) => `${list[2 * k]}-${list[2 * k + 1]}`);
+
+test('every edge is there once', () => {
   const mesh = sheet(3, 2, [0, 3, 0, 2]);
-  const { all, boundary } = edgesOf(vertexCount(mesh), mesh.triangles);
-  assert.equal(all.length / 2, 3 * 3 + 2 * 4 + 6);
-  assert.equal(boundary.length / 2, 10);
-  const fixedBy = Uint32Array.from({ length: 12 }, (_, v) => (v < 4 ? 1 : v === 5 ? 2 : 0));
-  const { lines, dots } = fixedMarks(mesh, fixedBy);
-  assert.deepEqual(lines, [0, 1, 1, 2, 2, 3]);
-  assert.deepEqual(dots, [5]);
+  const pairs = pairsOf(edgesOf(mesh));
+  assert.equal(pairs.length, 3 * 3 + 2 * 4 + 6);
+  assert.equal(new Set(pairs).size, pairs.length);
+  assert.ok(pairs.includes('0-5') && !pairs.includes('1-4'), 'diagonals go up to the right');
+});
+
+test('fixed vertices are marked by lines, by rims of patches, or by dots', () => {
+  const mesh = sheet(4, 4, [0, 4, 0, 4]);
+  const marks = (held) => {
+    const fixedBy = Uint32Array.from({ length: 25 }, (_, v) => held[v] ?? 0);
+    const { lines, dots } = fixedMarks(mesh, fixedBy);
+    return { lines: pairsOf(lines).sort(), dots };
+  };
+  // A side of the sheet, and a vertex of another condition beside it.
+  assert.deepEqual(marks({ 0: 1, 1: 1, 2: 1, 3: 1, 4: 1, 6: 2 }), {
+    lines: ['0-1', '1-2', '2-3', '3-4'],
+    dots: [6],
+  });
+  // A whole rim: the diagonals that cut its corners off are not part of it.
+  const rim = {};
+  for (let v = 0; v < 25; ++v) if (v < 5 || v > 19 || v % 5 === 0 || v % 5 === 4) rim[v] = 1;
+  assert.equal(marks(rim).lines.length, 16);
+  // A line through the inside.
+  assert.deepEqual(marks({ 11: 1, 12: 1, 13: 1 }), { lines: ['11-12', '12-13'], dots: [] });
+  // A patch of one cell: its diagonal 6-12 is inside.
+  assert.deepEqual(marks({ 6: 1, 7: 1, 11: 1, 12: 1 }).lines, ['11-12', '6-11', '6-7', '7-12']);
 });
 
 test('a damaged page is refused with its reason', () => {

@@ -19,8 +19,6 @@ export function sheet(columns, rows, [x0, x1, y0, y1], height = () => 0) {
   return { positions: Float64Array.from(positions), triangles: Uint32Array.from(triangles) };
 }
 
-export const vertexCount = (mesh) => mesh.positions.length / 3;
-
 /** The text of an OBJ file, every double in full. */
 export function obj({ positions, triangles }) {
   const lines = [];

@@ -189,3 +189,17 @@ def test_page_carries_the_licences_of_what_it_contains(qelm):
     for words in ("three:\n", "three-mesh-bvh:\n", "The MIT License", "Permission is hereby granted"):
         assert words in comment, words
     assert comment.endswith("-->\n</body>\n</html>\n")
+
+
+def test_the_gallery_shows_the_commands_that_made_its_pictures():
+    script = (built.SOURCE / "scripts" / "gallery").read_text().replace("\\\n", "")
+    made = {
+        f"view-{name}.png": f"qelm view {' '.join(options.split())} -o {name}.html"
+        for name, options in re.findall(r"^picture (\S+) (.*?)(?: -- .*)?$", script, re.MULTILINE)
+    }
+    text = (built.SOURCE / "docs" / "gallery.md").read_text()
+    shown = re.findall(r"```sh\n(.*)\n```\n\n!\[.*\]\(images/(.*)\)", text)
+    assert len(shown) == len(re.findall(r"!\[", text)) >= 4
+    for command, picture in shown:
+        assert command == made[picture]
+        assert (built.SOURCE / "docs" / "images" / picture).stat().st_size > 10000

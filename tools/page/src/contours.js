@@ -31,18 +31,26 @@ class Growing {
     return begin;
   }
 
+  push(number) {
+    const place = this.extend(1);
+    this.array[place] = number; // not before: the array may be another one now
+  }
+
   taken() {
     return this.array.slice(0, this.length);
   }
 }
+
+/** A level that only touches a corner has nothing to draw: a line without a direction. */
+const isPoint = (points, k) =>
+  points[k] === points[k + 3] && points[k + 1] === points[k + 4] && points[k + 2] === points[k + 5];
 
 /**
  * Where the level set of each level crosses the triangles: one segment for each crossed
  * triangle and level. A value at or above a level counts as above it, so that the segments
  * of a closed curve close.
  *
- * mesh: {positions (3n), triangles (3m), normals (9m; optional)}, field (n),
- * levels in increasing order. Returns {points: Float32Array(6k), levelOf: Uint16Array(k)}.
+ * mesh: {positions (3n), triangles (3m)}, field (n), levels in increasing order. Returns {points: Float32Array(6k), levelOf: Uint16Array(k)}.
  */
 export function levelSegments({ positions, triangles }, field, levels) {
   const points = new Growing(Float32Array, 6 * 4096);
@@ -70,7 +78,8 @@ export function levelSegments({ positions, triangles }, field, levels) {
       const place = points.extend(6);
       cross(p, q, level, place);
       cross(p, r, level, place + 3);
-      levelOf.array[levelOf.extend(1)] = l;
+      if (isPoint(points.array, place)) points.length = place;
+      else levelOf.push(l);
     }
   }
   return { points: points.taken(), levelOf: levelOf.taken() };

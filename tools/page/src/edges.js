@@ -1,47 +1,54 @@
 // Edges of a triangle list.
 import { cornersByVertex } from './normals.js';
 
-/**
- * Every edge once, Uint32Array(2e), and of those that only one triangle has,
- * Uint32Array(2b), the boundary.
- */
-export function edgesOf(vertexCount, triangles) {
+/** Calls visit(v, w, corners): v < w, and for each triangle at the edge its first corner. */
+function forEveryEdge(vertexCount, triangles, visit) {
   const { begin, corners } = cornersByVertex(vertexCount, triangles);
-  const all = [];
-  const boundary = [];
-  const count = new Map();
+  const found = new Map();
   for (let v = 0; v < vertexCount; ++v) {
-    count.clear();
+    found.clear();
     for (let i = begin[v]; i < begin[v + 1]; ++i) {
-      const corner = corners[i];
-      const first = corner - (corner % 3);
+      const first = corners[i] - (corners[i] % 3);
       for (let c = 0; c < 3; ++c) {
         const other = triangles[first + c];
-        if (other > v) count.set(other, (count.get(other) ?? 0) + 1);
+        if (other <= v) continue;
+        if (found.has(other)) found.get(other).push(first);
+        else found.set(other, [first]);
       }
     }
-    for (const [other, triangleCount] of count) {
-      all.push(v, other);
-      if (triangleCount === 1) boundary.push(v, other);
-    }
+    for (const [other, firsts] of found) visit(v, other, firsts);
   }
-  return { all: Uint32Array.from(all), boundary: Uint32Array.from(boundary) };
+}
+
+/** Every edge once, {v, w, ...} with v < w. */
+export function edgesOf({ positions, triangles }) {
+  const edges = [];
+  forEveryEdge(positions.length / 3, triangles, (v, w) => edges.push(v, w));
+  return Uint32Array.from(edges);
 }
 
 /**
- * What marks the fixed vertices: lines {v, w, ...} along edges of the boundary whose ends the
- * same condition holds, and dots at vertices that no line meets.
+ * What marks the fixed vertices, as {lines: {v, w, ...}, dots: {v, ...}}: lines along edges whose
+ * ends one condition holds, but for those inside of patches that it holds whole, and dots at
+ * the vertices that no line and no patch meets.
  */
 export function fixedMarks({ positions, triangles }, fixedBy) {
-  const held = (v, w) => fixedBy[v] > 0 && fixedBy[v] === fixedBy[w];
-  const { boundary } = edgesOf(positions.length / 3, triangles);
+  const heldAlike = (v, w) => fixedBy[v] > 0 && fixedBy[v] === fixedBy[w];
+  const isWhole = (k) => [0, 1, 2].every((c) => heldAlike(triangles[k], triangles[k + c]));
+  const held = [];
+  const boundaryEdges = new Uint8Array(triangles.length / 3);
+  forEveryEdge(positions.length / 3, triangles, (v, w, firsts) => {
+    if (firsts.length === 1) ++boundaryEdges[firsts[0] / 3];
+    if (heldAlike(v, w)) held.push({ v, w, firsts });
+  });
+  // A corner triangle of a rim that is held is no patch.
+  const inPatch = (k) => isWhole(k) && boundaryEdges[k / 3] < 2;
   const lines = [];
   const met = new Set();
-  for (let k = 0; k < boundary.length; k += 2) {
-    const [v, w] = [boundary[k], boundary[k + 1]];
-    if (!held(v, w)) continue;
-    lines.push(v, w);
+  for (const { v, w, firsts } of held) {
     met.add(v).add(w);
+    const isRim = firsts.length === 1 || firsts.filter(inPatch).length === 1;
+    if (isRim || !firsts.some(isWhole)) lines.push(v, w);
   }
   const dots = [];
   fixedBy.forEach((condition, v) => condition > 0 && !met.has(v) && dots.push(v));

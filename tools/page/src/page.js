@@ -2,7 +2,7 @@
 import { evenLevels, kMostLevels, readable } from './levels.js';
 import { Legend } from './legend.js';
 import { Navigation } from './navigation.js';
-import { savePicture } from './picture.js';
+import { pictureOf, savePicture } from './picture.js';
 import { SurfaceScene } from './surface.js';
 
 const kKeys = [
@@ -65,6 +65,11 @@ export class Page {
     const whole = Math.min(kMostLevels, Math.max(0, Math.round(count) || 0));
     const { low, high } = this.surface.range;
     this.setLevels(evenLevels(low, high, whole));
+  }
+
+  /** What "Save picture" saves, as a canvas. */
+  picture() {
+    return pictureOf(this);
   }
 
   show(what) {

@@ -1,11 +1,23 @@
 // The view as a picture file, with its scale.
 
+// What the page's style sheet gives to parts of the scale.
+const kLooks = [
+  'fill',
+  'stroke',
+  'stroke-width',
+  'font-family',
+  'font-size',
+  'font-weight',
+  'font-variant-numeric',
+  'visibility',
+];
+
 /** Draws the legend, an SVG element, with the colours that it has on the page. */
 async function legendImage(svg) {
   const copy = svg.cloneNode(true);
   const style = (element) => {
-    const { fill, stroke, strokeWidth, font, visibility } = getComputedStyle(element);
-    return `fill:${fill};stroke:${stroke};stroke-width:${strokeWidth};font:${font};visibility:${visibility}`;
+    const computed = getComputedStyle(element);
+    return kLooks.map((look) => `${look}:${computed.getPropertyValue(look)}`).join(';');
   };
   const originals = svg.querySelectorAll('text, line, path');
   copy.querySelectorAll('text, line, path').forEach((element, k) => {

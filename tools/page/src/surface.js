@@ -44,7 +44,7 @@ const kRim = 1.25; // pixels
 
 const kThemes = {
   light: { surface: 0xd9dde3, edge: 0x14171c, edgeOpacity: 0.22 },
-  dark: { surface: 0x5b6470, edge: 0xffffff, edgeOpacity: 0.2 },
+  dark: { surface: 0x6a7480, edge: 0xffffff, edgeOpacity: 0.2 },
 };
 const kInk = 0x0f1216; // of curves on the heat map, and round what is fixed
 
@@ -68,7 +68,7 @@ const textureCoordinate = (t) => (0.5 + t * (kColourSteps - 1)) / kColourSteps;
 
 // What is drawn on the surface is drawn a little nearer, towards the eye: it stays where
 // it is on the screen, and the surface, however steep, does not cut into it.
-const kNearer = 0.9985;
+const kNearer = 0.9993;
 
 /** Replaces a line of a shader, which must be there. */
 function patched(shader, before, after) {
@@ -239,11 +239,10 @@ export class SurfaceScene {
   /** Only when they are first wanted. */
   #addEdges() {
     if (this.edges) return;
-    const { positions, triangles } = this.mesh;
+    const { positions } = this.mesh;
     const geometry = new BufferGeometry();
     geometry.setAttribute('position', new BufferAttribute(Float32Array.from(positions), 3));
-    const { all } = edgesOf(positions.length / 3, triangles);
-    geometry.setIndex(new BufferAttribute(all, 1));
+    geometry.setIndex(new BufferAttribute(edgesOf(this.mesh), 1));
     this.edges = new LineSegments(geometry, new LineBasicMaterial({ transparent: true }));
     this.scene.add(this.edges);
   }
