@@ -23,7 +23,7 @@ if(MINGW)
   # high-entropy addresses are on; the same sources give the same bytes.
   add_link_options(-static -static-libgcc -static-libstdc++
     LINKER:--nxcompat LINKER:--dynamicbase LINKER:--high-entropy-va LINKER:--no-insert-timestamp)
-elseif(UNIX)
+elseif(UNIX AND NOT EMSCRIPTEN)
   add_compile_options(-fstack-protector-strong)
   add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
 endif()

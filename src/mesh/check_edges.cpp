@@ -81,7 +81,7 @@ void checkEdges(const MeshView& mesh, QelmMeshReport& report) {
   for (auto edge = sides.begin(); edge != sides.end();) {
     const auto end =
         std::find_if(edge, sides.end(), [&](const Side& side) { return !sameEdge(*edge, side); });
-    noteEdge({edge, end}, boundary, report);
+    noteEdge({&*edge, static_cast<std::size_t>(end - edge)}, boundary, report);
     edge = end;
   }
   boundary.noteLoops(report.boundaryLoop);

@@ -4,7 +4,7 @@ import { test } from 'node:test';
 import { levelSegments } from '../../tools/page/src/contours.js';
 import { bytesFromBase64, decodeMesh } from '../../tools/page/src/decode.js';
 import { edgesOf, fixedMarks } from '../../tools/page/src/edges.js';
-import { evenLevels, niceTicks, rangeOf, readable } from '../../tools/page/src/levels.js';
+import { evenLevels, levelsInSteps, niceTicks, rangeOf, readable } from '../../tools/page/src/levels.js';
 import { normalise } from '../../tools/page/src/normalise.js';
 import { cornerNormals } from '../../tools/page/src/normals.js';
 import { sheet } from './shapes.mjs';
@@ -74,6 +74,13 @@ test('even levels are those of the command line', () => {
   assert.deepEqual(evenLevels(0, 1, 0), []);
 });
 
+test('steps of levels go on beyond the first range', () => {
+  assert.deepEqual(levelsInSteps(0.25, 0.25, 0, 1), [0.25, 0.5, 0.75]);
+  assert.deepEqual(levelsInSteps(0.25, 0.25, -0.6, 1.1), [-0.5, -0.25, 0, 0.25, 0.5, 0.75, 1]);
+  assert.deepEqual(levelsInSteps(0.25, 0.25, 0.3, 0.4), []);
+  assert.equal(levelsInSteps(0, 1e-9, 0, 1).length, 100);
+});
+
 test('numbers are short and keep their digits', () => {
   const texts = [0, 0.1 + 0.2, -1.5, 1234567, 1e-9, 123.456789, 20].map((v) => readable(v));
   assert.deepEqual(texts, ['0', '0.3', '−1.5', '1.23457e6', '1e−9', '123.457', '20']);
@@ -140,7 +147,7 @@ test('fixed vertices are marked by lines, by rims of patches, or by dots', () =>
 });
 
 test('a damaged page is refused with its reason', () => {
-  const head = new Uint8Array(16 + 24 * 3 + 8 * 3 + 768 + 3 + 3);
+  const head = new Uint8Array(20 + 24 * 3 + 8 * 3 + 768 + 3 + 3);
   const view = new DataView(head.buffer);
   [0x4d4c4551, 1, 3, 1].forEach((word, k) => view.setUint32(4 * k, word, true));
   head.set([0, 2, 2], head.length - 3); // corners 0, 1, 2

@@ -23,11 +23,12 @@ class Page:
         self.title = html.unescape(re.search(r"<title>(.*)</title>", self.text)[1])
         self.facts = json.loads(self.script("page-facts"))
         self.block = base64.b64decode(self.script("page-mesh"), validate=True)
-        magic, version, n, m = struct.unpack_from("<4sIII", self.block)
-        assert (magic, version) == (b"QELM", 1)
-        self.place = 16
+        magic, version, n, m, loads = struct.unpack_from("<4s4I", self.block)
+        assert (magic, version) == (b"QELM", 1) and loads in (0, n)
+        self.place = 20
         self.points = list(zip(*[iter(self.take(f"<{3 * n}d"))] * 3))
         self.field = list(self.take(f"<{n}d"))
+        self.load = list(self.take(f"<{loads}d"))
         self.colours = list(zip(*[iter(self.take("<768B"))] * 3))
         self.fixed_by = [self.varint() for _ in range(n)]
         corners = self.corners(3 * m)
@@ -86,7 +87,7 @@ def test_corners_far_apart_survive_their_packing(qelm):
     qelm.write("grid.obj", shapes.obj((points, faces)))
     page = view(qelm, "grid.obj", "--fix", "vertex:0=0", "--fix", "vertex:17160=1")
     assert page.triangles == faces
-    assert len(page.block) < 16 + 32 * len(points) + 768 + len(points) + 2 * 3 * len(faces)
+    assert len(page.block) < 20 + 32 * len(points) + 768 + len(points) + 2 * 3 * len(faces)
 
 
 @with_page
@@ -121,6 +122,29 @@ def test_levels_and_the_first_view_are_the_command_lines(qelm):
     page = view(qelm, "grid.obj", *LEFT_RIGHT, "--every", "0.2", "--view", "0,-3,4")
     assert page.facts["levels"] == pytest.approx([0.2, 0.4, 0.6, 0.8])
     assert page.facts["toward"] == pytest.approx([0, -0.6, 0.8])
+
+
+@with_page
+def test_page_holds_the_load_if_there_is_one(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    qelm.write("load.csv", "7,0.1\n8,-3\n")
+    page = view(qelm, "grid.obj", *LEFT_RIGHT, "--load", "load.csv")
+    assert page.load == [{7: 0.1, 8: -3}.get(v, 0) for v in range(20)]
+    assert page.facts["load"] is True
+    assert view(qelm, "grid.obj", *LEFT_RIGHT).load == []
+
+
+def test_another_page_can_be_filled_in(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    qelm.write("page.html", "<a>@QELM_TITLE@</a>@QELM_FACTS@|@QELM_MESH@|end")
+    qelm.ok("view", "grid.obj", *LEFT_RIGHT, "--page", "page.html", "-o", "filled.html")
+    text = (qelm.folder / "filled.html").read_text(encoding="utf-8")
+    head, mesh, tail = text.split("|")
+    assert head.startswith("<a>grid.obj – qelm</a>{") and tail == "end"
+    assert base64.b64decode(mesh, validate=True)[:4] == b"QELM"
+    qelm.write("page.html", "@QELM_TITLE@ @QELM_MESH@")
+    text = qelm.fails(3, "view", "grid.obj", *LEFT_RIGHT, "--page", "page.html", "-o", "no.html")
+    assert "page.html" in text and "@QELM_FACTS@" in text
 
 
 @with_page

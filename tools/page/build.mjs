@@ -1,11 +1,12 @@
-// usage: node build.mjs ENTRY TEMPLATE OUT
+// usage: node build.mjs ENTRY TEMPLATE OUT [LIBRARY.mjs]
 // Bundles ENTRY and page.css into TEMPLATE: one HTML file that needs nothing else but
-// what replaces its @QELM_...@ marks.
+// what replaces its @QELM_...@ marks. LIBRARY is the library as a JavaScript module, for pages
+// that solve.
 import { readFile, writeFile } from 'node:fs/promises';
 import path from 'node:path';
 import { build, transform } from 'esbuild';
 
-const [entry, template, out] = process.argv.slice(2);
+const [entry, template, out, library] = process.argv.slice(2);
 
 // What ends a script element or opens a comment must not stand in one.
 const inScript = (code) => code.replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
@@ -18,6 +19,7 @@ const bundle = await build({
   target: 'es2022',
   charset: 'utf8',
   legalComments: 'eof',
+  alias: library ? { 'qelm-library': path.resolve(library) } : {},
   write: false,
 });
 const css = await readFile(path.join(path.dirname(template), 'page.css'), 'utf8');
@@ -31,6 +33,8 @@ const licences = await Promise.all(
 );
 const pieces = {
   '<!--@LICENCES@-->': `<!--\nThis page contains\n\n${licences.join('\n')}-->`,
+  // WebAssembly comes as data inside of the module.
+  '@MORE_SOURCES@': library ? " 'wasm-unsafe-eval'; connect-src data:" : '',
   '/*@STYLE@*/': style.code,
   '/*@SCRIPT@*/': inScript(bundle.outputFiles[0].text),
 };

@@ -178,6 +178,8 @@ class CommandLine {
         .add_option("-o,--output", view_.output, "Where the page goes; - is the standard output")
         ->type_name("PAGE.html")
         ->required();
+    command.add_option("--page", view_.page, "Fill in this page, such as the live one")
+        ->type_name("TEMPLATE.html");
     command.add_option("--view", view_.view, "From where the page looks at first")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);

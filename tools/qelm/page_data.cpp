@@ -43,14 +43,16 @@ void appendColours(std::string& block) {
 
 }  // namespace
 
-std::string pageData(const Mesh& mesh, std::span<const double> field,
+std::string pageData(const Mesh& mesh, std::span<const double> field, std::span<const double> load,
                      const std::vector<int>& fixedBy) {
   std::string block(kMagic);
   append(block, kVersion);
   append(block, static_cast<std::uint32_t>(mesh.vertexCount()));
   append(block, static_cast<std::uint32_t>(mesh.triangleCount()));
+  append(block, static_cast<std::uint32_t>(load.size()));
   append(block, std::span<const double>(mesh.vertices));
   append(block, field);
+  append(block, load);
   appendColours(block);
   for (const int condition : fixedBy) appendVarint(block, static_cast<std::uint32_t>(condition));
   int before = 0;

@@ -11,10 +11,10 @@
 
 namespace qelm::tool {
 
-/// One block of bytes, little-endian; decode.js has the layout. `fixedBy` has one
-/// number for each vertex: 0 where it is free, else the condition's place in the page's
-/// list, from 1. Compact: a corner of a mesh in a natural order takes one or two bytes.
-std::string pageData(const Mesh& mesh, std::span<const double> field,
+/// One block of bytes, little-endian; decode.js has the layout. `load` has n values or none,
+/// `fixedBy` one number for each vertex: 0 where it is free, else the condition's place in the
+/// page's list, from 1. Compact: a corner of a mesh in a natural order takes one or two bytes.
+std::string pageData(const Mesh& mesh, std::span<const double> field, std::span<const double> load,
                      const std::vector<int>& fixedBy);
 
 /// In the alphabet of RFC 4648, padded.

@@ -145,8 +145,7 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   Steps& steps = solved.steps;
   solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
-  std::vector<double> load;
-  if (!options.load.empty()) load = readLoad(options.load, mesh.vertexCount());
+  if (!options.load.empty()) solved.load = readLoad(options.load, mesh.vertexCount());
   std::vector<FixedVertex> fromFile;
   if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
   solved.fromFile = static_cast<int>(fromFile.size());
@@ -159,7 +158,7 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
     for (const std::string& note : solved.prescribed.notes) console.note(note);
     steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
     solved.fields = steps.run(
-        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, load); });
+        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, solved.load); });
   });
   return solved;
 }

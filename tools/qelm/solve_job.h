@@ -33,6 +33,7 @@ struct SolvedField {
   std::vector<Condition> conditions;
   int fromFile = 0;  ///< vertices that --fix-file fixes
   Prescribed prescribed;
+  std::vector<double> load;  ///< n, or none
   std::optional<FieldSystem> system;
   std::vector<double> fields;  ///< one after another, in the mesh's order
   Steps steps;

@@ -81,6 +81,31 @@ std::string inHtml(std::string_view text) {
   return escaped;
 }
 
+constexpr std::string_view kTitleMark = "@QELM_TITLE@";
+constexpr std::string_view kFactsMark = "@QELM_FACTS@";
+constexpr std::string_view kMeshMark = "@QELM_MESH@";
+
+/// The page to fill in. Throws FileError when --page's has not the marks, OutputError
+/// when there is none.
+std::string pageToFill(const ViewOptions& options) {
+  if (!options.page.empty()) {
+    std::string page = readFile(toPath(options.page));
+    std::size_t at = 0;
+    for (const std::string_view mark : {kTitleMark, kFactsMark, kMeshMark}) {
+      at = page.find(mark, at);
+      if (at == std::string::npos)
+        throw FileError(
+            fmt::format("{}: this is no page to fill in: there is no {}", options.page, mark));
+    }
+    return page;
+  }
+  if (viewPage().empty())
+    throw OutputError(
+        "this qelm was built without the page that 'view' fills in; run scripts/page in its "
+        "sources and build it again, or use 'qelm heatmap' or 'qelm curves'");
+  return std::string(viewPage());
+}
+
 /// Writes `page` with each mark's text in its place. The marks come in this order, each once.
 void writeFilled(std::string_view page,
                  const std::vector<std::pair<std::string_view, std::string>>& texts,
@@ -100,10 +125,7 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice = levelChoice(options.levels);
   const ViewChoice view = parseView(options.view);
-  if (viewPage().empty())
-    throw OutputError(
-        "this qelm was built without the page that 'view' fills in; run scripts/page in its "
-        "sources and build it again, or use 'qelm heatmap' or 'qelm curves'");
+  const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the page (-o -) or --json, not both");
   refuseToOverwrite(options.field.mesh, toPath(options.output));
@@ -114,11 +136,12 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   const std::vector<double> levels =
       naming(solved.meshName, [&] { return choice.levels(*low, *high, console); });
   solved.steps.run("write", [&] {
-    writeFilled(viewPage(),
-                {{"@QELM_TITLE@", inHtml(nameOf(solved)) + " \u2013 qelm"},
-                 {"@QELM_FACTS@", inScript(pageFacts(solved, options, view, levels))},
-                 {"@QELM_MESH@", base64(pageData(solved.mesh, solved.field(), fixedBy(solved)))}},
-                file);
+    writeFilled(
+        page,
+        {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
+         {kFactsMark, inScript(pageFacts(solved, options, view, levels))},
+         {kMeshMark, base64(pageData(solved.mesh, solved.field(), solved.load, fixedBy(solved)))}},
+        file);
     file.commit();
   });
   const ReportItem report = {

@@ -14,6 +14,7 @@ struct ViewOptions {
   LevelOptions levels;  ///< none given: twelve
   std::string output;
   std::string view = "best";
+  std::string page;  ///< a page to fill in instead of the built-in one; empty: none
 };
 
 /// Writes one page that shows the field in any browser, without a network. Throws

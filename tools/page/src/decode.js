@@ -1,8 +1,9 @@
 // The page's mesh: one block of bytes, written by tools/qelm/page_data.cpp.
 //
-//   "QELM", version (u32), n, m (u32): vertices, triangles
+//   "QELM", version (u32), n, m (u32): vertices, triangles; l (u32): n with a load, else 0
 //   positions   f64[3n]  packed xyz, the caller's units
 //   field       f64[n]
+//   load        f64[l]
 //   colours     u8[768]  red, green, blue of 256 steps, the smallest value first
 //   fixedBy     varint[n]  0: free; k: held by the k-th condition (see the page's facts)
 //   corners     varint[3m] differences between successive corners, zigzag
@@ -12,7 +13,7 @@
 
 const kMagic = 0x4d4c4551; // "QELM"
 const kVersion = 1;
-const kHeadBytes = 16;
+const kHeadBytes = 20;
 export const kColourSteps = 256;
 
 /** Reads varints from `bytes`, beginning at `place`. */
@@ -59,7 +60,7 @@ function readCorners(reader, vertexCount, triangleCount) {
 
 /**
  * {positions: Float64Array(3n), triangles: Uint32Array(3m), field: Float64Array(n),
- *  colours: Uint8Array(768), fixedBy: Uint32Array(n)}. Throws Error when `bytes` are not
+ *  load: Float64Array(n) or null, colours: Uint8Array(768), fixedBy: Uint32Array(n)}. Throws Error when `bytes` are not
  * such a block. Needs a little-endian machine, as every one with a browser is.
  */
 export function decodeMesh(bytes) {
@@ -77,9 +78,10 @@ export function decodeMesh(bytes) {
   };
   const positions = new Float64Array(take(24 * n).buffer);
   const field = new Float64Array(take(8 * n).buffer);
+  const load = view.getUint32(16, true) === 0 ? null : new Float64Array(take(8 * n).buffer);
   const colours = take(3 * kColourSteps);
   const reader = new VarintReader(bytes, place);
   const fixedBy = Uint32Array.from({ length: n }, () => reader.next());
   const triangles = readCorners(reader, n, m);
-  return { positions, triangles, field, colours, fixedBy };
+  return { positions, triangles, field, load, colours, fixedBy };
 }

@@ -26,6 +26,18 @@ export function evenLevels(low, high, count) {
   return levels;
 }
 
+/** The levels origin + k * step strictly between low and high, kMostLevels of them at most. */
+export function levelsInSteps(origin, step, low, high) {
+  const levels = [];
+  const first = Math.ceil((low - origin) / step);
+  for (let k = first; levels.length < kMostLevels; ++k) {
+    const level = origin + k * step;
+    if (level >= high) break;
+    if (level > low) levels.push(level);
+  }
+  return levels;
+}
+
 /**
  * A value in six significant digits at most, "0.25" rather than "0.250000". What is finer than
  * a millionth of `scale`, if given, is noise there and left out: "0" rather than "1e-17".

@@ -31,30 +31,35 @@ export class Page {
    */
   constructor(facts, data) {
     this.facts = facts;
+    this.data = data;
     this.canvas = byId('canvas');
     this.surface = new SurfaceScene(this.canvas, data);
     this.legend = new Legend(byId('legend'), data.colours);
     this.theme = 'auto';
-    this.#fitWindow();
+    this.fitWindow();
     this.navigation = new Navigation(this.surface, facts);
     this.#describe();
     this.#connectControls();
     this.#connectPointer();
     this.#followWindow();
     this.#applyTheme();
-    this.setField(data.field);
-    this.setLevels(facts.levels);
+    this.setField(data.field, facts.levels);
   }
 
-  /** Another field; keeps the number of levels when the range changes. */
-  setField(field, range) {
-    this.surface.setField(field, range);
+  /** Another field, cut at other levels or at the ones before. */
+  setField(field, levels = this.levels) {
+    this.surface.setField(field, levels);
     this.legend.setRange(this.surface.range);
+    this.#showLevels(levels);
   }
 
   setLevels(levels) {
-    this.levels = levels;
     this.surface.setLevels(levels);
+    this.#showLevels(levels);
+  }
+
+  #showLevels(levels) {
+    this.levels = levels;
     this.legend.setLevels(levels, this.surface.shown.curves);
     byId('level-slider').value = levels.length;
     byId('level-count').value = levels.length;
@@ -86,7 +91,7 @@ export class Page {
     head.querySelector('p').textContent =
       `${counted(vertices, 'vertex', 'vertices')}, ${counted(triangles, 'triangle', 'triangles')}`;
     head.querySelector('ul').replaceChildren(
-      ...conditions.map((condition) => this.#conditionItem(condition)),
+      ...conditions.map((condition, number) => this.conditionItem(condition, number)),
     );
     byId('key-list').replaceChildren(
       ...kKeys.flatMap(([key, meaning]) => {
@@ -100,7 +105,7 @@ export class Page {
   }
 
   /** A file's vertices have a value each: it stands there without one. */
-  #conditionItem({ text, value, vertices }) {
+  conditionItem({ text, value, vertices }) {
     const item = document.createElement('li');
     const swatch = document.createElement('i');
     swatch.className = 'swatch';
@@ -219,17 +224,19 @@ export class Page {
     this.legend.point(null);
   }
 
-  #fitWindow() {
-    const { innerWidth, innerHeight } = window;
-    const covered = innerWidth - byId('scale-card').getBoundingClientRect().left;
-    this.surface.setSize(innerWidth, innerHeight, innerWidth > kNarrow ? covered : 0);
+  /** The sides of the window that cards cover; on narrow ones they lie on the picture. */
+  covered() {
+    if (window.innerWidth <= kNarrow) return {};
+    return { right: window.innerWidth - byId('scale-card').getBoundingClientRect().left };
+  }
+
+  fitWindow() {
+    this.surface.setSize(window.innerWidth, window.innerHeight, this.covered());
+    this.navigation?.resized();
   }
 
   #followWindow() {
-    window.addEventListener('resize', () => {
-      this.#fitWindow();
-      this.navigation.resized();
-    });
+    window.addEventListener('resize', () => this.fitWindow());
     this.darkWanted = window.matchMedia('(prefers-color-scheme: dark)');
     this.darkWanted.addEventListener('change', () => this.#applyTheme());
   }

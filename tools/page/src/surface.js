@@ -85,6 +85,7 @@ export class SurfaceScene {
     this.mesh = { positions: this.place.local, triangles: data.triangles };
     this.shown = { heatMap: true, curves: true, edges: false, fixed: true };
     this.levels = [];
+    this.cutter = (values, levels) => levelSegments(this.mesh, values, levels);
     this.theme = 'light';
     this.renderer = new WebGLRenderer({ canvas, antialias: true, alpha: true });
     this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2));
@@ -99,10 +100,10 @@ export class SurfaceScene {
     this.setField(data.field);
   }
 
-  /** Another field on the same mesh. Colours stretch over `range`, its own unless given. */
-  setField(field, range = rangeOf(field)) {
-    this.field = field;
-    this.range = range;
+  /** Another field on the same mesh, cut at other levels or at the ones before. */
+  setField(field, levels = this.levels) {
+    const range = rangeOf(field);
+    Object.assign(this, { field, range, levels });
     const span = range.high - range.low || 1;
     const uv = this.surface.geometry.attributes.uv;
     const { triangles } = this.mesh;
@@ -134,18 +135,18 @@ export class SurfaceScene {
     this.draw();
   }
 
-  /** Of the canvas, in CSS pixels; `margin` of them at the right are covered. */
-  setSize(width, height, margin = 0) {
-    Object.assign(this, { width, height, margin });
+  /** Of the canvas, in CSS pixels; `left` and `right` of them are covered at its sides. */
+  setSize(width, height, { left = 0, right = 0 } = {}) {
+    Object.assign(this, { width, height, covered: left + right });
     this.renderer.setSize(width, height, false);
     this.camera.aspect = width / Math.max(1, height);
-    this.camera.setViewOffset(width, height, margin / 2, 0, width, height);
+    this.camera.setViewOffset(width, height, (right - left) / 2, 0, width, height);
     this.draw();
   }
 
   /**
-   * As a picture of the mesh from `toward` (a Vector3) that fills the canvas but for what
-   * setMargin() keeps free. Returns the point that the camera looks at.
+   * As a picture of the mesh from `toward` (a Vector3) that fills the canvas but for what is
+   * covered. Returns the point that the camera looks at.
    */
   lookFrom(toward, up) {
     const forward = toward.clone().normalize();
@@ -284,7 +285,9 @@ export class SurfaceScene {
   }
 
   #cut() {
-    this.segments = levelSegments(this.mesh, this.field, this.levels);
+    const began = performance.now();
+    this.segments = this.cutter(this.field, this.levels);
+    this.cutTime = performance.now() - began;
     const geometry = new LineSegmentsGeometry();
     geometry.setPositions(this.segments.points);
     this.curves.geometry.dispose();
@@ -339,7 +342,7 @@ export class SurfaceScene {
    */
   #fit(forward, right, above) {
     const tangent = Math.tan((kFieldOfView * Math.PI) / 360) * kFill;
-    const free = (this.width - this.margin) / Math.max(1, this.height);
+    const free = (this.width - this.covered) / Math.max(1, this.height);
     const slopes = [tangent * free, tangent];
     const axes = [right, above];
     const outermost = [-Infinity, -Infinity, -Infinity, -Infinity];

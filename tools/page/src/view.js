@@ -1,15 +1,9 @@
 // Entry of the page that `qelm view` writes.
 import { bytesFromBase64, decodeMesh } from './decode.js';
 import { Page } from './page.js';
+import { runPage, textOf } from './start.js';
 
-const textOf = (id) => document.getElementById(id).textContent;
-
-try {
+runPage(() => {
   const facts = JSON.parse(textOf('page-facts'));
-  window.qelmPage = new Page(facts, decodeMesh(bytesFromBase64(textOf('page-mesh'))));
-} catch (error) {
-  const failure = document.getElementById('failure');
-  failure.textContent = `This page cannot be shown: ${error.message}. It needs a browser with WebGL 2.`;
-  failure.hidden = false;
-  throw error;
-}
+  return new Page(facts, decodeMesh(bytesFromBase64(textOf('page-mesh'))));
+});

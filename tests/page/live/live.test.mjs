@@ -1,0 +1,185 @@
+// The live page in a browser: the library in it against the native one, and its sliders.
+// Run by `scripts/playground --test`.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import path from 'node:path';
+import { after, before, test } from 'node:test';
+import { openPage, startBrowser } from '../../../tools/page/browser.mjs';
+import { Picture } from '../picture.mjs';
+import { obj, sheet } from '../shapes.mjs';
+
+const folder = mkdtempSync(path.join(tmpdir(), 'qelm-live-'));
+const file = (name) => path.join(folder, name);
+const qelm = (...words) => execFileSync(process.env.QELM_TOOL, words, { cwd: folder });
+
+const kSides = ['--fix', 'box:-2,-9,-9,-2,9,9=0', '--fix', 'box:2,-9,-9,2,9,9=1'];
+const withPoint = (value) => ['hills.obj', ...kSides, '--fix', `near:0.3,0.2,0=${value}`];
+
+let chromium;
+let page;
+
+before(async () => {
+  const hills = (x, y) => 0.5 * Math.sin(2 * x) * Math.cos(2 * y);
+  writeFileSync(file('hills.obj'), obj(sheet(60, 40, [-2, 2, -1, 1], hills)));
+  // 20,301 vertices
+  writeFileSync(file('large.obj'), obj(sheet(200, 100, [-2, 2, -1, 1], hills)));
+  writeFileSync(file('load.csv'), Array.from({ length: 41 * 61 }, (_, v) => `${Math.sin(v) / 500}\n`).join(''));
+  writeFileSync(file('fixed.csv'), '5,0.25\n77,0.75\n');
+  chromium = await startBrowser();
+});
+
+after(async () => {
+  await chromium.close();
+  rmSync(folder, { recursive: true });
+});
+
+async function open(words) {
+  qelm('view', ...words, '--page', process.env.QELM_LIVE_PAGE, '-o', 'live.html', '-q');
+  page = await openPage(chromium.browser, file('live.html'));
+}
+
+async function closed() {
+  assert.deepEqual(page.complaints, []);
+  await page.close();
+}
+
+/** The page's field and the native tool's differ by rounding. */
+async function sameField(words) {
+  qelm('solve', ...words, '-o', 'field.csv', '-q');
+  const wanted = readFileSync(file('field.csv'), 'utf8').trim().split('\n').slice(1).map((line) => Number(line.split(',')[4]));
+  const field = await page.evaluate(() => [...qelmPage.surface.field]);
+  assert.equal(field.length, wanted.length);
+  const size = Math.max(...wanted.map(Math.abs));
+  let worst = 0;
+  field.forEach((value, v) => (worst = Math.max(worst, Math.abs(value - wanted[v]))));
+  assert.ok(worst <= 1e-12 * size, `off by ${worst}`);
+  return { worst: worst / size, range: [Math.min(...wanted), Math.max(...wanted)] };
+}
+
+/** The curves on the page are those that the native tool cuts, in length and number. */
+async function sameCurves(words) {
+  const levels = await page.evaluate(() => qelmPage.levels);
+  qelm('curves', ...words, '--at', levels.join(), '-o', 'curves.json', '-q');
+  const { curves } = JSON.parse(readFileSync(file('curves.json')));
+  const wanted = levels.map(() => 0);
+  for (const { level, points, closed: isClosed } of curves) {
+    const all = isClosed ? [...points, points[0]] : points;
+    for (let k = 1; k < all.length; ++k) wanted[level] += Math.hypot(...all[k].map((c, i) => c - all[k - 1][i]));
+  }
+  const lengths = await page.evaluate(() => {
+    const { segments, place } = qelmPage.surface;
+    const sums = qelmPage.levels.map(() => 0);
+    segments.levelOf.forEach((l, k) => {
+      const [a, b, c, d, e, f] = segments.points.subarray(6 * k, 6 * k + 6);
+      sums[l] += Math.hypot(a - d, b - e, c - f) * place.radius;
+    });
+    return sums;
+  });
+  assert.ok(levels.length > 3);
+  lengths.forEach((length, l) => {
+    assert.ok(wanted[l] > 0 && Math.abs(length / wanted[l] - 1) < 1e-4, `level ${levels[l]}: ${length}, ${wanted[l]}`);
+  });
+}
+
+const moveSlider = async (label, value) => {
+  await page.$eval(
+    `input[type=range][aria-label="Value of ${label}"]`,
+    (slider, wanted) => {
+      slider.value = wanted;
+      slider.dispatchEvent(new Event('input'));
+    },
+    value,
+  );
+  await page.waitForFunction(() => qelmPage.awaited === undefined);
+  return page.$eval(`input[type=range][aria-label="Value of ${label}"]`, (slider) => slider.value);
+};
+
+test('the page solves what the native library solves', async (t) => {
+  await open([...withPoint(1.5), '--levels', '9']);
+  const { worst } = await sameField(withPoint(1.5));
+  t.diagnostic(`differs by ${worst} of the largest value`);
+  await sameCurves(withPoint(1.5));
+  await closed();
+});
+
+test('moving a slider solves again and cuts again', async () => {
+  await open([...withPoint(1.5), '--levels', '9']);
+  const before = Picture.fromPng(Buffer.from(await page.screenshot()));
+  const system = await page.evaluate(() => qelmPage.system.handle);
+  const value = await moveSlider('near:0.3,0.2,0', -0.4);
+  await sameField(withPoint(value));
+  await sameCurves(withPoint(value));
+  assert.equal(await page.evaluate(() => qelmPage.system.handle), system, 'the factorisation stays');
+  const shown = await page.$eval('input[type=number][aria-label^="Value of near"]', (box) => Number(box.value));
+  assert.ok(Math.abs(shown - value) < 1e-6);
+  const after = Picture.fromPng(Buffer.from(await page.screenshot()));
+  assert.ok(before.difference(after) > 0.02);
+  await closed();
+});
+
+test('levels keep their steps while values move', async () => {
+  await open([...withPoint(0.5), '--levels', '3']);
+  assert.deepEqual(await page.evaluate(() => qelmPage.levels), [0.25, 0.5, 0.75]);
+  await moveSlider('box:2,-9,-9,2,9,9', 1.5);
+  assert.deepEqual(await page.evaluate(() => qelmPage.levels), [0.25, 0.5, 0.75, 1, 1.25]);
+  await page.$eval('#level-count', (box) => {
+    box.value = 2;
+    box.dispatchEvent(new Event('change'));
+  });
+  assert.deepEqual(await page.evaluate(() => qelmPage.levels), [0.5, 1]);
+  await moveSlider('box:-2,-9,-9,-2,9,9', -0.5);
+  assert.deepEqual(await page.evaluate(() => qelmPage.levels), [0, 0.5, 1]);
+  await closed();
+});
+
+test('keys and the number box move values, and the button brings them back', async () => {
+  await open(withPoint(0.5));
+  await page.focus('input[type=range][aria-label^="Value of near"]');
+  for (let k = 0; k < 12; ++k) await page.keyboard.press('ArrowRight');
+  await page.waitForFunction(() => qelmPage.awaited === undefined);
+  const value = await page.$eval('input[type=range][aria-label^="Value of near"]', (slider) => slider.value);
+  assert.ok(value > 0.55);
+  await sameField(withPoint(value));
+  await page.click('input[type=number][aria-label^="Value of near"]', { count: 3 });
+  await page.keyboard.type('7.25');
+  await page.keyboard.press('Enter');
+  await page.waitForFunction(() => qelmPage.awaited === undefined && qelmPage.surface.range.high > 7);
+  await sameField(withPoint(7.25));
+  await page.click('#reset-values');
+  await page.waitForFunction(() => qelmPage.awaited === undefined && qelmPage.surface.range.high < 7);
+  await sameField(withPoint(0.5));
+  await closed();
+});
+
+test('loads and the values of a file are kept', async () => {
+  const words = (value) => ['hills.obj', '--fix-file', 'fixed.csv', '--load', 'load.csv', '--fix', `box:2,-9,-9,2,9,9=${value}`];
+  await open(words(1));
+  assert.equal(await page.$$eval('#facts input[type=range]', (sliders) => sliders.length), 1);
+  await sameField(words(1));
+  const value = await moveSlider('box:2,-9,-9,2,9,9', 0.8);
+  await sameField(words(value));
+  await closed();
+});
+
+test('20,000 vertices follow a slider at interactive speed', async (t) => {
+  await open(['large.obj', ...kSides, '--fix', 'near:0.3,0.2,0=1.5', '--levels', '20']);
+  const times = await page.evaluate(async () => {
+    const all = [];
+    for (let k = 0; k < 60; ++k) {
+      const began = performance.now();
+      qelmPage.prescribe(2, 1.5 - k / 30);
+      qelmPage.solve();
+      all.push({ ...qelmPage.times, move: performance.now() - began });
+    }
+    return all.slice(10);
+  });
+  const median = (name) => times.map((t) => t[name]).sort((a, b) => a - b)[times.length >> 1];
+  t.diagnostic(
+    `construction ${times[0].construct.toFixed(0)} ms; median of ${times.length} moves: solve ` +
+      `${median('solve').toFixed(1)} ms, cut ${median('cut').toFixed(1)} ms, all ${median('move').toFixed(1)} ms`,
+  );
+  await sameField(['large.obj', ...kSides, '--fix', `near:0.3,0.2,0=${1.5 - 59 / 30}`]);
+  await closed();
+});

@@ -1,0 +1,119 @@
+// The library's exports, as tools/playground compiles them for pages, for JavaScript: arrays in,
+// arrays out, errors with the library's own words.
+
+const kStatusOk = 0;
+
+/** Room on the library's heap that is given back at the end of `use`. */
+function withRoom(library, sizes, use) {
+  const places = sizes.map((size) => library._malloc(Math.max(1, size)));
+  try {
+    if (places.includes(0)) throw new Error('the memory is not enough');
+    return use(...places);
+  } finally {
+    places.forEach((place) => library._free(place));
+  }
+}
+
+function check(library, status) {
+  if (status === kStatusOk) return;
+  throw new Error(library.UTF8ToString(library._qelmstatustext(status)));
+}
+
+// The heap may move whenever something is allocated: views of it are not kept.
+const doublesAt = (library, place, count) => library.HEAPF64.subarray(place >> 3, (place >> 3) + count);
+const intsAt = (library, place, count) => library.HEAP32.subarray(place >> 2, (place >> 2) + count);
+
+/** A record QelmCurves: two 64-bit counts, then four pointers. */
+function readCurves(library, record) {
+  const [curveCount, , pointCount, , points, starts, levels, closed] = intsAt(library, record, 8);
+  return {
+    points: doublesAt(library, points, 3 * pointCount).slice(),
+    // 64-bit numbers, of which a 32-bit heap needs the lower halves.
+    starts: intsAt(library, starts, curveCount === 0 ? 0 : 2 * (curveCount + 1)).filter((_, k) => k % 2 === 0),
+    levels: intsAt(library, levels, curveCount).slice(),
+    closed: intsAt(library, closed, curveCount).slice(),
+  };
+}
+
+/** A mesh with its factorised system. */
+export class MeshSystem {
+  /**
+   * library: the instantiated module; positions: Float64Array(3n); triangles: 3m indices;
+   * tags: n marks, not 0 where a vertex is held. Throws Error in the library's words.
+   */
+  constructor(library, positions, triangles, tags) {
+    this.library = library;
+    this.vertexCount = tags.length;
+    const n = tags.length;
+    const m = triangles.length / 3;
+    this.handle = withRoom(library, [24 * n, 12 * m, 4 * n, 4, 4], (xyz, corners, marks, status, handle) => {
+      doublesAt(library, xyz, 3 * n).set(positions);
+      intsAt(library, corners, 3 * m).set(triangles);
+      intsAt(library, marks, n).set(tags);
+      library._qelmctorTagged(n, xyz, m, corners, marks, 0, status, handle);
+      check(library, intsAt(library, status, 1)[0]);
+      return intsAt(library, handle, 1)[0];
+    });
+    if (library._qelminfo(this.handle) !== 0) {
+      this.free();
+      throw new Error('the system is singular: a connected part has no fixed vertex');
+    }
+  }
+
+  /** One value per vertex; `values` count where vertices are held, `load`, if any, elsewhere. */
+  solve(values, load = null) {
+    const { library, vertexCount: n } = this;
+    return withRoom(library, [8 * n, load ? 8 * n : 0, 4], (field, weights, status) => {
+      doublesAt(library, field, n).set(values);
+      if (load) {
+        doublesAt(library, weights, n).set(load);
+        library._qelmsolvePTagged(this.handle, field, weights, field, status);
+      } else {
+        library._qelmsolveTagged(this.handle, field, field, status);
+      }
+      check(library, intsAt(library, status, 1)[0]);
+      return doublesAt(library, field, n).slice();
+    });
+  }
+
+  /**
+   * Level curves: {points: Float64Array(3p), starts: c + 1 places in points, levels: c indices,
+   * closed: c flags}.
+   */
+  curves(field, levels) {
+    const { library, vertexCount: n } = this;
+    return withRoom(library, [8 * n, 8 * levels.length, 4, 4], (values, wanted, out, status) => {
+      doublesAt(library, values, n).set(field);
+      doublesAt(library, wanted, levels.length).set(levels);
+      library._qelmcurvesTagged(this.handle, values, levels.length, wanted, out, status);
+      check(library, intsAt(library, status, 1)[0]);
+      const record = intsAt(library, out, 1)[0];
+      const curves = readCurves(library, record);
+      library._qelmfreecurves(record);
+      return curves;
+    });
+  }
+
+  free() {
+    this.library._qelmfree(this.handle);
+    this.handle = 0;
+  }
+}
+
+/** The curves' straight pieces, as levelSegments() has them; `place` as normalise() has it. */
+export function segmentsOf({ points, starts, levels, closed }, { centre, radius }) {
+  const count = levels.reduce((sum, _, c) => sum + starts[c + 1] - starts[c] - (closed[c] ? 0 : 1), 0);
+  const local = Float32Array.from(points, (p, k) => (p - centre[k % 3]) / radius);
+  const segments = { points: new Float32Array(6 * count), levelOf: new Uint16Array(count) };
+  let next = 0;
+  levels.forEach((level, c) => {
+    const [begin, end] = [starts[c], starts[c + 1]];
+    for (let p = begin; p < end - (closed[c] ? 0 : 1); ++p) {
+      const q = p + 1 < end ? p + 1 : begin;
+      segments.points.set(local.subarray(3 * p, 3 * p + 3), 6 * next);
+      segments.points.set(local.subarray(3 * q, 3 * q + 3), 6 * next + 3);
+      segments.levelOf[next++] = level;
+    }
+  });
+  return segments;
+}
