@@ -3,7 +3,7 @@
 import re
 
 import pytest
-from built import BUILD, IS_WINDOWS, LIBRARY, OBJDUMP, SANITIZERS, SOURCE, program, run, run_built
+from built import BUILD, IS_WINDOWS, LIBRARY, OBJDUMP, CHECKER, SOURCE, program, run, run_built
 
 windows_only = pytest.mark.skipif(not IS_WINDOWS, reason="about the DLL")
 linux_only = pytest.mark.skipif(IS_WINDOWS, reason="about the shared object")
@@ -93,7 +93,7 @@ def test_the_soname_is_the_major_version():
 
 
 @linux_only
-@pytest.mark.skipif(bool(SANITIZERS), reason="sanitizers bring libraries of their own")
+@pytest.mark.skipif(bool(CHECKER), reason="sanitizers bring libraries of their own")
 def test_the_shared_object_needs_only_the_c_and_cxx_runtime():
     needed = set(re.findall(r"NEEDED\s+(\S+)", run(OBJDUMP, "-p", LIBRARY)))
     allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6", "ld-linux-x86-64.so.2"}
@@ -109,7 +109,7 @@ def test_the_shared_object_is_hardened():
 
 
 @linux_only
-@pytest.mark.skipif(bool(SANITIZERS), reason="sanitizers replace the checks of the stack")
+@pytest.mark.skipif(bool(CHECKER), reason="sanitizers replace the checks of the stack")
 def test_the_tool_and_the_library_check_their_stacks():
     for file in (LIBRARY, program("qelm")):
         assert "__stack_chk_fail" in run("nm", "-D", "--undefined-only", file), file

@@ -10,7 +10,8 @@ IS_WINDOWS = os.environ["QELM_SYSTEM"] == "Windows"
 LAUNCHER = [os.environ["QELM_LAUNCHER"]] if os.environ.get("QELM_LAUNCHER") else []
 C_COMPILER = os.environ["QELM_C_COMPILER"]
 TOOLCHAIN_FILE = os.environ.get("QELM_TOOLCHAIN_FILE", "")
-SANITIZERS = os.environ.get("QELM_SANITIZE", "")
+# Sanitizers or Valgrind: slow, and with libraries, memory and messages of their own.
+CHECKER = os.environ.get("QELM_CHECKER", "")
 HAS_VIEW_PAGE = os.environ.get("QELM_HAS_VIEW_PAGE") == "ON"
 EXE = ".exe" if IS_WINDOWS else ""
 LIBRARY = BUILD / ("bin/qelm.dll" if IS_WINDOWS else "lib/libqelm.so")

@@ -14,7 +14,7 @@ from tool import Tool  # noqa: E402
 @pytest.fixture(scope="session", autouse=True)
 def one_wine_session():
     """Keeps Wine up between the tests: each start of it costs a second."""
-    if not built.LAUNCHER:
+    if not built.IS_WINDOWS:
         yield
         return
     shell = subprocess.Popen(

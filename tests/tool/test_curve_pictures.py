@@ -170,7 +170,7 @@ def test_names_are_text_not_markup(qelm):
 
 
 @pytest.mark.skipif(
-    built.IS_WINDOWS or bool(built.SANITIZERS) or not shutil.which("rsvg-convert"),
+    built.IS_WINDOWS or bool(built.CHECKER) or not shutil.which("rsvg-convert"),
     reason="needs rsvg-convert; once is enough",
 )
 def test_a_renderer_shows_the_curves_in_their_colours(qelm, draw):

@@ -190,7 +190,7 @@ def test_a_disk_that_fills_up_is_noticed(qelm):
 
 
 @pytest.mark.skipif(
-    built.IS_WINDOWS or bool(built.SANITIZERS) or not shutil.which("f3d") or not shutil.which("xvfb-run"),
+    built.IS_WINDOWS or bool(built.CHECKER) or not shutil.which("f3d") or not shutil.which("xvfb-run"),
     reason="needs F3D and a virtual display; once is enough",
 )
 def test_a_viewer_shows_the_largest_value_yellow_and_the_smallest_dark_blue(qelm):

@@ -14,7 +14,7 @@ MEGABYTE = 1 << 20
 MEMORY = 256 * MEGABYTE
 
 pytestmark = pytest.mark.skipif(
-    built.IS_WINDOWS or bool(built.SANITIZERS), reason="needs a limit on memory, which sanitizers exceed"
+    built.IS_WINDOWS or bool(built.CHECKER), reason="needs a limit on memory, which sanitizers exceed"
 )
 
 SQUARE = shapes.obj(shapes.SQUARE)

@@ -21,7 +21,7 @@ def run_all(runs):
 
     One Wine session for all of them: starting it costs far more than the runs.
     """
-    if not built.LAUNCHER:
+    if not built.IS_WINDOWS:
         return [tool.run(*arguments) for tool, arguments in runs]
     logs = runs[0][0].folder.parent / "logs"
     logs.mkdir()
