@@ -12,6 +12,11 @@ endif()
 if(QELM_SANITIZE)
   add_compile_options(-fsanitize=${QELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QELM_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    # Bits may be shifted out of unsigned numbers; the standard says what happens.
+    add_compile_options(-fno-sanitize=unsigned-shift-base
+      "-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/sanitizer-ignorelist.txt")
+  endif()
   # The sanitizers' malloc aligns to 16 bytes as the C library's does. Unless told
   # so, Eigen would use an allocator of its own here, and what is tested would not
   # be what is shipped.

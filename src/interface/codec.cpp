@@ -39,8 +39,8 @@ std::int32_t byteOfCoordinate(float coordinate) {
 
 extern "C" int encode_integer_to_sphere(int value, float* x, float* y, float* z) {
   if (x == nullptr || y == nullptr || z == nullptr) return -1;
-  // One unsigned comparison for -1 .. 65534. 65535 is out on purpose: -1 has its bytes.
-  if (static_cast<std::uint32_t>(value) + 1U > 65535U) {
+  // 65535 is out on purpose: -1 has its bytes.
+  if (value < -1 || value > 65534) {
     *x = *y = *z = 0.0F;
     return -1;
   }

@@ -140,7 +140,7 @@ TEST(DirichletSolve, WritesExactlyOneValuePerVertex) {
   std::vector<double> guarded(25 + 8, 1234.5);
   int status = -777;
   qelmsolveTagged(system.get(), values.data(), guarded.data() + 4, &status);
-  for (const std::size_t i : {0, 1, 2, 3, 29, 30, 31, 32}) EXPECT_EQ(guarded[i], 1234.5) << i;
+  for (const unsigned i : {0U, 1U, 2U, 3U, 29U, 30U, 31U, 32U}) EXPECT_EQ(guarded[i], 1234.5) << i;
 }
 
 TEST(DirichletSolve, WithNoFreeVertexGivesTheValuesBack) {

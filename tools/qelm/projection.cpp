@@ -55,7 +55,7 @@ Eigen::Matrix3d covariance(const Mesh& mesh) {
 Point facingTheViewer(const Point& normal) {
   constexpr Point kSigns = {1, -1, 1};
   std::size_t main = 2;
-  for (const std::size_t k : {1, 0})
+  for (const std::size_t k : {1U, 0U})
     if (std::abs(normal[k]) > std::abs(normal[main])) main = k;
   return scaled(normal, normal[main] * kSigns[main] < 0 ? -1 : 1);
 }

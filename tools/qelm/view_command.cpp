@@ -132,9 +132,9 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   OutputFile file(options.output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
-  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  const std::vector<double> levels =
-      naming(solved.meshName, [&] { return choice.levels(*low, *high, console); });
+  const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  const std::vector<double> levels = naming(
+      solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
   solved.steps.run("write", [&] {
     writeFilled(
         page,
