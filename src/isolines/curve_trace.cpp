@@ -1,7 +1,6 @@
 #include "isolines/curve_trace.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include "isolines/curve_loops.h"
