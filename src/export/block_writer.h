@@ -23,11 +23,18 @@ class BlockWriter {
   BlockWriter& operator<<(double number);
   BlockWriter& operator<<(std::int32_t number);
 
+  /// Room for `length` characters, much less than a block, to be written in place.
+  char* roomFor(std::size_t length) {
+    if (block_.size() - used_ < length) finish();
+    return block_.data() + used_;
+  }
+
+  /// Takes what was written to the room, up to `end`.
+  void usedUpTo(const char* end) { used_ = static_cast<std::size_t>(end - block_.data()); }
+
   void finish();
 
  private:
-  char* roomFor(std::size_t length);
-
   std::ostream& out_;
   std::vector<char> block_;
   std::size_t used_ = 0;

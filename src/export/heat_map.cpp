@@ -2,15 +2,27 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "export/block_writer.h"
+#include "export/number_text.h"
 
 namespace qelm {
 namespace {
 
+/// More than a line of numbers can need.
+constexpr std::size_t kLineRoom = 8 * kNumberRoom;
+
 void writeVertices(BlockWriter& text, std::span<const double> vertices) {
   for (std::size_t i = 0; i < vertices.size(); i += 3) {
-    text << "v " << vertices[i] << ' ' << vertices[i + 1] << ' ' << vertices[i + 2] << '\n';
+    char* to = text.roomFor(kLineRoom);
+    *to++ = 'v';
+    for (const double coordinate : vertices.subspan(i, 3)) {
+      *to++ = ' ';
+      to = writeNumber(to, coordinate);
+    }
+    *to++ = '\n';
+    text.usedUpTo(to);
   }
 }
 
@@ -23,15 +35,39 @@ void writeTextureCoordinates(BlockWriter& text, std::span<const double> field) {
   const auto [smallest, largest] = std::minmax_element(field.begin(), field.end());
   const double low = *smallest;
   const double range = *largest - low;
-  for (const double value : field) text << "vt " << 1.0 - (value - low) / range << " 0.5\n";
+  for (const double value : field) {
+    char* to = text.roomFor(kLineRoom);
+    std::memcpy(to, "vt ", 3);
+    to = writeNumber(to + 3, 1.0 - (value - low) / range);
+    std::memcpy(to, " 0.5\n", 5);
+    text.usedUpTo(to + 5);
+  }
 }
 
-/// 1-based; a corner's texture coordinate has the number of its vertex.
+/// A corner's texture coordinate has the number of its vertex.
+char* writeCorner(char* to, std::int32_t number) {
+  if (isShort(number)) {
+    const ShortText text = shortText(number);
+    to = text.write(to);
+    *to++ = '/';
+    return text.write(to);
+  }
+  to = writeNumber(to, number);
+  *to++ = '/';
+  return writeNumber(to, number);
+}
+
+/// 1-based.
 void writeFaces(BlockWriter& text, std::span<const std::int32_t> triangles) {
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    text << 'f';
-    for (const std::int32_t v : triangles.subspan(j, 3)) text << ' ' << v + 1 << '/' << v + 1;
-    text << '\n';
+    char* to = text.roomFor(kLineRoom);
+    *to++ = 'f';
+    for (const std::int32_t v : triangles.subspan(j, 3)) {
+      *to++ = ' ';
+      to = writeCorner(to, v + 1);
+    }
+    *to++ = '\n';
+    text.usedUpTo(to);
   }
 }
 

@@ -7,34 +7,43 @@
 #ifndef QELM_ISOLINES_CURVE_CROSSING_H
 #define QELM_ISOLINES_CURVE_CROSSING_H
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "mesh/vec3.h"
 
 namespace qelm {
 
-/// A place on an edge: `share` of its length, at most about a half, away from one
-/// of its ends.
+/// A place on an edge: the share of its length, at most about a half, by which it is
+/// away from one of its ends. The sign tells the end, that of zero as well: positive for
+/// the low end, negative for the high end.
 struct EdgePlace {
-  bool fromLow;
-  double share;
+  double signedShare;
+
+  static EdgePlace fromLowBy(double share) { return {share}; }
+  static EdgePlace fromHighBy(double share) { return {-share}; }
+
+  bool isFromLow() const { return !std::signbit(signedShare); }
+  double share() const { return std::fabs(signedShare); }
 };
 
 /// The place where the difference of the values is infinite, because a value is or
 /// because the subtraction overflows. An infinite value draws the crossing to the
 /// other end, as ever larger finite ones do; between two infinite values it is in
 /// the middle. A level at the high value is at the high end, infinite or not.
-inline EdgePlace placeOnSteepEdge(double low, double high, double level) {
-  if (level == high) return {false, 0.0};
-  if (std::isinf(low) && std::isinf(high)) return {true, 0.5};
-  if (std::isinf(high)) return {true, 0.0};
-  if (std::isinf(low)) return {false, 0.0};
-  // Halves of values this large are exact, and their difference is finite.
-  const double rise = high / 2 - low / 2;
-  const double fromLow = (level / 2 - low / 2) / rise;
-  const double fromHigh = (high / 2 - level / 2) / rise;
-  return fromLow <= fromHigh ? EdgePlace{true, fromLow} : EdgePlace{false, fromHigh};
-}
+EdgePlace placeOnSteepEdge(double low, double high, double level);
+
+/// The point `share` of the way from one end to the other where a difference of
+/// coordinates may overflow. If it does, the ends have opposite signs, and the weighted
+/// sum lies between them.
+Vec3 pointOnLongEdge(const Vec3& from, const Vec3& to, double share);
+
+/// Share of an edge's length up to which a crossing counts as next to a vertex. Where
+/// edges of length h leave a vertex with coordinates of size c, crossings beyond
+/// 2^-53 c / h of them are told apart by their coordinates. A millionth is far above
+/// that for any sensible h, and rare enough to cost nothing.
+inline constexpr double kNear = 0x1p-20;
 
 /// An edge with a value below a level at one end and a value at or above it at the
 /// other.
@@ -47,55 +56,74 @@ inline EdgePlace placeOnSteepEdge(double low, double high, double level) {
 /// positive double where a product underflows. As the share is at most a half (and
 /// 3 u), rounding cannot carry a point past either end. Where a coordinate is the
 /// same at both ends, it is exactly that: cuts of a flat mesh are flat.
+///
+/// Whether a crossing is nearer to the low end cannot be foreseen: what depends on it
+/// is looked up, not branched on. The points at the ends must outlive the line.
+/// Whether a crossing is nearer to the low end cannot be foreseen: what depends on it
+/// is looked up, not branched on. The points at the ends must outlive the line.
 class CrossedLine {
  public:
   CrossedLine(const Vec3& low, const Vec3& high, double lowValue, double highValue)
-      : low_(low),
-        high_(high),
+      : ends_{&low, &high},
         step_(high - low),
         lowValue_(lowValue),
         highValue_(highValue),
-        rise_(highValue - lowValue),
-        isShort_(std::isfinite(step_.x) && std::isfinite(step_.y) && std::isfinite(step_.z)) {}
+        rise_(highValue - lowValue) {}
 
   /// Requires lowValue < level <= highValue. Measured from the nearer end, so that a
   /// level close to an end's value keeps all its digits.
   EdgePlace placeOf(double level) const {
-    if (!std::isfinite(rise_)) return placeOnSteepEdge(lowValue_, highValue_, level);
-    const double aboveLow = level - lowValue_;
-    const double belowHigh = highValue_ - level;
-    const bool fromLow = aboveLow <= belowHigh;
-    return {fromLow, (fromLow ? aboveLow : belowHigh) / rise_};
+    return std::isfinite(rise_) ? ordinaryPlaceOf(level)
+                                : placeOnSteepEdge(lowValue_, highValue_, level);
   }
 
-  /// Adding 0.0 turns -0.0 into 0.0: equal points are equal bits.
   Vec3 pointAt(const EdgePlace& place) const {
-    const Vec3& from = place.fromLow ? low_ : high_;
-    const double share = place.fromLow ? place.share : -place.share;
-    if (isShort_) return from + share * step_ + Vec3{0, 0, 0};
-    return longPoint(place) + Vec3{0, 0, 0};
+    if (isShort()) return ordinaryPointAt(place);
+    const Vec3& from = *ends_[place.isFromLow() ? 0 : 1];
+    const Vec3& to = *ends_[place.isFromLow() ? 1 : 0];
+    return pointOnLongEdge(from, to, place.share()) + Vec3{0, 0, 0};
+  }
+
+  /// Nothing overflows, and all points further than kNear from the ends differ from
+  /// both. They do if on one axis the ends differ by more than 2^-30 of their sizes:
+  /// kNear of that is 2^-50 of them, and rounding moves a point by 2^-53 and 3 u of the
+  /// difference. What is added keeps away from underflow.
+  bool isOrdinary() const {
+    const auto apart = [](double step, double low, double high) {
+      return std::fabs(step) > 0x1p-30 * (std::fabs(low) + std::fabs(high)) + 0x1p-900;
+    };
+    const Vec3& low = *ends_[0];
+    const Vec3& high = *ends_[1];
+    return std::isfinite(rise_) && isShort() &&
+           (apart(step_.x, low.x, high.x) || apart(step_.y, low.y, high.y) ||
+            apart(step_.z, low.z, high.z));
+  }
+
+  /// placeOf() of an ordinary edge.
+  EdgePlace ordinaryPlaceOf(double level) const {
+    const double aboveLow = level - lowValue_;
+    const double belowHigh = highValue_ - level;
+    return {std::copysign(std::min(aboveLow, belowHigh) / rise_, belowHigh - aboveLow)};
+  }
+
+  /// pointAt() of an ordinary edge. Adding 0.0 turns -0.0 into 0.0: equal points are
+  /// equal bits.
+  Vec3 ordinaryPointAt(const EdgePlace& place) const {
+    return *ends_[place.isFromLow() ? 0 : 1] + place.signedShare * step_ + Vec3{0, 0, 0};
   }
 
  private:
-  /// Where a difference overflows, the ends have opposite signs, and the weighted
-  /// sum lies between them.
-  Vec3 longPoint(const EdgePlace& place) const {
-    const Vec3& from = place.fromLow ? low_ : high_;
-    const Vec3& to = place.fromLow ? high_ : low_;
-    const auto coordinate = [&](double a, double b) {
-      return std::isfinite(b - a) ? a + place.share * (b - a)
-                                  : (1 - place.share) * a + place.share * b;
-    };
-    return {coordinate(from.x, to.x), coordinate(from.y, to.y), coordinate(from.z, to.z)};
+  /// No difference of coordinates overflows; their sizes' sum may, which does not
+  /// matter, as the long way gives the same bits.
+  bool isShort() const {
+    return std::isfinite(std::fabs(step_.x) + std::fabs(step_.y) + std::fabs(step_.z));
   }
 
-  Vec3 low_;
-  Vec3 high_;
-  Vec3 step_;  ///< from low to high
+  std::array<const Vec3*, 2> ends_;  ///< low, high
+  Vec3 step_;                        ///< from low to high
   double lowValue_;
   double highValue_;
   double rise_;
-  bool isShort_;
 };
 
 }  // namespace qelm

@@ -21,20 +21,20 @@ auto sortKey(const EdgePiece& piece) {
   return std::tie(piece.firstVertex, piece.secondVertex, piece.level);
 }
 
-bool samePlaces(const EdgePiece& a, const EdgePiece& b, std::span<const CurveNode> nodes) {
-  return samePlace(nodes[a.firstNode].point, nodes[b.firstNode].point) &&
-         samePlace(nodes[a.secondNode].point, nodes[b.secondNode].point);
+bool samePlaces(const EdgePiece& a, const EdgePiece& b, std::span<const Vec3> points) {
+  return samePlace(points[a.firstNode], points[b.firstNode]) &&
+         samePlace(points[a.secondNode], points[b.secondNode]);
 }
 
 /// Indices i such that pieces i and i+1, and no others, share edge and level, and
 /// their end points.
 std::vector<std::size_t> findPairs(std::span<const EdgePiece> pieces,
-                                   std::span<const CurveNode> nodes) {
+                                   std::span<const Vec3> points) {
   std::vector<std::size_t> pairs;
   for (std::size_t i = 0; i < pieces.size();) {
     std::size_t end = i + 1;
     while (end < pieces.size() && sortKey(pieces[end]) == sortKey(pieces[i])) ++end;
-    if (end - i == 2 && samePlaces(pieces[i], pieces[i + 1], nodes)) pairs.push_back(i);
+    if (end - i == 2 && samePlaces(pieces[i], pieces[i + 1], points)) pairs.push_back(i);
     i = end;
   }
   return pairs;
@@ -91,33 +91,33 @@ TriangleCounter countTriangles(std::span<const std::int32_t> triangles,
   return counter;
 }
 
-/// Makes the link from `node` to `from` lead to `to`; its sense stays.
-void redirect(CurveNode& node, std::uint32_t from, std::uint32_t to) {
-  const std::size_t k = nodeOf(node.links[0]) == from ? 0 : 1;
-  node.links[k] = linkTo(to, hasHighAtLeft(node.links[k]));
+/// Makes the link to `from` lead to `to`; its sense stays.
+void redirect(NodeLinks& links, std::uint32_t from, std::uint32_t to) {
+  const std::size_t k = nodeOf(links[0]) == from ? 0 : 1;
+  links[k] = linkTo(to, hasHighAtLeft(links[k]));
 }
 
 /// Joins two pieces' ends at their first vertex, and those at the second. The
 /// exchanges touch no link of another pair, so their order does not matter.
-void exchangeEnds(const EdgePiece& p, const EdgePiece& q, std::span<CurveNode> nodes) {
-  redirect(nodes[p.firstNode], p.secondNode, q.firstNode);
-  redirect(nodes[q.firstNode], q.secondNode, p.firstNode);
-  redirect(nodes[p.secondNode], p.firstNode, q.secondNode);
-  redirect(nodes[q.secondNode], q.firstNode, p.secondNode);
+void exchangeEnds(const EdgePiece& p, const EdgePiece& q, std::span<NodeLinks> links) {
+  redirect(links[p.firstNode], p.secondNode, q.firstNode);
+  redirect(links[q.firstNode], q.secondNode, p.firstNode);
+  redirect(links[p.secondNode], p.firstNode, q.secondNode);
+  redirect(links[q.secondNode], q.firstNode, p.secondNode);
 }
 
 }  // namespace
 
 void removeDoubledPieces(std::span<const std::int32_t> triangles,
                          std::span<const std::uint32_t> ranks, std::span<EdgePiece> pieces,
-                         std::span<CurveNode> nodes) {
+                         CurveGraph& graph) {
   std::sort(pieces.begin(), pieces.end(),
             [](const EdgePiece& a, const EdgePiece& b) { return sortKey(a) < sortKey(b); });
-  const std::vector<std::size_t> pairs = findPairs(pieces, nodes);
+  const std::vector<std::size_t> pairs = findPairs(pieces, graph.points);
   if (pairs.empty()) return;
   const TriangleCounter counter = countTriangles(triangles, ranks, pieces, pairs);
   for (const std::size_t i : pairs) {
-    if (counter.count(edgeOf(pieces[i])) == 2) exchangeEnds(pieces[i], pieces[i + 1], nodes);
+    if (counter.count(edgeOf(pieces[i])) == 2) exchangeEnds(pieces[i], pieces[i + 1], graph.links);
   }
 }
 

@@ -30,7 +30,7 @@ struct EdgePiece {
 /// A node that loses both links is linked to itself. Sorts `pieces`.
 void removeDoubledPieces(std::span<const std::int32_t> triangles,
                          std::span<const std::uint32_t> ranks, std::span<EdgePiece> pieces,
-                         std::span<CurveNode> nodes);
+                         CurveGraph& graph);
 
 }  // namespace qelm
 

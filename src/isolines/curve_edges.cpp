@@ -3,43 +3,81 @@
 #include <algorithm>
 #include <bit>
 #include <new>
-#include <utility>
 
 #include "isolines/curve_levels.h"
 
 namespace qelm {
 namespace {
 
+/// Numbers vertices in the order in which they are first asked for.
+class VertexNumbering {
+ public:
+  VertexNumbering(std::vector<std::uint32_t>& vertices, std::size_t vertexCount)
+      : vertices_(vertices), numberOf_(vertexCount, kNone) {}
+
+  std::uint32_t use(std::uint32_t vertex) {
+    std::uint32_t& number = numberOf_[vertex];
+    if (number == kNone) {
+      number = static_cast<std::uint32_t>(vertices_.size());
+      vertices_.push_back(vertex);
+    }
+    return number;
+  }
+
+ private:
+  static constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+
+  std::vector<std::uint32_t>& vertices_;
+  std::vector<std::uint32_t> numberOf_;
+};
+
+/// A vertex's rank above its number in one word: vertices are put in order without
+/// branches, which are rarely foreseen where they depend on the order of three ranks.
+using RankedVertex = std::uint64_t;
+
+RankedVertex rankedVertex(std::uint32_t rank, std::uint32_t number) {
+  return std::uint64_t{rank} << 32 | number;
+}
+std::uint32_t rankOf(RankedVertex v) { return static_cast<std::uint32_t>(v >> 32); }
+std::uint32_t numberOf(RankedVertex v) { return static_cast<std::uint32_t>(v); }
+
 /// Numbers edges in the order in which they are first asked for: a chained hash
-/// table whose chains run through an array beside the edges.
+/// table whose chains run through the edges.
 class EdgeNumbering {
  public:
   EdgeNumbering(std::vector<CrossedEdge>& edges, std::size_t expected)
       : edges_(edges), heads_(std::bit_ceil(std::max(expected, kFewestSlots)), kNoEdge) {
     edges_.reserve(expected);
-    next_.reserve(expected);
   }
 
-  /// Number of the edge a-b; one more triangle meets there.
-  std::uint32_t use(std::uint32_t a, std::uint32_t b) {
-    if (b < a) std::swap(a, b);
+  /// Number of the edge from `low` to `high`; one more triangle meets there. Half of
+  /// them are there already, from the neighbour.
+  std::uint32_t use(RankedVertex low, RankedVertex high) {
     std::uint32_t steps = 0;
-    for (std::uint32_t e = heads_[slot(a, b)]; e != kNoEdge; e = next_[e], ++steps) {
+    std::uint32_t* head = &heads_[slot(numberOf(low), numberOf(high))];
+    for (std::uint32_t e = *head; e != kNoEdge; e = edges_[e].next, ++steps) {
       CrossedEdge& edge = edges_[e];
-      if (edge.firstVertex == a && edge.secondVertex == b) {
+      if (edge.low == numberOf(low) && edge.high == numberOf(high)) {
         ++edge.triangles;
         return e;
       }
     }
-    return append(a, b, steps);
+    if (edges_.size() == heads_.size() || steps > kLongestChain) {
+      makeRoom(steps);
+      head = &heads_[slot(numberOf(low), numberOf(high))];
+    }
+    const auto e = static_cast<std::uint32_t>(edges_.size());
+    edges_.push_back({numberOf(low), numberOf(high), rankOf(high) - rankOf(low), 1, 0, *head});
+    *head = e;
+    return e;
   }
 
  private:
-  // Meshes number neighbours alike, and walk them in that order. A slot that moves
-  // slowly with both vertices keeps that order and with it the cache; a sum with
-  // different weights tells apart what a fan around one vertex, or a strip whose
-  // sides are numbered towards each other, would send to one slot. Numberings that
-  // pile up all the same are met by scattering the slots.
+  // Vertices are numbered as the triangles come by them. A slot that moves slowly
+  // with both ends keeps that order and with it the cache; a sum with different
+  // weights tells apart what a fan around one vertex, or a strip whose sides are
+  // numbered towards each other, would send to one slot. Numberings that pile up all
+  // the same are met by scattering the slots.
   std::size_t slot(std::uint32_t a, std::uint32_t b) const {
     const std::uint64_t near = std::uint64_t{a} + 2 * std::uint64_t{b};
     const std::uint64_t key = (std::uint64_t{a} << 32) | b;
@@ -48,7 +86,7 @@ class EdgeNumbering {
     return static_cast<std::size_t>(scattered_ ? far : near) & (heads_.size() - 1);
   }
 
-  std::uint32_t append(std::uint32_t a, std::uint32_t b, std::uint32_t chainLength) {
+  void makeRoom(std::uint32_t chainLength) {
     // Half of the range is kept for the nodes' link encoding, see CurveGraph.
     if (edges_.size() >= kNoEdge / 2) throw std::bad_alloc();
     if (edges_.size() == heads_.size()) rebuild(2 * heads_.size());
@@ -56,22 +94,15 @@ class EdgeNumbering {
       scattered_ = true;
       rebuild(heads_.size());
     }
-    const auto e = static_cast<std::uint32_t>(edges_.size());
-    edges_.push_back({a, b, 1, 0, 0});
-    next_.push_back(kNoEdge);
-    enchain(e);
-    return e;
   }
 
   void rebuild(std::size_t slots) {
     heads_.assign(slots, kNoEdge);
-    for (std::uint32_t e = 0; e < edges_.size(); ++e) enchain(e);
-  }
-
-  void enchain(std::uint32_t e) {
-    std::uint32_t& head = heads_[slot(edges_[e].firstVertex, edges_[e].secondVertex)];
-    next_[e] = head;
-    head = e;
+    for (std::uint32_t e = 0; e < edges_.size(); ++e) {
+      std::uint32_t& head = heads_[slot(edges_[e].low, edges_[e].high)];
+      edges_[e].next = head;
+      head = e;
+    }
   }
 
   // Ordinary meshes stay below 10; with scattered slots 40 is out of reach.
@@ -79,7 +110,6 @@ class EdgeNumbering {
   static constexpr std::size_t kFewestSlots = 64;
 
   std::vector<CrossedEdge>& edges_;
-  std::vector<std::uint32_t> next_;   ///< per edge
   std::vector<std::uint32_t> heads_;  ///< a power of two of them
   bool scattered_ = false;
 };
@@ -95,16 +125,43 @@ Ranks ranksOf(const TriangleCorners& c, std::span<const std::uint32_t> ranks) {
   return {ranks[c[0]], ranks[c[1]], ranks[c[2]]};
 }
 
-/// How many triangles are crossed, from a sample: arrays that have about the right
-/// size from the start are not moved about as they grow.
-std::size_t estimateCrossed(std::span<const std::int32_t> triangles,
-                            std::span<const std::uint32_t> ranks) {
+/// A triangle with its crossed edges looked up. Nearly always one of the short ones is
+/// crossed and not the other: which one is chosen, not branched on.
+CrossedTriangle useEdges(RankedVertex a, RankedVertex b, RankedVertex c, EdgeNumbering& edges) {
+  const RankedVertex low = std::min({a, b, c});
+  const RankedVertex high = std::max({a, b, c});
+  const RankedVertex middle = a ^ b ^ c ^ low ^ high;
+  const bool lowerIsCrossed = rankOf(low) != rankOf(middle);
+  const bool upperIsCrossed = rankOf(middle) != rankOf(high);
+  CrossedTriangle triangle;
+  // An even permutation of the corners is a rotation.
+  triangle.ascending = !((b < a) ^ (c < b) ^ (c < a));
+  triangle.longEdge = edges.use(low, high);
+  triangle.shortEdge = edges.use(lowerIsCrossed ? low : middle, lowerIsCrossed ? middle : high);
+  if (lowerIsCrossed && upperIsCrossed) triangle.secondShort = edges.use(middle, high);
+  return triangle;
+}
+
+struct CrossedCounts {
+  std::size_t triangles = 0;
+  std::size_t edges = 0;
+};
+
+/// How many are crossed, from a sample: arrays that have about the right size from the
+/// start are not moved about as they grow.
+CrossedCounts estimateCrossed(std::span<const std::int32_t> triangles,
+                              std::span<const std::uint32_t> ranks) {
   constexpr std::size_t kStride = 61;  // a prime: no period of a grid's rows
-  std::size_t found = 0;
+  CrossedCounts found;
   for (std::size_t j = 0; j < triangles.size() / 3; j += kStride) {
-    if (isCrossed(ranksOf(triangleCorners(triangles, j), ranks))) ++found;
+    const Ranks r = ranksOf(triangleCorners(triangles, j), ranks);
+    if (!isCrossed(r)) continue;
+    ++found.triangles;
+    found.edges += r[0] == r[1] || r[1] == r[2] || r[2] == r[0] ? 2 : 3;
   }
-  return std::min(found * kStride, triangles.size() / 3);
+  // A little more, as an array that is a little too small is doubled.
+  const auto scaled = [](std::size_t count) { return count * kStride + count * kStride / 16; };
+  return {scaled(found.triangles), scaled(found.edges) / 2};  // two triangles an edge
 }
 
 }  // namespace
@@ -112,20 +169,18 @@ std::size_t estimateCrossed(std::span<const std::int32_t> triangles,
 CrossedPart findCrossed(std::span<const std::int32_t> triangles,
                         std::span<const std::uint32_t> ranks) {
   CrossedPart part;
-  const std::size_t expected = estimateCrossed(triangles, ranks);
-  part.triangles.reserve(expected);
-  EdgeNumbering numbering(part.edges, expected + expected / 2);  // two triangles an edge
+  const CrossedCounts expected = estimateCrossed(triangles, ranks);
+  part.triangles.reserve(expected.triangles);
+  VertexNumbering vertices(part.vertices, ranks.size());
+  EdgeNumbering edges(part.edges, expected.edges);
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const TriangleCorners c = triangleCorners(triangles, j);
-    const Ranks r = ranksOf(c, ranks);
+    const TriangleCorners corners = triangleCorners(triangles, j);
+    const Ranks r = ranksOf(corners, ranks);
     if (!isCrossed(r)) continue;
-    CrossedTriangle crossed;
-    crossed.triangle = static_cast<std::uint32_t>(j);
-    for (std::size_t k = 0; k < 3; ++k) {
-      const std::size_t l = (k + 1) % 3;
-      if (r[k] != r[l]) crossed.edges[k] = numbering.use(c[k], c[l]);
-    }
-    part.triangles.push_back(crossed);
+    const RankedVertex a = rankedVertex(r[0], vertices.use(corners[0]));
+    const RankedVertex b = rankedVertex(r[1], vertices.use(corners[1]));
+    const RankedVertex c = rankedVertex(r[2], vertices.use(corners[2]));
+    part.triangles.push_back(useEdges(a, b, c, edges));
   }
   return part;
 }

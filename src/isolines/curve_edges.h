@@ -27,20 +27,28 @@ inline TriangleCorners triangleCorners(std::span<const std::int32_t> triangles, 
 /// An edge between vertices of different rank. The levels that cross it are
 /// consecutive, from the lower rank to below the higher.
 struct CrossedEdge {
-  std::uint32_t firstVertex = 0;   ///< the smaller number
-  std::uint32_t secondVertex = 0;  ///< the larger number
-  std::uint32_t triangles = 0;     ///< that meet here, holes not counted
-  std::uint32_t firstNode = 0;     ///< see CurveGraph
-  std::uint32_t nodesTaken = 0;    ///< see CurveGraph
+  std::uint32_t low = 0;   ///< the end of lower rank; ends are places in CrossedPart::vertices
+  std::uint32_t high = 0;  ///< the end of higher rank
+  std::uint32_t levelCount = 0;  ///< that cross it
+  std::uint32_t triangles = 0;   ///< that meet here, holes not counted
+  std::uint32_t nodes = 0;       ///< first of the next triangle's, see CurveGraph
+  std::uint32_t next = kNoEdge;  ///< of the edges that are looked for together
 };
 
+/// A triangle's edges by the ranks of its corners. Its levels run from the long edge,
+/// which joins the lowest and the highest corner, to the other two: the lower ones to
+/// that of the lowest corner, the upper ones to that of the highest.
 struct CrossedTriangle {
-  std::uint32_t triangle = 0;
-  /// Edge k joins corners k and k+1; kNoEdge if no level crosses it.
-  std::array<std::uint32_t, 3> edges = {kNoEdge, kNoEdge, kNoEdge};
+  std::uint32_t longEdge = kNoEdge;
+  std::uint32_t shortEdge = kNoEdge;    ///< the lower one, or the upper one if it alone is crossed
+  std::uint32_t secondShort = kNoEdge;  ///< the upper one if both are crossed
+  bool ascending = false;               ///< lowest, middle, highest corner run around it
 };
 
+/// What is read again and again lies in the order in which the triangles come by it,
+/// however the vertices are numbered: neighbours in the mesh are neighbours here.
 struct CrossedPart {
+  std::vector<std::uint32_t> vertices;  ///< ends of edges, in system order's numbers
   std::vector<CrossedEdge> edges;
   std::vector<CrossedTriangle> triangles;  ///< in the mesh's order
 };

@@ -58,9 +58,8 @@ void forEachCurve(const LevelCurves& cut, Visit visit) {
   }
 }
 
-double* writePoints(const LevelCurves& cut, const qelm::TracedCurve& curve, double* to) {
-  for (const std::uint32_t node : cut.traced.nodesOf(curve)) {
-    const qelm::Vec3& point = cut.graph.nodes[node].point;
+double* writePoints(qelm::PointSequence points, double* to) {
+  for (const qelm::Vec3& point : points) {
     *to++ = point.x;
     *to++ = point.y;
     *to++ = point.z;
@@ -79,7 +78,7 @@ CurvesOwner pack(const LevelCurves& cut) {
   double* points = record->points;
   std::size_t c = 0;
   forEachCurve(cut, [&](const qelm::TracedCurve& curve, std::size_t level) {
-    points = writePoints(cut, curve, points);
+    points = writePoints(cut.traced.pointsOf(curve), points);
     record->starts[c + 1] = record->starts[c] + curve.count;
     record->levels[c] = static_cast<std::int32_t>(level);
     record->closed[c] = curve.closed ? 1 : 0;

@@ -45,39 +45,30 @@ inline NodeLink linkTo(std::uint32_t node, bool highAtLeft) {
 inline std::uint32_t nodeOf(NodeLink link) { return link >> 1; }
 inline bool hasHighAtLeft(NodeLink link) { return (link & 1) != 0; }
 
-struct CurveNode {
-  Vec3 point;
-  /// Where neighbours are oriented alike, links[0] leads on with higher values at
-  /// the left, and links[1] back.
-  std::array<NodeLink, 2> links = {kNoLink, kNoLink};
-};
+/// Where neighbours are oriented alike, the first leads on with higher values at the
+/// left, and the second back.
+using NodeLinks = std::array<NodeLink, 2>;
 
 inline constexpr std::uint32_t kNoVertex = std::numeric_limits<std::uint32_t>::max();
 
+/// Links lie apart from the points: following them touches a fraction of the memory.
 struct CurveGraph {
-  std::vector<CurveNode> nodes;
+  std::vector<Vec3> points;      ///< per node
+  std::vector<NodeLinks> links;  ///< per node
   /// The end of its edge at or next to which a node lies, or kNoVertex; empty if all
   /// nodes are well inside their edges. Only such nodes can share their place with
   /// nodes of other edges.
   std::vector<std::uint32_t> vertexNear;
 };
 
-/// Numbers of nodes per level on an edge, and its lowest level.
-struct EdgeLevels {
-  std::uint32_t first;
-  std::uint32_t count;
-};
-inline EdgeLevels levelsOn(const CrossedEdge& edge, std::span<const std::uint32_t> ranks) {
-  const std::uint32_t a = ranks[edge.firstVertex];
-  const std::uint32_t b = ranks[edge.secondVertex];
-  return a < b ? EdgeLevels{a, b - a} : EdgeLevels{b, a - b};
-}
-/// How many sets of nodes an edge has.
-inline std::uint32_t nodeSetsOf(const CrossedEdge& edge) {
+/// How many nodes an edge has for each of its levels.
+inline std::uint64_t nodeSetsOf(const CrossedEdge& edge) {
   return edge.triangles > 2 ? edge.triangles : 1;
 }
+inline std::uint64_t nodesOn(const CrossedEdge& edge) { return edge.levelCount * nodeSetsOf(edge); }
 
-/// Nodes and links for every crossing in `part`, whose edges learn their nodes.
+/// Nodes and links for every crossing in `part`; nodes lie in the order of its edges.
+/// Uses up CrossedEdge::nodes and gives up the triangles.
 /// Pieces that run along one edge of the mesh on both of its sides are left out,
 /// see curve_doubles.h. More than kMostNodes nodes leave as std::bad_alloc.
 CurveGraph linkCrossings(const FieldOnMesh& mesh, std::span<const double> distinctLevels,

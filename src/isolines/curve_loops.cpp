@@ -8,10 +8,9 @@ namespace qelm {
 namespace {
 
 /// Compares a closed sequence, once round from i, with itself once round from j.
-std::strong_ordering compareTurns(std::span<const CurveNode> nodes, NodeSequence closed,
-                                  std::size_t i, std::size_t j) {
+std::strong_ordering compareTurns(PointSequence closed, std::size_t i, std::size_t j) {
   for (std::size_t step = 0; step < closed.size(); ++step) {
-    const auto order = comparePoints(nodes[closed[i]].point, nodes[closed[j]].point);
+    const auto order = comparePoints(closed[i], closed[j]);
     if (order != 0) return order;
     i = i + 1 < closed.size() ? i + 1 : 0;
     j = j + 1 < closed.size() ? j + 1 : 0;
@@ -21,42 +20,39 @@ std::strong_ordering compareTurns(std::span<const CurveNode> nodes, NodeSequence
 
 }  // namespace
 
-std::strong_ordering compareSequences(std::span<const CurveNode> nodes, NodeSequence a,
-                                      NodeSequence b) {
+std::strong_ordering compareSequences(PointSequence a, PointSequence b) {
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
-    const auto order = comparePoints(nodes[a[i]].point, nodes[b[i]].point);
+    const auto order = comparePoints(a[i], b[i]);
     if (order != 0) return order;
   }
   return a.size() <=> b.size();
 }
 
-std::size_t leastStart(std::span<const CurveNode> nodes, NodeSequence closed) {
+std::size_t leastStart(PointSequence closed) {
   std::size_t least = 0;
   for (std::size_t i = 1; i < closed.size(); ++i) {
-    const auto order = comparePoints(nodes[closed[i]].point, nodes[closed[least]].point);
-    if (order < 0 || (order == 0 && compareTurns(nodes, closed, i, least) < 0)) least = i;
+    const auto order = comparePoints(closed[i], closed[least]);
+    if (order < 0 || (order == 0 && compareTurns(closed, i, least) < 0)) least = i;
   }
   return least;
 }
 
-std::vector<std::uint32_t> sharedPlaces(std::span<const CurveNode> nodes,
-                                        std::span<const std::uint32_t> vertexNear,
-                                        NodeSequence sequence) {
+std::vector<std::uint32_t> sharedPlaces(PointSequence sequence,
+                                        std::span<const std::uint32_t> vertexNear) {
   if (vertexNear.empty()) return {};
   std::vector<std::size_t> nearVertices;
   for (std::size_t i = 0; i < sequence.size(); ++i) {
-    if (vertexNear[sequence[i]] != kNoVertex) nearVertices.push_back(i);
+    if (vertexNear[i] != kNoVertex) nearVertices.push_back(i);
   }
-  const auto pointAt = [&](std::size_t i) -> const Vec3& { return nodes[sequence[i]].point; };
   std::sort(nearVertices.begin(), nearVertices.end(), [&](std::size_t a, std::size_t b) {
-    return comparePoints(pointAt(a), pointAt(b)) < 0;
+    return comparePoints(sequence[a], sequence[b]) < 0;
   });
 
   std::vector<std::uint32_t> places;
   std::uint32_t lastPlace = 0;
   for (std::size_t i = 1; i < nearVertices.size(); ++i) {
-    if (!samePlace(pointAt(nearVertices[i]), pointAt(nearVertices[i - 1]))) continue;
+    if (!samePlace(sequence[nearVertices[i]], sequence[nearVertices[i - 1]])) continue;
     places.resize(sequence.size(), 0);
     std::uint32_t& place = places[nearVertices[i - 1]];
     if (place == 0) place = ++lastPlace;

@@ -1,7 +1,6 @@
 #include "isolines/curve_trace.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include "isolines/curve_loops.h"
@@ -10,28 +9,34 @@
 namespace qelm {
 namespace {
 
-// No node has this number, and no link leads to one that has been visited other
-// than the start of the walk.
-constexpr NodeLink kVisited = kNoLink - 1;
-
 constexpr std::size_t kNever = static_cast<std::size_t>(-1);
 
 }  // namespace
 
+void CurvePath::reverse() {
+  std::reverse(points.begin(), points.end());
+  std::reverse(vertexNear.begin(), vertexNear.end());
+}
+
+void CurvePath::turnToLeastPoint() {
+  const auto start = static_cast<std::ptrdiff_t>(leastStart(points));
+  std::rotate(points.begin(), points.begin() + start, points.end());
+  if (vertexNear.empty()) return;
+  std::rotate(vertexNear.begin(), vertexNear.begin() + start, vertexNear.end());
+}
+
 void CurveTracer::trace(std::uint32_t node, std::uint32_t level) {
-  if (graph_.nodes[node].links[0] == kVisited) return;
   follow(node);
-  mergeNeighbours();
+  fetchPath();
   orient();
   emitSimpleParts(level);
 }
 
-/// Fills path_ with the whole curve through `start`.
+/// Fills nodes_ with the whole curve through `start`.
 void CurveTracer::follow(std::uint32_t start) {
-  CurveNode& node = graph_.nodes[start];
-  const std::array<NodeLink, 2> links = node.links;
-  node.links = {kVisited, kVisited};
-  path_.assign(1, start);
+  const NodeLinks links = graph_.links[start];
+  graph_.links[start] = {kVisited, kVisited};
+  nodes_.assign(1, start);
   balance_ = 0;
   closed_ = walk(start, links[0]);
   if (closed_) {
@@ -39,10 +44,10 @@ void CurveTracer::follow(std::uint32_t start) {
     return;
   }
   // The other way from the start, counted the other way round, and turned over.
-  std::reverse(path_.begin(), path_.end());
+  std::reverse(nodes_.begin(), nodes_.end());
   balance_ = -balance_;
   walk(start, links[1]);
-  std::reverse(path_.begin(), path_.end());
+  std::reverse(nodes_.begin(), nodes_.end());
   balance_ = -balance_;
 }
 
@@ -53,24 +58,34 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
     balance_ += hasHighAtLeft(link) ? 1 : -1;
     const std::uint32_t to = nodeOf(link);
     if (to == start) return true;
-    CurveNode& node = graph_.nodes[to];
-    const std::size_t back = nodeOf(node.links[0]) == from ? 0 : 1;
-    balance_ += hasHighAtLeft(node.links[back]) ? -1 : 1;
-    link = node.links[1 - back];
-    node.links = {kVisited, kVisited};
-    path_.push_back(to);
+    NodeLinks& links = graph_.links[to];
+    const std::size_t back = nodeOf(links[0]) == from ? 0 : 1;
+    balance_ += hasHighAtLeft(links[back]) ? -1 : 1;
+    link = links[1 - back];
+    links = {kVisited, kVisited};
+    nodes_.push_back(to);
+    __builtin_prefetch(&graph_.points[to]);  // for fetchPath()
     from = to;
   }
   return false;
 }
 
-/// Of nodes at one point that follow one another, keeps the first.
-void CurveTracer::mergeNeighbours() {
-  const auto same = [this](std::uint32_t a, std::uint32_t b) {
-    return samePlace(pointOf(a), pointOf(b));
-  };
-  path_.erase(std::unique(path_.begin(), path_.end(), same), path_.end());
-  if (closed_ && path_.size() > 1 && same(path_.front(), path_.back())) path_.pop_back();
+/// Fills path_ from nodes_. Of nodes at one point that follow one another, keeps the
+/// first.
+void CurveTracer::fetchPath() {
+  path_.points.clear();
+  path_.vertexNear.clear();
+  for (const std::uint32_t node : nodes_) {
+    const Vec3& point = graph_.points[node];
+    if (!path_.points.empty() && samePlace(path_.points.back(), point)) continue;
+    path_.points.push_back(point);
+    if (!graph_.vertexNear.empty()) path_.vertexNear.push_back(graph_.vertexNear[node]);
+  }
+  const std::vector<Vec3>& points = path_.points;
+  if (closed_ && points.size() > 1 && samePlace(points.front(), points.back())) {
+    path_.points.pop_back();
+    if (!path_.vertexNear.empty()) path_.vertexNear.pop_back();
+  }
 }
 
 /// Neighbours that are oriented against each other do not agree on which side is
@@ -79,70 +94,66 @@ void CurveTracer::mergeNeighbours() {
 void CurveTracer::orient() {
   if (balance_ > 0) return;
   if (balance_ < 0) {
-    std::reverse(path_.begin(), path_.end());
+    path_.reverse();
     return;
   }
-  std::vector<std::uint32_t> reversed(path_.rbegin(), path_.rend());
+  CurvePath reversed = path_;
+  reversed.reverse();
   if (closed_) {
-    turnToLeastPoint(path_);
-    turnToLeastPoint(reversed);
+    path_.turnToLeastPoint();
+    reversed.turnToLeastPoint();
   }
-  if (compareSequences(graph_.nodes, reversed, path_) < 0) path_.swap(reversed);
-}
-
-void CurveTracer::turnToLeastPoint(std::vector<std::uint32_t>& path) const {
-  const auto start = static_cast<std::ptrdiff_t>(leastStart(graph_.nodes, path));
-  std::rotate(path.begin(), path.begin() + start, path.end());
+  if (compareSequences(reversed.points, path_.points) < 0) std::swap(path_, reversed);
 }
 
 /// A curve may come back to a vertex at its level, at a pass between two summits.
 /// The round between the two visits is a closed curve of its own, and the rest goes
 /// on from the vertex. Rounds within rounds come off first, as from a stack.
 void CurveTracer::emitSimpleParts(std::uint32_t level) {
-  std::vector<std::uint32_t> places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
+  std::vector<std::uint32_t> places = sharedPlaces(path_.points, path_.vertexNear);
   if (!places.empty() && closed_) {
-    turnToLeastPoint(path_);  // on a torus, it matters where to start
-    places = sharedPlaces(graph_.nodes, graph_.vertexNear, path_);
+    path_.turnToLeastPoint();  // on a torus, it matters where to start
+    places = sharedPlaces(path_.points, path_.vertexNear);
   }
   if (places.empty()) {
-    emit(path_, closed_, level);
+    emit(path_.points, closed_, level);
     return;
   }
-  std::vector<std::uint32_t> open;                              // nodes not yet in a part
+  std::vector<Vec3> open;                                       // points not yet in a part
   std::vector<std::uint32_t> openPlaces;                        // their places
   std::vector<std::size_t> visitOf(places.size() + 1, kNever);  // place -> index in open
-  for (std::size_t i = 0; i < path_.size(); ++i) {
+  for (std::size_t i = 0; i < places.size(); ++i) {
     const std::size_t visit = places[i] == 0 ? kNever : visitOf[places[i]];
     if (visit != kNever) {
-      emit(NodeSequence(open).subspan(visit), true, level);
+      emit(PointSequence(open).subspan(visit), true, level);
       for (std::size_t k = visit; k < open.size(); ++k) visitOf[openPlaces[k]] = kNever;
       open.resize(visit);
       openPlaces.resize(visit);
     }
     if (places[i] != 0) visitOf[places[i]] = open.size();
-    open.push_back(path_[i]);
+    open.push_back(path_.points[i]);
     openPlaces.push_back(places[i]);
   }
   emit(open, closed_, level);
 }
 
 /// Two points and the way back enclose nothing and would be one line twice.
-void CurveTracer::emit(NodeSequence path, bool closed, std::uint32_t level) {
+void CurveTracer::emit(PointSequence path, bool closed, std::uint32_t level) {
   if (path.size() < (closed ? 3U : 2U)) return;
-  const std::size_t first = traced_.order.size();
-  const auto start = closed ? static_cast<std::ptrdiff_t>(leastStart(graph_.nodes, path)) : 0;
-  traced_.order.insert(traced_.order.end(), path.begin() + start, path.end());
-  traced_.order.insert(traced_.order.end(), path.begin(), path.begin() + start);
+  const std::size_t first = traced_.points.size();
+  const auto start = closed ? static_cast<std::ptrdiff_t>(leastStart(path)) : 0;
+  traced_.points.insert(traced_.points.end(), path.begin() + start, path.end());
+  traced_.points.insert(traced_.points.end(), path.begin(), path.begin() + start);
   traced_.curves.push_back({level, static_cast<std::uint32_t>(path.size()), first, closed});
 }
 
-void sortCurves(TracedCurves& traced, const CurveGraph& graph) {
-  std::sort(
-      traced.curves.begin(), traced.curves.end(), [&](const TracedCurve& a, const TracedCurve& b) {
-        if (a.level != b.level) return a.level < b.level;
-        const auto order = compareSequences(graph.nodes, traced.nodesOf(a), traced.nodesOf(b));
-        return order != 0 ? order < 0 : a.closed < b.closed;
-      });
+void sortCurves(TracedCurves& traced) {
+  std::sort(traced.curves.begin(), traced.curves.end(),
+            [&](const TracedCurve& a, const TracedCurve& b) {
+              if (a.level != b.level) return a.level < b.level;
+              const auto order = compareSequences(traced.pointsOf(a), traced.pointsOf(b));
+              return order != 0 ? order < 0 : a.closed < b.closed;
+            });
 }
 
 }  // namespace qelm

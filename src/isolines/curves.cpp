@@ -10,14 +10,15 @@
 namespace qelm {
 namespace {
 
-TracedCurves traceAll(std::span<const CrossedEdge> edges, std::span<const std::uint32_t> ranks,
+TracedCurves traceAll(const CrossedPart& part, std::span<const std::uint32_t> ranks,
                       CurveGraph& graph) {
   CurveTracer tracer(graph);
-  for (const CrossedEdge& edge : edges) {
-    const EdgeLevels levels = levelsOn(edge, ranks);
-    const std::uint32_t nodes = levels.count * nodeSetsOf(edge);
-    for (std::uint32_t i = 0; i < nodes; ++i) {
-      tracer.trace(edge.firstNode + i, levels.first + i % levels.count);
+  std::uint32_t node = 0;
+  for (const CrossedEdge& edge : part.edges) {
+    const std::uint64_t nodes = nodesOn(edge);
+    for (std::uint32_t i = 0; i < nodes; ++i, ++node) {
+      if (tracer.isTraced(node)) continue;
+      tracer.trace(node, ranks[part.vertices[edge.low]] + i % edge.levelCount);
     }
   }
   return tracer.takeCurves();
@@ -41,9 +42,9 @@ LevelCurves cutCurves(const FieldOnMesh& mesh, std::span<const double> levels) {
   LevelCurves cut;
   const auto ranks = rankVertices(arranged.distinct, mesh.field, mesh.vertexOrder);
   CrossedPart part = findCrossed(mesh.triangles, ranks);
-  cut.graph = linkCrossings(mesh, arranged.distinct, ranks, part);
-  cut.traced = traceAll(part.edges, ranks, cut.graph);
-  sortCurves(cut.traced, cut.graph);
+  CurveGraph graph = linkCrossings(mesh, arranged.distinct, ranks, part);
+  cut.traced = traceAll(part, ranks, graph);
+  sortCurves(cut.traced);
   cut.rangeOf.reserve(levels.size());
   for (const std::int32_t position : arranged.positions) {
     cut.rangeOf.push_back(curvesOfLevel(cut.traced.curves, position));

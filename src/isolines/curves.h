@@ -17,7 +17,6 @@ namespace qelm {
 
 /// The curves of every distinct level, and which of them each caller's level has.
 struct LevelCurves {
-  CurveGraph graph;     ///< holds the points
   TracedCurves traced;  ///< sorted
   /// For each of the caller's levels, the range of its curves in traced.curves.
   struct Range {

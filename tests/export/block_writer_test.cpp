@@ -104,8 +104,47 @@ TEST(BlockWriter, WritesDoublesNearTheSixthDigitAsTheStream) {
   expectStreamed(numbers);
 }
 
+TEST(BlockWriter, WritesDoublesInPlainNotationAsTheStream) {
+  // Where most of a mesh lies, a short way takes the place of the library's.
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  std::vector<double> numbers;
+  for (int i = 0; i < 300000; ++i) {
+    const double number = uniform(random, 0, 1) * std::pow(10.0, uniformInt(random, -5, 7));
+    numbers.push_back(uniformInt(random, 0, 1) == 0 ? number : -number);
+    // Few digits: zeros at the end, and halves of the last digit kept as they are.
+    numbers.push_back(uniformInt(random, 0, 2000000) / std::exp2(uniformInt(random, 0, 20)));
+  }
+  expectStreamed(numbers);
+}
+
+TEST(BlockWriter, WritesDoublesAroundPowersOfTenAsTheStream) {
+  std::vector<double> numbers;
+  for (int exponent = -6; exponent <= 8; ++exponent) {
+    const double power = std::pow(10.0, exponent);
+    double below = power;
+    double above = power;
+    for (int step = 0; step < 50; ++step) {
+      numbers.insert(numbers.end(), {below, above, power * (1 - 1e-8 * step)});
+      below = std::nextafter(below, 0);
+      above = std::nextafter(above, 1e300);
+    }
+  }
+  expectStreamed(numbers);
+}
+
 TEST(BlockWriter, WritesIntegersAsTheStream) {
   expectStreamed<std::int32_t>({0, 1, -1, 10, 2147483647, -2147483647 - 1});
+  std::vector<std::int32_t> numbers;
+  for (int i = 0; i < 200000; ++i) numbers.push_back(i);
+  for (std::int64_t power = 10; power < 2147483647; power *= 10) {
+    for (const int step : {-1, 0, 1}) {
+      numbers.push_back(static_cast<std::int32_t>(power + step));
+      numbers.push_back(static_cast<std::int32_t>(-power + step));
+    }
+  }
+  expectStreamed(numbers);
 }
 
 TEST(BlockWriter, KeepsTheOrderAcrossBlocks) {
