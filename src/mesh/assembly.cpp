@@ -97,7 +97,7 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
       addElement(sums, cornersOf(triangles, first + lane), stiffness.of(lane));
     }
   }
-  sums.sortLists();
+  sums.addUp();
   return blocksOf(sums, taggedCount);
 }
 
