@@ -97,8 +97,8 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
       addElement(sums, cornersOf(triangles, first + lane), stiffness.of(lane));
     }
   }
-  sums.addUp();
-  return blocksOf(sums, taggedCount);
+  EdgeSums::Counts counts = sums.addUp();
+  return blocksOf(sums, std::move(counts), taggedCount);
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

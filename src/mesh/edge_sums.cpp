@@ -1,21 +1,23 @@
 #include "mesh/edge_sums.h"
 
+#include <array>
 #include <new>
+#include <utility>
 
 namespace qelm {
-
 // -0.0 is the number to start a sum from: -0.0 + x has the bits of x for every x,
 // where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
     : t_(t), n_(n), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
-  const auto count = [&](std::int32_t a, std::int32_t b) {
-    const std::int32_t higher = std::max(a, b);
-    if (higher >= t) ++owners_[static_cast<std::size_t>(higher - t)].end;
+  const auto count = [&](std::int32_t v, std::size_t edges) {
+    if (v >= t) owners_[static_cast<std::size_t>(v - t)].end += edges;
   };
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    count(triangles[j], triangles[j + 1]);
-    count(triangles[j + 1], triangles[j + 2]);
-    count(triangles[j], triangles[j + 2]);
+    const auto [a, b, c] = std::array{triangles[j], triangles[j + 1], triangles[j + 2]};
+    const std::int32_t highest = std::max(std::max(a, b), c);
+    const std::int32_t middle = std::max(std::min(a, b), std::min(std::max(a, b), c));
+    count(highest, 2);
+    count(middle, 1);
   }
   std::size_t size = 0;
   for (Owner& owner : owners_) {
@@ -38,30 +40,45 @@ void EdgeSums::setLength(Array<T>& array, std::size_t length) {
 
 // In place: what is read is never behind what is written. The last entry that was made
 // with a neighbour is this owner's if it is not before the owner's first one.
-void EdgeSums::addUp() {
-  std::vector<std::size_t> lastEntry(static_cast<std::size_t>(n_) , 0);
+//
+// 32 bits hold an entry's number: Eigen's indices allow fewer than 2^30 edges between
+// free vertices, and fewer than 2^31 to tagged ones.
+EdgeSums::Counts EdgeSums::addUp() {
+  struct Neighbour {
+    std::uint32_t lastEntry = 0;  ///< from 1 on
+    std::int32_t owners = 0;
+  };
+  std::vector<Neighbour> known(static_cast<std::size_t>(n_));
+  std::vector<std::int32_t> freeNeighbours(owners_.size());
   std::int32_t* const neighbours = neighbours_.get();
   double* const sums = sums_.get();
   std::size_t read = 0;
-  std::size_t size = 1;  // the last entry's number and one
-  for (Owner& owner : owners_) {
-    const std::size_t first = size;
-    for (; read < owner.end; ++read) {
-      const std::int32_t neighbour = neighbours[read];
+  std::uint32_t next = 1;
+  for (std::size_t v = 0; v < owners_.size(); ++v) {
+    const std::uint32_t first = next;
+    std::int32_t freeOnes = 0;
+    for (; read < owners_[v].end; ++read) {
+      const std::int32_t w = neighbours[read];
       const double value = sums[read];
-      std::size_t& entry = lastEntry[static_cast<std::size_t>(neighbour)];
-      const bool isNew = entry < first;
-      const std::size_t place = isNew ? size : entry;
-      entry = place;
-      const double before = isNew ? -0.0 : sums[place - 1];
-      neighbours[place - 1] = neighbour;
-      sums[place - 1] = before + value;
-      size += isNew ? 1 : 0;
+      Neighbour& neighbour = known[static_cast<std::size_t>(w)];
+      if (neighbour.lastEntry >= first) {
+        sums[neighbour.lastEntry - 1] += value;
+        continue;
+      }
+      neighbours[next - 1] = w;
+      sums[next - 1] = -0.0 + value;
+      neighbour.lastEntry = next++;
+      ++neighbour.owners;
+      freeOnes += w >= t_ ? 1 : 0;
     }
-    owner.end = size - 1;
+    owners_[v].end = next - 1;
+    freeNeighbours[v] = freeOnes;
   }
-  setLength(neighbours_, size - 1);
-  setLength(sums_, size - 1);
+  setLength(neighbours_, next - 1);
+  setLength(sums_, next - 1);
+  Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};
+  std::ranges::transform(known, counts.owners.begin(), &Neighbour::owners);
+  return counts;
 }
 
 }  // namespace qelm

@@ -58,8 +58,12 @@ class EdgeSums {
 #endif
   }
 
+  struct Counts {
+    std::vector<std::int32_t> owners;          ///< for each vertex, how many list it
+    std::vector<std::int32_t> freeNeighbours;  ///< for each owner, how many it lists
+  };
   /// Once, when all is added: makes one entry of the contributions to it.
-  void addUp();
+  Counts addUp();
 
   std::size_t ownerCount() const { return owners_.size(); }
   /// Owner t + v's neighbours of lower index, all different, in any order; and the

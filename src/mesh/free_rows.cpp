@@ -31,30 +31,14 @@ struct Filling {
   }
 };
 
-/// Turns the counts in outer[1] .. outer[columns] into ends, and makes room.
-void reserveColumns(SparseBlock& block) {
+/// Makes room for columns of so many entries.
+template <class Count>
+void reserveColumns(SparseBlock& block, Count count) {
   std::int32_t* outer = block.outerIndexPtr();
-  for (Eigen::Index c = 0; c < block.cols(); ++c) outer[c + 1] += outer[c];
-  block.resizeNonZeros(outer[block.cols()]);
-}
-
-/// Counts the columns' entries, and returns how many of each column of freeFree are
-/// above the diagonal.
-std::vector<std::int32_t> countColumns(const EdgeSums& sums, std::int32_t t,
-                                       FreeRowBlocks& blocks) {
-  std::int32_t* const freeCount = blocks.freeFree.outerIndexPtr() + 1;
-  std::int32_t* const fixedCount = blocks.freeFixed.outerIndexPtr() + 1;
-  std::vector<std::int32_t> upper(sums.ownerCount());
-  for (std::size_t v = 0; v < sums.ownerCount(); ++v) {
-    std::int32_t freeNeighbours = 0;
-    for (const std::int32_t w : sums.lowerNeighbours(v)) {
-      ++(w < t ? fixedCount[w] : freeCount[w - t]);
-      freeNeighbours += w < t ? 0 : 1;
-    }
-    freeCount[v] += freeNeighbours + 1;
-    upper[v] = freeNeighbours;
+  for (Eigen::Index c = 0; c < block.cols(); ++c) {
+    outer[c + 1] = outer[c] + count(static_cast<std::size_t>(c));
   }
-  return upper;
+  block.resizeNonZeros(outer[block.cols()]);
 }
 
 /// Behind the room for upper rows, whose numbers freeFree.next holds.
@@ -94,14 +78,15 @@ void fillUpperRows(Filling& freeFree) {
 // give their entries to the columns of the lower neighbours; then columns come in
 // ascending order and give them, as they are symmetric, to those of the owners. Room
 // for these is left in front: a column's rows are upper ones, diagonal, lower ones.
-FreeRowBlocks blocksOf(const EdgeSums& sums, std::int32_t t) {
+FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t) {
   const auto freeCount = static_cast<Eigen::Index>(sums.ownerCount());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
-  std::vector<std::int32_t> upper = countColumns(sums, t, blocks);
-  reserveColumns(blocks.freeFree);
-  reserveColumns(blocks.freeFixed);
+  reserveColumns(blocks.freeFree, [&](std::size_t v) {
+    return counts.freeNeighbours[v] + 1 + counts.owners[at(t) + v];
+  });
+  reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.owners[w]; });
   const std::int32_t* const fixedOuter = blocks.freeFixed.outerIndexPtr();
-  Filling freeFree(blocks.freeFree, std::move(upper));
+  Filling freeFree(blocks.freeFree, std::move(counts.freeNeighbours));
   Filling freeFixed(blocks.freeFixed, {fixedOuter, fixedOuter + t});
   fillDiagonalAndLowerRows(sums, t, freeFree, freeFixed);
   fillUpperRows(freeFree);

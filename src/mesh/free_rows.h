@@ -18,7 +18,7 @@ struct FreeRowBlocks {
 
 /// Both halves of what was summed, for t tagged vertices. The lists must be sorted.
 /// Beyond the result it needs 4 bytes for each vertex.
-FreeRowBlocks blocksOf(const EdgeSums& sums, std::int32_t t);
+FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t);
 
 }  // namespace qelm
 
