@@ -5,8 +5,8 @@
 #include <utility>
 
 namespace qelm {
-// -0.0 is the number to start a sum from: -0.0 + x has the bits of x for every x,
-// where 0.0 + -0.0 has not.
+// -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
+// every x, where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
     : t_(t), n_(n), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
   const auto count = [&](std::int32_t v, std::size_t edges) {
@@ -25,17 +25,16 @@ EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t>
     owner.end = size;
     size += contributions;
   }
-  setLength(neighbours_, size);
-  setLength(sums_, size);
+  setLength(size);
 }
 
-template <class T>
-void EdgeSums::setLength(Array<T>& array, std::size_t length) {
+void EdgeSums::setLength(std::size_t length) {
   // One at least: of nothing the C library may make a null pointer.
-  void* const moved = std::realloc(array.get(), std::max<std::size_t>(length, 1) * sizeof(T));
+  void* const moved =
+      std::realloc(entries_.get(), std::max<std::size_t>(length, 1) * sizeof(Entry));
   if (moved == nullptr) throw std::bad_alloc();
-  static_cast<void>(array.release());
-  array.reset(static_cast<T*>(moved));
+  static_cast<void>(entries_.release());
+  entries_.reset(static_cast<Entry*>(moved));
 }
 
 // In place: what is read is never behind what is written. The last entry that was made
@@ -50,32 +49,28 @@ EdgeSums::Counts EdgeSums::addUp() {
   };
   std::vector<Neighbour> known(static_cast<std::size_t>(n_));
   std::vector<std::int32_t> freeNeighbours(owners_.size());
-  std::int32_t* const neighbours = neighbours_.get();
-  double* const sums = sums_.get();
+  Entry* const entries = entries_.get();
   std::size_t read = 0;
   std::uint32_t next = 1;
   for (std::size_t v = 0; v < owners_.size(); ++v) {
     const std::uint32_t first = next;
     std::int32_t freeOnes = 0;
     for (; read < owners_[v].end; ++read) {
-      const std::int32_t w = neighbours[read];
-      const double value = sums[read];
-      Neighbour& neighbour = known[static_cast<std::size_t>(w)];
+      const Entry added = entries[read];
+      Neighbour& neighbour = known[static_cast<std::size_t>(added.neighbour)];
       if (neighbour.lastEntry >= first) {
-        sums[neighbour.lastEntry - 1] += value;
+        entries[neighbour.lastEntry - 1].sum += added.sum;
         continue;
       }
-      neighbours[next - 1] = w;
-      sums[next - 1] = -0.0 + value;
+      entries[next - 1] = added;
       neighbour.lastEntry = next++;
       ++neighbour.owners;
-      freeOnes += w >= t_ ? 1 : 0;
+      freeOnes += added.neighbour >= t_ ? 1 : 0;
     }
     owners_[v].end = next - 1;
     freeNeighbours[v] = freeOnes;
   }
-  setLength(neighbours_, next - 1);
-  setLength(sums_, next - 1);
+  setLength(next - 1);
   Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};
   std::ranges::transform(known, counts.owners.begin(), &Neighbour::owners);
   return counts;

@@ -48,13 +48,11 @@ void fillDiagonalAndLowerRows(const EdgeSums& sums, std::int32_t t, Filling& fre
     const auto row = static_cast<std::int32_t>(v);
     freeFree.next[v] += freeFree.outer[v];
     freeFree.append(v, row, sums.diagonal(v));
-    const std::span<const std::int32_t> neighbours = sums.lowerNeighbours(v);
-    const std::span<const double> values = sums.sums(v);
-    for (std::size_t k = 0; k < neighbours.size(); ++k) {
-      if (neighbours[k] < t) {
-        freeFixed.append(at(neighbours[k]), row, values[k]);
+    for (const EdgeSums::Entry& entry : sums.entries(v)) {
+      if (entry.neighbour < t) {
+        freeFixed.append(at(entry.neighbour), row, entry.sum);
       } else {
-        freeFree.append(at(neighbours[k] - t), row, values[k]);
+        freeFree.append(at(entry.neighbour - t), row, entry.sum);
       }
     }
   }
