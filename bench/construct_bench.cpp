@@ -32,7 +32,7 @@ struct Work {
 
 /// Numbering and checks, which every way to assemble needs.
 void reorder(const Mesh& mesh, MeshSystem& reordered) {
-  const qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
+  qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
   auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
   auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
   if (qelm::meshStatus(mesh.vertexCount(), triangles) != QELM_STATUS_OK) std::abort();
@@ -40,6 +40,8 @@ void reorder(const Mesh& mesh, MeshSystem& reordered) {
   reordered.vertexCount = mesh.vertexCount();
   reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
   reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
+  reordered.vertexPlace = std::move(numbering.place);
+  reordered.vertexOrder = std::move(numbering.order);
 }
 
 qelm::FreeRowBlocks assemble(const Mesh& mesh, MeshSystem& reordered) {
