@@ -5,6 +5,7 @@
 #include <utility>
 
 namespace qelm {
+
 // -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
 // every x, where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)

@@ -90,7 +90,7 @@ class EdgeSums {
 
   std::int32_t t_;
   std::int32_t n_;
-  std::vector<Owner> owners_;  // n - t
+  std::vector<Owner> owners_;               // n - t
   std::unique_ptr<Entry[], Free> entries_;  // can be made shorter where it is
 };
 

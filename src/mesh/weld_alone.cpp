@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <numeric>
 
 #include "mesh/index_table.h"
@@ -90,8 +88,7 @@ double extentOf(std::span<const double> vertices) {
 /// A power of two; 0 if a grid is of no use.
 double cubeEdge(std::span<const double> vertices, const WeldScale& scale) {
   if (vertices.empty()) return 0;
-  const double spacing =
-      extentOf(vertices) / std::sqrt(static_cast<double>(vertices.size()) / 3);
+  const double spacing = extentOf(vertices) / std::sqrt(static_cast<double>(vertices.size()) / 3);
   const double most = spacing / kCubesToSpacing;
   // Not far from where powers of two end, so that one over it is one, too.
   if (!(most >= kLeastCellsToCube * scale.cell && most >= 0x1p-1000 && most <= 0x1p1000)) return 0;

@@ -46,9 +46,9 @@ struct WeldCells {
   }
 };
 
-/// Unites those of `points`, ascending, that are in one cell. Points with a coordinate that is NaN or
-/// infinite get no cell: their distance to anything, themselves included, is NaN
-/// or infinite, and neither is below any radius.
+/// Unites those of `points`, ascending, that are in one cell. Points with a coordinate that is NaN
+/// or infinite get no cell: their distance to anything, themselves included, is NaN or infinite,
+/// and neither is below any radius.
 WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std::int32_t> points,
                            const WeldScale& scale, DisjointSets& sets);
 
