@@ -108,16 +108,17 @@ class Joiner {
         undecided_(sets.size(), 0) {}
 
   void joinAll() {
-    const auto count = static_cast<std::int32_t>(sets_.size());
-    Block now;
-    Block next;
-    locate(0, next);
-    for (std::int32_t begin = 0; begin < count; begin += kBlock) {
-      std::swap(now, next);
-      locate(begin + kBlock, next);
-      for (std::int32_t k = 0; k < now.count; ++k) prefetchFirst(now.hash[at(k)]);
-      for (std::int32_t k = 0; k < now.count; ++k) {
-        if (now.inGrid[at(k)]) join(begin + k, now.place[at(k)], now.hash[at(k)]);
+    std::array<Block, 2> blocks;
+    std::size_t now = 0;
+    locate(0, blocks[now]);
+    for (std::size_t begin = 0; begin < sets_.size(); begin += kBlock) {
+      Block& block = blocks[now];
+      now = 1 - now;
+      locate(begin + kBlock, blocks[now]);
+      for (std::size_t k = 0; k < block.count; ++k) prefetchFirst(block.hash[k]);
+      for (std::size_t k = 0; k < block.count; ++k) {
+        if (!block.inGrid[k]) continue;
+        join(static_cast<std::int32_t>(begin + k), block.place[k], block.hash[k]);
       }
     }
   }
@@ -133,28 +134,29 @@ class Joiner {
   }
 
  private:
-  static constexpr std::int32_t kBlock = 16;
+  static constexpr std::size_t kBlock = 16;
   struct Block {
     std::array<Place, kBlock> place;
     std::array<std::uint64_t, kBlock> hash;
     std::array<bool, kBlock> inGrid;
-    std::int32_t count = 0;
+    std::size_t count = 0;
   };
 
   static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
 
   /// Some points ahead, so that what they need in memory can be fetched in time.
-  void locate(std::int32_t begin, Block& block) {
-    block.count = std::min(kBlock, static_cast<std::int32_t>(sets_.size()) - begin);
-    for (std::int32_t k = 0; k < block.count; ++k) {
-      Place& place = block.place[at(k)];
-      block.inGrid[at(k)] = grid_.locate(pointAt(vertices_, begin + k), place);
-      if (!block.inGrid[at(k)]) {
-        undecided_[at(begin + k)] = 1;
+  void locate(std::size_t begin, Block& block) {
+    block.count = std::min(kBlock, sets_.size() - std::min(begin, sets_.size()));
+    for (std::size_t k = 0; k < block.count; ++k) {
+      Place& place = block.place[k];
+      const auto point = static_cast<std::int32_t>(begin + k);
+      block.inGrid[k] = grid_.locate(pointAt(vertices_, point), place);
+      if (!block.inGrid[k]) {
+        undecided_[begin + k] = 1;
         place = {};
       }
-      block.hash[at(k)] = hashOf(place);
-      table_.prefetch(block.hash[at(k)]);
+      block.hash[k] = hashOf(place);
+      table_.prefetch(block.hash[k]);
     }
   }
 
