@@ -40,7 +40,9 @@ void prefetch(std::span<const double> coordinates, const EdgeSums& sums,
               std::span<const std::int32_t> triangles) {
 #if defined(__GNUC__)
   for (const std::int32_t v : triangles.first(std::min(triangles.size(), 3 * kBlock))) {
-    __builtin_prefetch(coordinates.data() + 3 * static_cast<std::size_t>(v));
+    const double* const point = coordinates.data() + 3 * static_cast<std::size_t>(v);
+    __builtin_prefetch(point);
+    __builtin_prefetch(point + 2);
     sums.prefetchOwner(v);
   }
 #endif
@@ -97,8 +99,8 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
       addElement(sums, cornersOf(triangles, first + lane), stiffness.of(lane));
     }
   }
-  sums.sortLists();
-  return blocksOf(sums, taggedCount);
+  EdgeSums::Counts counts = sums.addUp();
+  return blocksOf(sums, std::move(counts), taggedCount);
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

@@ -36,6 +36,12 @@ class DisjointSets {
     if (rootA != rootB) parent(std::max(rootA, rootB)) = std::min(rootA, rootB);
   }
 
+  /// Of a root that was never united before, to one lower.
+  void setParent(std::int32_t element, std::int32_t lower) { parent(element) = lower; }
+  std::int32_t parentOf(std::int32_t element) const {
+    return parent_[static_cast<std::size_t>(element)];
+  }
+
   std::size_t size() const { return parent_.size(); }
 
  private:

@@ -1,107 +1,80 @@
 #include "mesh/edge_sums.h"
 
+#include <array>
+#include <new>
 #include <utility>
 
 namespace qelm {
-namespace {
 
-/// Makes an array longer; what is new in it is not set.
-template <class T>
-void lengthen(std::unique_ptr<T[]>& array, std::size_t size, std::size_t capacity) {
-  auto longer = std::make_unique_for_overwrite<T[]>(capacity);
-  std::copy_n(array.get(), size, longer.get());
-  array = std::move(longer);
-}
-
-}  // namespace
-
-// -0.0 is the number to start a sum from: -0.0 + x has the bits of x for every x,
-// where 0.0 + -0.0 has not.
+// -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
+// every x, where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
-    : t_(t), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0, 0, 0}) {
-  const auto count = [&](std::int32_t a, std::int32_t b) {
-    const std::int32_t higher = std::max(a, b);
-    if (higher >= t) ++owners_[static_cast<std::size_t>(higher - t)].room;
+    : t_(t), n_(n), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
+  const auto count = [&](std::int32_t v, std::size_t edges) {
+    if (v >= t) owners_[static_cast<std::size_t>(v - t)].end += edges;
   };
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    count(triangles[j], triangles[j + 1]);
-    count(triangles[j + 1], triangles[j + 2]);
-    count(triangles[j], triangles[j + 2]);
+    const auto [a, b, c] = std::array{triangles[j], triangles[j + 1], triangles[j + 2]};
+    const std::int32_t highest = std::max(std::max(a, b), c);
+    const std::int32_t middle = std::max(std::min(a, b), std::min(std::max(a, b), c));
+    count(highest, 2);
+    count(middle, 1);
   }
-  // Inner edges come twice; a boundary leaves two at a vertex that come once.
   std::size_t size = 0;
   for (Owner& owner : owners_) {
-    owner.room = owner.room / 2 + 1;
-    owner.start = size;
-    size += static_cast<std::size_t>(owner.room);
+    const std::size_t contributions = owner.end;
+    owner.end = size;
+    size += contributions;
   }
-  reserve(size);
-  size_ = size;
+  setLength(size);
 }
 
-void EdgeSums::reserve(std::size_t capacity) {
-  lengthen(neighbours_, size_, capacity);
-  lengthen(sums_, size_, capacity);
-  capacity_ = capacity;
+void EdgeSums::setLength(std::size_t length) {
+  // One at least: of nothing the C library may make a null pointer.
+  void* const moved =
+      std::realloc(entries_.get(), std::max<std::size_t>(length, 1) * sizeof(Entry));
+  if (moved == nullptr) throw std::bad_alloc();
+  static_cast<void>(entries_.release());
+  entries_.reset(static_cast<Entry*>(moved));
 }
 
-/// Behind all others; the old list's room is lost.
-void EdgeSums::moveToLargerList(Owner& owner) {
-  const std::int32_t room = 2 * owner.room;
-  const std::size_t size = size_ + static_cast<std::size_t>(room);
-  if (size > capacity_) reserve(size + size / 2);
-  std::copy_n(neighbours_.get() + owner.start, owner.length, neighbours_.get() + size_);
-  std::copy_n(sums_.get() + owner.start, owner.length, sums_.get() + size_);
-  owner.start = size_;
-  owner.room = room;
-  size_ = size;
-}
-
-void EdgeSums::sortLists() {
-  for (Owner& owner : owners_) {
-    if (owner.length <= kSearched) {
-      sortShortList(owner);
-    } else {
-      sortLongList(owner);
+// In place: what is read is never behind what is written. The last entry that was made
+// with a neighbour is this owner's if it is not before the owner's first one.
+//
+// 32 bits hold an entry's number: Eigen's indices allow fewer than 2^30 edges between
+// free vertices, and fewer than 2^31 to tagged ones.
+EdgeSums::Counts EdgeSums::addUp() {
+  struct Neighbour {
+    std::uint32_t lastEntry = 0;  ///< from 1 on
+    std::int32_t owners = 0;
+  };
+  std::vector<Neighbour> known(static_cast<std::size_t>(n_));
+  std::vector<std::int32_t> freeNeighbours(owners_.size());
+  Entry* const entries = entries_.get();
+  std::size_t read = 0;
+  std::uint32_t next = 1;
+  for (std::size_t v = 0; v < owners_.size(); ++v) {
+    const std::uint32_t first = next;
+    std::int32_t freeOnes = 0;
+    for (; read < owners_[v].end; ++read) {
+      const Entry added = entries[read];
+      Neighbour& neighbour = known[static_cast<std::size_t>(added.neighbour)];
+      if (neighbour.lastEntry >= first) {
+        entries[neighbour.lastEntry - 1].sum += added.sum;
+        continue;
+      }
+      entries[next - 1] = added;
+      neighbour.lastEntry = next++;
+      ++neighbour.owners;
+      freeOnes += added.neighbour >= t_ ? 1 : 0;
     }
+    owners_[v].end = next - 1;
+    freeNeighbours[v] = freeOnes;
   }
-}
-
-/// By insertion: three or so, all different.
-void EdgeSums::sortShortList(const Owner& owner) {
-  std::int32_t* const list = neighbours_.get() + owner.start;
-  double* const sums = sums_.get() + owner.start;
-  for (std::int32_t i = 1; i < owner.length; ++i) {
-    const std::int32_t neighbour = list[i];
-    const double sum = sums[i];
-    std::int32_t k = i;
-    for (; k > 0 && list[k - 1] > neighbour; --k) {
-      list[k] = list[k - 1];
-      sums[k] = sums[k - 1];
-    }
-    list[k] = neighbour;
-    sums[k] = sum;
-  }
-}
-
-/// Contributions to one entry stay in their order, and are added up in it.
-void EdgeSums::sortLongList(Owner& owner) {
-  std::int32_t* const list = neighbours_.get() + owner.start;
-  double* const sums = sums_.get() + owner.start;
-  std::vector<std::pair<std::int32_t, double>> entries;
-  entries.reserve(static_cast<std::size_t>(owner.length));
-  for (std::int32_t i = 0; i < owner.length; ++i) entries.emplace_back(list[i], sums[i]);
-  std::stable_sort(entries.begin(), entries.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  owner.length = 0;
-  for (const auto& [neighbour, sum] : entries) {
-    if (owner.length > 0 && list[owner.length - 1] == neighbour) {
-      sums[owner.length - 1] += sum;
-      continue;
-    }
-    list[owner.length] = neighbour;
-    sums[owner.length++] = sum;
-  }
+  setLength(next - 1);
+  Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};
+  std::ranges::transform(known, counts.owners.begin(), &Neighbour::owners);
+  return counts;
 }
 
 }  // namespace qelm

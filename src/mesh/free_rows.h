@@ -16,9 +16,9 @@ struct FreeRowBlocks {
   SparseBlock freeFixed;  ///< columns 0 .. t-1
 };
 
-/// Both halves of what was summed, for t tagged vertices. The lists must be sorted.
-/// Beyond the result it needs 4 bytes for each vertex.
-FreeRowBlocks blocksOf(const EdgeSums& sums, std::int32_t t);
+/// Both halves of what was summed, for t tagged vertices, with the counts from adding it
+/// up. Beyond the result it needs nothing but them, and 4 bytes for each tagged vertex.
+FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t);
 
 }  // namespace qelm
 

@@ -41,6 +41,18 @@ class IndexTable {
     return slots_[slot] = index;
   }
 
+  /// Has the memory ready that findOrInsert() with this hash needs first.
+  void prefetch([[maybe_unused]] std::uint64_t hash) const {
+#if defined(__GNUC__)
+    __builtin_prefetch(&slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)], 1);
+#endif
+  }
+  /// The index that findOrInsert() with this hash would ask about first; negative if
+  /// there is none.
+  std::int32_t firstTried(std::uint64_t hash) const {
+    return slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)];
+  }
+
  private:
   static constexpr std::int32_t kEmpty = -1;
   std::vector<std::int32_t> slots_;

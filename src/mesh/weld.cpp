@@ -9,6 +9,7 @@
 
 #include "mesh/index_table.h"
 #include "mesh/vec3.h"
+#include "mesh/weld_alone.h"
 #include "mesh/weld_cells.h"
 #include "qelm.h"
 
@@ -132,17 +133,47 @@ void uniteAcrossCells(std::span<const double> vertices, const WeldScale& scale, 
   }
 }
 
+using Corners = std::array<std::int32_t, 3>;
+
 /// Sorted corners: the same for every order and orientation.
-std::array<std::int32_t, 3> triangleKey(std::int32_t a, std::int32_t b, std::int32_t c) {
-  const std::int32_t lowest = std::min({a, b, c});
-  const std::int32_t highest = std::max({a, b, c});
-  return {lowest, std::max(std::min(a, b), std::min(std::max(a, b), c)), highest};
+inline Corners triangleKey(const Corners& c) {
+  const auto [a, b] = std::minmax(c[0], c[1]);
+  return {std::min(a, c[2]), std::max(a, std::min(b, c[2])), std::max(b, c[2])};
 }
 
-std::uint64_t hashOf(const std::array<std::int32_t, 3>& key) {
+std::uint64_t hashOf(const Corners& key) {
   return hashWords(static_cast<std::uint64_t>(key[0]), static_cast<std::uint64_t>(key[1]),
                    static_cast<std::uint64_t>(key[2]));
 }
+
+/// Some triangles ahead, so that what they need of the table can be fetched in time.
+struct TriangleBlock {
+  static constexpr std::size_t kMost = 16;
+  struct Triangle {
+    Corners corners;
+    Corners key;
+    std::uint64_t hash;
+  };
+  std::array<Triangle, kMost> triangles;
+  std::size_t count = 0;
+
+  /// Of the triangles of a span, those that have three vertices.
+  void fill(std::span<const std::int32_t> from, std::span<const std::int32_t> vertexMap,
+            const IndexTable& known) {
+    count = 0;
+    for (std::size_t i = 0; i < from.size(); i += 3) {
+      Triangle& t = triangles[count];
+      for (std::size_t k = 0; k < 3; ++k) {
+        t.corners[k] = vertexMap[static_cast<std::size_t>(from[i + k])];
+      }
+      t.key = triangleKey(t.corners);
+      if (t.key[0] == t.key[1] || t.key[1] == t.key[2]) continue;
+      t.hash = hashOf(t.key);
+      known.prefetch(t.hash);
+      ++count;
+    }
+  }
+};
 
 }  // namespace
 
@@ -152,7 +183,8 @@ DisjointSets uniteNeighbours(std::span<const double> vertices, double tolerance)
   // have underflowed to it) or below NaN.
   if (!(tolerance * tolerance > 0)) return sets;
   const WeldScale scale = weldScale(tolerance);
-  WeldCells cells = uniteWithinCells(vertices, scale, sets);
+  const std::vector<std::int32_t> others = uniteAlone(vertices, scale, sets);
+  WeldCells cells = uniteWithinCells(vertices, others, scale, sets);
   uniteAcrossCells(vertices, scale, cells, sets);
   return sets;
 }
@@ -175,20 +207,21 @@ std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
                            std::span<const std::int32_t> vertexMap,
                            std::span<std::int32_t> welded) {
   IndexTable known(triangles.size() / 3);
+  TriangleBlock block;
   std::int32_t count = 0;
-  for (std::size_t t = 0; t < triangles.size(); t += 3) {
-    const std::int32_t a = vertexMap[static_cast<std::size_t>(triangles[t])];
-    const std::int32_t b = vertexMap[static_cast<std::size_t>(triangles[t + 1])];
-    const std::int32_t c = vertexMap[static_cast<std::size_t>(triangles[t + 2])];
-    if (a == b || b == c || c == a) continue;
-    const auto key = triangleKey(a, b, c);
-    const std::int32_t found = known.findOrInsert(hashOf(key), count, [&](std::int32_t other) {
-      const auto corner = welded.subspan(3 * static_cast<std::size_t>(other), 3);
-      return triangleKey(corner[0], corner[1], corner[2]) == key;
-    });
-    if (found != count) continue;
-    std::ranges::copy(std::array{a, b, c}, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
-    ++count;
+  // The arrays may be one: what is written is behind what was read.
+  for (std::size_t t = 0; t < triangles.size(); t += 3 * TriangleBlock::kMost) {
+    const std::size_t length = std::min(triangles.size() - t, 3 * TriangleBlock::kMost);
+    block.fill(triangles.subspan(t, length), vertexMap, known);
+    for (const auto& [corners, key, hash] : std::span(block.triangles).first(block.count)) {
+      const std::int32_t found = known.findOrInsert(hash, count, [&](std::int32_t other) {
+        const std::int32_t* const corner = &welded[3 * static_cast<std::size_t>(other)];
+        return triangleKey({corner[0], corner[1], corner[2]}) == key;
+      });
+      if (found != count) continue;
+      std::ranges::copy(corners, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
+      ++count;
+    }
   }
   return count;
 }

@@ -49,12 +49,13 @@ std::uint64_t hashOf(Vec3 p) {
 
 /// Numbers the cells. Returns the cell of each point that is to become a member,
 /// -1 for those that are not finite or repeat the first point of their cell.
-std::vector<std::int32_t> assignCells(std::span<const double> vertices, double cell,
+std::vector<std::int32_t> assignCells(std::span<const double> vertices,
+                                      std::span<const std::int32_t> points, double cell,
                                       DisjointSets& sets, WeldCells& cells) {
-  std::vector<std::int32_t> memberOf(sets.size(), -1);
-  IndexTable table(sets.size());
-  for (std::size_t i = 0; i < sets.size(); ++i) {
-    const auto point = static_cast<std::int32_t>(i);
+  std::vector<std::int32_t> memberOf(points.size(), -1);
+  IndexTable table(points.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::int32_t point = points[i];
     const Vec3 p = pointAt(vertices, point);
     if (!isFinite(p)) continue;
     const Vec3 corner = cellOf(p, cell);
@@ -72,7 +73,8 @@ std::vector<std::int32_t> assignCells(std::span<const double> vertices, double c
 }
 
 /// Counting sort of the members by cell.
-void fillMembers(std::span<const std::int32_t> memberOf, WeldCells& cells) {
+void fillMembers(std::span<const std::int32_t> points, std::span<const std::int32_t> memberOf,
+                 WeldCells& cells) {
   // Shifted by one place: after the fill below, start[c] is where cell c begins.
   cells.start.assign(cells.size() + 2, 0);
   for (const std::int32_t c : memberOf) {
@@ -83,7 +85,7 @@ void fillMembers(std::span<const std::int32_t> memberOf, WeldCells& cells) {
   for (std::size_t i = 0; i < memberOf.size(); ++i) {
     if (memberOf[i] < 0) continue;
     std::int32_t& place = cells.start[static_cast<std::size_t>(memberOf[i]) + 1];
-    cells.members[static_cast<std::size_t>(place++)] = static_cast<std::int32_t>(i);
+    cells.members[static_cast<std::size_t>(place++)] = points[i];
   }
   cells.start.pop_back();
 }
@@ -201,11 +203,11 @@ double searchCoordinate(double coordinate, double cell) {
   return std::copysign(kLinearLimit * (1 + binades), coordinate);
 }
 
-WeldCells uniteWithinCells(std::span<const double> vertices, const WeldScale& scale,
-                           DisjointSets& sets) {
+WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std::int32_t> points,
+                           const WeldScale& scale, DisjointSets& sets) {
   WeldCells cells;
-  const std::vector<std::int32_t> memberOf = assignCells(vertices, scale.cell, sets, cells);
-  fillMembers(memberOf, cells);
+  const std::vector<std::int32_t> memberOf = assignCells(vertices, points, scale.cell, sets, cells);
+  fillMembers(points, memberOf, cells);
   measureSpreads(vertices, scale.cell, cells);
   return cells;
 }

@@ -46,11 +46,11 @@ struct WeldCells {
   }
 };
 
-/// Unites the points of every cell. Points with a coordinate that is NaN or
-/// infinite get no cell: their distance to anything, themselves included, is NaN
-/// or infinite, and neither is below any radius.
-WeldCells uniteWithinCells(std::span<const double> vertices, const WeldScale& scale,
-                           DisjointSets& sets);
+/// Unites those of `points`, ascending, that are in one cell. Points with a coordinate that is NaN
+/// or infinite get no cell: their distance to anything, themselves included, is NaN or infinite,
+/// and neither is below any radius.
+WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std::int32_t> points,
+                           const WeldScale& scale, DisjointSets& sets);
 
 /// True if some pair of a and b has a squared distance below radiusSquared.
 /// Exact. Reorders both.
