@@ -1,7 +1,9 @@
 #include "boundary.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <tuple>
 #include <unordered_map>
 
@@ -19,6 +21,12 @@ struct Side {
 constexpr int kBoundary = -1;   ///< no triangle beyond this side
 constexpr int kBranching = -2;  ///< more than one triangle beyond this side
 
+/// A length for sorting: not a number, as of loops through a vertex that is none, cannot be
+/// compared, so it counts as the longest.
+double ranked(double length) {
+  return std::isnan(length) ? std::numeric_limits<double>::infinity() : length;
+}
+
 class Walker {
  public:
   explicit Walker(const Mesh& mesh) : mesh_(mesh), beyond_(mesh.triangles.size(), kBoundary) {
@@ -33,7 +41,7 @@ class Walker {
       walk(side, walked, found);
     }
     std::sort(found.begin(), found.end(), [](const BoundaryLoop& a, const BoundaryLoop& b) {
-      if (a.length != b.length) return a.length > b.length;
+      if (ranked(a.length) != ranked(b.length)) return ranked(a.length) > ranked(b.length);
       return *std::min_element(a.vertices.begin(), a.vertices.end()) <
              *std::min_element(b.vertices.begin(), b.vertices.end());
     });

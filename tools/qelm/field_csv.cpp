@@ -19,7 +19,7 @@ std::string header(std::size_t fieldCount) {
 
 }  // namespace
 
-void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, OutputFile& file) {
+void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, ByteSink& file) {
   constexpr std::size_t kBlock = 1 << 16;
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   fmt::memory_buffer block;

@@ -4,15 +4,15 @@
 
 #include <span>
 
+#include "byte_sink.h"
 #include "mesh.h"
-#include "output_file.h"
 
 namespace qelm::tool {
 
 /// Writes "vertex,x,y,z,value" and a line for each vertex, in the mesh's order, with
 /// the shortest digits that read back as the same doubles. Several fields, given one
 /// after another, go to columns "value1", "value2" and so on.
-void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, OutputFile& file);
+void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, ByteSink& file);
 
 }  // namespace qelm::tool
 

@@ -76,6 +76,11 @@ std::vector<double> LevelChoice::even(double low, double high) const {
     if (level > low && level < high && (levels.empty() || level > levels.back()))
       levels.push_back(level + 0.0);
   }
+  if (levels.empty())
+    throw RequestError(
+        fmt::format("--levels {}: no number lies between {} and {}; the field is "
+                    "too narrow to be cut",
+                    count_, low, high));
   return levels;
 }
 
@@ -86,8 +91,13 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
     throw RequestError(fmt::format("--every {}: more than {} levels between {:.6g} and {:.6g}",
                                    step_, kMostLevels, low, high));
   std::vector<double> levels;
-  for (double k = first; k <= last; ++k)
-    if (k * step_ > low && k * step_ < high) levels.push_back(k * step_ + 0.0);
+  // Far from 0 the next whole number is no double any more: one added to k would stand
+  // still, and several k are the same.
+  for (double i = 0; i <= last - first; ++i) {
+    const double level = (first + i) * step_;
+    if (level > low && level < high && (levels.empty() || level > levels.back()))
+      levels.push_back(level + 0.0);
+  }
   if (levels.empty())
     throw RequestError(fmt::format(
         "--every {}: no multiple of it lies between {:.6g} and {:.6g}; use a smaller step", step_,

@@ -117,9 +117,13 @@ void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& nam
 }  // namespace
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
+  formatOf(path);  // refuses the name before the file is touched
+  return readPolygonSoup(path, readFile(path));
+}
+
+PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes) {
   const std::string name = toUtf8(path);
   const Format format = formatOf(path);
-  std::string bytes = readFile(path);
   if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
   PolygonSoup soup = readAs(format, std::move(bytes), name);
   checkSizes(soup, name);

@@ -3,6 +3,7 @@
 #define QELM_TOOLS_MESH_READER_H
 
 #include <filesystem>
+#include <string>
 
 #include "mesh.h"
 
@@ -19,6 +20,9 @@ inline constexpr const char* kReadableFormats = ".obj, .off, .ply or .stl";
 /// file cannot be read or is not a mesh, MeshError when it names a vertex that it has
 /// not.
 PolygonSoup readPolygonSoup(const std::filesystem::path& path);
+
+/// The same for a file's bytes that are in memory already.
+PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes);
 
 }  // namespace qelm::tool
 

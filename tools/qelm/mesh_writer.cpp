@@ -69,7 +69,7 @@ MeshFormat writableFormat(const std::string& name) {
   throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .ply or .stl", name));
 }
 
-void writeMesh(const Mesh& mesh, MeshFormat format, OutputFile& file) {
+void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   TextBlock block(file);
   if (format == MeshFormat::kObj) writeObj(mesh, block);
   if (format == MeshFormat::kPly) writePly(mesh, block);

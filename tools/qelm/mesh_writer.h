@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "byte_sink.h"
 #include "mesh.h"
-#include "output_file.h"
 
 namespace qelm::tool {
 
@@ -19,7 +19,7 @@ enum class MeshFormat {
 /// them; the standard output ("-") is OBJ.
 MeshFormat writableFormat(const std::string& name);
 
-void writeMesh(const Mesh& mesh, MeshFormat format, OutputFile& file);
+void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file);
 
 }  // namespace qelm::tool
 

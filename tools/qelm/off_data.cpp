@@ -38,18 +38,16 @@ class OffReader {
 
   /// The words of the next line that has any, without its comment.
   void nextLine(const std::string& wanted) {
-    do {
-      if (!lines_.next()) fail(fmt::format("the file ends before {}; it may be cut short", wanted));
-      words_ = splitAtBlanks(lines_.line().substr(0, lines_.line().find('#')));
-    } while (words_.empty());
+    words_.clear();
+    needWords(1, wanted);
   }
 
   /// Goes on with the next lines while there are fewer words than `count`.
   void needWords(std::size_t count, const std::string& wanted) {
     while (words_.size() < count) {
-      const std::vector<std::string_view> before = std::move(words_);
-      nextLine(wanted);
-      words_.insert(words_.begin(), before.begin(), before.end());
+      if (!lines_.next()) fail(fmt::format("the file ends before {}; it may be cut short", wanted));
+      const auto more = splitAtBlanks(lines_.line().substr(0, lines_.line().find('#')));
+      words_.insert(words_.end(), more.begin(), more.end());
     }
   }
 

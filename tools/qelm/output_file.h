@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "byte_sink.h"
 #include "cleanup.h"
 
 namespace qelm::tool {
@@ -16,14 +17,14 @@ namespace qelm::tool {
 /// pipes are written to directly; "-" is the standard output.
 ///
 /// Opening, writing and committing throw InputError that names the target.
-class OutputFile {
+class OutputFile : public ByteSink {
  public:
   explicit OutputFile(const std::string& target);
-  ~OutputFile();
+  ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  void write(std::string_view bytes);
+  void write(std::string_view bytes) override;
   void commit();
 
  private:

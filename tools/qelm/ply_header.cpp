@@ -93,7 +93,19 @@ class HeaderReader {
   void element(const Words& words) {
     const auto count = words.size() == 3 ? parseInteger(words[2]) : std::nullopt;
     if (!count || *count < 0) fail(lines_.number(), "an element needs a name and a count");
+    refuseSecond(isVertexElement, words[1]);
+    refuseSecond(isFaceElement, words[1]);
     header_.elements.push_back({words[1], static_cast<std::size_t>(*count), lines_.number(), {}});
+  }
+
+  // Only the first of each kind would be looked at for what it must have.
+  void refuseSecond(bool (*isKind)(std::string_view), std::string_view name) const {
+    if (!isKind(name)) return;
+    for (const PlyElement& before : header_.elements)
+      if (isKind(before.name))
+        fail(lines_.number(),
+             fmt::format("element '{}' comes after an element '{}'; one of them is enough", name,
+                         before.name));
   }
 
   void property(const Words& words) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -14,6 +15,23 @@
 
 namespace qelm::tool {
 namespace {
+
+/// As length(a - b), bit for bit, wherever that neither overflows nor underflows: a power of
+/// two is taken out of the differences before they are squared.
+long double distance(const Point& a, const Point& b) {
+  int exponent = 0;
+  Point d = a - b;
+  double largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+  if (std::isinf(largest)) {
+    for (std::size_t k = 0; k < 3; ++k) d[k] = a[k] / 2 - b[k] / 2;
+    largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+    exponent = 1;
+  }
+  if (!(largest > 0) || std::isinf(largest)) return length(d);
+  const int shift = std::ilogb(largest);
+  for (double& part : d) part = std::scalbn(part, -shift);
+  return std::scalbn(static_cast<long double>(length(d)), shift + exponent);
+}
 
 class Selection {
  public:
@@ -75,12 +93,12 @@ class Selection {
   // Of equally near vertices the one with the lowest number.
   std::vector<int> select(const NearestTo& target) const {
     int nearest = 0;
-    double least = std::numeric_limits<double>::infinity();
+    long double least = std::numeric_limits<long double>::infinity();
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
-      const double distance = length(mesh_.point(v) - target.point);
-      if (distance < least) {
+      const long double here = distance(mesh_.point(v), target.point);
+      if (here < least) {
         nearest = v;
-        least = distance;
+        least = here;
       }
     }
     return {nearest};

@@ -123,7 +123,7 @@ class StlPass {
 bool isBinaryStl(std::string_view bytes) {
   if (bytes.size() < kHeaderSize) return false;
   if (bytes.size() == kHeaderSize + kFacetSize * facetCount(bytes)) return true;
-  return lower(trimmed(bytes.substr(0, kCountOffset)).substr(0, 5)) != "solid";
+  return lower(trimmed(withoutMark(bytes).substr(0, kCountOffset)).substr(0, 5)) != "solid";
 }
 
 void checkBinaryStl(std::string_view bytes, const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <string>
@@ -15,6 +16,28 @@ constexpr std::string_view kBlanks = " \t\r\n\v\f";
 std::string_view withoutPlus(std::string_view text) {
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   return text;
+}
+
+/// How many bytes the UTF-8 character in front has; 0 when there is none.
+std::size_t characterSize(std::string_view text) {
+  const auto at = [text](std::size_t k) { return static_cast<unsigned char>(text[k]); };
+  const unsigned char first = at(0);
+  if (first < 0x80) return 1;
+  const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+  if (first < 0xc2 || first > 0xf4 || text.size() < size) return 0;
+  for (std::size_t k = 1; k < size; ++k)
+    if ((at(k) & 0xc0) != 0x80) return 0;
+  // Longer than need be, halves of a pair, beyond the last one.
+  const bool isBad = (first == 0xe0 && at(1) < 0xa0) || (first == 0xed && at(1) > 0x9f) ||
+                     (first == 0xf0 && at(1) < 0x90) || (first == 0xf4 && at(1) > 0x8f);
+  return isBad ? 0 : size;
+}
+
+/// Control characters but the line's end: those of ASCII, and U+0080 to U+009F.
+bool steers(std::string_view character) {
+  const auto first = static_cast<unsigned char>(character[0]);
+  if (character.size() == 1) return (first < 0x20 && first != '\n') || first == 0x7f;
+  return first == 0xc2 && static_cast<unsigned char>(character[1]) < 0xa0;
 }
 
 }  // namespace
@@ -68,14 +91,22 @@ std::string_view trimmed(std::string_view text) {
 
 std::string printable(std::string_view text) {
   std::string result;
-  for (const char c : text) {
-    const auto code = static_cast<unsigned char>(c);
-    if ((code < 0x20 && c != '\n') || code == 0x7f)
-      result += fmt::format("\\x{:02x}", code);
+  while (!text.empty()) {
+    const std::size_t size = characterSize(text);
+    const std::string_view character = text.substr(0, std::max<std::size_t>(size, 1));
+    if (size > 0 && !steers(character))
+      result += character;
     else
-      result += c;
+      for (const char c : character)
+        result += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+    text.remove_prefix(character.size());
   }
   return result;
+}
+
+std::string_view withoutMark(std::string_view text) {
+  constexpr std::string_view kMark = "\xef\xbb\xbf";
+  return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
 }
 
 bool LineReader::next() {

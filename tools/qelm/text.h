@@ -22,13 +22,17 @@ std::vector<std::string_view> splitAtBlanks(std::string_view text);
 std::string_view trimmed(std::string_view text);
 
 /// The text without what could steer a terminal, or end a C string: files and their
-/// names may hold anything. Line ends stay.
+/// names may hold anything. Bytes that are no UTF-8 become "\xff" as well. Line ends stay.
 std::string printable(std::string_view text);
 
-/// Hands out a text line by line, without line ends ("\n" or "\r\n").
+/// The text without the byte order mark that some programs put in front of UTF-8.
+std::string_view withoutMark(std::string_view text);
+
+/// Hands out a text line by line, without a mark in front and without line ends
+/// ("\n" or "\r\n").
 class LineReader {
  public:
-  explicit LineReader(std::string_view text) : rest_(text) {}
+  explicit LineReader(std::string_view text) : rest_(withoutMark(text)) {}
 
   /// Moves to the next line; false at the end.
   bool next();

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-#include "output_file.h"
+#include "byte_sink.h"
 
 namespace qelm::tool {
 
@@ -18,7 +18,7 @@ namespace qelm::tool {
 /// doubles. Ends with flush().
 class TextBlock {
  public:
-  explicit TextBlock(OutputFile& file) : file_(file) {}
+  explicit TextBlock(ByteSink& file) : file_(file) {}
 
   template <class... Values>
   void text(fmt::format_string<Values...> format, Values&&... values) {
@@ -41,7 +41,7 @@ class TextBlock {
 
  private:
   static constexpr std::size_t kSize = 1 << 16;
-  OutputFile& file_;
+  ByteSink& file_;
   fmt::memory_buffer buffer_;
 };
 

@@ -134,27 +134,33 @@ class VertexCsv {
   std::optional<Columns> columns_;
 };
 
-std::vector<Row> readRows(const std::string& name, int vertexCount, const Form& form) {
-  const std::string text = readFile(toPath(name));
-  return VertexCsv(text, name, vertexCount, form).run();
-}
-
 }  // namespace
 
-std::vector<double> readLoad(const std::string& name, int vertexCount) {
+std::vector<double> parseLoad(std::string_view text, const std::string& name, int vertexCount) {
   std::vector<double> load(static_cast<std::size_t>(vertexCount), 0.0);
-  for (const Row& row : readRows(name, vertexCount, {"load", true, false}))
+  const Form form{"load", true, false};
+  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
     load[row.vertex] = row.value;
   return load;
 }
 
-std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount) {
+std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& name,
+                                    int vertexCount) {
   std::vector<FixedVertex> fixes;
-  for (const Row& row : readRows(name, vertexCount, {"value", false, true}))
+  const Form form{"value", false, true};
+  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
     fixes.push_back({static_cast<int>(row.vertex), row.value, row.tag});
   if (fixes.empty())
     throw FileError(fmt::format("{}: no vertex to fix; give lines of VERTEX,VALUE", name));
   return fixes;
+}
+
+std::vector<double> readLoad(const std::string& name, int vertexCount) {
+  return parseLoad(readFile(toPath(name)), name, vertexCount);
+}
+
+std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount) {
+  return parseFixes(readFile(toPath(name)), name, vertexCount);
 }
 
 }  // namespace qelm::tool

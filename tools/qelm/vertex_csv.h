@@ -3,6 +3,7 @@
 #define QELM_TOOLS_VERTEX_CSV_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qelm::tool {
@@ -20,6 +21,11 @@ struct FixedVertex {
 /// Reads values to hold, see kFixFileHelp; every vertex at most once, in the file's
 /// order. Throws FileError that names the file and the line.
 std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount);
+
+/// The same for the text of a file that is called `name`.
+std::vector<double> parseLoad(std::string_view text, const std::string& name, int vertexCount);
+std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& name,
+                                    int vertexCount);
 
 }  // namespace qelm::tool
 

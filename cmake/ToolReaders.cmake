@@ -1,0 +1,44 @@
+# qelm_tool_readers: the part of the command-line tool that takes in what users give it,
+# files and the grammars of its options, without the library behind it. The tool is
+# linked from it, and so are the fuzzers.
+include_guard(GLOBAL)
+qelm_header_only(fmt::fmt-header-only fmt 9 fmt)
+
+# CGAL's readers need headers only: no CGAL library, no GMP. Its own package
+# would look for those.
+find_path(QELM_CGAL_FOLDER CGAL/IO/polygon_soup_io.h PATHS /usr/include
+  NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+add_library(qelm_cgal_readers INTERFACE)
+target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS_NO_MPZF)
+if(CMAKE_CROSSCOMPILING)
+  target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY=1)
+  foreach(folder CGAL boost)
+    file(CREATE_LINK "${QELM_CGAL_FOLDER}/${folder}" "${qelm_host_headers}/${folder}" SYMBOLIC)
+  endforeach()
+  target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${qelm_host_headers}")
+else()
+  target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${QELM_CGAL_FOLDER}")
+endif()
+
+add_library(qelm_tool_readers OBJECT
+  "${PROJECT_SOURCE_DIR}/tools/qelm/boundary.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/console.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/field_csv.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/levels.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_checks.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_reader.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_writer.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/obj_text.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/off_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/paths.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/ply_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/ply_header.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/selection.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/stl_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/text.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/triangulate.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/vertex_csv.cpp")
+target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
+target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers
+  fmt::fmt-header-only)

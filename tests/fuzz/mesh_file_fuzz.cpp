@@ -1,0 +1,108 @@
+// What every reader of mesh files promises, whatever the format.
+#include "mesh_file_fuzz.h"
+
+#include <cmath>
+#include <limits>
+
+#include "error.h"
+#include "fuzz/tool_checks.h"
+#include "mesh_reader.h"
+#include "mesh_writer.h"
+#include "triangulate.h"
+
+namespace qelm::fuzz {
+namespace {
+
+using tool::Mesh;
+using tool::MeshFormat;
+using tool::PolygonSoup;
+
+PolygonSoup readBack(const Mesh& mesh, MeshFormat format, const char* name) {
+  Memory file;
+  writeMesh(mesh, format, file);
+  PolygonSoup soup;
+  require(readsAs(name, file.bytes, soup), "what the tool writes it reads");
+  return soup;
+}
+
+bool allWithin(const Mesh& mesh, double most) {
+  for (const double coordinate : mesh.vertices)
+    if (!(std::abs(coordinate) <= most)) return false;
+  return true;
+}
+
+void requireSameMesh(const PolygonSoup& soup, const Mesh& mesh) {
+  const auto faces = static_cast<std::size_t>(mesh.triangleCount());
+  require(soup.points.size() == static_cast<std::size_t>(mesh.vertexCount()), "as many vertices");
+  require(soup.faces.size() == faces, "as many faces");
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    require(sameBits(soup.points[static_cast<std::size_t>(v)], mesh.point(v)), "the same bits");
+  for (int t = 0; t < mesh.triangleCount(); ++t)
+    require(std::ranges::equal(soup.faces[static_cast<std::size_t>(t)], mesh.corners(t)),
+            "the same corners");
+}
+
+void requireRounded(const PolygonSoup& soup, const Mesh& mesh) {
+  require(soup.faces.size() == static_cast<std::size_t>(mesh.triangleCount()), "as many facets");
+  for (int t = 0; t < mesh.triangleCount(); ++t)
+    for (std::size_t k = 0; k < 3; ++k) {
+      const auto corner = soup.faces[static_cast<std::size_t>(t)][k];
+      const tool::Point p = mesh.point(mesh.corners(t)[k]);
+      for (std::size_t axis = 0; axis < 3; ++axis)
+        require(soup.points[static_cast<std::size_t>(corner)][axis] == static_cast<float>(p[axis]),
+                "the corner in single precision");
+    }
+}
+
+void requireRoundTrips(const Mesh& mesh) {
+  requireSameMesh(readBack(mesh, MeshFormat::kPly, "again.ply"), mesh);
+  if (!allWithin(mesh, std::numeric_limits<double>::max())) return;  // the others refuse it
+  requireSameMesh(readBack(mesh, MeshFormat::kObj, "again.obj"), mesh);
+  if (allWithin(mesh, std::numeric_limits<float>::max()))
+    requireRounded(readBack(mesh, MeshFormat::kStl, "again.stl"), mesh);
+}
+
+void requireSplit(const tool::Triangulation& split, const PolygonSoup& soup) {
+  std::size_t triangles = 0;
+  for (const std::vector<int>& face : soup.faces) triangles += face.size() - 2;
+  require(static_cast<std::size_t>(split.mesh.triangleCount()) == triangles,
+          "two triangles fewer than a polygon has corners");
+  require(split.mesh.vertices.size() == 3 * soup.points.size(), "the vertices stay");
+}
+
+}  // namespace
+
+bool readsAs(const char* name, const std::string& bytes, PolygonSoup& soup) {
+  try {
+    soup = tool::readPolygonSoup(name, bytes);
+    return true;
+  } catch (const tool::FileError& error) {
+    requireMessage(error.what(), std::string(name) + ":");
+  } catch (const tool::MeshError& error) {
+    requireMessage(error.what(), std::string(name) + ":");
+  }
+  return false;
+}
+
+void requireFinite(const PolygonSoup& soup) {
+  for (const tool::Point& p : soup.points)
+    for (const double coordinate : p) require(std::isfinite(coordinate), "finite coordinates");
+}
+
+void requireGoodSoup(const PolygonSoup& soup) {
+  require(!soup.points.empty() && !soup.faces.empty(), "a mesh is not empty");
+  for (const std::vector<int>& face : soup.faces) {
+    require(face.size() >= 3, "at least three corners");
+    for (const int v : face)
+      require(v >= 0 && static_cast<std::size_t>(v) < soup.points.size(), "indices in range");
+  }
+  try {
+    const tool::Triangulation split = triangulate(soup);
+    requireSplit(split, soup);
+    requireRoundTrips(split.mesh);
+  } catch (const tool::MeshError& error) {
+    requireMessage(error.what(), "face ");
+  }
+}
+
+}  // namespace qelm::fuzz

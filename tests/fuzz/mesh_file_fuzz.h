@@ -1,0 +1,21 @@
+// One fuzzer for each format of mesh files; see mesh_file_fuzz.cpp.
+#ifndef QELM_TESTS_FUZZ_MESH_FILE_FUZZ_H
+#define QELM_TESTS_FUZZ_MESH_FILE_FUZZ_H
+
+#include <string>
+
+#include "mesh.h"
+
+namespace qelm::fuzz {
+
+/// Reads `bytes` as the file `name`; a refusal is looked at and gives false.
+bool readsAs(const char* name, const std::string& bytes, tool::PolygonSoup& soup);
+
+/// Indices in range, what is written is read again with the same bits.
+void requireGoodSoup(const tool::PolygonSoup& soup);
+
+void requireFinite(const tool::PolygonSoup& soup);
+
+}  // namespace qelm::fuzz
+
+#endif  // QELM_TESTS_FUZZ_MESH_FILE_FUZZ_H
