@@ -213,13 +213,13 @@ std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
   for (std::size_t t = 0; t < triangles.size(); t += 3 * TriangleBlock::kMost) {
     const std::size_t length = std::min(triangles.size() - t, 3 * TriangleBlock::kMost);
     block.fill(triangles.subspan(t, length), vertexMap, known);
-    for (const auto& [corners, key, hash] : std::span(block.triangles).first(block.count)) {
-      const std::int32_t found = known.findOrInsert(hash, count, [&](std::int32_t other) {
+    for (const auto& next : std::span(block.triangles).first(block.count)) {
+      const std::int32_t found = known.findOrInsert(next.hash, count, [&](std::int32_t other) {
         const std::int32_t* const corner = &welded[3 * static_cast<std::size_t>(other)];
-        return triangleKey({corner[0], corner[1], corner[2]}) == key;
+        return triangleKey({corner[0], corner[1], corner[2]}) == next.key;
       });
       if (found != count) continue;
-      std::ranges::copy(corners, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
+      std::ranges::copy(next.corners, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
       ++count;
     }
   }

@@ -98,7 +98,7 @@ def test_a_second_vertex_element_in_a_ply_file_is_refused(qelm):
     assert "a.ply:7: element 'vertices' comes after an element 'vertex'" in message
 
 
-@pytest.mark.skipif(bool(built.SANITIZERS), reason="measures time, which sanitizers multiply")
+@pytest.mark.skipif(bool(built.CHECKER), reason="measures time, which sanitizers multiply")
 def test_a_face_of_an_off_file_over_very_many_lines_does_not_take_for_ever(qelm):
     # Every line moved all the words before it.
     count = 300_000
