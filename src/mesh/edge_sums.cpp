@@ -73,7 +73,8 @@ EdgeSums::Counts EdgeSums::addUp() {
   }
   setLength(next - 1);
   Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};
-  std::ranges::transform(known, counts.owners.begin(), &Neighbour::owners);
+  std::transform(known.begin(), known.end(), counts.owners.begin(),
+                 [](const Neighbour& neighbour) { return neighbour.owners; });
   return counts;
 }
 
