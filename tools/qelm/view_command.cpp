@@ -133,8 +133,8 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
   const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  const std::vector<double> levels = naming(
-      solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
+  const std::vector<double> levels =
+      naming(solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
   solved.steps.run("write", [&] {
     writeFilled(
         page,
