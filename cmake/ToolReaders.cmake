@@ -9,7 +9,10 @@ qelm_header_only(fmt::fmt-header-only fmt 9 fmt)
 find_path(QELM_CGAL_FOLDER CGAL/IO/polygon_soup_io.h PATHS /usr/include
   NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 add_library(qelm_cgal_readers INTERFACE)
-target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS_NO_MPZF)
+target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS_NO_MPZF
+  # It would end the program at its start where rounding cannot be switched, as under
+  # Valgrind. The readers do no interval arithmetic, which is what needs that.
+  CGAL_DISABLE_ROUNDING_MATH_CHECK)
 if(CMAKE_CROSSCOMPILING)
   target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY=1)
   foreach(folder CGAL boost)
