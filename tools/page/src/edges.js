@@ -1,17 +1,21 @@
 // Edges of a triangle list.
 import { cornersByVertex } from './normals.js';
 
-/** Calls visit(v, w, corners): v < w, and for each triangle at the edge its first corner. */
-function forEveryEdge(vertexCount, triangles, visit) {
+/**
+ * Calls visit(v, w, corners) for edges between vertices that are `wanted`: v < w, and for each
+ * triangle at the edge its first corner.
+ */
+function forEveryEdge(vertexCount, triangles, visit, wanted = () => true) {
   const { begin, corners } = cornersByVertex(vertexCount, triangles);
   const found = new Map();
   for (let v = 0; v < vertexCount; ++v) {
+    if (!wanted(v)) continue;
     found.clear();
     for (let i = begin[v]; i < begin[v + 1]; ++i) {
       const first = corners[i] - (corners[i] % 3);
       for (let c = 0; c < 3; ++c) {
         const other = triangles[first + c];
-        if (other <= v) continue;
+        if (other <= v || !wanted(other)) continue;
         if (found.has(other)) found.get(other).push(first);
         else found.set(other, [first]);
       }
@@ -37,10 +41,12 @@ export function fixedMarks({ positions, triangles }, fixedBy) {
   const isWhole = (k) => [0, 1, 2].every((c) => heldAlike(triangles[k], triangles[k + c]));
   const held = [];
   const boundaryEdges = new Uint8Array(triangles.length / 3);
-  forEveryEdge(positions.length / 3, triangles, (v, w, firsts) => {
+  const note = (v, w, firsts) => {
     if (firsts.length === 1) ++boundaryEdges[firsts[0] / 3];
     if (heldAlike(v, w)) held.push({ v, w, firsts });
-  });
+  };
+  // All edges of a triangle that is held whole are among these.
+  forEveryEdge(positions.length / 3, triangles, note, (v) => fixedBy[v] > 0);
   // A corner triangle of a rim that is held is no patch.
   const inPatch = (k) => isWhole(k) && boundaryEdges[k / 3] < 2;
   const lines = [];

@@ -14,7 +14,7 @@ export function faceNormals({ positions, triangles }) {
     const nx = uy * vz - uz * vy;
     const ny = uz * vx - ux * vz;
     const nz = ux * vy - uy * vx;
-    const length = Math.hypot(nx, ny, nz) || 1;
+    const length = Math.sqrt(nx * nx + ny * ny + nz * nz) || 1;
     normals[k] = nx / length;
     normals[k + 1] = ny / length;
     normals[k + 2] = nz / length;
@@ -56,7 +56,7 @@ export function cornerNormals(mesh, sharp = 0.8) {
       y += faces[other + 1];
       z += faces[other + 2];
     }
-    const length = Math.hypot(x, y, z) || 1;
+    const length = Math.sqrt(x * x + y * y + z * z) || 1;
     normals[3 * k] = x / length;
     normals[3 * k + 1] = y / length;
     normals[3 * k + 2] = z / length;

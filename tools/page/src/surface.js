@@ -268,6 +268,8 @@ export class SurfaceScene {
       const material = new LineMaterial({ color, linewidth: width, depthWrite: false });
       bringNearer(material, nearer);
       if (lines.length > 0) this.fixed.add(new LineSegments2(lineGeometry, material));
+      // Without dots there would still be a shader to compile.
+      if (dots.length === 0) continue;
       const size = (width + 4) * this.renderer.getPixelRatio();
       this.fixed.add(new Points(dotGeometry, dotMaterial({ color, size }, nearer)));
     }
@@ -385,14 +387,15 @@ export class SurfaceScene {
   }
 }
 
-/** For lines: see kNearer. */
+/** For lines: see kNearer. A uniform, so that lines alike in all else share a program. */
 function bringNearer(material, nearer) {
+  material.uniforms.nearer = { value: nearer };
   material.vertexShader = patched(
-    material.vertexShader,
+    `uniform float nearer;\n${material.vertexShader}`,
     'vec4 end = modelViewMatrix * vec4( instanceEnd, 1.0 );',
     `vec4 end = modelViewMatrix * vec4( instanceEnd, 1.0 );
-     start.xyz *= ${nearer};
-     end.xyz *= ${nearer};`,
+     start.xyz *= nearer;
+     end.xyz *= nearer;`,
   );
 }
 
