@@ -6,9 +6,11 @@
 
 namespace qelm::tool {
 
+/// A file, or, in a test, a place in memory.
 class ByteSink {
  public:
   virtual ~ByteSink() = default;
+  /// Adds the bytes at the end, all of them; throws OutputError when that fails.
   virtual void write(std::string_view bytes) = 0;
 };
 
