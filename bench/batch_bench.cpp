@@ -109,3 +109,5 @@ BENCHMARK(singleSolves)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(oneBlock)->Apply(sizesAndWidths);
 BENCHMARK(batch)->Apply(sizesAndWidths);
+
+BENCHMARK_MAIN();

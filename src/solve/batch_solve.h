@@ -1,4 +1,5 @@
-// Many fields of one system, several at each pass through the factor.
+// Fields between prescribed values from a stored factorisation: one, or several at each
+// pass through the factor.
 #ifndef QELM_SOLVE_BATCH_SOLVE_H
 #define QELM_SOLVE_BATCH_SOLVE_H
 
@@ -33,10 +34,20 @@ struct Batch {
 /// of the loop. 32 would save another tenth, but for twice the memory.
 constexpr int kBatchWidth = 16;
 
-/// Solves every field of the batch as solveDirichlet() and solveWithLoad() do, with
-/// the same bits. `width` bounds how many go together; it has no influence on the
-/// results. Needs width + 1 doubles for each vertex, all allocated before the first
-/// result is written.
+/// Solves for every field of the batch, each on its own:
+///
+///   K_ff u_f = -K_fb u_b - load_f
+///
+/// the rows of the free vertices of K u + load = 0, or of K u = 0 without loads: the
+/// discrete harmonic field between the prescribed values. A load enters as it is, one
+/// value for each free vertex, without mass matrix or scaling. Values are read at tagged
+/// vertices only and come back bit for bit; loads are read at free ones only. If the
+/// factorisation failed, every free vertex gets 0.0.
+///
+/// A field's bits are those of Eigen's own solve() for it alone, a NaN's sign aside;
+/// `width` bounds how many go together and has no influence on them. Needs as many
+/// doubles for each vertex as go together, and one more, all allocated before the first
+/// result is written. Reads the system only, takes no lock.
 void solveBatch(const MeshSystem& system, const Batch& batch, int width = kBatchWidth);
 
 }  // namespace qelm

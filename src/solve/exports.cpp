@@ -5,7 +5,6 @@
 #include "interface/mesh_system.h"
 #include "qelm.h"
 #include "solve/batch_solve.h"
-#include "solve/field_solve.h"
 
 namespace {
 
@@ -29,7 +28,7 @@ extern "C" void qelmsolveTagged(const MeshSystem* handle, const double* values, 
   const int outcome = handleStatus(handle);
   if (outcome == QELM_STATUS_OK) {
     const auto n = static_cast<std::size_t>(handle->vertexCount);
-    qelm::solveDirichlet(*handle, {values, n}, {result, n});
+    qelm::solveBatch(*handle, {{values, n}, {}, {result, n}});
   }
   *status = outcome;
 }
@@ -39,7 +38,7 @@ extern "C" void qelmsolvePTagged(const MeshSystem* handle, const double* values,
   const int outcome = handleStatus(handle);
   if (outcome == QELM_STATUS_OK) {
     const auto n = static_cast<std::size_t>(handle->vertexCount);
-    qelm::solveWithLoad(*handle, {values, n}, {load, n}, {result, n});
+    qelm::solveBatch(*handle, {{values, n}, {load, n}, {result, n}});
   }
   *status = outcome;
 }

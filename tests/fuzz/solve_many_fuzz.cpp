@@ -1,10 +1,13 @@
-// Many solves at once beside single ones: the same bits, any NaN for any other.
+// Many solves at once beside single ones and the plain form: the same bits, any NaN for
+// any other.
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 
 #include "fuzz/input.h"
 #include "qelm.h"
+#include "support/plain_solve.h"
 
 namespace {
 
@@ -30,13 +33,22 @@ void compare(const MeshSystem* system, int n, qelm::fuzz::Input& input) {
                       &status);
   require(status == QELM_STATUS_OK);
   std::vector<double> single(static_cast<std::size_t>(n));
+  const auto part = [&](const std::vector<double>& fields, std::size_t first) {
+    const auto begin = fields.begin() + static_cast<std::ptrdiff_t>(first);
+    return qelm::test::Field(begin, begin + n);
+  };
   for (std::size_t first = 0; first < size; first += single.size()) {
     if (loaded) {
       qelmsolvePTagged(system, &values[first], &loads[first], single.data(), &status);
     } else {
       qelmsolveTagged(system, &values[first], single.data(), &status);
     }
-    for (std::size_t i = 0; i < single.size(); ++i) require(same(results[first + i], single[i]));
+    const qelm::test::Field plain = qelm::test::plainSolve(
+        *system, part(values, first), loaded ? part(loads, first) : qelm::test::Field());
+    for (std::size_t i = 0; i < single.size(); ++i) {
+      require(same(results[first + i], plain[i]));
+      require(same(single[i], plain[i]));
+    }
   }
 }
 

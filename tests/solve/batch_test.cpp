@@ -1,5 +1,5 @@
-// Many fields at once: the bits of single solves, whatever the count, the width of a
-// block, the arrays that are one, and what the fields hold.
+// One field and many at once: the bits of the plain form, whatever the count, the width
+// of a block, the arrays that are one, and what the fields hold.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,6 +14,7 @@
 #include "support/compare.h"
 #include "support/handle.h"
 #include "support/meshes.h"
+#include "support/plain_solve.h"
 #include "support/random.h"
 
 namespace qelm::test {
@@ -34,7 +35,19 @@ Field part(const Field& fields, int index, int n) {
   return {first, first + n};
 }
 
-/// What as many single solves give. Without loads, `loads` is empty.
+/// What the plain form gives for each. Without loads, `loads` is empty.
+Field plain(const MeshHandle& system, int count, const Field& values, const Field& loads) {
+  const auto n = static_cast<int>(system->vertexCount);
+  Field all;
+  for (int k = 0; k < count; ++k) {
+    const Field result =
+        plainSolve(*system, part(values, k, n), loads.empty() ? Field() : part(loads, k, n));
+    all.insert(all.end(), result.begin(), result.end());
+  }
+  return all;
+}
+
+/// What as many single solves give.
 Field oneByOne(const MeshHandle& system, int count, const Field& values, const Field& loads) {
   const auto n = static_cast<int>(system->vertexCount);
   Field all;
@@ -71,32 +84,46 @@ testing::AssertionResult sameBitsOrBothNaN(Field actual, Field expected) {
   return sameBits(actual, expected);
 }
 
-TEST(BatchSolve, HasTheBitsOfSingleSolvesForEveryCount) {
+TEST(BatchSolve, HasThePlainBitsForEveryCount) {
   const Mesh mesh = openSurface(14, 13, 3).withBoundaryTagged();
   const MeshHandle system = construct(mesh);
   for (int count = 1; count <= 2 * kBatchWidth + 3; ++count) {
     const Field values = randomFields(mesh, count, 1);
     const Field loads = randomFields(mesh, count, 2);
-    ASSERT_TRUE(sameBits(together(system, count, values, {}), oneByOne(system, count, values, {})))
+    ASSERT_TRUE(sameBits(together(system, count, values, {}), plain(system, count, values, {})))
         << count << " fields";
     ASSERT_TRUE(
-        sameBits(together(system, count, values, loads), oneByOne(system, count, values, loads)))
+        sameBits(together(system, count, values, loads), plain(system, count, values, loads)))
         << count << " fields with loads";
   }
 }
 
-TEST(BatchSolve, HasTheBitsOfSingleSolvesOnOtherMeshes) {
-  for (const Mesh& mesh :
-       {sphereMesh(3).withTagged({3, 77}, 2), torusMesh(14, 8).withTagged({0, 50, 70}, 3),
-        gridMesh(9, 8).withTagged({0}), sliverStrip(30, 1e-4).withTagged({0, 1, 61}),
-        gridMesh(5, 5).withEveryVertexTagged(), openSurface(40, 40, 9).withBoundaryTagged()}) {
+/// All kinds of surfaces and of tags.
+std::vector<Mesh> variousMeshes() {
+  return {sphereMesh(3).withTagged({3, 77}, 2),   torusMesh(14, 8).withTagged({0, 50, 70}, 3),
+          gridMesh(9, 8).withTagged({0}),         sliverStrip(30, 1e-4).withTagged({0, 1, 61}),
+          gridMesh(5, 5).withEveryVertexTagged(), openSurface(40, 40, 9).withBoundaryTagged()};
+}
+
+TEST(BatchSolve, HasThePlainBitsOnOtherMeshes) {
+  for (const Mesh& mesh : variousMeshes()) {
     const MeshHandle system = construct(mesh);
     const int count = 2 * kBatchWidth + 1;
     const Field values = randomFields(mesh, count, 4);
     const Field loads = randomFields(mesh, count, 5);
-    EXPECT_TRUE(sameBits(together(system, count, values, {}), oneByOne(system, count, values, {})));
+    EXPECT_TRUE(sameBits(together(system, count, values, {}), plain(system, count, values, {})));
     EXPECT_TRUE(
-        sameBits(together(system, count, values, loads), oneByOne(system, count, values, loads)));
+        sameBits(together(system, count, values, loads), plain(system, count, values, loads)));
+  }
+}
+
+TEST(SingleSolve, HasThePlainBits) {
+  for (const Mesh& mesh : variousMeshes()) {
+    const MeshHandle system = construct(mesh);
+    const Field values = randomFields(mesh, 3, 21);
+    const Field loads = randomFields(mesh, 3, 22);
+    EXPECT_TRUE(sameBits(oneByOne(system, 3, values, {}), plain(system, 3, values, {})));
+    EXPECT_TRUE(sameBits(oneByOne(system, 3, values, loads), plain(system, 3, values, loads)));
   }
 }
 
@@ -105,7 +132,7 @@ TEST(BatchSolve, HasTheSameBitsForEveryWidth) {
   const MeshHandle system = construct(mesh);
   const int count = 37;
   const Field values = randomFields(mesh, count, 6);
-  const Field expected = oneByOne(system, count, values, {});
+  const Field expected = plain(system, count, values, {});
   for (const int width : {1, 2, 4, 8, 16, 32}) {
     Field results(values.size(), -777.0);
     solveBatch(*system, {values, {}, results}, width);
@@ -131,12 +158,13 @@ TEST(BatchSolve, KeepsZerosInfinitiesAndNaNOfOneFieldAwayFromTheOthers) {
         if (kind == 7) v = uniform(random, -1, 1);
       }
     }
-    ASSERT_TRUE(
-        sameBitsOrBothNaN(together(system, count, values, {}), oneByOne(system, count, values, {})))
-        << "round " << round;
-    ASSERT_TRUE(sameBitsOrBothNaN(together(system, count, values, loads),
-                                  oneByOne(system, count, values, loads)))
-        << "round " << round << ", with loads";
+    for (const Field& load : {Field(), loads}) {
+      const Field expected = plain(system, count, values, load);
+      ASSERT_TRUE(sameBitsOrBothNaN(together(system, count, values, load), expected))
+          << "round " << round << (load.empty() ? "" : ", with loads");
+      ASSERT_TRUE(sameBitsOrBothNaN(oneByOne(system, count, values, load), expected))
+          << "round " << round << (load.empty() ? "" : ", with loads");
+    }
   }
 }
 
