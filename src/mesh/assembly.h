@@ -20,7 +20,7 @@ int meshStatus(int vertexCount, std::span<const std::int32_t> triangles);
 /// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
 /// in 0 .. n-1, no triangle with a repeated vertex. Each entry sums its triangles'
 /// contributions in input order, starting from the first one. Beyond the result
-/// it needs 12 bytes for each edge and 24 for each vertex; before there is room for the
+/// it needs 12 bytes for each edge and 28 for each vertex; before there is room for the
 /// result, 36 for each triangle and 32 for each vertex.
 FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
                                std::span<const double> coordinates,

@@ -63,6 +63,10 @@ class EdgeSums {
 #endif
   }
 
+  /// Whether triangles join vertices that lie far apart in memory, as in random order.
+  /// Then it pays to have memory ready before it is used; it costs a little elsewhere.
+  bool isScattered() const { return isScattered_; }
+
   struct Counts {
     std::vector<std::int32_t> owners;          ///< for each vertex, how many list it
     std::vector<std::int32_t> freeNeighbours;  ///< for each owner, how many it lists
@@ -71,6 +75,10 @@ class EdgeSums {
   Counts addUp();
 
   std::size_t ownerCount() const { return owners_.size(); }
+  /// Of all owners, one after the other.
+  std::span<const Entry> entries() const {
+    return {entries_.get(), owners_.empty() ? 0 : owners_.back().end};
+  }
   /// Of owner t + v: the neighbours all different, in any order.
   std::span<const Entry> entries(std::size_t v) const {
     const std::size_t start = v == 0 ? 0 : owners_[v - 1].end;
@@ -90,6 +98,7 @@ class EdgeSums {
 
   std::int32_t t_;
   std::int32_t n_;
+  bool isScattered_ = false;
   std::vector<Owner> owners_;               // n - t
   std::unique_ptr<Entry[], Free> entries_;  // can be made shorter where it is
 };

@@ -17,7 +17,7 @@ struct FreeRowBlocks {
 };
 
 /// Both halves of what was summed, for t tagged vertices, with the counts from adding it
-/// up. Beyond the result it needs nothing but them, and 4 bytes for each tagged vertex.
+/// up. Beyond the result it needs nothing but them, and 4 bytes for each vertex.
 FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t);
 
 }  // namespace qelm

@@ -200,6 +200,17 @@ TEST(Blocks, HaveTheBitsOfThePlainElementLoopOnRandomSoups) {
   }
 }
 
+TEST(Blocks, HaveTheBitsOfThePlainElementLoopInRandomOrder) {
+  // Large enough for vertices to lie far apart, where memory is asked for ahead.
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  const Mesh mesh = gridMesh(180, 170);
+  const Mesh shuffled = relabelled(mesh, permutation(random, mesh.vertexCount()));
+  expectPlainAssembly(shuffled.withBoundaryTagged());
+  expectPlainAssembly(shuffled.withTagged({0}));
+}
+
 TEST(Blocks, HaveTheBitsOfThePlainElementLoopWhereManyTrianglesMeet) {
   // Far more triangles at every vertex and edge than a surface has.
   const std::uint64_t seed = testSeed();
