@@ -88,11 +88,12 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
   BlockStiffness stiffness;
   for (std::size_t first = 0; first < m; first += kBlock) {
     const std::size_t count = std::min(kBlock, m - first);
-    prefetch(coordinates, sums, triangles.subspan(3 * std::min(first + kBlock, m)));
+    if (sums.isScattered()) {
+      prefetch(coordinates, sums, triangles.subspan(3 * std::min(first + kBlock, m)));
+      for (const std::int32_t v : triangles.subspan(3 * first, 3 * count)) sums.prefetchList(v);
+    }
     for (std::size_t lane = 0; lane < count; ++lane) {
-      const Corners c = cornersOf(triangles, first + lane);
-      gather(coordinates, c, lane, corners);
-      for (const std::int32_t v : c) sums.prefetchList(v);
+      gather(coordinates, cornersOf(triangles, first + lane), lane, corners);
     }
     stiffnessOfBlock(corners, stiffness);
     for (std::size_t lane = 0; lane < count; ++lane) {

@@ -5,25 +5,39 @@
 #include <utility>
 
 namespace qelm {
+namespace {
+
+/// Whether many triangles join vertices so far apart that a core's cache has no room for
+/// what is between them. One triangle in 16 tells.
+bool joinFarVertices(std::span<const std::int32_t> triangles) {
+  constexpr std::int32_t kFar = 1 << 14;  // of 40 to 100 bytes each
+  std::size_t near = 0;
+  std::size_t far = 0;
+  for (std::size_t j = 0; j < triangles.size(); j += std::size_t{3} * 16) {
+    ++(std::abs(triangles[j] - triangles[j + 1]) > kFar ? far : near);
+  }
+  return far > near / 8;
+}
+
+}  // namespace
 
 // -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
 // every x, where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
-    : t_(t), n_(n), owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
+    : t_(t),
+      n_(n),
+      isScattered_(joinFarVertices(triangles)),
+      owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
   const auto count = [&](std::int32_t v, std::size_t edges) {
     if (v >= t) owners_[static_cast<std::size_t>(v - t)].end += edges;
   };
-  constexpr std::int32_t kFar = 1 << 14;  // of 40 to 100 bytes each: more than a core's cache
-  std::size_t far = 0;
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const auto [a, b, c] = std::array{triangles[j], triangles[j + 1], triangles[j + 2]};
     const std::int32_t highest = std::max(std::max(a, b), c);
     const std::int32_t middle = std::max(std::min(a, b), std::min(std::max(a, b), c));
     count(highest, 2);
     count(middle, 1);
-    far += highest - middle > kFar ? 1 : 0;
   }
-  isScattered_ = far > triangles.size() / 3 / 8;
   std::size_t size = 0;
   for (Owner& owner : owners_) {
     const std::size_t contributions = owner.end;

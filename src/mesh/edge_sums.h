@@ -98,7 +98,7 @@ class EdgeSums {
 
   std::int32_t t_;
   std::int32_t n_;
-  bool isScattered_ = false;
+  bool isScattered_;
   std::vector<Owner> owners_;               // n - t
   std::unique_ptr<Entry[], Free> entries_;  // can be made shorter where it is
 };
