@@ -2,7 +2,14 @@
 # files and the grammars of its options, without the library behind it. The tool is
 # linked from it, and so are the fuzzers.
 include_guard(GLOBAL)
+
+# fmt, compiled once. Debian has it as headers, and as a shared library for the host alone;
+# with headers alone every source would compile all of it again, five seconds each time.
 qelm_header_only(fmt::fmt-header-only fmt 9 fmt)
+add_library(qelm_fmt STATIC "${PROJECT_SOURCE_DIR}/tools/qelm/fmt_library.cpp")
+target_include_directories(qelm_fmt SYSTEM PUBLIC
+  $<TARGET_PROPERTY:fmt::fmt-header-only,INTERFACE_INCLUDE_DIRECTORIES>)
+target_compile_features(qelm_fmt PUBLIC cxx_std_20)
 
 # CGAL's readers need headers only: no CGAL library, no GMP. Its own package
 # would look for those.
@@ -14,7 +21,6 @@ target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS
   # Valgrind. The readers do no interval arithmetic, which is what needs that.
   CGAL_DISABLE_ROUNDING_MATH_CHECK)
 if(CMAKE_CROSSCOMPILING)
-  target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY=1)
   foreach(folder CGAL boost)
     file(CREATE_LINK "${QELM_CGAL_FOLDER}/${folder}" "${qelm_host_headers}/${folder}" SYMBOLIC)
   endforeach()
@@ -43,5 +49,4 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/triangulate.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/vertex_csv.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
-target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers
-  fmt::fmt-header-only)
+target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt)
