@@ -52,7 +52,7 @@ FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
   EdgeSums sums(taggedCount, vertexCount, triangles);
   fastestAddElements()(coordinates, triangles, sums);
   EdgeSums::Counts counts = sums.addUp();
-  return blocksOf(sums, std::move(counts), taggedCount);
+  return blocksOf(std::move(sums), std::move(counts), taggedCount);
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

@@ -79,10 +79,12 @@ class EdgeSums {
   std::span<const Entry> entries() const {
     return {entries_.get(), owners_.empty() ? 0 : owners_.back().end};
   }
-  /// Of owner t + v: the neighbours all different, in any order.
+  /// Of owner t + v: the neighbours all different, in any order, which may be changed.
+  std::span<Entry> entries(std::size_t v) {
+    return {entries_.get() + start(v), owners_[v].end - start(v)};
+  }
   std::span<const Entry> entries(std::size_t v) const {
-    const std::size_t start = v == 0 ? 0 : owners_[v - 1].end;
-    return {entries_.get() + start, owners_[v].end - start};
+    return {entries_.get() + start(v), owners_[v].end - start(v)};
   }
   double diagonal(std::size_t v) const { return owners_[v].diagonal; }
 
@@ -94,7 +96,10 @@ class EdgeSums {
   struct Free {
     void operator()(void* block) const { std::free(block); }
   };
+  std::size_t start(std::size_t v) const { return v == 0 ? 0 : owners_[v - 1].end; }
   void setLength(std::size_t length);
+  template <bool kScattered>
+  Counts addUpLists();
 
   std::int32_t t_;
   std::int32_t n_;

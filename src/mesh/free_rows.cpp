@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/ascending.h"
+
 namespace qelm {
 namespace {
 
@@ -13,7 +15,7 @@ std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
 
 /// A block whose columns get their entries one by one.
 struct Filling {
-  std::int32_t* outer;
+  const std::int32_t* outer;
   std::int32_t* rows;
   double* values;
   std::vector<std::int32_t> next;  ///< where the next entry of each column goes
@@ -32,10 +34,12 @@ struct Filling {
 #endif
   }
 
-  void append(std::size_t column, std::int32_t row, double value) {
-    const auto place = at(next[column]++);
+  void put(std::size_t place, std::int32_t row, double value) {
     rows[place] = row;
     values[place] = value;
+  }
+  void append(std::size_t column, std::int32_t row, double value) {
+    put(at(next[column]++), row, value);
   }
 };
 
@@ -49,84 +53,62 @@ void reserveColumns(SparseBlock& block, Count count) {
   block.resizeNonZeros(outer[block.cols()]);
 }
 
-/// How far ahead the memory of an entry's place is made ready, if vertices are scattered.
-constexpr std::size_t kEntriesAhead = 24;
-constexpr std::size_t kColumnsAhead = 8;
-
-/// Behind the room for upper rows.
-template <bool kScattered>
-void fillDiagonalAndLowerRows(const EdgeSums& sums, std::int32_t t, Filling& freeFree,
-                              Filling& freeFixed) {
-  const EdgeSums::Entry* const end = sums.entries().data() + sums.entries().size();
-  for (std::size_t v = 0; v < sums.ownerCount(); ++v) {
-    const auto row = static_cast<std::int32_t>(v);
-    freeFree.append(v, row, sums.diagonal(v));
-    for (const EdgeSums::Entry& entry : sums.entries(v)) {
-      if (kScattered && static_cast<std::size_t>(end - &entry) > kEntriesAhead) {
-        const std::int32_t ahead = (&entry + kEntriesAhead)->neighbour;
-        if (ahead >= t) freeFree.prefetch(at(ahead - t));
-      }
-      if (entry.neighbour < t) {
-        freeFixed.append(at(entry.neighbour), row, entry.sum);
-      } else {
-        freeFree.append(at(entry.neighbour - t), row, entry.sum);
-      }
-    }
-  }
-}
-
-/// Into the room in front of each diagonal.
-template <bool kScattered>
-void fillUpperRows(const std::vector<std::int32_t>& diagonals, Filling& freeFree) {
-  const std::size_t columns = diagonals.size();
-  std::copy_n(freeFree.outer, columns, freeFree.next.begin());
-  for (std::size_t w = 0; w < columns; ++w) {
-    if (const std::size_t ahead = w + kColumnsAhead; kScattered && ahead < columns) {
-      for (std::int32_t k = diagonals[ahead] + 1; k < freeFree.outer[ahead + 1]; ++k) {
-        freeFree.prefetch(at(freeFree.rows[k]));
-      }
-    }
-    for (std::int32_t k = diagonals[w] + 1; k < freeFree.outer[w + 1]; ++k) {
-      freeFree.append(at(freeFree.rows[k]), static_cast<std::int32_t>(w), freeFree.values[k]);
-    }
-  }
-}
-
-/// Where each column's diagonal is, behind so many upper rows.
-std::vector<std::int32_t> diagonalPlaces(const SparseBlock& block,
-                                         std::vector<std::int32_t> upperRows) {
-  for (std::size_t v = 0; v < upperRows.size(); ++v) upperRows[v] += block.outerIndexPtr()[v];
+/// Behind each column's upper rows, in place of their numbers, and its diagonal.
+std::vector<std::int32_t> lowerPlaces(const SparseBlock& block,
+                                      std::vector<std::int32_t> upperRows) {
+  for (std::size_t v = 0; v < upperRows.size(); ++v) upperRows[v] += block.outerIndexPtr()[v] + 1;
   return upperRows;
 }
 
+/// How far ahead the memory of an entry's place is made ready, if vertices are scattered.
+constexpr std::size_t kEntriesAhead = 24;
+
 template <bool kScattered>
-void fill(const EdgeSums& sums, std::int32_t t, std::vector<std::int32_t> upperRows,
-          FreeRowBlocks& blocks) {
-  const std::vector<std::int32_t> diagonals = diagonalPlaces(blocks.freeFree, std::move(upperRows));
-  const std::int32_t* const fixedOuter = blocks.freeFixed.outerIndexPtr();
-  Filling freeFree(blocks.freeFree, diagonals);
-  Filling freeFixed(blocks.freeFixed, {fixedOuter, fixedOuter + t});
-  fillDiagonalAndLowerRows<kScattered>(sums, t, freeFree, freeFixed);
-  fillUpperRows<kScattered>(diagonals, freeFree);
+void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed) {
+  const EdgeSums::Entry* const end = sums.entries().data() + sums.entries().size();
+  std::size_t place = 0;
+  for (std::size_t v = 0; v < sums.ownerCount(); ++v) {
+    const auto owner = static_cast<std::int32_t>(v);
+    if (kScattered) {
+      for (const EdgeSums::Entry& entry : sums.entries(v)) {
+        if (static_cast<std::size_t>(end - &entry) <= kEntriesAhead) break;
+        const std::int32_t ahead = (&entry + kEntriesAhead)->neighbour;
+        if (ahead >= t) freeFree.prefetch(at(ahead - t));
+      }
+    }
+    visitAscending(sums.entries(v), [&](const EdgeSums::Entry& entry) {
+      if (entry.neighbour < t) {
+        freeFixed.append(at(entry.neighbour), owner, entry.sum);
+        return;
+      }
+      const std::int32_t neighbour = entry.neighbour - t;
+      freeFree.put(place++, neighbour, entry.sum);
+      freeFree.append(at(neighbour), owner, entry.sum);
+    });
+    freeFree.put(place, owner, sums.diagonal(v));
+    place = at(freeFree.outer[v + 1]);
+  }
 }
 
 }  // namespace
 
-// Twice transposed, so sorted without a comparison: owners come in ascending order and
-// give their entries to the columns of the lower neighbours; then columns come in
-// ascending order and give them, as they are symmetric, to those of the owners. Room
-// for these is left in front: a column's rows are upper ones, diagonal, lower ones.
-FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t) {
+// Owners come in ascending order. Each gives its entries, sorted, to the upper rows of its
+// own column, and one by one, as they are symmetric, to the columns of its lower
+// neighbours: there the rows come in order by themselves.
+FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t) {
   const auto freeCount = static_cast<Eigen::Index>(sums.ownerCount());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
   reserveColumns(blocks.freeFree, [&](std::size_t v) {
     return counts.freeNeighbours[v] + 1 + counts.owners[at(t) + v];
   });
   reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.owners[w]; });
+  Filling freeFree(blocks.freeFree, lowerPlaces(blocks.freeFree, std::move(counts.freeNeighbours)));
+  const std::int32_t* const fixedOuter = blocks.freeFixed.outerIndexPtr();
+  Filling freeFixed(blocks.freeFixed, {fixedOuter, fixedOuter + t});
   if (sums.isScattered()) {
-    fill<true>(sums, t, std::move(counts.freeNeighbours), blocks);
+    fill<true>(sums, t, freeFree, freeFixed);
   } else {
-    fill<false>(sums, t, std::move(counts.freeNeighbours), blocks);
+    fill<false>(sums, t, freeFree, freeFixed);
   }
   return blocks;
 }

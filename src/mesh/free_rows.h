@@ -17,8 +17,8 @@ struct FreeRowBlocks {
 };
 
 /// Both halves of what was summed, for t tagged vertices, with the counts from adding it
-/// up. Beyond the result it needs nothing but them, and 4 bytes for each vertex.
-FreeRowBlocks blocksOf(const EdgeSums& sums, EdgeSums::Counts counts, std::int32_t t);
+/// up. Beyond the result it needs nothing but them.
+FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t);
 
 }  // namespace qelm
 
