@@ -30,33 +30,35 @@ struct Work {
   SparseBlock freeFixed;
 };
 
-/// Numbering and checks, which every way to assemble needs.
+/// Numbering, which every way to assemble needs.
 void reorder(const Mesh& mesh, MeshSystem& reordered) {
   qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
-  auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
-  auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
-  if (qelm::meshStatus(mesh.vertexCount(), triangles) != QELM_STATUS_OK) std::abort();
   reordered.fixedCount = numbering.taggedCount;
   reordered.vertexCount = mesh.vertexCount();
-  reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
-  reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
+  reordered.vertices = std::make_shared<const std::vector<double>>(
+      qelm::reorderCoordinates(mesh.vertices, numbering));
+  reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(
+      qelm::renumberTriangles(mesh.triangles, numbering));
   reordered.vertexPlace = std::move(numbering.place);
   reordered.vertexOrder = std::move(numbering.order);
 }
 
-qelm::FreeRowBlocks assemble(const Mesh& mesh, MeshSystem& reordered) {
+qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
   reorder(mesh, reordered);
-  return qelm::assembleFreeRows(static_cast<int>(reordered.fixedCount), mesh.vertexCount(),
-                                *reordered.vertices, *reordered.triangles);
+  qelm::AssembledRows rows =
+      qelm::assembleFreeRows(static_cast<int>(reordered.fixedCount), mesh.vertexCount(),
+                             *reordered.vertices, *reordered.triangles);
+  if (rows.status != QELM_STATUS_OK) std::abort();
+  return rows;
 }
 
 std::shared_ptr<const Work> workOf(const Case& c) {
   return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
     Work work;
     work.mesh = makeMesh(which);
-    qelm::FreeRowBlocks blocks = assemble(work.mesh, work.reordered);
-    work.freeFree.swap(blocks.freeFree);
-    work.freeFixed.swap(blocks.freeFixed);
+    qelm::AssembledRows rows = assemble(work.mesh, work.reordered);
+    work.freeFree.swap(rows.blocks.freeFree);
+    work.freeFixed.swap(rows.blocks.freeFixed);
     return work;
   });
 }
@@ -72,7 +74,7 @@ Run whole(const Case& c) {
 Run assembly(const Case& c) {
   return [work = workOf(c)] {
     MeshSystem reordered;
-    return static_cast<std::size_t>(assemble(work->mesh, reordered).freeFree.nonZeros());
+    return static_cast<std::size_t>(assemble(work->mesh, reordered).blocks.freeFree.nonZeros());
   };
 }
 
@@ -108,8 +110,11 @@ Run plainTriplets(const Case& c) {
   return [work = workOf(c)] {
     MeshSystem reordered;
     reorder(work->mesh, reordered);
-    const qelm::test::PlainBlocks blocks = qelm::test::plainAssembly(reordered);
-    return static_cast<std::size_t>(blocks.freeFree.nonZeros());
+    const qelm::test::PlainAssembly plain =
+        qelm::test::plainAssembly(static_cast<int>(reordered.fixedCount), work->mesh.vertexCount(),
+                                  *reordered.vertices, *reordered.triangles);
+    if (plain.status != QELM_STATUS_OK) std::abort();
+    return static_cast<std::size_t>(plain.freeFree.nonZeros());
   };
 }
 

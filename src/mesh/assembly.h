@@ -12,17 +12,19 @@
 
 namespace qelm {
 
-/// Status of the first defect by index: 0, 23 (a triangle repeats a vertex) or 24 (a
-/// vertex in no triangle). Three different vertices without area are no defect: their
-/// entries are non-finite, and the factorisation meets them.
-int meshStatus(int vertexCount, std::span<const std::int32_t> triangles);
+struct AssembledRows {
+  int status;            ///< 0, 23 (a triangle repeats a vertex) or 24 (a vertex in none)
+  FreeRowBlocks blocks;  ///< empty unless the status is 0
+};
 
 /// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
-/// in 0 .. n-1, no triangle with a repeated vertex. Each entry sums its triangles'
-/// contributions in input order, starting from the first one. Beyond the result
-/// it needs 12 bytes for each edge and 28 for each vertex; before there is room for the
-/// result, 36 for each triangle and 32 for each vertex.
-FreeRowBlocks assembleFreeRows(int taggedCount, int vertexCount,
+/// in 0 .. n-1, n >= 1. Each entry sums its triangles' contributions in input order,
+/// starting from the first one. Three different vertices without area are no defect:
+/// their entries are non-finite, and the factorisation meets them.
+///
+/// Beyond the result it needs 12 bytes for each edge and 28 for each vertex; before
+/// there is room for the result, 36 for each triangle and 28 for each vertex.
+AssembledRows assembleFreeRows(int taggedCount, int vertexCount,
                                std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles);
 

@@ -1,5 +1,6 @@
 #include "mesh/edge_sums.h"
 
+#include <bit>
 #include <new>
 #include <utility>
 
@@ -44,16 +45,22 @@ std::vector<std::uint32_t> contributionsOf(std::int32_t n,
 // every x, where 0.0 + -0.0 has not.
 EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
     : t_(t),
-      n_(n),
       isScattered_(joinFarVertices(triangles)),
-      owners_(static_cast<std::size_t>(n - t), Owner{-0.0, 0}) {
+      owners_(static_cast<std::size_t>(n), Owner{-0.0, 0}) {
   const std::vector<std::uint32_t> contributions = contributionsOf(n, triangles);
   std::size_t size = 0;
-  for (std::size_t v = 0; v < owners_.size(); ++v) {
+  for (auto v = static_cast<std::size_t>(t); v < owners_.size(); ++v) {
     owners_[v].end = size;
-    size += contributions[static_cast<std::size_t>(t) + v];
+    size += contributions[v];
   }
   setLength(size);
+}
+
+// What is not -0.0 makes no -0.0 of it.
+bool EdgeSums::haveEveryVertex() const {
+  return std::none_of(owners_.begin(), owners_.end(), [](const Owner& owner) {
+    return std::bit_cast<std::uint64_t>(owner.diagonal) == std::bit_cast<std::uint64_t>(-0.0);
+  });
 }
 
 void EdgeSums::setLength(std::size_t length) {
@@ -76,13 +83,14 @@ EdgeSums::Counts EdgeSums::addUpLists() {
     std::uint32_t lastEntry = 0;  ///< from 1 on
     std::int32_t owners = 0;
   };
-  std::vector<Neighbour> known(static_cast<std::size_t>(n_));
-  std::vector<std::int32_t> freeNeighbours(owners_.size());
+  const auto t = static_cast<std::size_t>(t_);
+  std::vector<Neighbour> known(owners_.size());
+  std::vector<std::int32_t> freeNeighbours(owners_.size() - t);
   Entry* const entries = entries_.get();
   const std::size_t contributions = this->entries().size();
   std::size_t read = 0;
   std::uint32_t next = 1;
-  for (std::size_t v = 0; v < owners_.size(); ++v) {
+  for (std::size_t v = t; v < owners_.size(); ++v) {
     const std::uint32_t first = next;
     std::int32_t freeOnes = 0;
     for (; read < owners_[v].end; ++read) {
@@ -103,7 +111,7 @@ EdgeSums::Counts EdgeSums::addUpLists() {
       freeOnes += added.neighbour >= t_ ? 1 : 0;
     }
     owners_[v].end = next - 1;
-    freeNeighbours[v] = freeOnes;
+    freeNeighbours[v - t] = freeOnes;
   }
   setLength(next - 1);
   Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};

@@ -21,7 +21,7 @@ namespace qelm {
 /// at the end: where a search for each one's entry as it comes would jump about in
 /// memory and take branches that nobody can guess, this does neither. It needs 36
 /// bytes for each triangle until then, and 12 for each edge afterwards; 16 for each
-/// free vertex.
+/// vertex.
 class EdgeSums {
  public:
 // Without gaps: a third more of them in the cache, and in memory.
@@ -32,7 +32,7 @@ class EdgeSums {
   };
 #pragma pack(pop)
 
-  /// n vertices, the first t of them tagged; 3m indices in 0 .. n-1.
+  /// n >= 1 vertices, the first t of them tagged; 3m indices in 0 .. n-1.
   EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles);
 
   /// To K_ab, a != b, an edge of a triangle: for each triangle once. Nothing if both
@@ -40,26 +40,28 @@ class EdgeSums {
   void add(std::int32_t a, std::int32_t b, double value) {
     const std::int32_t higher = std::max(a, b);
     if (higher < t_) return;
-    const std::size_t place = owners_[static_cast<std::size_t>(higher - t_)].end++;
+    const std::size_t place = owners_[static_cast<std::size_t>(higher)].end++;
     entries_[place] = {std::min(a, b), value};
   }
 
-  /// To K_vv. Nothing if v is tagged.
+  /// To K_vv, not -0.0.
   void addToDiagonal(std::int32_t v, double value) {
-    if (v >= t_) owners_[static_cast<std::size_t>(v - t_)].diagonal += value;
+    owners_[static_cast<std::size_t>(v)].diagonal += value;
   }
+
+  /// Whether something was added to the diagonal of every vertex.
+  bool haveEveryVertex() const;
 
   /// Have the memory ready that adding to v's entries needs soon: first what is known
   /// of v, then the place of its contributions.
   void prefetchOwner([[maybe_unused]] std::int32_t v) const {
 #if defined(__GNUC__)
-    if (v >= t_) __builtin_prefetch(&owners_[static_cast<std::size_t>(v - t_)], 1);
+    __builtin_prefetch(&owners_[static_cast<std::size_t>(v)], 1);
 #endif
   }
   void prefetchList([[maybe_unused]] std::int32_t v) const {
 #if defined(__GNUC__)
-    if (v < t_) return;
-    __builtin_prefetch(entries_.get() + owners_[static_cast<std::size_t>(v - t_)].end, 1);
+    __builtin_prefetch(entries_.get() + owners_[static_cast<std::size_t>(v)].end, 1);
 #endif
   }
 
@@ -69,24 +71,21 @@ class EdgeSums {
 
   struct Counts {
     std::vector<std::int32_t> owners;          ///< for each vertex, how many list it
-    std::vector<std::int32_t> freeNeighbours;  ///< for each owner, how many it lists
+    std::vector<std::int32_t> freeNeighbours;  ///< for each free vertex, how many it lists
   };
   /// Once, when all is added: makes one entry of the contributions to it.
   Counts addUp();
 
-  std::size_t ownerCount() const { return owners_.size(); }
-  /// Of all owners, one after the other.
-  std::span<const Entry> entries() const {
-    return {entries_.get(), owners_.empty() ? 0 : owners_.back().end};
+  /// Of all vertices, one after the other.
+  std::span<const Entry> entries() const { return {entries_.get(), owners_.back().end}; }
+  /// Of vertex v: the neighbours all different, in any order, which may be changed.
+  std::span<Entry> entries(std::int32_t v) {
+    return {entries_.get() + start(v), entries_.get() + owners_[static_cast<std::size_t>(v)].end};
   }
-  /// Of owner t + v: the neighbours all different, in any order, which may be changed.
-  std::span<Entry> entries(std::size_t v) {
-    return {entries_.get() + start(v), owners_[v].end - start(v)};
+  std::span<const Entry> entries(std::int32_t v) const {
+    return {entries_.get() + start(v), entries_.get() + owners_[static_cast<std::size_t>(v)].end};
   }
-  std::span<const Entry> entries(std::size_t v) const {
-    return {entries_.get() + start(v), owners_[v].end - start(v)};
-  }
-  double diagonal(std::size_t v) const { return owners_[v].diagonal; }
+  double diagonal(std::int32_t v) const { return owners_[static_cast<std::size_t>(v)].diagonal; }
 
  private:
   struct Owner {
@@ -96,15 +95,16 @@ class EdgeSums {
   struct Free {
     void operator()(void* block) const { std::free(block); }
   };
-  std::size_t start(std::size_t v) const { return v == 0 ? 0 : owners_[v - 1].end; }
+  std::size_t start(std::int32_t v) const {
+    return v == 0 ? 0 : owners_[static_cast<std::size_t>(v) - 1].end;
+  }
   void setLength(std::size_t length);
   template <bool kScattered>
   Counts addUpLists();
 
   std::int32_t t_;
-  std::int32_t n_;
   bool isScattered_;
-  std::vector<Owner> owners_;               // n - t
+  std::vector<Owner> owners_;               // n; the first t of them own nothing
   std::unique_ptr<Entry[], Free> entries_;  // can be made shorter where it is
 };
 

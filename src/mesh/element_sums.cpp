@@ -39,6 +39,7 @@ class Elements {
 
   void add(std::size_t triangle, const ElementStiffness& e) {
     const Corners c = corners(triangle);
+    repeatsAVertex_ |= c[0] == c[1] || c[1] == c[2] || c[0] == c[2];
     sums_.add(c[0], c[1], e.k01);
     sums_.add(c[1], c[2], e.k12);
     sums_.add(c[0], c[2], e.k02);
@@ -51,6 +52,8 @@ class Elements {
     const Corners c = corners(triangle);
     add(triangle, elementStiffness(point(c[0]), point(c[1]), point(c[2])));
   }
+
+  bool repeatAVertex() const { return repeatsAVertex_; }
 
   bool areScattered() const { return sums_.isScattered(); }
 
@@ -88,11 +91,12 @@ class Elements {
   std::span<const double> coordinates_;
   std::span<const std::int32_t> triangles_;
   EdgeSums& sums_;
+  bool repeatsAVertex_ = false;
 };
 
 /// While a block is evaluated, the next one's corners are gathered and the last one's
 /// stiffnesses added.
-QELM_INTO_CALLER void addElements(Elements elements) {
+QELM_INTO_CALLER bool addElements(Elements elements) {
   static_assert(kBlock % kPauses == 0);
   constexpr std::size_t kLanesInPause = kBlock / kPauses;
   const std::size_t inBlocks = elements.count() - elements.count() % kBlock;
@@ -123,21 +127,22 @@ QELM_INTO_CALLER void addElements(Elements elements) {
   }
   for (std::size_t j = inBlocks < kBlock ? 0 : inBlocks - kBlock; j < inBlocks; ++j) add(j);
   for (std::size_t j = inBlocks; j < elements.count(); ++j) elements.addAlone(j);
+  return elements.repeatAVertex();
 }
 
 #if defined(QELM_HAVE_AVX2)
-__attribute__((target("avx2"), flatten)) void addForAvx2(std::span<const double> coordinates,
+__attribute__((target("avx2"), flatten)) bool addForAvx2(std::span<const double> coordinates,
                                                          std::span<const std::int32_t> triangles,
                                                          EdgeSums& sums) {
-  addElements({coordinates, triangles, sums});
+  return addElements({coordinates, triangles, sums});
 }
 #endif
 
 }  // namespace
 
-void addElementsBaseline(std::span<const double> coordinates,
+bool addElementsBaseline(std::span<const double> coordinates,
                          std::span<const std::int32_t> triangles, EdgeSums& sums) {
-  addElements({coordinates, triangles, sums});
+  return addElements({coordinates, triangles, sums});
 }
 
 #if defined(QELM_HAVE_AVX2)

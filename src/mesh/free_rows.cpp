@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "mesh/ascending.h"
+#include "mesh/ranks.h"
 
 namespace qelm {
 namespace {
@@ -66,37 +66,40 @@ constexpr std::size_t kEntriesAhead = 24;
 template <bool kScattered>
 void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed) {
   const EdgeSums::Entry* const end = sums.entries().data() + sums.entries().size();
-  std::size_t place = 0;
-  for (std::size_t v = 0; v < sums.ownerCount(); ++v) {
-    const auto owner = static_cast<std::int32_t>(v);
+  const auto freeCount = static_cast<std::int32_t>(freeFree.next.size());
+  for (std::int32_t owner = 0; owner < freeCount; ++owner) {
+    const std::span<EdgeSums::Entry> list = sums.entries(t + owner);
     if (kScattered) {
-      for (const EdgeSums::Entry& entry : sums.entries(v)) {
+      for (const EdgeSums::Entry& entry : list) {
         if (static_cast<std::size_t>(end - &entry) <= kEntriesAhead) break;
         const std::int32_t ahead = (&entry + kEntriesAhead)->neighbour;
         if (ahead >= t) freeFree.prefetch(at(ahead - t));
       }
     }
-    visitAscending(sums.entries(v), [&](const EdgeSums::Entry& entry) {
+    // Nothing is behind the diagonal yet: that comes from higher owners. What is in front
+    // of it are the free neighbours, as the tagged ones have the lowest ranks.
+    const std::size_t diagonal = at(freeFree.next[at(owner)] - 1);
+    freeFree.put(diagonal, owner, sums.diagonal(t + owner));
+    const std::size_t first = diagonal - list.size();
+    visitWithRanks(list, [&](const EdgeSums::Entry& entry, std::size_t rank) {
       if (entry.neighbour < t) {
         freeFixed.append(at(entry.neighbour), owner, entry.sum);
         return;
       }
       const std::int32_t neighbour = entry.neighbour - t;
-      freeFree.put(place++, neighbour, entry.sum);
+      freeFree.put(first + rank, neighbour, entry.sum);
       freeFree.append(at(neighbour), owner, entry.sum);
     });
-    freeFree.put(place, owner, sums.diagonal(v));
-    place = at(freeFree.outer[v + 1]);
   }
 }
 
 }  // namespace
 
-// Owners come in ascending order. Each gives its entries, sorted, to the upper rows of its
-// own column, and one by one, as they are symmetric, to the columns of its lower
+// Owners come in ascending order. Each gives its entries to the upper rows of its own
+// column, by their ranks, and, as they are symmetric, to the columns of its lower
 // neighbours: there the rows come in order by themselves.
 FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t) {
-  const auto freeCount = static_cast<Eigen::Index>(sums.ownerCount());
+  const auto freeCount = static_cast<Eigen::Index>(counts.freeNeighbours.size());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
   reserveColumns(blocks.freeFree, [&](std::size_t v) {
     return counts.freeNeighbours[v] + 1 + counts.owners[at(t) + v];

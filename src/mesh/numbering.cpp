@@ -1,8 +1,42 @@
 #include "mesh/numbering.h"
 
 #include <cstddef>
+#include <iterator>
 
 namespace qelm {
+namespace {
+
+/// Goes over indices of input vertices and gives their places. A vector made from such
+/// iterators is not filled with zeros first.
+class PlaceIterator {
+ public:
+  using iterator_category = std::random_access_iterator_tag;
+  using value_type = std::int32_t;
+  using difference_type = std::ptrdiff_t;
+  using pointer = const std::int32_t*;
+  using reference = const std::int32_t&;
+
+  PlaceIterator(const std::int32_t* index, const VertexNumbering& numbering)
+      : index_(index), place_(numbering.place.data()) {}
+
+  reference operator*() const { return place_[*index_]; }
+  PlaceIterator& operator++() {
+    ++index_;
+    return *this;
+  }
+  friend difference_type operator-(const PlaceIterator& a, const PlaceIterator& b) {
+    return a.index_ - b.index_;
+  }
+  friend bool operator==(const PlaceIterator& a, const PlaceIterator& b) {
+    return a.index_ == b.index_;
+  }
+
+ private:
+  const std::int32_t* index_;
+  const std::int32_t* place_;
+};
+
+}  // namespace
 
 bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 
@@ -38,11 +72,8 @@ std::vector<double> reorderCoordinates(std::span<const double> vertices,
 
 std::vector<std::int32_t> renumberTriangles(std::span<const std::int32_t> triangles,
                                             const VertexNumbering& numbering) {
-  std::vector<std::int32_t> renumbered(triangles.size());
-  for (std::size_t j = 0; j < triangles.size(); ++j) {
-    renumbered[j] = numbering.place[static_cast<std::size_t>(triangles[j])];
-  }
-  return renumbered;
+  return {PlaceIterator(triangles.data(), numbering),
+          PlaceIterator(triangles.data() + triangles.size(), numbering)};
 }
 
 }  // namespace qelm

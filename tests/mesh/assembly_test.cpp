@@ -53,7 +53,10 @@ std::uint64_t hashOfWords(std::uint64_t hash, const SparseBlock& block) {
 void expectPlainAssembly(const Mesh& mesh) {
   const MeshHandle system = construct(mesh);
   ASSERT_NE(system, nullptr);
-  const PlainBlocks plain = plainAssembly(*system);
+  const PlainAssembly plain =
+      plainAssembly(static_cast<int>(system->fixedCount), static_cast<int>(system->vertexCount),
+                    *system->vertices, *system->triangles);
+  ASSERT_EQ(plain.status, 0);
   expectBlock(*system->freeFreeBlock, plain.freeFree);
   expectBlock(*system->freeFixedBlock, plain.freeFixed);
 }

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "support/compare.h"
 #include "support/handle.h"
 #include "support/meshes.h"
+#include "support/plain_assembly.h"
 #include "support/random.h"
 
 namespace qelm::test {
@@ -142,6 +145,54 @@ TEST(ConstructDefects, ARepeatedVertexComesBeforeAnUnusedOne) {
   Mesh mesh = twoTriangles();
   mesh.triangles = {0, 1, 1, 0, 1, 2};
   EXPECT_EQ(tryConstruct(mesh).status, 23);
+}
+
+TEST(ConstructDefects, ARepeatedVertexIsFoundInEveryTriangle) {
+  const Mesh mesh = gridMesh(5, 6).withBoundaryTagged();
+  for (std::size_t j = 0; j < mesh.triangles.size(); j += 3) {
+    for (std::size_t k = 0; k < 3; ++k) {
+      Mesh bad = mesh;
+      bad.triangles[j + k] = bad.triangles[j + (k + 1) % 3];
+      EXPECT_EQ(tryConstruct(bad).status, 23) << "triangle " << j / 3 << ", corner " << k;
+    }
+  }
+}
+
+TEST(ConstructDefects, AVertexOfTrianglesWithoutAreaAloneIsUsed) {
+  // All entries are not numbers or infinite, or all products underflow to 0.
+  for (const double size : {0.0, 1e-300, 1e-160, 1.0}) {
+    Mesh mesh = rightTriangle().withTagged({1});
+    mesh.vertices = {0, 0, 0, size, 0, 0, 2 * size, size * 1e-200, 0};
+    EXPECT_EQ(tryConstruct(mesh).status, 0) << size;
+  }
+}
+
+TEST(ConstructDefects, AreThoseOfThePlainForm) {
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  std::array<int, 25> times{};
+  for (int round = 0; round < 3000; ++round) {
+    const int n = uniformInt(random, 3, 9);
+    Mesh mesh;
+    for (int i = 0; i < 3 * n; ++i) mesh.vertices.push_back(uniform(random, -1, 1));
+    for (int i = 0; i < n; ++i) mesh.tags.push_back(uniformInt(random, 0, 4));
+    for (int i = uniformInt(random, 1, 12); i > 0; --i) {
+      const int first = uniformInt(random, 0, n - 1);
+      const int second = (first + uniformInt(random, 1, n - 1)) % n;
+      int third = uniformInt(random, 0, n - 1);
+      if (uniformInt(random, 0, 20) != 0) {
+        while (third == first || third == second) third = (third + 1) % n;
+      }
+      mesh.triangles.insert(mesh.triangles.end(), {first, second, third});
+    }
+    const int status = plainAssembly(0, n, mesh.vertices, mesh.triangles).status;
+    ASSERT_EQ(tryConstruct(mesh).status, status) << "round " << round;
+    ++times.at(static_cast<std::size_t>(status));
+  }
+  EXPECT_GT(times[0], 300);
+  EXPECT_GT(times[23], 300);
+  EXPECT_GT(times[24], 300);
 }
 
 TEST(Numbering, PutsTaggedVerticesFirstAndFillsFreeOnesFromTheBack) {

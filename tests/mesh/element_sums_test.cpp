@@ -51,10 +51,10 @@ Soup randomSoup(Random& random, std::size_t count, double scale, double flatness
 
 /// Element j of what was summed over a soup with no vertex tagged.
 ElementStiffness elementOf(const EdgeSums& sums, std::size_t j) {
-  const std::size_t v = 3 * j;
-  const auto entry = [&](std::size_t owner, std::size_t neighbour) {
+  const auto v = static_cast<std::int32_t>(3 * j);
+  const auto entry = [&](std::int32_t owner, std::int32_t neighbour) {
     for (const EdgeSums::Entry& e : sums.entries(owner)) {
-      if (e.neighbour == static_cast<std::int32_t>(neighbour)) return e.sum;
+      if (e.neighbour == neighbour) return e.sum;
     }
     ADD_FAILURE() << "no entry " << owner << ", " << neighbour;
     return 0.0;
@@ -111,12 +111,13 @@ void expectElementsOfScatteredVertices(AddElements addElements) {
   ASSERT_TRUE(sums.isScattered());
   addElements(soup.coordinates, soup.triangles, sums);
   for (std::size_t j = 0; j < soup.count(); ++j) {
-    const auto vertex = [&](std::size_t k) { return static_cast<std::size_t>(order[3 * j + k]); };
-    const ElementStiffness single =
-        elementStiffness(soup.point(vertex(0)), soup.point(vertex(1)), soup.point(vertex(2)));
-    ASSERT_TRUE(sameNumber(sums.diagonal(vertex(0)), single.k00)) << "triangle " << j;
-    ASSERT_TRUE(sameNumber(sums.diagonal(vertex(1)), single.k11)) << "triangle " << j;
-    ASSERT_TRUE(sameNumber(sums.diagonal(vertex(2)), single.k22)) << "triangle " << j;
+    const auto point = [&](std::size_t k) {
+      return soup.point(static_cast<std::size_t>(order[3 * j + k]));
+    };
+    const ElementStiffness single = elementStiffness(point(0), point(1), point(2));
+    ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j]), single.k00)) << "triangle " << j;
+    ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j + 1]), single.k11)) << "triangle " << j;
+    ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j + 2]), single.k22)) << "triangle " << j;
   }
 }
 

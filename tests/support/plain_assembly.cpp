@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace qelm::test {
 namespace {
@@ -14,19 +15,30 @@ double product(const Gradient& a, const Gradient& b) { return a.x * b.x + a.y * 
 
 }  // namespace
 
-PlainBlocks plainAssembly(const MeshSystem& system) {
-  const auto n = static_cast<int>(system.vertexCount);
-  const auto t = static_cast<int>(system.fixedCount);
-  const std::vector<std::int32_t>& index = *system.triangles;
+PlainAssembly plainAssembly(int t, int n, const std::vector<double>& coordinates,
+                            const std::vector<std::int32_t>& triangles) {
+  PlainAssembly plain;
+  plain.vertices = std::make_shared<const std::vector<double>>(coordinates);
+  plain.triangles = std::make_shared<const std::vector<std::int32_t>>(triangles);
   std::vector<Eigen::Triplet<double, int>> triplets;
-  triplets.reserve(3 * index.size());
-  for (std::size_t j = 0; j < index.size(); j += 3) {
-    const int i0 = index[j];
-    const int i1 = index[j + 1];
-    const int i2 = index[j + 2];
-    const double* p0 = system.vertices->data() + 3 * static_cast<std::size_t>(i0);
-    const double* p1 = system.vertices->data() + 3 * static_cast<std::size_t>(i1);
-    const double* p2 = system.vertices->data() + 3 * static_cast<std::size_t>(i2);
+  triplets.reserve(3 * triangles.size());
+  std::vector<double> areas(static_cast<std::size_t>(n));
+  std::vector<bool> used(static_cast<std::size_t>(n));
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const int i0 = triangles[j];
+    const int i1 = triangles[j + 1];
+    const int i2 = triangles[j + 2];
+    if (i0 == i1 || i1 == i2 || i0 == i2) {
+      plain.status = 23;
+      return plain;
+    }
+    const auto v0 = static_cast<std::size_t>(i0);
+    const auto v1 = static_cast<std::size_t>(i1);
+    const auto v2 = static_cast<std::size_t>(i2);
+    used[v0] = used[v1] = used[v2] = true;
+    const double* p0 = coordinates.data() + 3 * v0;
+    const double* p1 = coordinates.data() + 3 * v1;
+    const double* p2 = coordinates.data() + 3 * v2;
 
     const double ux = p1[0] - p0[0], uy = p1[1] - p0[1], uz = p1[2] - p0[2];  // p1 - p0
     const double vx = p2[0] - p0[0], vy = p2[1] - p0[1], vz = p2[2] - p0[2];  // p2 - p0
@@ -35,6 +47,9 @@ PlainBlocks plainAssembly(const MeshSystem& system) {
     const double nx = uy * vz - uz * vy, ny = uz * vx - ux * vz, nz = ux * vy - uy * vx;
 
     const double area = 0.5 * std::sqrt(nx * nx + ny * ny + nz * nz);
+    areas[v0] += area;
+    areas[v1] += area;
+    areas[v2] += area;
     const double l12 = std::sqrt(wx * wx + wy * wy + wz * wz);
     const double l01 = std::sqrt(ux * ux + uy * uy + uz * uz);
     const double l02 = std::sqrt(vx * vx + vy * vy + vz * vz);
@@ -68,9 +83,19 @@ PlainBlocks plainAssembly(const MeshSystem& system) {
     triplets.emplace_back(i1, i1, area * product(g1, g1));
     triplets.emplace_back(i2, i2, area * product(g2, g2));
   }
+  for (const bool isUsed : used) {
+    if (!isUsed) {
+      plain.status = 24;
+      return plain;
+    }
+  }
   SparseBlock k(n, n);
   k.setFromTriplets(triplets.begin(), triplets.end());
-  return {k.block(t, t, n - t, n - t), k.block(t, 0, n - t, t)};
+  for (double& area : areas) area = 1.0 / area;
+  plain.inverseAreas = std::move(areas);
+  plain.freeFree = k.block(t, t, n - t, n - t);
+  plain.freeFixed = k.block(t, 0, n - t, t);
+  return plain;
 }
 
 }  // namespace qelm::test
