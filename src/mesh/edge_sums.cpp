@@ -79,10 +79,6 @@ void EdgeSums::setLength(std::size_t length) {
 // free vertices, and fewer than 2^31 to tagged ones.
 template <bool kScattered>
 EdgeSums::Counts EdgeSums::addUpLists() {
-  struct Neighbour {
-    std::uint32_t lastEntry = 0;  ///< from 1 on
-    std::int32_t owners = 0;
-  };
   const auto t = static_cast<std::size_t>(t_);
   std::vector<Neighbour> known(owners_.size());
   std::vector<std::int32_t> freeNeighbours(owners_.size() - t);
@@ -114,10 +110,7 @@ EdgeSums::Counts EdgeSums::addUpLists() {
     freeNeighbours[v - t] = freeOnes;
   }
   setLength(next - 1);
-  Counts counts{std::vector<std::int32_t>(known.size()), std::move(freeNeighbours)};
-  std::transform(known.begin(), known.end(), counts.owners.begin(),
-                 [](const Neighbour& neighbour) { return neighbour.owners; });
-  return counts;
+  return {std::move(known), std::move(freeNeighbours)};
 }
 
 EdgeSums::Counts EdgeSums::addUp() {

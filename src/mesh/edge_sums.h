@@ -69,8 +69,12 @@ class EdgeSums {
   /// Then it pays to have memory ready before it is used; it costs a little elsewhere.
   bool isScattered() const { return isScattered_; }
 
+  struct Neighbour {
+    std::uint32_t lastEntry = 0;  ///< from 1 on: the last one made with this neighbour
+    std::int32_t owners = 0;      ///< how many list it
+  };
   struct Counts {
-    std::vector<std::int32_t> owners;          ///< for each vertex, how many list it
+    std::vector<Neighbour> neighbours;         ///< for each vertex
     std::vector<std::int32_t> freeNeighbours;  ///< for each free vertex, how many it lists
   };
   /// Once, when all is added: makes one entry of the contributions to it.

@@ -102,9 +102,9 @@ FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t) {
   const auto freeCount = static_cast<Eigen::Index>(counts.freeNeighbours.size());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
   reserveColumns(blocks.freeFree, [&](std::size_t v) {
-    return counts.freeNeighbours[v] + 1 + counts.owners[at(t) + v];
+    return counts.freeNeighbours[v] + 1 + counts.neighbours[at(t) + v].owners;
   });
-  reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.owners[w]; });
+  reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.neighbours[w].owners; });
   Filling freeFree(blocks.freeFree, lowerPlaces(blocks.freeFree, std::move(counts.freeNeighbours)));
   const std::int32_t* const fixedOuter = blocks.freeFixed.outerIndexPtr();
   Filling freeFixed(blocks.freeFixed, {fixedOuter, fixedOuter + t});
