@@ -30,25 +30,21 @@ struct Work {
   SparseBlock freeFixed;
 };
 
-/// Numbering, which every way to assemble needs.
-void reorder(const Mesh& mesh, MeshSystem& reordered) {
+/// All of construction but Eigen's compute.
+qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
   qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
+  auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
+  auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
+  qelm::AssembledRows rows = qelm::assembleFreeRows(
+      numbering.taggedCount, coordinates, triangles.indices, std::move(triangles.higherEnds));
+  if (rows.status != QELM_STATUS_OK) std::abort();
   reordered.fixedCount = numbering.taggedCount;
   reordered.vertexCount = mesh.vertexCount();
-  reordered.vertices = std::make_shared<const std::vector<double>>(
-      qelm::reorderCoordinates(mesh.vertices, numbering));
-  reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(
-      qelm::renumberTriangles(mesh.triangles, numbering));
+  reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
+  reordered.triangles =
+      std::make_shared<const std::vector<std::int32_t>>(std::move(triangles.indices));
   reordered.vertexPlace = std::move(numbering.place);
   reordered.vertexOrder = std::move(numbering.order);
-}
-
-qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
-  reorder(mesh, reordered);
-  qelm::AssembledRows rows =
-      qelm::assembleFreeRows(static_cast<int>(reordered.fixedCount), mesh.vertexCount(),
-                             *reordered.vertices, *reordered.triangles);
-  if (rows.status != QELM_STATUS_OK) std::abort();
   return rows;
 }
 
@@ -108,11 +104,15 @@ Run block(const Case& c) {
 /// The same through triplets.
 Run plainTriplets(const Case& c) {
   return [work = workOf(c)] {
-    MeshSystem reordered;
-    reorder(work->mesh, reordered);
-    const qelm::test::PlainAssembly plain =
-        qelm::test::plainAssembly(static_cast<int>(reordered.fixedCount), work->mesh.vertexCount(),
-                                  *reordered.vertices, *reordered.triangles);
+    const Mesh& mesh = work->mesh;
+    const qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
+    const auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
+    std::vector<std::int32_t> triangles(mesh.triangles.size());
+    for (std::size_t j = 0; j < triangles.size(); ++j) {
+      triangles[j] = numbering.place[static_cast<std::size_t>(mesh.triangles[j])];
+    }
+    const qelm::test::PlainAssembly plain = qelm::test::plainAssembly(
+        numbering.taggedCount, mesh.vertexCount(), coordinates, triangles);
     if (plain.status != QELM_STATUS_OK) std::abort();
     return static_cast<std::size_t>(plain.freeFree.nonZeros());
   };

@@ -25,10 +25,10 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 
 }  // namespace
 
-AssembledRows assembleFreeRows(int taggedCount, int vertexCount,
-                               std::span<const double> coordinates,
-                               std::span<const std::int32_t> triangles) {
-  EdgeSums sums(taggedCount, vertexCount, triangles);
+AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
+                               std::span<const std::int32_t> triangles,
+                               std::vector<std::uint32_t> higherEnds) {
+  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   const bool repeatAVertex = fastestAddElements()(coordinates, triangles, sums);
   if (repeatAVertex) return {QELM_STATUS_REPEATED_VERTEX, {}};
   if (!sums.haveEveryVertex()) return {QELM_STATUS_UNUSED_VERTEX, {}};
@@ -38,9 +38,10 @@ AssembledRows assembleFreeRows(int taggedCount, int vertexCount,
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
-                                           std::vector<std::int32_t> triangles, int& status) {
+                                           SystemTriangles triangles, int& status) {
   if (vertexCount == 0) return nullptr;
-  AssembledRows rows = assembleFreeRows(taggedCount, vertexCount, coordinates, triangles);
+  AssembledRows rows = assembleFreeRows(taggedCount, coordinates, triangles.indices,
+                                        std::move(triangles.higherEnds));
   if (rows.status != QELM_STATUS_OK) {
     status = rows.status;
     return nullptr;
@@ -50,7 +51,8 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
   system->fixedCount = taggedCount;
   system->vertexCount = vertexCount;
   system->vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
-  system->triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
+  system->triangles =
+      std::make_shared<const std::vector<std::int32_t>>(std::move(triangles.indices));
   system->freeFreeBlock = shared(rows.blocks.freeFree);
   system->freeFixedBlock = shared(rows.blocks.freeFixed);
   system->freeSolver = std::make_shared<const FreeSolver>(*system->freeFreeBlock);

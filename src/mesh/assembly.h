@@ -9,6 +9,7 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/free_rows.h"
+#include "mesh/numbering.h"
 
 namespace qelm {
 
@@ -18,21 +19,21 @@ struct AssembledRows {
 };
 
 /// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
-/// in 0 .. n-1, n >= 1. Each entry sums its triangles' contributions in input order,
-/// starting from the first one. Three different vertices without area are no defect:
-/// their entries are non-finite, and the factorisation meets them.
+/// in 0 .. n-1 and their n >= 1 higher ends, see SystemTriangles. Each entry sums its triangles'
+/// contributions in input order, starting from the first one. Three different vertices without area
+/// are no defect: their entries are non-finite, and the factorisation meets them.
 ///
 /// Beyond the result it needs 12 bytes for each edge and 28 for each vertex; before
 /// there is room for the result, 36 for each triangle and 28 for each vertex.
-AssembledRows assembleFreeRows(int taggedCount, int vertexCount,
-                               std::span<const double> coordinates,
-                               std::span<const std::int32_t> triangles);
+AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
+                               std::span<const std::int32_t> triangles,
+                               std::vector<std::uint32_t> higherEnds);
 
 /// Builds the system of a mesh that is already in system order, its first
 /// `taggedCount` vertices being the prescribed ones.
 ///
 /// coordinates: 3 * vertexCount values, packed xyz. triangles: three indices in
-/// 0 .. vertexCount-1 each. Both become the result's; its vertexPlace,
+/// 0 .. vertexCount-1 each, and their higher ends. Both become the result's; its vertexPlace,
 /// vertexOrder and tags are left empty for the caller.
 ///
 /// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a
@@ -41,7 +42,7 @@ AssembledRows assembleFreeRows(int taggedCount, int vertexCount,
 /// in freeSolver->info(), not in status.
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
-                                           std::vector<std::int32_t> triangles, int& status);
+                                           SystemTriangles triangles, int& status);
 
 }  // namespace qelm
 

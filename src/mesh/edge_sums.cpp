@@ -19,23 +19,6 @@ bool joinFarVertices(std::span<const std::int32_t> triangles) {
   return far > near / 8;
 }
 
-/// For each vertex, how often it is the higher one of an edge. In an array of their own,
-/// which the caches have room for longer. One edge after the other, since the highest
-/// and the middle one of three vertices cannot be had without a branch.
-std::vector<std::uint32_t> contributionsOf(std::int32_t n,
-                                           std::span<const std::int32_t> triangles) {
-  std::vector<std::uint32_t> contributions(static_cast<std::size_t>(n));
-  const auto count = [&](std::int32_t a, std::int32_t b) {
-    ++contributions[static_cast<std::size_t>(std::max(a, b))];
-  };
-  for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    count(triangles[j], triangles[j + 1]);
-    count(triangles[j + 1], triangles[j + 2]);
-    count(triangles[j], triangles[j + 2]);
-  }
-  return contributions;
-}
-
 /// How many contributions ahead a neighbour's memory is made ready, if vertices are scattered.
 [[maybe_unused]] constexpr std::size_t kAhead = 24;
 
@@ -43,15 +26,13 @@ std::vector<std::uint32_t> contributionsOf(std::int32_t n,
 
 // -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
 // every x, where 0.0 + -0.0 has not.
-EdgeSums::EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles)
-    : t_(t),
-      isScattered_(joinFarVertices(triangles)),
-      owners_(static_cast<std::size_t>(n), Owner{-0.0, 0}) {
-  const std::vector<std::uint32_t> contributions = contributionsOf(n, triangles);
+EdgeSums::EdgeSums(std::int32_t t, std::span<const std::int32_t> triangles,
+                   const std::vector<std::uint32_t>& higherEnds)
+    : t_(t), isScattered_(joinFarVertices(triangles)), owners_(higherEnds.size(), Owner{-0.0, 0}) {
   std::size_t size = 0;
   for (auto v = static_cast<std::size_t>(t); v < owners_.size(); ++v) {
     owners_[v].end = size;
-    size += contributions[v];
+    size += higherEnds[v];
   }
   setLength(size);
 }

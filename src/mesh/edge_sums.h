@@ -32,8 +32,10 @@ class EdgeSums {
   };
 #pragma pack(pop)
 
-  /// n >= 1 vertices, the first t of them tagged; 3m indices in 0 .. n-1.
-  EdgeSums(std::int32_t t, std::int32_t n, std::span<const std::int32_t> triangles);
+  /// Of triangles in system order, the first t vertices tagged: 3m indices, and for each
+  /// of one or more vertices how many sides of triangles have it as their higher end.
+  EdgeSums(std::int32_t t, std::span<const std::int32_t> triangles,
+           const std::vector<std::uint32_t>& higherEnds);
 
   /// To K_ab, a != b, an edge of a triangle: for each triangle once. Nothing if both
   /// are tagged.

@@ -1,43 +1,9 @@
 #include "mesh/numbering.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <iterator>
 
 namespace qelm {
-namespace {
-
-/// Goes over indices of input vertices and gives their places. A vector made from such
-/// iterators is not filled with zeros first.
-class PlaceIterator {
- public:
-  using iterator_category = std::random_access_iterator_tag;
-  using value_type = std::int32_t;
-  using difference_type = std::ptrdiff_t;
-  using pointer = const std::int32_t*;
-  using reference = const std::int32_t&;
-
-  PlaceIterator(const std::int32_t* index, const VertexNumbering& numbering)
-      : index_(index), place_(numbering.place.data()) {}
-
-  reference operator*() const { return place_[*index_]; }
-  PlaceIterator& operator++() {
-    ++index_;
-    return *this;
-  }
-  friend difference_type operator-(const PlaceIterator& a, const PlaceIterator& b) {
-    return a.index_ - b.index_;
-  }
-  friend bool operator==(const PlaceIterator& a, const PlaceIterator& b) {
-    return a.index_ == b.index_;
-  }
-
- private:
-  const std::int32_t* index_;
-  const std::int32_t* place_;
-};
-
-}  // namespace
-
 bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 
 // Free vertices fill the back block from its end, so their order is reversed:
@@ -70,10 +36,31 @@ std::vector<double> reorderCoordinates(std::span<const double> vertices,
   return reordered;
 }
 
-std::vector<std::int32_t> renumberTriangles(std::span<const std::int32_t> triangles,
-                                            const VertexNumbering& numbering) {
-  return {PlaceIterator(triangles.data(), numbering),
-          PlaceIterator(triangles.data() + triangles.size(), numbering)};
+// Ends are counted in the same pass: a mesh's triangles have no room in the caches. Side by
+// side, as the highest and the middle one of three numbers cannot be had without a branch.
+SystemTriangles renumberTriangles(std::span<const std::int32_t> triangles,
+                                  const VertexNumbering& numbering) {
+  SystemTriangles system;
+  system.indices.resize(triangles.size());
+  system.higherEnds.resize(numbering.place.size());
+  const auto placeOf = [&](std::size_t j) {
+    return numbering.place[static_cast<std::size_t>(triangles[j])];
+  };
+  const auto countSide = [&](std::int32_t a, std::int32_t b) {
+    ++system.higherEnds[static_cast<std::size_t>(std::max(a, b))];
+  };
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = placeOf(j);
+    const std::int32_t b = placeOf(j + 1);
+    const std::int32_t c = placeOf(j + 2);
+    system.indices[j] = a;
+    system.indices[j + 1] = b;
+    system.indices[j + 2] = c;
+    countSide(a, b);
+    countSide(b, c);
+    countSide(a, c);
+  }
+  return system;
 }
 
 }  // namespace qelm

@@ -25,10 +25,17 @@ VertexNumbering numberVertices(std::span<const std::int32_t> tags);
 std::vector<double> reorderCoordinates(std::span<const double> vertices,
                                        const VertexNumbering& numbering);
 
+struct SystemTriangles {
+  std::vector<std::int32_t> indices;
+  /// For each vertex, how many sides of triangles have it as their higher end. A side is
+  /// counted for each of its triangles.
+  std::vector<std::uint32_t> higherEnds;
+};
+
 /// Triangle indices (3m) rewritten from input to system numbering. The order of
 /// triangles, and of corners within each, stays. Every index must be in 0 .. n-1.
-std::vector<std::int32_t> renumberTriangles(std::span<const std::int32_t> triangles,
-                                            const VertexNumbering& numbering);
+SystemTriangles renumberTriangles(std::span<const std::int32_t> triangles,
+                                  const VertexNumbering& numbering);
 
 }  // namespace qelm
 
