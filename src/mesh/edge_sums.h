@@ -33,7 +33,7 @@ class EdgeSums {
 #pragma pack(pop)
 
   /// Of triangles in system order, the first t vertices tagged: 3m indices, and for each
-  /// of one or more vertices how many sides of triangles have it as their higher end.
+  /// of n vertices how many sides of triangles have it as their higher end.
   EdgeSums(std::int32_t t, std::span<const std::int32_t> triangles,
            const std::vector<std::uint32_t>& higherEnds);
 
@@ -83,7 +83,9 @@ class EdgeSums {
   Counts addUp();
 
   /// Of all vertices, one after the other.
-  std::span<const Entry> entries() const { return {entries_.get(), owners_.back().end}; }
+  std::span<const Entry> entries() const {
+    return {entries_.get(), owners_.empty() ? 0 : owners_.back().end};
+  }
   /// Of vertex v: the neighbours all different, in any order, which may be changed.
   std::span<Entry> entries(std::int32_t v) {
     return {entries_.get() + start(v), entries_.get() + owners_[static_cast<std::size_t>(v)].end};

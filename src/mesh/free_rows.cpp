@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <span>
 #include <utility>
 #include <vector>
@@ -80,14 +81,15 @@ void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed)
     // of it are the free neighbours, as the tagged ones have the lowest ranks.
     const std::size_t diagonal = at(freeFree.next[at(owner)] - 1);
     freeFree.put(diagonal, owner, sums.diagonal(t + owner));
-    const std::size_t first = diagonal - list.size();
+    const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(diagonal) - std::ssize(list);
     visitWithRanks(list, [&](const EdgeSums::Entry& entry, std::size_t rank) {
       if (entry.neighbour < t) {
         freeFixed.append(at(entry.neighbour), owner, entry.sum);
         return;
       }
       const std::int32_t neighbour = entry.neighbour - t;
-      freeFree.put(first + rank, neighbour, entry.sum);
+      const std::ptrdiff_t place = first + static_cast<std::ptrdiff_t>(rank);
+      freeFree.put(static_cast<std::size_t>(place), neighbour, entry.sum);
       freeFree.append(at(neighbour), owner, entry.sum);
     });
   }
