@@ -50,6 +50,6 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/vertex_csv.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
 target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt)
-if(QELM_UNITY_TOOL)
+if(QELM_QUICK_BUILD)
   set_target_properties(qelm_tool_readers PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 9)
 endif()
