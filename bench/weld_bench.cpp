@@ -1,7 +1,7 @@
 // qelmWeld beside its plain form (two tree builds, one query per vertex into a vector,
-// a node-based set of triangles) and VTK's merging of points with a tolerance. The
-// input is as many triangles as the case's size says, each with corners of its own, as
-// an STL file has them; scattered points besides.
+// a node-based set of triangles), VTK's merging of points with a tolerance, and the
+// nearest that CGAL has to it. The input is as many triangles as the case's size says,
+// each with corners of its own, as an STL file has them; scattered points besides.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +13,9 @@
 #include "support/plain_weld.h"
 #include "support/random.h"
 
+#if defined(QELM_HAVE_CGAL)
+#include "peers/cgal.h"
+#endif
 #if defined(QELM_HAVE_VTK)
 #include "peers/vtk.h"
 #endif
@@ -105,6 +108,18 @@ Run vtk(std::shared_ptr<const Work> work) {
 }
 #endif
 
+#if defined(QELM_HAVE_CGAL)
+Run cgalEqual(std::shared_ptr<const Work> work) {
+  return [soup = qelm::bench::cgalSoup(work->soup)] { return qelm::bench::cgalMergeEqual(*soup); };
+}
+
+Run cgalGrid(std::shared_ptr<const Work> work) {
+  return [work, soup = qelm::bench::cgalSoup(work->soup)] {
+    return qelm::bench::cgalGridSimplify(*soup, work->tolerance);
+  };
+}
+#endif
+
 template <MakeWork make>
 void add(const char* stage, const char* contender, Run (*run)(std::shared_ptr<const Work>),
          const qelm::bench::TakesPart& takesPart) {
@@ -120,6 +135,9 @@ void addSoup(const char* stage, [[maybe_unused]] const qelm::bench::TakesPart& v
   add<make>(stage, "vtk", vtk<qelm::bench::vtkClean>, vtkCanClean);
   add<make>(stage, "vtk_static", vtk<qelm::bench::vtkStaticClean>, upTo(1'000'000));
 #endif
+#if defined(QELM_HAVE_CGAL)
+  add<make>(stage, "cgal_grid", cgalGrid, upTo(1'000'000));
+#endif
 }
 
 template <MakeWork make>
@@ -132,6 +150,9 @@ void addScattered(const char* stage) {
 
 int main(int argumentCount, char** arguments) {
   addSoup<soupOf>("weld_soup", upTo(1'000'000));
+#if defined(QELM_HAVE_CGAL)
+  add<soupOf>("weld_soup", "cgal_equal", cgalEqual, upTo(1'000'000));
+#endif
   // Of a plane that is a little thick vtkCleanPolyData makes a box of few cells, and
   // takes a minute for 10 thousand triangles.
   addSoup<noisySoupOf>("weld_noisy_soup", [](const Case& c) {
