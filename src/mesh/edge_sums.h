@@ -46,7 +46,7 @@ class EdgeSums {
     entries_[place] = {std::min(a, b), value};
   }
 
-  /// To K_vv, not -0.0.
+  /// To K_vv: an area times a square, so never -0.0.
   void addToDiagonal(std::int32_t v, double value) {
     owners_[static_cast<std::size_t>(v)].diagonal += value;
   }

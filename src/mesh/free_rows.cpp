@@ -16,16 +16,12 @@ std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
 
 /// A block whose columns get their entries one by one.
 struct Filling {
-  const std::int32_t* outer;
   std::int32_t* rows;
   double* values;
   std::vector<std::int32_t> next;  ///< where the next entry of each column goes
 
   Filling(SparseBlock& block, std::vector<std::int32_t> firstPlaces)
-      : outer(block.outerIndexPtr()),
-        rows(block.innerIndexPtr()),
-        values(block.valuePtr()),
-        next(std::move(firstPlaces)) {}
+      : rows(block.innerIndexPtr()), values(block.valuePtr()), next(std::move(firstPlaces)) {}
 
   /// Has the memory ready that the column's next entry takes.
   void prefetch([[maybe_unused]] std::size_t column) const {
