@@ -37,8 +37,8 @@ class EdgeSums {
   EdgeSums(std::int32_t t, std::span<const std::int32_t> triangles,
            const std::vector<std::uint32_t>& higherEnds);
 
-  /// To K_ab, a != b, an edge of a triangle: for each triangle once. Nothing if both
-  /// are tagged.
+  /// To K_ab, an edge of a triangle: for each triangle once. Nothing if both are tagged.
+  /// With a == b it takes the place that was counted for it, and the sums mean nothing.
   void add(std::int32_t a, std::int32_t b, double value) {
     const std::int32_t higher = std::max(a, b);
     if (higher < t_) return;

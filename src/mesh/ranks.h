@@ -25,6 +25,7 @@ namespace qelm {
 /// The longest list that is ranked without a branch.
 inline constexpr std::size_t kLongestWithoutBranch = 8;
 
+/// visitWithRanks() for a list of this length, one or more.
 template <std::size_t kLength, class Entry, class Visit>
 void visitFixedWithRanks(const Entry* list, Visit& visit) {
   std::array<std::size_t, kLength> ranks;

@@ -82,7 +82,7 @@ EdgeSums sumsFor(const Soup& soup) {
 
 void expectElements(AddElements addElements, const Soup& soup) {
   EdgeSums sums = sumsFor(soup);
-  addElements(soup.coordinates, soup.triangles, sums);
+  ASSERT_FALSE(addElements(soup.coordinates, soup.triangles, sums));
   sums.addUp();
   for (std::size_t j = 0; j < soup.count(); ++j) {
     const ElementStiffness single =
@@ -112,6 +112,18 @@ void expectElementsOfEveryCount(AddElements addElements) {
   }
 }
 
+/// In blocks and in the rest after them.
+void expectRepeatedVerticesToBeNoticed(AddElements addElements) {
+  Random random(3);
+  const Soup soup = randomSoup(random, 2 * kBlock + 3, 1, 1);
+  for (std::size_t j = 0; j < soup.triangles.size(); ++j) {
+    Soup bad = soup;
+    bad.triangles[j] = bad.triangles[j % 3 == 0 ? j + 2 : j - 1];
+    EdgeSums sums = sumsFor(bad);
+    EXPECT_TRUE(addElements(bad.coordinates, bad.triangles, sums)) << "index " << j;
+  }
+}
+
 /// With vertices so far apart that memory is asked for ahead, up to the last triangle.
 void expectElementsOfScatteredVertices(AddElements addElements) {
   Random random(2);
@@ -137,6 +149,7 @@ TEST(ElementSums, HaveTheBitsOfSingleElements) {
   expectElementsOfAllKinds(addElementsBaseline);
   expectElementsOfEveryCount(addElementsBaseline);
   expectElementsOfScatteredVertices(addElementsBaseline);
+  expectRepeatedVerticesToBeNoticed(addElementsBaseline);
 }
 
 TEST(ElementSums, HaveTheBitsOfSingleElementsInWiderRegisters) {
@@ -147,6 +160,7 @@ TEST(ElementSums, HaveTheBitsOfSingleElementsInWiderRegisters) {
   expectElementsOfAllKinds(addElementsAvx2);
   expectElementsOfEveryCount(addElementsAvx2);
   expectElementsOfScatteredVertices(addElementsAvx2);
+  expectRepeatedVerticesToBeNoticed(addElementsAvx2);
 }
 
 }  // namespace
