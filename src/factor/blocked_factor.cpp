@@ -11,13 +11,13 @@
 namespace qelm::factor {
 namespace {
 
-constexpr int kNone = -1;
+constexpr int kNoSupernode = -1;
 
 /// For each supernode those before it whose next row is in its columns.
 class Waiting {
  public:
   explicit Waiting(int supernodeCount)
-      : first_(Eigen::VectorXi::Constant(supernodeCount, kNone)),
+      : first_(Eigen::VectorXi::Constant(supernodeCount, kNoSupernode)),
         next_(supernodeCount),
         firstRow_(Eigen::VectorXi::Zero(supernodeCount)) {}
 
@@ -33,7 +33,7 @@ class Waiting {
   void take(int target, const FactorArrays& factor, const Supernodes& supernodes,
             std::vector<Source>& sources) const {
     sources.clear();
-    for (int s = first_[target]; s != kNone; s = next_[s]) {
+    for (int s = first_[target]; s != kNoSupernode; s = next_[s]) {
       const Panel panel(factor, supernodes, s);
       const int pastTarget = supernodes.starts[target + 1];
       const int* const past =

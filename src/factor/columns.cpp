@@ -36,7 +36,8 @@ void writeTail(const Panel& from, const Panel& panel, const FactorArrays& factor
     const int past = std::min(first + kTogether, panel.width);
     for (int p = 0; p < panel.tailSize; ++p) {
       for (int k = first; k < past; ++k) {
-        factor.values[factor.starts[panel.first + k] + panel.width - 1 - k + p] = from.tailRow(p)[k];
+        factor.values[factor.starts[panel.first + k] + panel.width - 1 - k + p] =
+            from.tailRow(p)[k];
       }
     }
   }

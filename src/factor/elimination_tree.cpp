@@ -23,8 +23,6 @@ namespace {
 
 using Eigen::VectorXi;
 
-constexpr int kNone = -1;
-
 /// Calls visit(i, j) for A's entries with i < j, column j after column.
 template <class Visit>
 void forEachAboveDiagonal(const Sparse& upper, Visit visit) {
@@ -36,13 +34,13 @@ void forEachAboveDiagonal(const Sparse& upper, Visit visit) {
 }
 
 VectorXi parents(const Sparse& upper) {
-  VectorXi parent = VectorXi::Constant(upper.cols(), kNone);
+  VectorXi parent = VectorXi::Constant(upper.cols(), kNoColumn);
   VectorXi ancestor = parent;  // the shortcuts
   forEachAboveDiagonal(upper, [&](int node, int root) {
-    while (node != kNone && node < root) {
+    while (node != kNoColumn && node < root) {
       const int next = ancestor[node];
       ancestor[node] = root;
-      if (next == kNone) parent[node] = root;
+      if (next == kNoColumn) parent[node] = root;
       node = next;
     }
   });
@@ -52,24 +50,24 @@ VectorXi parents(const Sparse& upper) {
 /// Nodes in an order in which every subtree is a run that ends with its root.
 VectorXi postorder(const VectorXi& parent) {
   const auto n = static_cast<int>(parent.size());
-  VectorXi firstChild = VectorXi::Constant(n, kNone);
+  VectorXi firstChild = VectorXi::Constant(n, kNoColumn);
   VectorXi nextSibling(n);
   VectorXi order(n);
   VectorXi path(n);
   for (int node = n - 1; node >= 0; --node) {
-    if (parent[node] == kNone) continue;
+    if (parent[node] == kNoColumn) continue;
     nextSibling[node] = firstChild[parent[node]];
     firstChild[parent[node]] = node;
   }
   int done = 0;
   for (int root = 0; root < n; ++root) {
-    if (parent[root] != kNone) continue;
+    if (parent[root] != kNoColumn) continue;
     int depth = 0;
     path[0] = root;
     while (depth >= 0) {
       const int node = path[depth];
       const int child = firstChild[node];
-      if (child == kNone) {
+      if (child == kNoColumn) {
         order[done++] = node;
         --depth;
       } else {
@@ -98,7 +96,8 @@ struct LowerRows {
 /// Sets of nodes whose subtrees are done, each led by the root of its finished part.
 class FinishedTrees {
  public:
-  explicit FinishedTrees(Eigen::Index n) : leader_(VectorXi::LinSpaced(n, 0, static_cast<int>(n) - 1)) {}
+  explicit FinishedTrees(Eigen::Index n)
+      : leader_(VectorXi::LinSpaced(n, 0, static_cast<int>(n) - 1)) {}
 
   int rootOf(int node) {
     int root = node;
@@ -125,23 +124,23 @@ VectorXi columnCounts(const Sparse& upper, const VectorXi& parent) {
   // one more for each row with a leaf of its subtree here; one less for each row two of whose
   // paths meet here, since both children count it.
   VectorXi counts = VectorXi::Ones(n);
-  VectorXi previousLeaf = VectorXi::Constant(n, kNone);
+  VectorXi previousLeaf = VectorXi::Constant(n, kNoColumn);
   for (const int p : parent) {
-    if (p != kNone) counts[p] = 0;
+    if (p != kNoColumn) counts[p] = 0;
   }
   for (const int j : order) {
     for (int k = lower.starts[j]; k < lower.starts[j + 1]; ++k) {
       const int row = lower.rows[k];
       ++counts[j];
-      if (previousLeaf[row] != kNone) --counts[finished.rootOf(previousLeaf[row])];
+      if (previousLeaf[row] != kNoColumn) --counts[finished.rootOf(previousLeaf[row])];
       previousLeaf[row] = j;
     }
-    if (parent[j] != kNone) finished.hangUnder(j, parent[j]);
+    if (parent[j] != kNoColumn) finished.hangUnder(j, parent[j]);
   }
   // Then sums over subtrees: a column has its children's rows but for their diagonals, hence
   // the -1. Children come before parents in the natural order, too.
   for (Eigen::Index j = 0; j < n; ++j) {
-    if (parent[j] != kNone) counts[parent[j]] += counts[j] - 1;
+    if (parent[j] != kNoColumn) counts[parent[j]] += counts[j] - 1;
     --counts[j];  // the diagonal
   }
   return counts;

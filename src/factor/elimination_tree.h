@@ -12,9 +12,11 @@ namespace qelm::factor {
 /// Compressed columns, as everywhere in the library.
 using Sparse = Eigen::SparseMatrix<double, Eigen::ColMajor, int>;
 
+constexpr int kNoColumn = -1;
+
 /// Of the factor L of an n x n matrix A, A = L D L^T.
 struct EliminationTree {
-  /// Of each column the row of its first entry below the diagonal; -1 for a root.
+  /// Of each column the row of its first entry below the diagonal; kNoColumn for a root.
   Eigen::VectorXi parent;
   /// Of each column the number of its entries below the diagonal.
   Eigen::VectorXi counts;

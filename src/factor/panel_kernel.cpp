@@ -32,7 +32,8 @@ template <int kCount, class Body>
 QELM_INLINE void unrolled(Body body) {
   [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
     (body(std::integral_constant<int, k>{}), ...);
-  }(std::make_integer_sequence<int, kCount>{});
+  }
+  (std::make_integer_sequence<int, kCount>{});
 }
 
 // Vectors are handed over by reference: how they are returned depends on the processor.

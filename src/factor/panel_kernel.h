@@ -21,8 +21,8 @@ struct RowPair {
 ///   target[c] -= columns[k * kBlock + c] * source[k]    for k = 0, 1, ... depth - 1
 ///
 /// each a multiplication, rounded, and a subtraction, rounded, one after the other in this order.
-/// The number of rows is a multiple of the kernel's rowGroup; source and target may be one row where they do
-/// not overlap.
+/// The number of rows is a multiple of the kernel's rowGroup; source and target may be one row
+/// where they do not overlap.
 using UpdateBlock = void (*)(std::span<const RowPair> rows, const double* columns, int depth);
 
 /// For every row, which is entry c of a block of columns, c = 0 .. kBlock-1, in turn:

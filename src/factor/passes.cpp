@@ -17,7 +17,7 @@
 namespace qelm::factor {
 namespace {
 
-constexpr int kNone = -1;
+constexpr int kNoRun = -1;
 constexpr int kAgrees = -1;
 constexpr int kInParts = -2;
 
@@ -46,7 +46,7 @@ void Passes::findDisagreeing(std::span<const Source> sources) {
     for (int p = source.firstRow; p < source.panel.tailSize; ++p) {
       const int path = paths[static_cast<std::size_t>(p)];
       Row& state = row(source.panel.rows[p]);
-      if (state.target != target_) state = {target_, RowPaths::kSplit - 1, false, kNone};
+      if (state.target != target_) state = {target_, RowPaths::kSplit - 1, false, kNoRun};
       if (path > state.lastPath && !state.disagrees) {
         state.disagrees = true;
         disagreeing_.push_back(source.panel.rows[p]);
@@ -84,8 +84,8 @@ void Passes::listRuns(std::span<const Source> sources) {
 /// Runs of a row are few; the highest path comes first.
 int Passes::extendRun(int r, int path, std::size_t source) {
   int* link = &row(r).runs;
-  while (*link != kNone && run(*link).path > path) link = &run(*link).next;
-  if (*link == kNone || run(*link).path != path) {
+  while (*link != kNoRun && run(*link).path > path) link = &run(*link).next;
+  if (*link == kNoRun || run(*link).path != path) {
     const int next = *link;
     *link = static_cast<int>(runs_.size());
     runs_.push_back({path, source, source, 0, next});
@@ -104,7 +104,7 @@ int Passes::runOf(int r, int path) const {
 void Passes::assignPasses(int r) {
   int pass = 0;
   std::size_t lastSource = 0;
-  for (int k = row(r).runs; k != kNone; k = run(k).next) {
+  for (int k = row(r).runs; k != kNoRun; k = run(k).next) {
     if (run(k).first < lastSource) ++pass;
     run(k).pass = pass;
     lastSource = run(k).last;
@@ -141,15 +141,15 @@ void Passes::collectAll(const Source& source) {
 void Passes::collectParts(const Source& source, int position, int pass) {
   const int r = source.panel.rows[position];
   const auto parts = paths_.partsOf(source.supernode, r);
-  int begin = kNone;
+  int begin = kNoRun;
   int end = 0;
   for (std::size_t k = 0; k < parts.size(); ++k) {
     if (run(runOf(r, parts[k].path)).pass != pass) continue;
     // Those of one pass lie side by side.
-    if (begin == kNone) begin = parts[k].begin;
+    if (begin == kNoRun) begin = parts[k].begin;
     end = k + 1 < parts.size() ? parts[k + 1].begin : source.panel.width;
   }
-  if (begin == kNone) return;
+  if (begin == kNoRun) return;
   if (begin == 0 && end == source.panel.width) {
     together_.push_back(position);
   } else {

@@ -22,8 +22,8 @@ struct Source {
 /// Some rows of a source that take their updates together, or one row that takes those of some
 /// of the source's columns only.
 struct Visit {
-  std::size_t source;         ///< index among the target's sources
-  int begin;                  ///< the columns begin .. end-1 of the source
+  std::size_t source;  ///< index among the target's sources
+  int begin;           ///< the columns begin .. end-1 of the source
   int end;
   std::span<const int> rows;  ///< positions in the source's tail; valid until the next visit
 };
@@ -91,13 +91,13 @@ class Passes {
   std::vector<Row> rows_;
   int target_ = -1;
   int passCount_ = 0;
-  std::vector<int> disagreeing_;          ///< rows
-  std::vector<Run> runs_;                 ///< of those rows
-  std::vector<int> runOfUpdate_;          ///< of each source's rows in turn
-  std::vector<std::size_t> updateStarts_; ///< where a source's are
-  std::vector<bool> allAgree_;            ///< whether all rows of a source do
-  std::vector<int> ascending_;            ///< 0, 1, 2, ...
-  std::span<const int> togetherView_;     ///< of one of these two
+  std::vector<int> disagreeing_;           ///< rows
+  std::vector<Run> runs_;                  ///< of those rows
+  std::vector<int> runOfUpdate_;           ///< of each source's rows in turn
+  std::vector<std::size_t> updateStarts_;  ///< where a source's are
+  std::vector<bool> allAgree_;             ///< whether all rows of a source do
+  std::vector<int> ascending_;             ///< 0, 1, 2, ...
+  std::span<const int> togetherView_;      ///< of one of these two
   std::vector<int> together_;
   std::vector<Part> alone_;
 };

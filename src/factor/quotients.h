@@ -20,8 +20,8 @@ inline void divideApart(const double* values, const double* divisors, Eigen::Ind
                         double* to, Eigen::Index stride) {
   const Eigen::Index even = count - count % 2;
   for (Eigen::Index k = 0; k < even; k += 2) {
-    const Eigen::Array2d quotients =
-        Eigen::Map<const Eigen::Array2d>(values + k) / Eigen::Map<const Eigen::Array2d>(divisors + k);
+    const Eigen::Array2d quotients = Eigen::Map<const Eigen::Array2d>(values + k) /
+                                     Eigen::Map<const Eigen::Array2d>(divisors + k);
     to[k * stride] = quotients[0];
     to[(k + 1) * stride] = quotients[1];
   }

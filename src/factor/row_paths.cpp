@@ -17,20 +17,14 @@
 #include <tuple>
 
 namespace qelm::factor {
-namespace {
-
-/// What a walk knows of a supernode.
-struct Visited {
-  int row = -1;       ///< the last row that came by
-  int lowest = 0;     ///< the lowest of its columns that this row visited
-  int position = -1;  ///< of this row in the tail
-};
-
-constexpr int kNowhere = -1;
-
-}  // namespace
-
 class RowPaths::Walk {
+  /// What a walk knows of a supernode.
+  struct Visited {
+    int row = kNoColumn;  ///< the last row that came by
+    int lowest = 0;       ///< the lowest of its columns that this row visited
+    int position = -1;    ///< of this row in the tail
+  };
+
  public:
   Walk(RowPaths& paths, const EliminationTree& tree, const Supernodes& supernodes,
        const FactorArrays& factor)
@@ -44,7 +38,7 @@ class RowPaths::Walk {
     row_ = row;
     own_ = supernodes_.ofColumn[row];
     number_ = -1;
-    begin_ = kNowhere;
+    begin_ = kNoColumn;
     factor_.diagonal[row] = 0;
   }
 
@@ -57,8 +51,8 @@ class RowPaths::Walk {
     followPath(column);
     const int s = supernodes_.ofColumn[column];
     const Panel panel(factor_, supernodes_, s);
-    double* const entries =
-        s == own_ ? panel.triangleRow(row_ - panel.first) : panel.tailRow(visited_[index(s)].position);
+    double* const entries = s == own_ ? panel.triangleRow(row_ - panel.first)
+                                      : panel.tailRow(visited_[index(s)].position);
     entries[column - panel.first] += value;
   }
 
@@ -122,10 +116,10 @@ class RowPaths::Walk {
   const Supernodes& supernodes_;
   const FactorArrays& factor_;
   std::vector<Visited> visited_;
-  int row_ = kNowhere;
-  int own_ = kNowhere;    ///< the row's supernode
-  int number_ = -1;       ///< of the last path
-  int begin_ = kNowhere;  ///< its first column
+  int row_ = kNoColumn;
+  int own_ = kNoColumn;    ///< the row's supernode
+  int number_ = -1;        ///< of the last path
+  int begin_ = kNoColumn;  ///< its first column
   std::vector<int> path_;  ///< supernodes on the present path
 };
 
