@@ -1,3 +1,8 @@
+// A row is computed from left to right, all rows a block of columns at a time. The panel is kept
+// row after row: rows are then taken in any order, which the updates of different paths need, while
+// a block of columns is one run of memory. Where the columns that a source has in common with the
+// target leave gaps, the gaps are filled with zeros: x - 0 * y is x, since no entry is ever -0.0
+// (it starts from 0.0 plus something, and a difference of two equal numbers is 0.0).
 #include "factor/target_panel.h"
 
 #include <algorithm>
