@@ -74,11 +74,9 @@ class Waiting {
   Eigen::VectorXi firstRow_;
 };
 
-}  // namespace
-
-bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
-                      const Supernodes& supernodes, const PanelKernel& kernel,
-                      const FactorArrays& factor) {
+/// Everything but the last step. False as factorizeBlocked().
+bool computePanels(const Sparse& upper, const EliminationTree& tree, const Supernodes& supernodes,
+                   const PanelKernel& kernel, const FactorArrays& factor) {
   const RowPaths paths(upper, tree, supernodes, factor);
   if (!paths.fits()) return false;
 
@@ -99,7 +97,15 @@ bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
     }
     waiting.put(s, panel, 0, supernodes);
   }
+  return true;
+}
 
+}  // namespace
+
+bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
+                      const Supernodes& supernodes, const PanelKernel& kernel,
+                      const FactorArrays& factor) {
+  if (!computePanels(upper, tree, supernodes, kernel, factor)) return false;
   toColumns(supernodes, factor);
   return true;
 }

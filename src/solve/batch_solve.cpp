@@ -26,15 +26,14 @@ struct Workspace {
                                                       width)),
         solved(system.freeSolver->info() == Eigen::Success) {
     if (!solved) return;
-    reciprocals = system.freeSolver->vectorD();
-    reciprocals = reciprocals.cwiseInverse();
-    scratch.resize(reciprocals.size());
+    diagonal = system.freeSolver->vectorD();
+    scratch.resize(diagonal.size());
   }
 
   std::unique_ptr<double[]> rows;
   bool solved;
-  Eigen::VectorXd reciprocals;  ///< of the factor's diagonal
-  Eigen::VectorXd scratch;      ///< for a single right-hand side
+  Eigen::VectorXd diagonal;  ///< the factor's
+  Eigen::VectorXd scratch;   ///< for a single right-hand side
 };
 
 /// The fields of one block. Where the batch has fewer than Width left, the last
@@ -74,10 +73,10 @@ class Block {
     if constexpr (Width == 1) {
       double* const x = free_[0].data();
       solveLower(lower, x, workspace.scratch.data());
-      solveDiagonalAndUpper(lower, workspace.reciprocals, x, workspace.scratch.data());
+      solveDiagonalAndUpper(lower, workspace.diagonal, x, workspace.scratch.data());
     } else {
       solveLower<Width>(lower, free_);
-      solveDiagonalAndUpper<Width>(lower, workspace.reciprocals, free_);
+      solveDiagonalAndUpper<Width>(lower, workspace.diagonal, free_);
     }
   }
 

@@ -66,14 +66,14 @@ void solveLower(const SparseBlock& lower, RowsView<Width> rows) {
 /// rows = L^-T D^-1 rows, from the last row up. Multiplies by the reciprocals of
 /// D, as the single solve does; a division would round differently.
 template <int Width>
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& reciprocals,
+void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal,
                            RowsView<Width> rows) {
   using Row = typename RowsView<Width>::Row;
   const int* starts = lower.outerIndexPtr();
   const int* below = lower.innerIndexPtr();
   const double* entries = lower.valuePtr();
   for (Eigen::Index j = lower.cols() - 1; j >= 0; --j) {
-    Row sum = rows[j] * reciprocals[j];
+    Row sum = rows[j] * (1.0 / diagonal[j]);
     for (int k = starts[j]; k < starts[j + 1]; ++k) sum -= entries[k] * rows[below[k]];
     rows[j] = sum;
   }

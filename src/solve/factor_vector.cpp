@@ -124,7 +124,16 @@ void solveLowerRun(const Columns& lower, int first, int past, double* x, double*
   for (int k = 0; k < tail.size(); ++k) x[rows[k]] = tail[k];
 }
 
-void solveUpperRun(const Columns& lower, int first, int last, const Eigen::VectorXd& reciprocals,
+void solveUpperAlone(const Columns& lower, int column, const Eigen::VectorXd& diagonal, double* x) {
+  lower.prefetchBefore(column);
+  const int* const rows = lower.rows(column);
+  const double* const values = lower.values(column);
+  double sum = x[column] * (1.0 / diagonal[column]);
+  for (int k = 0; k < lower.size(column); ++k) sum -= values[k] * x[rows[k]];
+  x[column] = sum;
+}
+
+void solveUpperRun(const Columns& lower, int first, int last, const Eigen::VectorXd& diagonal,
                    double* x, double* scratch) {
   const int* const rows = lower.rows(last);
   const int tailSize = lower.size(last);
@@ -132,7 +141,7 @@ void solveUpperRun(const Columns& lower, int first, int last, const Eigen::Vecto
   for (int column = last; column >= first; --column) {
     lower.prefetchBefore(column);
     const double* values = lower.values(column);
-    double sum = x[column] * reciprocals[column];
+    double sum = x[column] * (1.0 / diagonal[column]);
     for (int row = column + 1; row <= last; ++row) sum -= *values++ * x[row];
     for (int k = 0; k < tailSize; ++k) sum -= values[k] * scratch[k];
     x[column] = sum;
@@ -154,12 +163,16 @@ void solveLower(const SparseBlock& lower, double* x, double* scratch) {
   }
 }
 
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& reciprocals, double* x,
+void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
                            double* scratch) {
   const Columns columns(lower);
   for (int last = columns.count() - 1; last >= 0;) {
     const int first = columns.firstOfRunUpTo(last);
-    solveUpperRun(columns, first, last, reciprocals, x, scratch);
+    if (first == last) {
+      solveUpperAlone(columns, last, diagonal, x);
+    } else {
+      solveUpperRun(columns, first, last, diagonal, x, scratch);
+    }
     last = first - 1;
   }
 }

@@ -17,7 +17,7 @@ void solveLower(const SparseBlock& lower, double* x, double* scratch);
 
 /// x = L^-T D^-1 x, from the last entry up; in the same way. Multiplies by the reciprocals of D,
 /// since Eigen does; a division would round differently.
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& reciprocals, double* x,
+void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
                            double* scratch);
 
 }  // namespace qelm

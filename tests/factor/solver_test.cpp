@@ -179,12 +179,14 @@ TEST(FactorSolver, TakesBlocksWhereTheyPayAndEigensLoopElsewhere) {
 TEST(FactorSolver, RefusesAFactorThatCannotBeIndexed) {
   constexpr int kMost = std::numeric_limits<int>::max();
   factor::EliminationTree tree;
-  tree.counts = Eigen::Vector3i(kMost - 1, 1, 0);
+  tree.counts.setZero(3);
+  tree.counts[0] = kMost - 1;
+  tree.counts[1] = 1;
   EXPECT_EQ(factor::indexableEntryCount(tree), kMost);
-  tree.counts = Eigen::Vector3i(kMost - 1, 1, 1);
+  tree.counts[2] = 1;
   EXPECT_THROW(factor::indexableEntryCount(tree), std::bad_alloc);
   // Twice around: the wrapped sum would be positive.
-  tree.counts = Eigen::VectorXi::Constant(5, kMost);
+  tree.counts.setConstant(5, kMost);
   EXPECT_THROW(factor::indexableEntryCount(tree), std::bad_alloc);
 }
 
