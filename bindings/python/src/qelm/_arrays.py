@@ -210,10 +210,16 @@ def fixed_tags(argument: object, vertex_count: int, name: str = "fixed") -> Ints
     return result
 
 
-def per_vertex(argument: object, vertex_count: int, name: str, read: Optional[npt.NDArray[Any]] = None) -> Doubles:
+def per_vertex(
+    argument: object,
+    vertex_count: int,
+    name: str,
+    read: Optional[npt.NDArray[Any]] = None,
+    numbers: Optional[npt.NDArray[Any]] = None,
+) -> Doubles:
     """(..., n) float64, finite and not masked in the places `read`, or everywhere.
 
-    Raises FieldError.
+    Raises FieldError; `numbers` are the vertices' where the places are others.
     """
     array = doubles(argument, name)
     if array.ndim not in (1, 2) or array.shape[-1] != vertex_count:
@@ -221,36 +227,47 @@ def per_vertex(argument: object, vertex_count: int, name: str, read: Optional[np
             f"{name}: the shape is {array.shape}, must be ({vertex_count},) or (k, {vertex_count}): one per vertex"
         )
     if isinstance(argument, np.ma.MaskedArray):
-        array = _without_mask(argument, array, name, read)
-    require_finite_numbers(array, name, read)
+        mask = np.ma.getmaskarray(argument)  # type: ignore[no-untyped-call]
+        _require_none(mask, array, name, "is masked; give it a value", read, numbers)
+        array = np.where(mask, 0.0, np.asarray(array))
+    require_finite_numbers(array, name, read, numbers)
     return array
 
 
-def _without_mask(argument: Any, array: Doubles, name: str, read: Optional[npt.NDArray[Any]]) -> Doubles:
-    mask = np.ma.getmaskarray(argument)  # type: ignore[no-untyped-call]
-    looked_at = mask if read is None else mask[..., read]
-    if looked_at.any():
-        place = int(np.argwhere(looked_at)[0][-1])
-        raise FieldError(f"{name}: vertex {place if read is None else read[place]} is masked; give it a value")
-    return np.where(mask, 0.0, np.asarray(array))
-
-
-def require_finite_numbers(array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None) -> None:
+def require_finite_numbers(
+    array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
+) -> None:
     """Raises FieldError for the first number that is not finite, of those in the places `read`."""
     looked_at = array if read is None else array.take(read, axis=-1)
-    if np.isfinite(looked_at).all():
+    if not np.isfinite(looked_at).all():
+        _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
+
+
+def _require_none(
+    wrong: npt.NDArray[np.bool_],
+    array: Doubles,
+    name: str,
+    words: str,
+    read: Optional[npt.NDArray[Any]],
+    numbers: Optional[npt.NDArray[Any]],
+) -> None:
+    if read is not None:
+        is_read = np.zeros(wrong.shape[-1], bool)
+        is_read[read] = True
+        wrong = wrong & is_read
+    if not wrong.any():
         return
-    *row, column = np.argwhere(~np.isfinite(looked_at))[0]
-    vertex = column if read is None else read[column]
+    *row, place = np.argwhere(wrong)[0]
+    vertex = place if numbers is None else numbers[place]
     where = f"field {row[0]}, vertex {vertex}" if row else f"vertex {vertex}"
-    raise FieldError(f"{name}: {where}: {looked_at[(*row, column)]}; numbers must be finite")
+    raise FieldError(f"{name}: {where}: {array[(*row, place)]} {words}")
 
 
 def levels(argument: object, name: str = "levels") -> Doubles:
     """(l,) float64, finite."""
     array = doubles(argument, name)
-    if isinstance(argument, np.ma.MaskedArray):
-        raise FieldError(f"{name}: a masked array has no place here; pass its compressed() elements")
+    if np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
+        raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
     array = array.reshape(1) if array.ndim == 0 else array
     if array.ndim != 1:
         raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")

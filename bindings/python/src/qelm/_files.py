@@ -26,16 +26,15 @@ def narrow(path: Union[str, os.PathLike[str]]) -> bytes:
 def clear(mesh: pathlib.Path, material: pathlib.Path) -> None:
     """Makes both files, empty. Touches neither unless both can be written. Raises OSError."""
     was_there = mesh.exists()
-    with open(mesh, "ab") as first:
-        try:
-            with open(material, "ab") as second:
-                second.truncate(0)
-        except OSError:
-            if not was_there:
-                first.close()
-                mesh.unlink()
-            raise
-        first.truncate(0)
+    open(mesh, "ab").close()
+    try:
+        open(material, "ab").close()
+    except OSError:
+        if not was_there:
+            mesh.unlink()
+        raise
+    for path in (mesh, material):
+        open(path, "wb").close()
 
 
 def require_complete(mesh: pathlib.Path, material: pathlib.Path, last_face: bytes) -> None:
@@ -44,5 +43,5 @@ def require_complete(mesh: pathlib.Path, material: pathlib.Path, last_face: byte
         with open(path, "rb") as file:
             file.seek(0, os.SEEK_END)
             file.seek(max(0, file.tell() - len(line) - 3))
-            if not file.read().rstrip(b"\r\n").endswith(b"\n" + line):
+            if not file.read(len(line) + 3).rstrip(b"\r\n").endswith(b"\n" + line):
                 raise OSError(f"the file was not written completely: {path}")

@@ -17,6 +17,9 @@ __all__ = ["plot"]
 # A mesh this thin, in diagonals, is drawn in its plane.
 _FLAT = 1e-9
 
+# Marks along the longest axis of a picture in space; the others have as many as fit.
+_TICKS = 6
+
 
 def plot(
     system: MeshSystem,
@@ -78,7 +81,7 @@ def plot(
     low, high = vertices.min(axis=0), vertices.max(axis=0)
     is_flat = high[2] - low[2] <= _FLAT * np.linalg.norm(high - low)
     if ax is None:
-        ax = pyplot.figure().add_subplot(projection=None if is_flat else "3d")
+        ax = pyplot.figure(layout="constrained").add_subplot(projection=None if is_flat else "3d")
     draw = _in_plane if is_flat else _in_space
     surface = draw(ax, vertices, triangles, array, curves.polylines(), cmap)
     if colorbar:
@@ -98,16 +101,19 @@ def _in_plane(ax: Any, vertices: Any, triangles: Any, field: Any, lines: Any, cm
 
 
 def _in_space(ax: Any, vertices: Any, triangles: Any, field: Any, lines: Any, cmap: str) -> Any:
-    from mpl_toolkits.mplot3d.art3d import Line3DCollection, Poly3DCollection
+    from matplotlib.ticker import MaxNLocator
+    from mpl_toolkits.mplot3d.art3d import Line3DCollection
 
     ax.computed_zorder = False
-    # A rim of the face's own colour closes the seams between neighbours.
-    surface = Poly3DCollection(vertices[triangles], cmap=cmap, edgecolors="face", linewidths=0.2, zorder=1)
+    # Smoothed edges of faces would let the background through between neighbours.
+    surface = ax.plot_trisurf(*vertices.T, triangles=triangles, cmap=cmap, antialiased=False, linewidth=0, zorder=1)
     surface.set_array(field[triangles].mean(axis=1))
     surface.set_clim(field.min(), field.max())
-    ax.add_collection3d(surface)
     ax.add_collection3d(Line3DCollection(lines, colors="black", linewidths=0.8, zorder=2))
     low, high = vertices.min(axis=0), vertices.max(axis=0)
     ax.set(xlim=(low[0], high[0]), ylim=(low[1], high[1]), zlim=(low[2], high[2]))
-    ax.set_box_aspect(high - low)
+    extents = high - low
+    ax.set_box_aspect(extents, zoom=1.15)
+    for axis, extent in zip((ax.xaxis, ax.yaxis, ax.zaxis), extents):
+        axis.set_major_locator(MaxNLocator(max(1, round(_TICKS * extent / extents.max()))))
     return surface

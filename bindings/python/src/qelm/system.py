@@ -287,7 +287,7 @@ class MeshSystem:
         array = _arrays.doubles(values, "values")
         # Of all vertices, unless the length says that they are of the fixed ones alone.
         if array.ndim in (1, 2) and array.shape[-1] == self.fixed_count != self.vertex_count:
-            given = _arrays.per_vertex(values, self.fixed_count, "values")
+            given = _arrays.per_vertex(values, self.fixed_count, "values", numbers=self._fixed)
             spread = np.zeros((*given.shape[:-1], self.vertex_count))
             spread[..., self._fixed] = given
             return spread
