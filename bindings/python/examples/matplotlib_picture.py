@@ -44,7 +44,7 @@ space = figure.add_subplot(1, 2, 2, projection="3d", title="a shell", computed_z
 surface = space.plot_trisurf(*shell.T, triangles=triangles, cmap="viridis", antialiased=False, linewidth=0, zorder=1)
 surface.set_array(field[triangles].mean(axis=1))
 space.add_collection3d(Line3DCollection(system.curves(field, LEVELS).polylines(), colors="black", lw=1, zorder=2))
-space.set_box_aspect(np.ptp(shell, axis=0), zoom=1.2)
+space.set_box_aspect(np.ptp(shell, axis=0), zoom=1.1)
 space.set_zticks([0.4, 1])
 space.view_init(elev=52, azim=-75)
 

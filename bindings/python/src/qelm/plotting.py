@@ -81,11 +81,13 @@ def plot(
     low, high = vertices.min(axis=0), vertices.max(axis=0)
     is_flat = high[2] - low[2] <= _FLAT * np.linalg.norm(high - low)
     if ax is None:
-        ax = pyplot.figure(layout="constrained").add_subplot(projection=None if is_flat else "3d")
+        # From higher up than matplotlib's own view: less of the curves is behind the surface.
+        in_space = {} if is_flat else {"projection": "3d", "elev": 45}
+        ax = pyplot.figure(layout="constrained").add_subplot(**in_space)
     draw = _in_plane if is_flat else _in_space
     surface = draw(ax, vertices, triangles, array, curves.polylines(), cmap)
     if colorbar:
-        scale = ax.figure.colorbar(surface, ax=ax, shrink=0.8)
+        scale = ax.figure.colorbar(surface, ax=ax, shrink=0.8, pad=0.05 if is_flat else 0.12)
         scale.ax.hlines(np.unique(curves.levels), 0, 1, colors="black", linewidth=0.8)
     return ax
 
@@ -113,7 +115,7 @@ def _in_space(ax: Any, vertices: Any, triangles: Any, field: Any, lines: Any, cm
     low, high = vertices.min(axis=0), vertices.max(axis=0)
     ax.set(xlim=(low[0], high[0]), ylim=(low[1], high[1]), zlim=(low[2], high[2]))
     extents = high - low
-    ax.set_box_aspect(extents, zoom=1.15)
+    ax.set_box_aspect(extents)
     for axis, extent in zip((ax.xaxis, ax.yaxis, ax.zaxis), extents):
         axis.set_major_locator(MaxNLocator(max(1, round(_TICKS * extent / extents.max()))))
     return surface
