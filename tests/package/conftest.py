@@ -16,11 +16,21 @@ def build_packages(folder, **tools):
 
 
 @pytest.fixture(scope="session")
-def packages(tmp_path_factory):
-    return build_packages(tmp_path_factory.mktemp("first"), linux_x64=BUILD)
+def tools():
+    """Trees of scripts/test that have the tool, so that it need not be compiled here once more."""
+    trees = {"linux_x64": BUILD, "windows_x64": BUILD.parent / "windows-release"}
+    found = {system: tree for system, tree in trees.items() if (tree / "CMakeCache.txt").is_file()}
+    for tree in found.values():
+        run("cmake", "--build", tree, "--target", "qelm_tool")
+    return found
 
 
 @pytest.fixture(scope="session")
-def packages_again(packages, tmp_path_factory):
+def packages(tools, tmp_path_factory):
+    return build_packages(tmp_path_factory.mktemp("first"), **tools)
+
+
+@pytest.fixture(scope="session")
+def packages_again(packages, tools, tmp_path_factory):
     windows = packages.parent / "build/windows-x64"
-    return build_packages(tmp_path_factory.mktemp("second"), linux_x64=BUILD, windows_x64=windows)
+    return build_packages(tmp_path_factory.mktemp("second"), **{"windows_x64": windows, **tools})
