@@ -7,6 +7,7 @@ is wrong.
 
 from __future__ import annotations
 
+import math
 import numbers
 from typing import Any, Optional
 
@@ -33,6 +34,19 @@ def first(wrong: npt.NDArray[Any]) -> int:
         wrong = wrong.any(axis=tuple(range(1, wrong.ndim)))
     place = int(wrong.argmax()) if wrong.size else 0
     return place if wrong.size and wrong[place] else -1
+
+
+def is_finite(array: Doubles) -> bool:
+    """Whether all numbers are finite."""
+    # One pass without a temporary array; a sum may overflow, and is looked at again.
+    with np.errstate(all="ignore"):
+        return math.isfinite(np.add.reduce(array, axis=None)) or bool(np.isfinite(array).all())
+
+
+def overlap(one: npt.NDArray[Any], other: npt.NDArray[Any]) -> bool:
+    """Whether two contiguous arrays share memory without being in the same place."""
+    a, b = address(one), address(other)
+    return a != b and a < b + other.nbytes and b < a + one.nbytes
 
 
 def is_ready(array: object, dtype: type) -> bool:
@@ -239,7 +253,7 @@ def require_finite_numbers(
 ) -> None:
     """Raises FieldError for the first number that is not finite, of those in the places `read`."""
     looked_at = array if read is None else array.take(read, axis=-1)
-    if not np.isfinite(looked_at).all():
+    if not is_finite(looked_at):
         _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
 
 

@@ -275,9 +275,9 @@ class MeshSystem:
             self._require_solvable()
         result = np.empty(prescribed.shape) if out is None else _usable(out, prescribed.shape)
         # The library allows the same array on both sides, but no other overlap.
-        target = result if out is None or not _overlaps(out, prescribed, loads) else np.empty_like(out)
+        target = np.empty_like(result) if out is not None and _overlaps(out, prescribed, loads) else result
         _call_solver(handle, prescribed, loads, target)
-        if not np.isfinite(target).all():
+        if not _arrays.is_finite(target):
             _refuse_result(target)
         if target is not result:
             result[...] = target
@@ -481,12 +481,7 @@ def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
 
 
 def _overlaps(result: npt.NDArray[Any], *inputs: Optional[npt.NDArray[Any]]) -> bool:
-    return any(
-        array is not None
-        and _arrays.address(result) != _arrays.address(array)
-        and np.may_share_memory(result, array)
-        for array in inputs
-    )
+    return any(array is not None and _arrays.overlap(result, array) for array in inputs)
 
 
 def _call_solver(
