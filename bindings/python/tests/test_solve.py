@@ -67,10 +67,10 @@ def test_results_go_into_out_also_when_it_is_the_input(system):
 
 
 def test_out_that_overlaps_the_input_otherwise_gets_the_right_result(system):
-    memory = np.sin(np.arange(3 * N + 1.0))
-    values = memory[: 2 * N].reshape(2, N)
+    memory = np.sin(np.arange(42.0 * N))
+    values = memory[: 40 * N].reshape(40, N)
     expected = bits(system.solve(values.copy()))
-    out = memory[1 : 2 * N + 1].reshape(2, N)
+    out = memory[N : 41 * N].reshape(40, N)
     assert (bits(system.solve(values, out=out)) == expected).all()
 
 
