@@ -1,0 +1,61 @@
+"""Smooth fields on triangle meshes, between values that you prescribe, and their level curves.
+
+>>> import qelm
+>>> vertices = [[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]]
+>>> triangles = [[0, 1, 2], [0, 2, 3]]
+>>> system = qelm.MeshSystem.from_fixed(vertices, triangles, fixed=[0, 2])
+>>> field = system.solve([0, 1])
+>>> print(field)
+[0.  0.5 1.  0.5]
+>>> [curve.level for curve in system.curves(field, levels=3)]
+[0.25, 0.5, 0.75]
+"""
+
+from ._native import library_version
+from .codec import decode, encode
+from .curves import Curve, Curves, even_levels
+from .errors import (
+    ClosedError,
+    FieldError,
+    LibraryError,
+    MeshError,
+    QelmError,
+    SingularSystemError,
+    ToolError,
+)
+from .heatmap import write_heat_map
+from .isolines import Segments, isoline_segments
+from .meshcheck import Finding, Report, check
+from .plotting import plot
+from .system import FactorisationInfo, MeshSystem
+from .viewing import Page, view
+from .welding import Welded, weld
+
+__all__ = [
+    "ClosedError",
+    "Curve",
+    "Curves",
+    "FactorisationInfo",
+    "FieldError",
+    "Finding",
+    "LibraryError",
+    "MeshError",
+    "MeshSystem",
+    "Page",
+    "QelmError",
+    "Report",
+    "Segments",
+    "SingularSystemError",
+    "ToolError",
+    "Welded",
+    "check",
+    "decode",
+    "encode",
+    "even_levels",
+    "isoline_segments",
+    "library_version",
+    "plot",
+    "view",
+    "weld",
+    "write_heat_map",
+]

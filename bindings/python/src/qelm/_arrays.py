@@ -1,0 +1,293 @@
+"""Takes what callers have in their hands and makes the C library's arrays of it.
+
+Whatever comes in, what goes on is C-contiguous, aligned and of the native type; an array
+that is so already is not copied. A message names the argument and the first element that
+is wrong.
+"""
+
+from __future__ import annotations
+
+import math
+import numbers
+from typing import Any, Optional
+
+import numpy as np
+import numpy.typing as npt
+
+from .errors import FieldError, MeshError
+
+Doubles = npt.NDArray[np.float64]
+Ints = npt.NDArray[np.int32]
+
+_INT32 = np.iinfo(np.int32)
+
+
+def address(array: npt.NDArray[Any]) -> int:
+    """Where an array's first element lies; the caller keeps the array alive."""
+    place: int = array.__array_interface__["data"][0]
+    return place
+
+
+def first(wrong: npt.NDArray[Any]) -> int:
+    """Index of the first element that is wrong, in the first axis; -1 without any."""
+    if wrong.ndim > 1:
+        wrong = wrong.any(axis=tuple(range(1, wrong.ndim)))
+    place = int(wrong.argmax()) if wrong.size else 0
+    return place if wrong.size and wrong[place] else -1
+
+
+def is_finite(array: Doubles) -> bool:
+    """Whether all numbers are finite."""
+    # One pass without a temporary array; a sum may overflow, and is looked at again.
+    with np.errstate(all="ignore"):
+        return math.isfinite(np.add.reduce(array, axis=None)) or bool(np.isfinite(array).all())
+
+
+def overlap(one: npt.NDArray[Any], other: npt.NDArray[Any]) -> bool:
+    """Whether two contiguous arrays share memory without being in the same place."""
+    a, b = address(one), address(other)
+    return a != b and a < b + other.nbytes and b < a + one.nbytes
+
+
+def is_ready(array: object, dtype: type) -> bool:
+    """Whether the library can read an array where it lies."""
+    return type(array) is np.ndarray and array.dtype == dtype and array.flags.c_contiguous and array.flags.aligned
+
+
+def real(argument: object, name: str) -> npt.NDArray[Any]:
+    """An array of some real type. Raises TypeError for other things, ValueError for ragged lists."""
+    try:
+        array = np.asanyarray(argument)
+    except ValueError as error:
+        raise ValueError(f"{name}: the rows have different lengths, or nest unevenly") from error
+    if array.dtype.kind == "O":
+        return _of_objects(array, name)
+    if array.dtype.kind not in "biuf":
+        raise TypeError(f"{name}: elements of type {array.dtype} are no real numbers; convert them first")
+    return array
+
+
+def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
+    for place, element in enumerate(np.asarray(array).ravel()):
+        if not isinstance(element, numbers.Real):
+            raise TypeError(
+                f"{name}: element {place} is {element!r}, no real number"
+                + ("; all rows need the same length" if isinstance(element, (list, tuple, np.ndarray)) else "")
+            )
+    is_whole = all(isinstance(element, numbers.Integral) for element in np.asarray(array).ravel())
+    try:
+        return array.astype(np.int64 if is_whole and array.size else np.float64)
+    except OverflowError:
+        # Beyond 64 bits: as floating point such numbers are out of every index range.
+        return array.astype(np.float64)
+
+
+def doubles(argument: object, name: str) -> Doubles:
+    """float64, C-contiguous, aligned; masked elements are the caller's business."""
+    if is_ready(argument, np.float64):
+        return argument  # type: ignore[return-value]
+    with np.errstate(over="ignore"):
+        return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
+
+
+def refuse_masked(argument: object, name: str, element: str, cure: str) -> None:
+    """Raises MeshError for the first masked element."""
+    if isinstance(argument, np.ma.MaskedArray):
+        place = first(np.ma.getmaskarray(argument))  # type: ignore[no-untyped-call]
+        if place >= 0:
+            raise MeshError(f"{name}: {element} {place} is masked; {cure}")
+
+
+def rows_of(array: npt.NDArray[Any], widths: tuple[int, ...], name: str, what: str) -> npt.NDArray[Any]:
+    """(k, width), from that shape or from a flat array of packed rows of the first width."""
+    if array.ndim == 1 and array.size % widths[0] == 0:
+        return array.reshape(-1, widths[0])
+    if array.ndim == 2 and array.shape[1] in widths:
+        return array
+    expected = " or ".join(f"({what}, {width})" for width in widths)
+    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}")
+
+
+def require_count(count: int, name: str, element: str) -> None:
+    """Raises MeshError unless a C int can say how many there are, and there is one."""
+    if count < 1:
+        raise MeshError(f"{name}: there is no {element}")
+    if count > _INT32.max:
+        raise MeshError(f"{name}: there are {count}, more than the library can number; divide the mesh")
+
+
+def coordinates(argument: object, name: str = "vertices") -> Doubles:
+    """(n, 3) of any values, from (n, 3), (n, 2) in the plane z = 0, or packed (3n,)."""
+    refuse_masked(argument, name, "vertex", "give it coordinates, or leave it out")
+    array = rows_of(doubles(argument, name), (3, 2), name, "n")
+    if array.shape[1] == 3:
+        return np.require(np.asarray(array), np.float64, ["C", "A"])
+    spatial = np.zeros((len(array), 3))
+    spatial[:, :2] = array
+    return spatial
+
+
+def require_finite_vertices(vertices: Doubles, name: str = "vertices") -> None:
+    """Raises MeshError for the first vertex that is not finite."""
+    finite = np.isfinite(vertices)
+    if not finite.all():
+        place = first(~finite)
+        axis = int(finite[place].argmin())
+        raise MeshError(
+            f"{name}: vertex {place}: {'xyz'[axis]} is {vertices[place, axis]}; coordinates must be finite"
+        )
+
+
+def whole(argument: object, name: str, element: str) -> npt.NDArray[Any]:
+    """An array of integers of any width, from integers or floating-point numbers without fraction."""
+    array = np.asarray(real(argument, name))
+    if array.dtype.kind == "b":
+        raise TypeError(f"{name}: these are truth values; integers are needed")
+    if array.dtype.kind == "f":
+        with np.errstate(invalid="ignore"):
+            place = first(~(np.floor(array) == array))
+        if place >= 0:
+            raise MeshError(f"{name}: {element} {place} ({_listed(array[place])}): integers are needed")
+    return array
+
+
+def _listed(row: Any) -> str:
+    return ", ".join(f"{number:.9g}" if isinstance(number, np.floating) else str(number) for number in np.ravel(row))
+
+
+def triangle_text(triangles: npt.NDArray[Any], place: int) -> str:
+    """'triangle 4711 (12, 90, 91)'."""
+    return f"triangle {place} ({_listed(triangles[place])})"
+
+
+def corners(argument: object, name: str = "triangles") -> npt.NDArray[Any]:
+    """(m, 3), whole numbers of any width and any values."""
+    refuse_masked(argument, name, "triangle", "leave it out")
+    array = rows_of(whole(argument, name, "triangle"), (3,), name, "m")
+    require_count(len(array), name, "triangle")
+    return array
+
+
+def triangle_indices(argument: object, vertex_count: int, name: str = "triangles") -> Ints:
+    """(m, 3) int32, every index in 0 .. vertex_count - 1."""
+    array = corners(argument, name)
+    if array.min() < 0 or array.max() >= vertex_count:
+        place = first((array < 0) | (array >= vertex_count))
+        row = array[place]
+        wrong = row[(row < 0) | (row >= vertex_count)][0]
+        raise MeshError(
+            f"{triangle_text(array, place)}: vertex {_listed(wrong)} is not in 0 .. {vertex_count - 1}; "
+            "vertices are numbered from 0"
+        )
+    return np.require(array, np.int32, ["C", "A"])
+
+
+def any_indices(argument: object, name: str = "triangles") -> Ints:
+    """(m, 3) int32; what int32 cannot express becomes -1, which is no vertex either."""
+    array = corners(argument, name)
+    if array.min() < _INT32.min or array.max() > _INT32.max:
+        array = np.where((array < 0) | (array > _INT32.max), -1, array)
+    return np.require(array, np.int32, ["C", "A"])
+
+
+def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
+    """(n,) int32."""
+    refuse_masked(argument, name, "vertex", "give it a tag; 0 means free")
+    array = np.asarray(real(argument, name))
+    if array.dtype.kind == "b":
+        array = array.astype(np.int32)
+    array = whole(array, name, "vertex")
+    if array.shape != (vertex_count,):
+        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex")
+    place = first((array < _INT32.min) | (array > _INT32.max))
+    if place >= 0:
+        raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")
+    return np.require(array, np.int32, ["C", "A"])
+
+
+def fixed_tags(argument: object, vertex_count: int, name: str = "fixed") -> Ints:
+    """Tags from indices of prescribed vertices, or from a mask of them: 1 there, 0 elsewhere."""
+    refuse_masked(argument, name, "element", "leave it out")
+    array = np.asarray(real(argument, name))
+    if array.dtype.kind == "b":
+        if array.shape != (vertex_count,):
+            raise MeshError(f"{name}: the mask's shape is {array.shape}, must be ({vertex_count},)")
+        return array.astype(np.int32)
+    array = np.atleast_1d(whole(array, name, "element"))
+    if array.ndim != 1:
+        raise MeshError(f"{name}: the shape is {array.shape}; a list of vertices or a mask is needed")
+    place = first((array < 0) | (array >= vertex_count))
+    if place >= 0:
+        raise MeshError(f"{name}: element {place}: vertex {_listed(array[place])} is not in 0 .. {vertex_count - 1}")
+    result = np.zeros(vertex_count, np.int32)
+    result[array.astype(np.intp)] = 1
+    return result
+
+
+def per_vertex(
+    argument: object,
+    vertex_count: int,
+    name: str,
+    read: Optional[npt.NDArray[Any]] = None,
+    numbers: Optional[npt.NDArray[Any]] = None,
+) -> Doubles:
+    """(..., n) float64, finite and not masked in the places `read`, or everywhere.
+
+    Raises FieldError; `numbers` are the vertices' where the places are others.
+    """
+    array = doubles(argument, name)
+    if array.ndim not in (1, 2) or array.shape[-1] != vertex_count:
+        raise FieldError(
+            f"{name}: the shape is {array.shape}, must be ({vertex_count},) or (k, {vertex_count}): one per vertex"
+        )
+    if isinstance(argument, np.ma.MaskedArray):
+        mask = np.ma.getmaskarray(argument)  # type: ignore[no-untyped-call]
+        _require_none(mask, array, name, "is masked; give it a value", read, numbers)
+        array = np.where(mask, 0.0, np.asarray(array))
+    require_finite_numbers(array, name, read, numbers)
+    return array
+
+
+def require_finite_numbers(
+    array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
+) -> None:
+    """Raises FieldError for the first number that is not finite, of those in the places `read`."""
+    looked_at = array if read is None else array.take(read, axis=-1)
+    if not is_finite(looked_at):
+        _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
+
+
+def _require_none(
+    wrong: npt.NDArray[np.bool_],
+    array: Doubles,
+    name: str,
+    words: str,
+    read: Optional[npt.NDArray[Any]],
+    numbers: Optional[npt.NDArray[Any]],
+) -> None:
+    if read is not None:
+        is_read = np.zeros(wrong.shape[-1], bool)
+        is_read[read] = True
+        wrong = wrong & is_read
+    if not wrong.any():
+        return
+    *row, place = np.argwhere(wrong)[0]
+    vertex = place if numbers is None else numbers[place]
+    where = f"field {row[0]}, vertex {vertex}" if row else f"vertex {vertex}"
+    raise FieldError(f"{name}: {where}: {array[(*row, place)]} {words}")
+
+
+def levels(argument: object, name: str = "levels") -> Doubles:
+    """(l,) float64, finite."""
+    array = doubles(argument, name)
+    if np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
+        raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
+    array = array.reshape(1) if array.ndim == 0 else array
+    if array.ndim != 1:
+        raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
+    place = first(~np.isfinite(array))
+    if place >= 0:
+        raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
+    if len(array) > _INT32.max:
+        raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
+    return array

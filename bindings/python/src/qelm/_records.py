@@ -1,0 +1,90 @@
+"""The records of the C header, field by field."""
+
+from __future__ import annotations
+
+import ctypes
+from ctypes import POINTER, c_double, c_int32, c_int64
+
+
+class IsoPointMatrix(ctypes.Structure):
+    """Ends of segments, stored column by column."""
+
+    data: ctypes._Pointer[c_double]
+    rows: int
+    cols: int
+    _fields_ = [("data", POINTER(c_double)), ("rows", c_int64), ("cols", c_int64)]
+
+
+class IsoEdgeMatrix(ctypes.Structure):
+    """Which points belong together, stored column by column."""
+
+    data: ctypes._Pointer[c_int32]
+    rows: int
+    cols: int
+    _fields_ = [("data", POINTER(c_int32)), ("rows", c_int64), ("cols", c_int64)]
+
+
+class QelmCurves(ctypes.Structure):
+    """Level curves, packed."""
+
+    curveCount: int
+    pointCount: int
+    points: ctypes._Pointer[c_double]
+    starts: ctypes._Pointer[c_int64]
+    levels: ctypes._Pointer[c_int32]
+    closed: ctypes._Pointer[c_int32]
+    _fields_ = [
+        ("curveCount", c_int64),
+        ("pointCount", c_int64),
+        ("points", POINTER(c_double)),
+        ("starts", POINTER(c_int64)),
+        ("levels", POINTER(c_int32)),
+        ("closed", POINTER(c_int32)),
+    ]
+
+
+class QelmFinding(ctypes.Structure):
+    """How often something was found, and where first."""
+
+    count: int
+    first: int
+    _fields_ = [("count", c_int64), ("first", c_int64)]
+
+
+class QelmMeshReport(ctypes.Structure):
+    """What the check of a mesh found."""
+
+    indexOutOfRange: QelmFinding
+    repeatedVertex: QelmFinding
+    unusedVertex: QelmFinding
+    notFinite: QelmFinding
+    nearZeroArea: QelmFinding
+    sizeOutOfRange: QelmFinding
+    untaggedPart: QelmFinding
+    part: QelmFinding
+    taggedVertex: QelmFinding
+    crowdedEdge: QelmFinding
+    boundaryLoop: QelmFinding
+    opposedEdge: QelmFinding
+    repeatedTriangle: QelmFinding
+    coincidentVertex: QelmFinding
+    worstTriangle: int
+    worstQuality: float
+    _fields_ = [
+        ("indexOutOfRange", QelmFinding),
+        ("repeatedVertex", QelmFinding),
+        ("unusedVertex", QelmFinding),
+        ("notFinite", QelmFinding),
+        ("nearZeroArea", QelmFinding),
+        ("sizeOutOfRange", QelmFinding),
+        ("untaggedPart", QelmFinding),
+        ("part", QelmFinding),
+        ("taggedVertex", QelmFinding),
+        ("crowdedEdge", QelmFinding),
+        ("boundaryLoop", QelmFinding),
+        ("opposedEdge", QelmFinding),
+        ("repeatedTriangle", QelmFinding),
+        ("coincidentVertex", QelmFinding),
+        ("worstTriangle", c_int64),
+        ("worstQuality", c_double),
+    ]

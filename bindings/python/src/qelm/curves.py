@@ -1,0 +1,246 @@
+"""Level curves: one by one, or all of them packed."""
+
+from __future__ import annotations
+
+import collections.abc
+import ctypes
+import operator
+from ctypes import POINTER, byref, c_int
+from typing import Iterator, List, NamedTuple, Union, overload
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _arrays
+from ._handle import Handle, lent
+from ._native import library, require_ok
+from ._records import QelmCurves
+from .errors import FieldError
+
+__all__ = ["Curve", "Curves", "even_levels"]
+
+
+class Curve(NamedTuple):
+    """One level curve, a polyline.
+
+    Attributes
+    ----------
+    points : ndarray, shape (p, 3), float64
+        The points in order, in the unit of the vertices. Higher values lie at the left, seen from
+        where the triangles are counter-clockwise.
+    level : float
+        The field's value along the curve.
+    closed : bool
+        True if the curve leads on from its last point to its first, which is not repeated.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> square = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> curve = square.curves([0, 0.5, 1, 0.5], 0.25)[0]
+    >>> curve.level, curve.closed, len(curve.points), round(curve.length, 3)
+    (0.25, False, 3, 0.707)
+    """
+
+    points: npt.NDArray[np.float64]
+    level: float
+    closed: bool
+
+    @property
+    def length(self) -> float:
+        """Length in the unit of the vertices; of a closed curve, all the way round."""
+        steps = np.diff(self.polyline(), axis=0)
+        return float(np.sqrt((steps * steps).sum(axis=1)).sum())
+
+    def polyline(self) -> npt.NDArray[np.float64]:
+        """The points, with the first once more at the end if the curve is closed.
+
+        Returns
+        -------
+        ndarray, shape (p, 3) or (p + 1, 3)
+        """
+        return np.concatenate([self.points, self.points[:1]]) if self.closed else self.points
+
+
+class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
+    """Level curves in the order of their levels: a sequence of :class:`Curve`, and packed arrays.
+
+    For a large result use the arrays, which are views of the library's memory; a ``Curve`` is made
+    when it is asked for.
+
+    Attributes
+    ----------
+    points : ndarray, shape (p, 3), float64, read-only
+        The points of all curves, one curve after another.
+    starts : ndarray, shape (c + 1,), int64, read-only
+        Where each curve starts: those of curve `k` are ``points[starts[k]:starts[k + 1]]``.
+    levels : ndarray, shape (c,), float64
+        The level of each curve.
+    level_indices : ndarray, shape (c,), int32, read-only
+        Its place among the levels that were asked for.
+    closed : ndarray, shape (c,), bool
+        Whether each curve is closed.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> square = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> curves = square.curves([0, 0.5, 1, 0.5], [0.25, 0.75])
+    >>> len(curves), curves.points.shape, curves.starts.tolist(), curves.levels.tolist()
+    (2, (6, 3), [0, 3, 6], [0.25, 0.75])
+    >>> [len(curve.points) for curve in curves]
+    [3, 3]
+    """
+
+    def __init__(
+        self,
+        points: npt.NDArray[np.float64],
+        starts: npt.NDArray[np.int64],
+        levels: npt.NDArray[np.float64],
+        level_indices: npt.NDArray[np.int32],
+        closed: npt.NDArray[np.bool_],
+    ) -> None:
+        self.points = points
+        self.starts = starts
+        self.levels = levels
+        self.level_indices = level_indices
+        self.closed = closed
+
+    def __len__(self) -> int:
+        return len(self.levels)
+
+    @overload
+    def __getitem__(self, place: int) -> Curve: ...
+
+    @overload
+    def __getitem__(self, place: slice) -> List[Curve]: ...
+
+    def __getitem__(self, place: Union[int, slice]) -> Union[Curve, List[Curve]]:
+        if isinstance(place, slice):
+            return [self[k] for k in range(*place.indices(len(self)))]
+        k = operator.index(place)
+        if k < 0:
+            k += len(self)
+        if not 0 <= k < len(self):
+            raise IndexError(f"there are {len(self)} curves, numbered from 0; there is no curve {place}")
+        points = self.points[self.starts[k] : self.starts[k + 1]]
+        return Curve(points, float(self.levels[k]), bool(self.closed[k]))
+
+    def __iter__(self) -> Iterator[Curve]:
+        return (self[k] for k in range(len(self)))
+
+    def __repr__(self) -> str:
+        return f"<qelm.Curves: {len(self)} curves, {len(self.points)} points, {int(self.closed.sum())} closed>"
+
+    def polylines(self) -> List[npt.NDArray[np.float64]]:
+        """What ``Line3DCollection`` of matplotlib takes: an array of points for each curve.
+
+        Returns
+        -------
+        list of ndarray, shape (p, 3)
+            Closed curves end with their first point.
+        """
+        return [curve.polyline() for curve in self]
+
+    def cells(self) -> npt.NDArray[np.int64]:
+        """VTK's and PyVista's form of lines: the number of points of a curve, then their places.
+
+        Returns
+        -------
+        ndarray, int64
+            For each curve its number of points k and k rows of `points`; closed curves end with
+            their first point.
+
+        Examples
+        --------
+        >>> import qelm
+        >>> square = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> square.curves([0, 0.5, 1, 0.5], [0.25, 0.75]).cells().tolist()
+        [3, 0, 1, 2, 3, 3, 4, 5]
+        """
+        cells: List[npt.NDArray[np.int64]] = []
+        for start, end, closed in zip(self.starts[:-1], self.starts[1:], self.closed):
+            places = np.arange(start, end + closed)
+            if closed:
+                places[-1] = start
+            cells += [np.array([len(places)]), places]
+        return np.concatenate(cells) if cells else np.empty(0, np.int64)
+
+
+def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
+    """Levels evenly between the smallest and the largest value, as ``qelm curves --levels`` has them.
+
+    Parameters
+    ----------
+    field : array_like
+        Values; what is not finite is left out.
+    count : int
+        How many, at least 1.
+
+    Returns
+    -------
+    ndarray, shape (count,)
+        ``min + k (max - min) / (count + 1)`` for k = 1 .. count, strictly inside. Between round
+        values they are round. Fewer where the doubles lie too far apart.
+
+    Raises
+    ------
+    FieldError
+        The field has one value only, or `count` is below 1.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> qelm.even_levels([0, 0.3, 1], 9).tolist()
+    [0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9]
+    """
+    count = operator.index(count)
+    if count < 1:
+        raise FieldError(f"levels: {count} levels cannot be; ask for 1 at least, or name them in a list")
+    numbers = _arrays.doubles(field, "field")
+    numbers = np.asarray(numbers)[np.isfinite(numbers)]
+    if not numbers.size or numbers.min() == numbers.max():
+        raise FieldError("field: all values are equal, so no level lies between them; name the levels in a list")
+    low, high = float(numbers.min()), float(numbers.max())
+    k = np.arange(1, count + 1)
+    with np.errstate(over="ignore", invalid="ignore"):
+        # Whole-numbered weights: between round values this gives round levels.
+        levels = (low * (count + 1 - k) + high * k) / (count + 1)
+    if not np.isfinite(levels).all():
+        levels = low * (1 - k / (count + 1)) + high * (k / (count + 1))
+    levels = np.unique(levels[(levels > low) & (levels < high)]) + 0.0
+    if not levels.size:
+        raise FieldError(f"field: no number lies between {low} and {high}; the field is too narrow to be cut")
+    return levels
+
+
+class _Record:
+    """Owns a record of curves and its arrays."""
+
+    def __init__(self, record: ctypes._Pointer[QelmCurves]) -> None:
+        self._record = record
+        self._free = library().qelmfreecurves
+
+    def __del__(self) -> None:
+        self._free(self._record)
+
+
+def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.float64]) -> Curves:
+    """The curves of checked arguments."""
+    record = POINTER(QelmCurves)()
+    status = c_int()
+    library().qelmcurvesTagged(
+        handle.pointer, _arrays.address(field), len(levels), _arrays.address(levels), byref(record), byref(status)
+    )
+    require_ok(status.value)
+    owner = _Record(record)
+    packed = record.contents
+    count = packed.curveCount
+    level_indices = lent(owner, packed.levels, (count,), np.int32)
+    return Curves(
+        points=lent(owner, packed.points, (packed.pointCount, 3), np.float64),
+        starts=lent(owner, packed.starts, (count + 1,), np.int64) if count else np.zeros(1, np.int64),
+        levels=levels[level_indices],
+        level_indices=level_indices,
+        closed=lent(owner, packed.closed, (count,), np.int32) != 0,
+    )

@@ -1,0 +1,244 @@
+"""What is wrong with a mesh, in words."""
+
+from __future__ import annotations
+
+import dataclasses
+from ctypes import byref
+from typing import Any, Dict, List, NamedTuple, Optional, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _arrays
+from ._native import library
+from ._records import QelmFinding, QelmMeshReport
+
+__all__ = ["Finding", "Report", "check"]
+
+_UNTAGGED_PART = 105
+
+
+@dataclasses.dataclass(frozen=True)
+class Finding:
+    """How often something was found, and the lowest index where; -1 if nowhere."""
+
+    count: int
+    first: int
+
+
+class _Defect(NamedTuple):
+    """How a defect is told: its finding, the code, the element that it names, words, cure."""
+
+    finding: str
+    status: int
+    element: str
+    words: str
+    cure: str
+
+
+# In the order in which the library decides about the status.
+_DEFECTS = [
+    _Defect("index_out_of_range", 101, "triangle", "names a vertex that does not exist", "vertices are numbered from 0"),
+    _Defect("repeated_vertex", 23, "triangle", "names a vertex twice", "remove such triangles"),
+    _Defect("unused_vertex", 24, "vertex", "lies in no triangle", "remove such vertices"),
+    _Defect("not_finite", 102, "vertex", "has a coordinate that is not finite", "give it a place, or remove it"),
+    _Defect("near_zero_area", 103, "triangle", "has an area near zero", "remove it, or merge its corners with qelm.weld"),
+    _Defect("size_out_of_range", 104, "triangle", "has a longest edge not within 1e-60 .. 1e60", "scale the mesh"),
+    _Defect("untagged_part", _UNTAGGED_PART, "part", "has no fixed vertex", "fix a vertex in every connected part"),
+]
+_NOTES = [
+    ("crowded_edge", "edge of three or more triangles", "edges of three or more triangles", "triangle"),
+    ("opposed_edge", "edge between triangles of opposite orientation", "edges between triangles of opposite orientation", "triangle"),
+    ("repeated_triangle", "repeated triangle", "repeated triangles", "triangle"),
+    ("coincident_vertex", "vertex at the place of an earlier one", "vertices at the place of an earlier one", "vertex"),
+]  # fmt: skip
+
+
+class Report:
+    """What :func:`check` found. ``str(report)`` says it in words.
+
+    Each finding is a :class:`Finding`: ``count`` and ``first``.
+
+    Attributes
+    ----------
+    vertex_count, triangle_count : int
+    status : int
+        0 when the mesh can be solved on, else the native library's code of the first defect.
+    ok : bool
+        ``status == 0``.
+    defects : tuple of str
+        A sentence for each kind of defect: the first element that has it, and the cure.
+    notes : tuple of str
+        What is worth knowing and no defect.
+    index_out_of_range, repeated_vertex, near_zero_area, size_out_of_range : Finding
+        Defects of triangles.
+    unused_vertex, not_finite : Finding
+        Defects of vertices.
+    untagged_part : Finding
+        Connected parts without fixed vertex; `first` is a vertex. Nothing is found without tags.
+    part, tagged_vertex, boundary_loop, crowded_edge, opposed_edge, repeated_triangle, coincident_vertex : Finding
+        For information.
+    worst_triangle : int
+        The triangle of the lowest quality; -1 if none has one.
+    worst_quality : float
+        Its quality, height squared over the product of its longest edge and its largest extent;
+        infinite if no triangle has one.
+    """
+
+    index_out_of_range: Finding
+    repeated_vertex: Finding
+    unused_vertex: Finding
+    not_finite: Finding
+    near_zero_area: Finding
+    size_out_of_range: Finding
+    untagged_part: Finding
+    part: Finding
+    tagged_vertex: Finding
+    crowded_edge: Finding
+    boundary_loop: Finding
+    opposed_edge: Finding
+    repeated_triangle: Finding
+    coincident_vertex: Finding
+
+    def __init__(
+        self,
+        vertices: npt.NDArray[np.float64],
+        triangles: npt.NDArray[np.int32],
+        status: int,
+        findings: Dict[str, Finding],
+        worst: Tuple[int, float],
+    ) -> None:
+        self.vertex_count = len(vertices)
+        self.triangle_count = len(triangles)
+        self.status = status
+        self.ok = status == 0
+        self.worst_triangle, self.worst_quality = worst
+        for name, finding in findings.items():
+            setattr(self, name, finding)
+        told = [
+            (defect.status, _defect_text(defect, findings[defect.finding], vertices, triangles))
+            for defect in _DEFECTS
+            if findings[defect.finding].count
+        ]
+        self.defects = tuple(text for _, text in told)
+        # The status is that of the first defect; the constructor's message is its sentence.
+        self.first_defect: Optional[str] = next((text for code, text in told if code == status), None)
+        self.notes = tuple(
+            f"{_counted(findings[name].count, one, many)}, the first at {element} {findings[name].first}"
+            for name, one, many, element in _NOTES
+            if findings[name].count
+        )
+
+    def __str__(self) -> str:
+        head = f"{_counted(self.vertex_count, 'vertex', 'vertices')}, " + _counted(
+            self.triangle_count, "triangle", "triangles"
+        )
+        lines = [f"{head}: {'no defects' if not self.defects else 'the mesh cannot be solved on'}"]
+        lines += [f"  defect: {text}" for text in self.defects]
+        lines += [f"  note: {text}" for text in self.notes]
+        lines.append(
+            f"  {_counted(self.part.count, 'connected part', 'connected parts')}, "
+            f"{_counted(self.boundary_loop.count, 'boundary loop', 'boundary loops')}, "
+            f"{_counted(self.tagged_vertex.count, 'fixed vertex', 'fixed vertices')}"
+        )
+        if self.worst_triangle >= 0:
+            lines.append(f"  lowest quality {self.worst_quality:.3g}, triangle {self.worst_triangle}")
+        return "\n".join(lines)
+
+    def __repr__(self) -> str:
+        return f"<qelm.Report: status {self.status}, {len(self.defects)} kinds of defects>"
+
+
+def _counted(count: int, one: str, many: str) -> str:
+    return f"{count} {one if count == 1 else many}"
+
+
+def _defect_text(
+    defect: _Defect, finding: Finding, vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32]
+) -> str:
+    if defect.element == "triangle":
+        element = _arrays.triangle_text(triangles, finding.first)
+    else:
+        place = ", ".join(f"{x:.6g}" for x in vertices[finding.first])
+        element = f"vertex {finding.first} ({place})"
+        if defect.element == "part":
+            element = f"the connected part with {element}"
+    more = f" (and {finding.count - 1} more)" if finding.count > 1 else ""
+    return f"{element}: {defect.words}{more}; {defect.cure}"
+
+
+def _snake(name: str) -> str:
+    return "".join(f"_{c.lower()}" if c.isupper() else c for c in name)
+
+
+def inspect(vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: npt.NDArray[Any]) -> int:
+    """The status of checked arrays alone: as quick as from C."""
+    status: int = library().qelmcheckTagged(*_arguments(vertices, triangles, tags), None)
+    return status
+
+
+def report_on(
+    vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: Optional[npt.NDArray[np.int32]]
+) -> Report:
+    """The report on checked arrays."""
+    native = QelmMeshReport()
+    given = np.zeros(len(vertices), np.int32) if tags is None else tags
+    status = library().qelmcheckTagged(*_arguments(vertices, triangles, given), byref(native))
+    findings = {
+        _snake(name): Finding(getattr(native, name).count, getattr(native, name).first)
+        for name, kind in native._fields_
+        if kind is QelmFinding
+    }
+    if tags is None:
+        findings["untagged_part"] = Finding(0, -1)
+        status = 0 if status == _UNTAGGED_PART else status
+    return Report(vertices, triangles, status, findings, (native.worstTriangle, native.worstQuality))
+
+
+def _arguments(
+    vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: npt.NDArray[Any]
+) -> List[int]:
+    address = _arrays.address
+    return [len(vertices), address(vertices), len(triangles), address(triangles), address(tags)]
+
+
+def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.ArrayLike] = None) -> Report:
+    """Says what is wrong with a mesh, whatever is in the arrays.
+
+    Parameters
+    ----------
+    vertices : array_like, shape (n, 3), (n, 2) or (3n,)
+        Coordinates of any values; a second dimension of 2 means the plane z = 0.
+    triangles : array_like, shape (m, 3) or (3m,)
+        Vertex numbers of any values.
+    tags : array_like, shape (n,), optional
+        1, 2 and 3 mean that the vertex is fixed. Without tags, parts without fixed vertex are no
+        defect.
+
+    Returns
+    -------
+    Report
+        ``str()`` of it says everything in words.
+
+    Raises
+    ------
+    MeshError
+        An array has the wrong shape, or there is no vertex or triangle.
+    TypeError
+        An array does not hold real numbers.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> print(qelm.check([[0, 0], [1, 0], [1, 1], [0, 1], [5, 5]], [[0, 1, 2], [0, 2, 2], [0, 2, 3]]))
+    5 vertices, 3 triangles: the mesh cannot be solved on
+      defect: triangle 1 (0, 2, 2): names a vertex twice; remove such triangles
+      defect: vertex 4 (5, 5, 0): lies in no triangle; remove such vertices
+      1 connected part, 1 boundary loop, 0 fixed vertices
+      lowest quality 0.25, triangle 0
+    """
+    xyz = _arrays.coordinates(vertices)
+    _arrays.require_count(len(xyz), "vertices", "vertex")
+    corners = _arrays.any_indices(triangles)
+    given = None if tags is None else _arrays.tags(tags, len(xyz))
+    return report_on(xyz, corners, given)

@@ -1,0 +1,435 @@
+"""A triangle mesh with its factorised Laplace system."""
+
+from __future__ import annotations
+
+import enum
+import types
+from ctypes import byref, c_int, c_void_p
+from typing import NoReturn, Optional, Type, Union
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _arrays, _solving, curves as _curves, meshcheck
+from ._handle import Handle, lent
+from ._native import library, require_ok
+from .curves import Curves, even_levels
+from .errors import ClosedError, FieldError, MeshError, SingularSystemError
+
+__all__ = ["FactorisationInfo", "MeshSystem"]
+
+_REPEATED_VERTEX, _UNUSED_VERTEX = 23, 24
+
+
+class FactorisationInfo(enum.IntEnum):
+    """How a factorisation ended."""
+
+    SUCCESS = 0
+    NUMERICAL_ISSUE = 1
+    NO_CONVERGENCE = 2
+    INVALID_INPUT = 3
+
+
+class MeshSystem:
+    """A mesh whose Laplace system is built and factorised once, and solved as often as wanted.
+
+    Every field that goes in or comes out has one value per vertex in the order of the caller's
+    arrays. All methods may be called from any number of threads at once and do not hold the
+    interpreter's lock while the library works; results are the same bits as alone.
+
+    Parameters
+    ----------
+    vertices : array_like, shape (n, 3), (n, 2) or (3n,)
+        Coordinates, lengths in a unit of yours. A second dimension of 2 means the plane z = 0.
+    triangles : array_like, shape (m, 3) or (3m,)
+        Vertex numbers, from 0.
+    tags : array_like, shape (n,)
+        1, 2 and 3 mean that the vertex's value will be prescribed, any other number that it is free.
+        See :meth:`from_fixed` for indices or a mask instead.
+    check : bool, default True
+        Refuse meshes on which no solve is well posed: triangles with an area near zero, connected
+        parts without fixed vertex. False builds them all the same, for a few such triangles in a
+        good mesh, or for curves of fields from elsewhere; what keeps the library from working
+        is refused as before.
+
+    Attributes
+    ----------
+    vertex_count, fixed_count, triangle_count : int
+    info : FactorisationInfo
+        How the factorisation ended.
+
+    Raises
+    ------
+    MeshError
+        A shape, index, coordinate, tag or triangle is wrong; the message names it.
+    SingularSystemError
+        With `check`: the factorisation failed.
+    TypeError
+        An array does not hold real numbers.
+    LibraryError
+        The native library cannot be loaded.
+
+    Notes
+    -----
+    When memory runs out inside the native library, the process ends: its exception cannot be caught
+    from Python. A factorisation's memory grows faster than the mesh.
+
+    A system cannot be pickled. After ``os.fork`` parent and child each have their own.
+
+    Examples
+    --------
+    A square, two opposite corners held at 0 and 1:
+
+    >>> import qelm
+    >>> system = qelm.MeshSystem([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]],
+    ...                          [[0, 1, 2], [0, 2, 3]], tags=[1, 0, 1, 0])
+    >>> field = system.solve([0, 0, 1, 0])
+    >>> print(field)
+    [0.  0.5 1.  0.5]
+    >>> [round(curve.length, 3) for curve in system.curves(field, [0.25, 0.75])]
+    [0.707, 0.707]
+    """
+
+    def __init__(
+        self,
+        vertices: npt.ArrayLike,
+        triangles: npt.ArrayLike,
+        tags: npt.ArrayLike,
+        *,
+        check: bool = True,
+    ) -> None:
+        xyz = _arrays.coordinates(vertices)
+        _arrays.require_count(len(xyz), "vertices", "vertex")
+        self._build(xyz, triangles, _arrays.tags(tags, len(xyz)), check)
+
+    @classmethod
+    def from_fixed(
+        cls,
+        vertices: npt.ArrayLike,
+        triangles: npt.ArrayLike,
+        fixed: npt.ArrayLike,
+        *,
+        check: bool = True,
+    ) -> MeshSystem:
+        """A system from the vertices that are fixed.
+
+        Parameters
+        ----------
+        vertices, triangles, check
+            As for :class:`MeshSystem`.
+        fixed : array_like
+            Numbers of the fixed vertices, in any order, or a mask of shape (n,) and type bool. They
+            get tag 1.
+
+        Returns
+        -------
+        MeshSystem
+
+        Raises
+        ------
+        MeshError, SingularSystemError, TypeError, LibraryError
+            As for :class:`MeshSystem`.
+
+        Examples
+        --------
+        >>> import qelm
+        >>> system = qelm.MeshSystem.from_fixed([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [0, 2])
+        >>> system.fixed.tolist()
+        [0, 2]
+        """
+        xyz = _arrays.coordinates(vertices)
+        _arrays.require_count(len(xyz), "vertices", "vertex")
+        system = cls.__new__(cls)
+        system._build(xyz, triangles, _arrays.fixed_tags(fixed, len(xyz)), check)
+        return system
+
+    def _build(
+        self, xyz: npt.NDArray[np.float64], triangles: npt.ArrayLike, tags: npt.NDArray[np.int32], check: bool
+    ) -> None:
+        self._handle: Optional[Handle] = None
+        corners = _arrays.triangle_indices(triangles, len(xyz))
+        _arrays.require_finite_vertices(xyz)
+        if check and meshcheck.inspect(xyz, corners, tags) != 0:
+            _refuse(xyz, corners, tags)
+        self._handle = _construct(xyz, corners, tags)
+        self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
+        self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
+        if check:
+            self._require_solvable()
+
+    def _keep(self, triangle_count: int, fixed: npt.NDArray[np.intp], vertex_count: int) -> None:
+        self.vertex_count = vertex_count
+        self.triangle_count = triangle_count
+        self.fixed_count = len(fixed)
+        self._fixed = fixed
+        self._fixed.flags.writeable = False
+        self._order: Optional[npt.NDArray[np.int32]] = None
+
+    # ---- What it is made of
+
+    @property
+    def fixed(self) -> npt.NDArray[np.intp]:
+        """Numbers of the fixed vertices, ascending; shape (fixed_count,), read-only."""
+        return self._fixed
+
+    @property
+    def order(self) -> npt.NDArray[np.int32]:
+        """The native library's own numbering: the input vertex of each of its vertices; read-only.
+
+        Fixed vertices come first, ascending; then the free ones, descending. ``field[system.order]``
+        is a field in *system order*.
+        """
+        if self._order is None:
+            is_free = np.ones(self.vertex_count, bool)
+            is_free[self._fixed] = False
+            order = np.concatenate([self._fixed, np.flatnonzero(is_free)[::-1]]).astype(np.int32)
+            order.flags.writeable = False
+            self._order = order
+        return self._order
+
+    @property
+    def system_vertices(self) -> npt.NDArray[np.float64]:
+        """Coordinates in system order, shape (n, 3): a read-only view of the library's memory.
+
+        It stays valid as long as it is held, also after the system is closed.
+        """
+        handle, place = self._alive(), c_void_p()
+        library().qelverts(handle.pointer, byref(place))
+        return lent(handle, place, (self.vertex_count, 3), np.float64)
+
+    @property
+    def system_triangles(self) -> npt.NDArray[np.int32]:
+        """Triangles in input order, their vertices in system numbering, shape (m, 3): a read-only view."""
+        handle, place = self._alive(), c_void_p()
+        library().qeltris(handle.pointer, byref(place))
+        return lent(handle, place, (self.triangle_count, 3), np.int32)
+
+    @property
+    def vertices(self) -> npt.NDArray[np.float64]:
+        """Coordinates in input order, shape (n, 3); a copy."""
+        result = np.empty((self.vertex_count, 3))
+        result[self.order] = self.system_vertices
+        return result
+
+    @property
+    def triangles(self) -> npt.NDArray[np.int32]:
+        """Triangles as they were given, shape (m, 3); a copy."""
+        return self.order[self.system_triangles]
+
+    # ---- Solving
+
+    def solve(
+        self,
+        values: npt.ArrayLike,
+        load: Optional[npt.ArrayLike] = None,
+        *,
+        out: Optional[npt.NDArray[np.float64]] = None,
+    ) -> npt.NDArray[np.float64]:
+        """One value per vertex, smooth between the fixed ones; or many such fields at once.
+
+        Parameters
+        ----------
+        values : array_like, shape (n,), (t,), (k, n) or (k, t)
+            Values of all vertices, of which those of fixed ones are read, or values of the t fixed
+            vertices alone, in the order of :attr:`fixed`. Two dimensions ask for k fields, which is
+            much faster than one after another.
+        load : array_like, shape (n,) or (k, n), optional
+            Solves K u + load = 0 at free vertices; read there alone. It enters as it is, without
+            mass matrix: for the Poisson equation laplace(u) = f pass the integral of f times each
+            vertex's hat function, for instance a third of the area around the vertex, times f.
+        out : ndarray, float64, C-contiguous, optional
+            Receives the result; may be the array of values or loads.
+
+        Returns
+        -------
+        ndarray, shape (n,) or (k, n), float64
+            Fixed vertices have their own value, bit for bit. `out` if it was given.
+
+        Raises
+        ------
+        FieldError
+            A shape is wrong, a number that is read is not finite or masked, or `out` cannot be used.
+        SingularSystemError
+            The equations have no single finite solution.
+        ClosedError
+            The system is closed.
+
+        Examples
+        --------
+        >>> import qelm
+        >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> print(system.solve([0, 1]))                  # of the fixed vertices alone
+        [0.  0.5 1.  0.5]
+        >>> print(system.solve([[0, 1], [4, 4]]))        # two fields
+        [[0.  0.5 1.  0.5]
+         [4.  4.  4.  4. ]]
+        >>> print(system.solve([0, 1], load=[0, -1, 0, -1]))
+        [0.  1.5 1.  1.5]
+        """
+        handle = self._alive()
+        prescribed = _solving.prescribed_values(values, self._fixed, self.vertex_count)
+        loads = None if load is None else self._loads(load)
+        if self.info:
+            self._require_solvable()
+        return _solving.solve(handle, prescribed, loads, out)
+
+    def _loads(self, load: npt.ArrayLike) -> npt.NDArray[np.float64]:
+        return _arrays.per_vertex(load, self.vertex_count, "load", self.order[self.fixed_count :])
+
+    def _any_field(self, field: npt.ArrayLike) -> npt.NDArray[np.float64]:
+        """(n,) of any values. A masked value becomes NaN, a hole."""
+        array = _arrays.doubles(field, "field")
+        if array.shape != (self.vertex_count,):
+            raise FieldError(f"field: the shape is {array.shape}, must be ({self.vertex_count},): one per vertex")
+        if isinstance(field, np.ma.MaskedArray):
+            return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
+        return array
+
+    def _require_solvable(self) -> None:
+        if self.info != FactorisationInfo.SUCCESS:
+            raise SingularSystemError(
+                f"the factorisation ended with {self.info.name}: some free vertices are not tied to a fixed one, "
+                "or triangles are too thin to compute with; qelm.check says more"
+            )
+
+    # ---- Curves
+
+    def curves(self, field: npt.ArrayLike, levels: Union[int, npt.ArrayLike] = 12) -> Curves:
+        """Level curves of a field, as polylines.
+
+        Parameters
+        ----------
+        field : array_like, shape (n,)
+            One value per vertex. Triangles with a NaN or masked corner are holes.
+        levels : int or array_like, shape (l,), default 12
+            Levels in any order, or how many to take evenly between the smallest and the largest
+            value (:func:`even_levels`).
+
+        Returns
+        -------
+        Curves
+            A sequence of :class:`Curve` that has the packed arrays as well.
+
+        Raises
+        ------
+        FieldError
+            A shape is wrong, a level is not finite, or there is no range to put levels in.
+        ClosedError
+            The system is closed.
+
+        Examples
+        --------
+        >>> import qelm
+        >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> for curve in system.curves(system.solve([0, 1]), levels=3):
+        ...     print(curve.level, curve.closed, curve.points.round(3).tolist())
+        0.25 False [[0.0, 0.5, 0.0], [0.25, 0.25, 0.0], [0.5, 0.0, 0.0]]
+        0.5 False [[0.0, 1.0, 0.0], [0.5, 0.5, 0.0], [1.0, 0.0, 0.0]]
+        0.75 False [[0.5, 1.0, 0.0], [0.75, 0.75, 0.0], [1.0, 0.5, 0.0]]
+        """
+        handle = self._alive()
+        array = self._any_field(field)
+        count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
+        chosen = even_levels(array, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
+        return _curves.cut(handle, array, chosen)
+
+    # ---- Lifetime
+
+    @property
+    def use_count(self) -> int:
+        """How many systems share this one's factorisation: 1, and one more for each duplicate."""
+        count: int = library().usecount(self._alive().pointer)
+        return count
+
+    @property
+    def closed(self) -> bool:
+        """Whether the system was closed."""
+        return self._handle is None
+
+    def duplicate(self) -> MeshSystem:
+        """A second system that shares mesh and factorisation, at the cost of a few arrays.
+
+        Returns
+        -------
+        MeshSystem
+            Closed on its own; what both share goes with the last.
+
+        Raises
+        ------
+        ClosedError
+            The system is closed.
+
+        Examples
+        --------
+        >>> import qelm
+        >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> other = system.duplicate()
+        >>> system.use_count
+        2
+        """
+        copy = type(self).__new__(type(self))
+        copy._handle = self._alive().duplicate()
+        copy._keep(self.triangle_count, self._fixed, self.vertex_count)
+        copy._order = self._order
+        copy.info = self.info
+        return copy
+
+    def close(self) -> None:
+        """Gives the native system back. Calls that are running on other threads finish first.
+
+        Without it, that happens when the last reference goes. Doing it again does nothing.
+        """
+        self._handle = None
+
+    def __enter__(self) -> MeshSystem:
+        self._alive()
+        return self
+
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        trace: Optional[types.TracebackType],
+    ) -> None:
+        self.close()
+
+    def __copy__(self) -> MeshSystem:
+        return self.duplicate()
+
+    def __deepcopy__(self, memo: object) -> MeshSystem:
+        return self.duplicate()
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError(
+            "a MeshSystem cannot be pickled, its factorisation is the native library's; "
+            "send vertices, triangles and tags, and build it there"
+        )
+
+    def __repr__(self) -> str:
+        state = "closed" if self.closed else f"{self.fixed_count} fixed"
+        return f"<qelm.MeshSystem: {self.vertex_count} vertices, {self.triangle_count} triangles, {state}>"
+
+    def _alive(self) -> Handle:
+        handle = self._handle
+        if handle is None:
+            raise ClosedError("the system is closed; build it again, or close it later")
+        return handle
+
+
+def _construct(xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32]) -> Handle:
+    status, pointer = c_int(), c_void_p()
+    address = _arrays.address
+    library().qelmctorTagged(
+        len(xyz), address(xyz), len(corners), address(corners), address(tags), None, byref(status), byref(pointer)
+    )
+    if status.value in (_REPEATED_VERTEX, _UNUSED_VERTEX):
+        _refuse(xyz, corners, tags)
+    require_ok(status.value)
+    return Handle(pointer)
+
+
+def _refuse(
+    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32]
+) -> NoReturn:
+    report = meshcheck.report_on(xyz, corners, tags)
+    raise MeshError(report.first_defect or str(report), report.status)

@@ -1,0 +1,94 @@
+"""The page of a field: what it holds, how a notebook gets it, how it becomes a file."""
+
+import base64
+import html
+import re
+
+import numpy as np
+import pytest
+import qelm
+from built import HAS_VIEW_PAGE
+from meshes import bits, grid
+
+pytestmark = pytest.mark.skipif(not HAS_VIEW_PAGE, reason="the tool was built without its page")
+VERTICES, TRIANGLES, TAGS = grid(9, 6)
+N = len(VERTICES)
+
+
+@pytest.fixture(scope="module")
+def system():
+    return qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
+
+
+def data_of(page):
+    """Vertices, field, load, and for each vertex by which condition it is held, from the page's block."""
+    (text,) = [found for found in re.findall(r">\s*([A-Za-z0-9+/=]{400,})\s*<", page.html)]
+    block = base64.b64decode(text)
+    assert block[:4] == b"QELM"
+    n, _, loads = np.frombuffer(block, "<u4", 3, 8)
+    numbers = np.frombuffer(block, "<f8", 4 * n + loads, 20)
+    held = np.frombuffer(block, "u1", n, 20 + 8 * (4 * n + loads) + 768)
+    return numbers[: 3 * n].reshape(-1, 3), numbers[3 * n : 4 * n], numbers[4 * n :], held
+
+
+def test_a_solved_field_is_on_the_page_bit_for_bit_with_its_fixed_vertices(system):
+    field = system.solve(np.cos(np.arange(N)))
+    vertices, shown, load, held = data_of(qelm.view(system, field))
+    assert (bits(vertices) == bits(VERTICES)).all() and (bits(shown) == bits(field)).all()
+    assert (len(load), held.tolist()) == (0, TAGS.tolist())
+
+
+def test_a_field_with_a_load_comes_with_its_load(system):
+    load = np.sin(np.arange(N))
+    field = system.solve(np.zeros(N), load)
+    _, shown, told, held = data_of(qelm.view(system, field, load))
+    assert (bits(shown) == bits(field)).all() and (bits(told) == bits(load)).all()
+    assert held.tolist() == TAGS.tolist()
+
+
+def test_a_field_from_elsewhere_is_shown_as_it_is(system):
+    field = np.cos(np.arange(N))
+    _, shown, _, held = data_of(qelm.view(system, field))
+    assert (bits(shown) == bits(field)).all() and held.all()
+
+
+def test_levels_and_title_are_on_the_page(system):
+    field = system.solve(np.arange(N))
+    assert "<title>A field_ of 3.ply" in qelm.view(system, field, title="A field/ of 3").html
+    page = qelm.view(system, field, levels=[0.5, -1e-3, 7])
+    assert '"levels":[-0.001,0.5,7.0]' in page.html
+    assert len(re.search(r'"levels":\[([^]]*)\]', qelm.view(system, field, levels=5).html).group(1).split(",")) == 5
+
+
+def test_a_notebook_gets_the_whole_page_in_a_frame(system):
+    page = qelm.view(system, system.solve(np.arange(N)))
+    frame = re.fullmatch(r'<iframe srcdoc="([^"]*)" style="[^"]*" allowfullscreen></iframe>', page._repr_html_(), re.S)
+    assert html.unescape(frame.group(1)) == page.html
+
+
+def test_a_file_holds_the_page(system, tmp_path):
+    page = qelm.view(system, system.solve(np.arange(N)))
+    assert page.save(tmp_path / "page.html").read_bytes().decode() == page.html
+    with pytest.raises(OSError):
+        page.save(tmp_path / "none" / "page.html")
+
+
+@pytest.mark.parametrize(
+    "arguments, error, message",
+    [
+        ({"field": np.ones(N)}, qelm.ToolError, "the field is 1 everywhere"),
+        ({"field": np.full(N, np.nan)}, qelm.FieldError, "field: vertex 0: nan is not finite"),
+        ({"field": np.arange(N), "load": np.zeros((2, N))}, qelm.FieldError, "load: the shape is"),
+        ({"field": np.arange(N), "direction": "up"}, qelm.ToolError, "--view up"),
+        ({"field": np.arange(N), "levels": 0}, qelm.ToolError, "--levels 0"),
+    ],
+)
+def test_what_cannot_be_shown_is_refused_in_words(system, arguments, error, message):
+    with pytest.raises(error, match=message):
+        qelm.view(system, **arguments)
+
+
+def test_without_the_tool_it_says_what_is_missing(system, monkeypatch):
+    monkeypatch.setenv("QELM_TOOL", "/nowhere/qelm")
+    with pytest.raises(qelm.ToolError, match="no command-line tool at /nowhere/qelm; install"):
+        qelm.view(system, np.arange(N))
