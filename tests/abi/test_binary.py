@@ -39,7 +39,9 @@ def dll_headers():
 
 def exported():
     if not IS_WINDOWS:
-        return [line.split()[2] for line in run("nm", "-D", "--defined-only", LIBRARY).splitlines()]
+        # Without the name of the version itself.
+        found = [line.split() for line in run("nm", "-D", "--defined-only", LIBRARY).splitlines()]
+        return [name.split("@")[0] for _, kind, name in found if kind != "A"]
     table = dll_headers().split("[Ordinal/Name Pointer] Table")[1].split("\n\n")[0]
     return re.findall(r"\[ *\d+\] (\S+)", table)
 
@@ -104,6 +106,14 @@ def test_the_soname_is_the_major_version():
     major = re.search(r"QELM_VERSION_MAJOR (\d+)", (SOURCE / "include/qelm.h").read_text()).group(1)
     dynamic = run(OBJDUMP, "-p", LIBRARY)
     assert re.search(r"SONAME\s+(\S+)", dynamic).group(1) == f"libqelm.so.{major}"
+
+
+@linux_only
+def test_every_symbol_carries_the_major_version():
+    major = re.search(r"QELM_VERSION_MAJOR (\d+)", (SOURCE / "include/qelm.h").read_text()).group(1)
+    symbols = run("nm", "-D", "--defined-only", "--with-symbol-versions", LIBRARY)
+    versions = set(re.findall(r" T \S+?@@?(\S+)", symbols))
+    assert versions == {f"QELM_{major}"}
 
 
 @linux_only
