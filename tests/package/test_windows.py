@@ -60,7 +60,7 @@ def test_the_files_carry_version_and_icon(windows):
         assert VERSION.encode("utf-16-le") in content
         assert description.encode("utf-16-le") in content
         assert file.encode("utf-16-le") in content
-    icon = (SOURCE / "tools/qelm/icon/qelm.ico").read_bytes()
+    icon = (SOURCE / "packaging/icon/qelm.ico").read_bytes()
     largest = icon[icon.rindex(b"\x89PNG") :]
     assert largest in (windows / "qelm.exe").read_bytes()
 
