@@ -13,7 +13,7 @@ target_compile_features(qelm_fmt PUBLIC cxx_std_20)
 
 # CGAL's readers need headers only: no CGAL library, no GMP. Its own package
 # would look for those.
-find_path(QELM_CGAL_FOLDER CGAL/IO/polygon_soup_io.h PATHS /usr/include
+find_path(QELM_CGAL_FOLDER CGAL/IO/OBJ.h PATHS /usr/include
   NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 add_library(qelm_cgal_readers INTERFACE)
 target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS_NO_MPZF
@@ -21,7 +21,9 @@ target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS
   # Valgrind. The readers do no interval arithmetic, which is what needs that.
   CGAL_DISABLE_ROUNDING_MATH_CHECK)
 if(CMAKE_CROSSCOMPILING)
-  qelm_link_to_headers("${QELM_CGAL_FOLDER}" CGAL boost)
+  find_path(QELM_BOOST_FOLDER boost/config.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  qelm_link_to_headers("${QELM_CGAL_FOLDER}" CGAL)
+  qelm_link_to_headers("${QELM_BOOST_FOLDER}" boost)
   target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${qelm_host_headers}")
 else()
   target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${QELM_CGAL_FOLDER}")

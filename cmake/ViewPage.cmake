@@ -4,7 +4,7 @@
 set(QELM_VIEW_PAGE AUTO CACHE STRING "Build the page of `qelm view`: AUTO (when npm's packages are there), ON, OFF")
 set_property(CACHE QELM_VIEW_PAGE PROPERTY STRINGS AUTO ON OFF)
 
-# qelm_add_view_page(TARGET): view_page.cpp of TARGET takes in the page.
+# qelm_add_view_page(TARGET): page/view_page.cpp of TARGET takes in the page.
 function(qelm_add_view_page target)
   set(folder "${PROJECT_SOURCE_DIR}/tools/page")
   set(QELM_HAS_VIEW_PAGE OFF CACHE INTERNAL "")

@@ -6,6 +6,7 @@
 #define QELM_INTERFACE_DEPENDENCIES_H
 
 #include <Eigen/Core>
+#include <cstdint>
 #include <nanoflann.hpp>
 
 #if !EIGEN_VERSION_AT_LEAST(3, 4, 0)
@@ -26,6 +27,15 @@ inline auto exactUnsortedSearch() {
   return nanoflann::SearchParameters(/*epsilon=*/0, /*sorted=*/false);
 #endif
 }
+
+/// What a tree's search may ask of a result set besides worstDist() and addPoint(). Later
+/// releases want the types of numbers named, and would sort if they were asked to.
+struct UnsortedResultSet {
+  using DistanceType = double;
+  using IndexType = std::int32_t;
+  bool full() const { return true; }
+  void sort() const {}
+};
 
 }  // namespace qelm
 

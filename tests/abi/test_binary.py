@@ -3,10 +3,24 @@
 import re
 
 import pytest
-from built import BUILD, IS_WINDOWS, LIBRARY, OBJDUMP, CHECKER, SOURCE, program, run, run_built
+from built import (
+    BUILD,
+    CHECKER,
+    HAS_TOOL,
+    IS_WINDOWS,
+    LIBRARY,
+    OBJDUMP,
+    SOURCE,
+    program,
+    run,
+    run_built,
+)
 
 windows_only = pytest.mark.skipif(not IS_WINDOWS, reason="about the DLL")
 linux_only = pytest.mark.skipif(IS_WINDOWS, reason="about the shared object")
+needs_tool = pytest.mark.skipif(not HAS_TOOL, reason="built without the tool")
+
+BINARIES = [LIBRARY, program("qelm")] if HAS_TOOL else [LIBRARY]
 
 # Parts of Windows itself; nothing else may be needed to load the DLL.
 WINDOWS_DLLS = {"kernel32.dll", "msvcrt.dll", "user32.dll", "gdi32.dll", "dwmapi.dll"}
@@ -25,7 +39,9 @@ def dll_headers():
 
 def exported():
     if not IS_WINDOWS:
-        return [line.split()[2] for line in run("nm", "-D", "--defined-only", LIBRARY).splitlines()]
+        # Without the name of the version itself.
+        found = [line.split() for line in run("nm", "-D", "--defined-only", LIBRARY).splitlines()]
+        return [name.split("@")[0] for _, kind, name in found if kind != "A"]
     table = dll_headers().split("[Ordinal/Name Pointer] Table")[1].split("\n\n")[0]
     return re.findall(r"\[ *\d+\] (\S+)", table)
 
@@ -93,10 +109,19 @@ def test_the_soname_is_the_major_version():
 
 
 @linux_only
+def test_every_symbol_carries_the_major_version():
+    major = re.search(r"QELM_VERSION_MAJOR (\d+)", (SOURCE / "include/qelm.h").read_text()).group(1)
+    symbols = run("nm", "-D", "--defined-only", "--with-symbol-versions", LIBRARY)
+    versions = set(re.findall(r" T \S+?@@?(\S+)", symbols))
+    assert versions == {f"QELM_{major}"}
+
+
+@linux_only
 @pytest.mark.skipif(bool(CHECKER), reason="sanitizers bring libraries of their own")
 def test_the_shared_object_needs_only_the_c_and_cxx_runtime():
     needed = set(re.findall(r"NEEDED\s+(\S+)", run(OBJDUMP, "-p", LIBRARY)))
-    allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6", "ld-linux-x86-64.so.2"}
+    allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
+               "ld-linux-x86-64.so.2", "ld-linux-aarch64.so.1"}  # fmt: skip
     assert needed and needed <= allowed
 
 
@@ -111,11 +136,12 @@ def test_the_shared_object_is_hardened():
 @linux_only
 @pytest.mark.skipif(bool(CHECKER), reason="sanitizers replace the checks of the stack")
 def test_the_tool_and_the_library_check_their_stacks():
-    for file in (LIBRARY, program("qelm")):
+    for file in BINARIES:
         assert "__stack_chk_fail" in run("nm", "-D", "--undefined-only", file), file
 
 
 @linux_only
+@needs_tool
 def test_the_tool_is_hardened_and_can_lie_anywhere():
     tool = program("qelm")
     headers = run("readelf", "-lW", tool)
@@ -127,11 +153,12 @@ def test_the_tool_is_hardened_and_can_lie_anywhere():
 
 @linux_only
 def test_nothing_is_both_writable_and_executable():
-    for file in (LIBRARY, program("qelm")):
+    for file in BINARIES:
         assert not re.search(r" RWE ", run("readelf", "-lW", file)), file
 
 
 @windows_only
+@needs_tool
 def test_the_tool_has_dep_aslr_and_high_entropy_addresses():
     headers = run(OBJDUMP, "-p", program("qelm"))
     for flag in ("NX_COMPAT", "DYNAMIC_BASE", "HIGH_ENTROPY_VA"):

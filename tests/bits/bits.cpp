@@ -14,6 +14,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "qelm.h"
@@ -241,6 +242,34 @@ void heatMap() {
   hash.print("heat_map");
 }
 
+/// The ordering, the factorisation and both substitutions, on a mesh whose factor has
+/// dense columns and on one without.
+void fields() {
+  Hash hash;
+  for (const int across : {12, 90}) {
+    const Mesh mesh = sheet(across, across - 3, 40);
+    MeshSystem* system = build(mesh);
+    hash.add(qelminfo(system));
+    const int n = mesh.vertexCount();
+    Numbers numbers(41);
+    std::vector<double> values, loads, results(static_cast<std::size_t>(5 * n));
+    for (int i = 0; i < 5 * n; ++i) {
+      values.push_back(numbers.within(-2, 7));
+      loads.push_back(numbers.below(3) == 0 ? numbers.within(-1, 1) : 0);
+    }
+    int status = -1;
+    for (const double* load : {static_cast<const double*>(nullptr), std::as_const(loads).data()}) {
+      qelmsolveManyTagged(system, 5, values.data(), load, results.data(), &status);
+      hash.add(status);
+      for (const double value : results) hash.add(value);
+    }
+    qelmsolveTagged(system, values.data(), results.data(), &status);
+    for (int i = 0; i < n; ++i) hash.add(results[static_cast<std::size_t>(i)]);
+    qelmfree(system);
+  }
+  hash.print("fields");
+}
+
 }  // namespace
 
 int main() {
@@ -251,5 +280,6 @@ int main() {
   curves();
   check();
   heatMap();
+  fields();
   return 0;
 }

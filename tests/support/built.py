@@ -12,6 +12,9 @@ C_COMPILER = os.environ["QELM_C_COMPILER"]
 TOOLCHAIN_FILE = os.environ.get("QELM_TOOLCHAIN_FILE", "")
 # Sanitizers or Valgrind: slow, and with libraries, memory and messages of their own.
 CHECKER = os.environ.get("QELM_CHECKER", "")
+HAS_TOOL = os.environ.get("QELM_HAS_TOOL") == "ON"
+# Built for another system than this one.
+IS_CROSS_BUILT = bool(TOOLCHAIN_FILE)
 HAS_VIEW_PAGE = os.environ.get("QELM_HAS_VIEW_PAGE") == "ON"
 EXE = ".exe" if IS_WINDOWS else ""
 LIBRARY = BUILD / ("bin/qelm.dll" if IS_WINDOWS else "lib/libqelm.so")

@@ -25,7 +25,9 @@ struct Cloud {
   }
 
   std::size_t kdtree_get_point_count() const { return points.size(); }
-  double kdtree_get_pt(std::size_t i, std::size_t axis) const { return points[i][axis]; }
+  double kdtree_get_pt(std::int32_t i, std::int32_t axis) const {
+    return points[static_cast<std::size_t>(i)][static_cast<std::size_t>(axis)];
+  }
   template <class Box>
   bool kdtree_get_bbox(Box& box) const {
     for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -41,20 +43,20 @@ struct Cloud {
   std::array<double, 3> high{-kInfinity, -kInfinity, -kInfinity};
 };
 
-using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Adaptor<double, Cloud>, Cloud, 3>;
+using Tree =
+    nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Adaptor<double, Cloud, double, std::int32_t>,
+                                        Cloud, 3, std::int32_t>;
 
 /// What the tree asks of a result set: the points whose squared distance is below the
 /// squared radius.
-struct WithinRadius {
+struct WithinRadius : UnsortedResultSet {
   explicit WithinRadius(double squared) : radiusSquared(squared) {}
 
   double worstDist() const { return radiusSquared; }
-  bool full() const { return true; }
-  bool addPoint(double distance, std::uint32_t found) {
-    if (distance < radiusSquared) points.push_back(static_cast<std::int32_t>(found));
+  bool addPoint(double distance, std::int32_t found) {
+    if (distance < radiusSquared) points.push_back(found);
     return true;
   }
-  void sort() const {}  // never asked for
 
   double radiusSquared;
   std::vector<std::int32_t> points;

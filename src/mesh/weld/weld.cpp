@@ -68,18 +68,16 @@ constexpr std::size_t kLeafSize = 10;
 
 /// A result set without a bound: takes every cell, in the order in which the tree
 /// comes across them.
-class EveryCell {
+class EveryCell : public UnsortedResultSet {
  public:
   explicit EveryCell(std::vector<std::int32_t>& cells) : cells_(cells) {}
 
   // What the tree asks of a result set, under the tree's own names.
   double worstDist() const { return kInfinity; }
-  bool full() const { return true; }
   bool addPoint(double /*distance*/, std::int32_t found) {
     cells_.push_back(found);
     return true;
   }
-  void sort() const {}  // never asked for
 
  private:
   std::vector<std::int32_t>& cells_;
@@ -105,7 +103,7 @@ std::vector<std::int32_t> inOrderOfLeaves(const CellTree& tree, const CellCloud&
 /// spreads of both cells. Of two cells the one with the larger spread looks for the
 /// other, so twice its own spread is enough, and cells of one point search no
 /// wider than they would without cells.
-class CellJoiner {
+class CellJoiner : public UnsortedResultSet {
  public:
   CellJoiner(std::span<const double> vertices, const WeldScale& scale, WeldCells& cells,
              DisjointSets& sets)
@@ -119,14 +117,12 @@ class CellJoiner {
 
   // What the tree asks of a result set, under the tree's own names.
   double worstDist() const { return reachSquared_; }
-  bool full() const { return true; }
   bool addPoint(double /*distance*/, std::int32_t found) {
     const bool isOurs =
         spreadOf(found) == spreadOf(cell_) ? found > cell_ : spreadOf(found) < spreadOf(cell_);
     if (isOurs) join(found);
     return true;
   }
-  void sort() const {}  // never asked for
 
  private:
   double spreadOf(std::int32_t cell) const { return cells_.spread[static_cast<std::size_t>(cell)]; }

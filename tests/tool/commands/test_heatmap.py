@@ -49,6 +49,12 @@ def test_every_point_carries_its_own_value(qelm):
     assert "result   heat.obj, heat.mtl, viridis.PNG" in done.stderr
 
 
+def test_the_ramp_is_the_image_that_packages_bring(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    qelm.ok("heatmap", "grid.obj", *LEFT_RIGHT, "-o", "heat")
+    assert (qelm.folder / "viridis.PNG").read_bytes() == (built.SOURCE / "data/viridis.PNG").read_bytes()
+
+
 def test_ply_holds_the_value_and_colour_of_every_vertex_in_the_meshs_order(qelm):
     mesh = shapes.grid(4, 3)
     qelm.write("grid.obj", shapes.obj(mesh))

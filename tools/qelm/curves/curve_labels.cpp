@@ -31,6 +31,12 @@ constexpr int kMostDigits = 17;
 // Tried in this order, as parts of the curve's length.
 constexpr std::array<double, 9> kPlaces = {0.5, 0.4, 0.6, 0.3, 0.7, 0.2, 0.8, 0.1, 0.9};
 
+// With three arguments hypot() is a template of the C++ library; with two it would be
+// one of glibc 2.35 or later, for which the tool should not ask.
+double distance(const PicturePoint& a, const PicturePoint& b) {
+  return std::hypot(b[0] - a[0], b[1] - a[1], 0.0);
+}
+
 /// A stroke by the length along it.
 class Measured {
  public:
@@ -38,8 +44,7 @@ class Measured {
     if (stroke.closed) points_.push_back(points_.front());
     along_.push_back(0);
     for (std::size_t k = 1; k < points_.size(); ++k)
-      along_.push_back(along_.back() + std::hypot(points_[k][0] - points_[k - 1][0],
-                                                  points_[k][1] - points_[k - 1][1]));
+      along_.push_back(along_.back() + distance(points_[k - 1], points_[k]));
   }
 
   double length() const { return along_.back(); }
@@ -58,10 +63,6 @@ class Measured {
   std::vector<PicturePoint> points_;
   std::vector<double> along_;
 };
-
-double distance(const PicturePoint& a, const PicturePoint& b) {
-  return std::hypot(b[0] - a[0], b[1] - a[1]);
-}
 
 /// A label takes up a disc, whichever way it is turned.
 class Placer {

@@ -80,7 +80,7 @@ class Cutter {
   }
 
   void piece(const Point& a, const Point& b) {
-    const double size = std::hypot(b[0] - a[0], b[1] - a[1]);
+    const double size = std::hypot(b[0] - a[0], b[1] - a[1], 0.0);  // not glibc 2.35's
     const int steps = std::max(1, static_cast<int>(size / kStep));
     for (int k = 1; k <= steps; ++k) {
       const double t = static_cast<double>(k) / steps;
