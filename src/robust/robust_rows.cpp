@@ -1,0 +1,82 @@
+#include "robust/robust_rows.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "mesh/edge_sums.h"
+
+namespace qelm {
+namespace {
+
+using HalfEdge = DoubleCover::HalfEdge;
+
+std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
+
+/// Every entry finite and, off the diagonal, at most the limit of its row. NaN is neither.
+bool isWithin(const SparseBlock& block, const Eigen::VectorXd& limits, bool hasDiagonal) {
+  for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
+    for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
+      if (!std::isfinite(entry.value())) return false;
+      if (hasDiagonal && entry.row() == c) continue;
+      if (entry.value() > limits[entry.row()]) return false;
+    }
+  }
+  return true;
+}
+
+/// Leaves each edge's weight at one of its half-edges and 0 at the other, in place of the
+/// cotangents. An edge from a vertex to itself has none, and one without twin ties two
+/// prescribed vertices: its weight is in no free row.
+void turnIntoWeights(DoubleCover& cover) {
+  const double share = 0.5 / cover.sheets;
+  for (HalfEdge h = 0; at(h) < cover.size(); ++h) {
+    const HalfEdge g = cover.twin[at(h)];
+    if (g > h) continue;
+    double weight = 0;
+    if (g != DoubleCover::kNone && cover.origin[at(h)] != cover.origin[at(g)]) {
+      weight = std::max(0.0, share * (cover.cotangent[at(h)] + cover.cotangent[at(g)]));
+    }
+    cover.cotangent[at(h)] = weight;
+    if (g != DoubleCover::kNone) cover.cotangent[at(g)] = 0;
+  }
+}
+
+/// visit(a, b, weight) for each edge that has one.
+template <class Visit>
+void forEachWeight(const DoubleCover& weighted, Visit visit) {
+  for (HalfEdge h = 0; at(h) < weighted.origin.size(); ++h) {
+    const double weight = weighted.cotangent[at(h)];
+    if (weight > 0) visit(weighted.origin[at(h)], weighted.origin[at(DoubleCover::next(h))], weight);
+  }
+}
+
+}  // namespace
+
+bool isGood(const FreeRowBlocks& plain) {
+  const Eigen::VectorXd limits = kRoundingOfPlain * plain.freeFree.diagonal();
+  return isWithin(plain.freeFree, limits, true) && isWithin(plain.freeFixed, limits, false);
+}
+
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
+                         std::span<const std::int32_t> triangles) {
+  turnIntoWeights(cover);
+  std::vector<HalfEdge>().swap(cover.twin);
+  std::vector<std::uint32_t> higherEnds(vertexCount);
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
+    ++higherEnds[at(std::max(a, b))];
+  });
+  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
+    sums.add(a, b, -weight);
+    sums.addToDiagonal(a, weight);
+    sums.addToDiagonal(b, weight);
+  });
+  cover = {};
+  EdgeSums::Counts counts = sums.addUp();
+  return blocksOf(std::move(sums), std::move(counts), taggedCount);
+}
+
+}  // namespace qelm
