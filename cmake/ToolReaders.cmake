@@ -6,7 +6,7 @@ include_guard(GLOBAL)
 # fmt, compiled once. Debian has it as headers, and as a shared library for the host alone;
 # with headers alone every source would compile all of it again, five seconds each time.
 qelm_header_only(fmt::fmt-header-only fmt 9 fmt)
-add_library(qelm_fmt STATIC "${PROJECT_SOURCE_DIR}/tools/qelm/fmt_library.cpp")
+add_library(qelm_fmt STATIC "${PROJECT_SOURCE_DIR}/tools/qelm/text/fmt_library.cpp")
 target_include_directories(qelm_fmt SYSTEM PUBLIC
   $<TARGET_PROPERTY:fmt::fmt-header-only,INTERFACE_INCLUDE_DIRECTORIES>)
 target_compile_features(qelm_fmt PUBLIC cxx_std_20)
@@ -30,24 +30,24 @@ else()
 endif()
 
 add_library(qelm_tool_readers OBJECT
-  "${PROJECT_SOURCE_DIR}/tools/qelm/boundary.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/console.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/field_csv.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/levels.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_checks.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_reader.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_writer.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/obj_text.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/off_data.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/paths.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/ply_data.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/ply_header.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/selection.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/stl_data.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/text.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/triangulate.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/vertex_csv.cpp")
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selection.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/vertex_csv.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/fields/field_csv.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/files/paths.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/off_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_header.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/stl_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/triangulate.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/terminal/console.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/text/text.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
 target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt)
 if(QELM_QUICK_BUILD)

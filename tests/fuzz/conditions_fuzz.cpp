@@ -1,6 +1,6 @@
 // Conditions, and what they select on meshes that nobody has checked, beside plain
 // definitions of the selectors.
-#include "conditions.h"
+#include "conditions/conditions.h"
 
 #include <fmt/format.h>
 
@@ -8,11 +8,11 @@
 #include <map>
 #include <set>
 
-#include "error.h"
+#include "conditions/selection.h"
 #include "fuzz/input.h"
 #include "fuzz/tool_checks.h"
-#include "mesh_checks.h"
-#include "selection.h"
+#include "mesh/mesh_checks.h"
+#include "text/error.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The options that choose levels, on fields of any range.
 #include <cmath>
 
-#include "error.h"
+#include "curves/levels.h"
 #include "fuzz/input.h"
 #include "fuzz/tool_checks.h"
-#include "levels.h"
+#include "text/error.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <cmath>
 #include <limits>
 
-#include "error.h"
 #include "fuzz/tool_checks.h"
-#include "mesh_reader.h"
-#include "mesh_writer.h"
-#include "triangulate.h"
+#include "mesh_files/mesh_reader.h"
+#include "mesh_files/mesh_writer.h"
+#include "mesh_files/triangulate.h"
+#include "text/error.h"
 
 namespace qelm::fuzz {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "mesh.h"
+#include "mesh/mesh.h"
 
 namespace qelm::fuzz {
 

@@ -1,8 +1,8 @@
 // OBJ files, beside a reading of the plain text that is handed to the reader behind.
-#include "error.h"
 #include "fuzz/mesh_file_fuzz.h"
 #include "fuzz/tool_checks.h"
-#include "obj_text.h"
+#include "mesh_files/obj_text.h"
+#include "text/error.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // PLY files, text and binary.
 #include "fuzz/mesh_file_fuzz.h"
 #include "fuzz/tool_checks.h"
-#include "ply_header.h"
+#include "mesh_files/ply_header.h"
 
 namespace {
 

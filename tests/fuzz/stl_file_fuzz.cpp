@@ -1,10 +1,10 @@
 // STL files, text and binary, beside a plain reading of the facets' corners.
 #include <cstring>
 
-#include "error.h"
 #include "fuzz/mesh_file_fuzz.h"
 #include "fuzz/tool_checks.h"
-#include "stl_data.h"
+#include "mesh_files/stl_data.h"
+#include "text/error.h"
 
 namespace {
 

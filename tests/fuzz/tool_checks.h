@@ -11,8 +11,8 @@
 #include <string>
 #include <string_view>
 
-#include "byte_sink.h"
-#include "text.h"
+#include "text/byte_sink.h"
+#include "text/text.h"
 
 namespace qelm::fuzz {
 

@@ -6,10 +6,10 @@
 #include <optional>
 #include <set>
 
-#include "error.h"
-#include "field_csv.h"
+#include "conditions/vertex_csv.h"
+#include "fields/field_csv.h"
 #include "fuzz/tool_checks.h"
-#include "vertex_csv.h"
+#include "text/error.h"
 
 namespace {
 

@@ -10,10 +10,10 @@
 #include <shellapi.h>
 #endif
 
-#include "command_line.h"
-#include "console.h"
-#include "error.h"
-#include "paths.h"
+#include "commands/command_line.h"
+#include "files/paths.h"
+#include "terminal/console.h"
+#include "text/error.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// The page's mesh: one block of bytes, written by tools/qelm/page_data.cpp.
+// The page's mesh: one block of bytes, written by tools/qelm/page/page_data.cpp.
 //
 //   "QELM", version (u32), n, m (u32): vertices, triangles; l (u32): n with a load, else 0
 //   positions   f64[3n]  packed xyz, the caller's units

@@ -1,0 +1,49 @@
+// Coordinates, and what the triangles look like. Triangles that name no three
+// vertices, or whose corners are not finite, have a defect already and no shape.
+#include <algorithm>
+
+#include "mesh/check/check.h"
+#include "mesh/check/quality.h"
+
+namespace qelm {
+namespace {
+
+Vec3 pointAt(const MeshView& mesh, std::int32_t vertex) {
+  const auto p = mesh.vertices.subspan(3 * static_cast<std::size_t>(vertex), 3);
+  return {p[0], p[1], p[2]};
+}
+
+bool hasAShape(const MeshView& mesh, std::size_t triangle) {
+  const auto c = mesh.corners(triangle);
+  return mesh.isSound(triangle) && std::all_of(c.begin(), c.end(), [&mesh](std::int32_t v) {
+           return mesh.isFinite(static_cast<std::size_t>(v));
+         });
+}
+
+/// A triangle is too flat or else of the wrong size, never both.
+void noteShape(const TriangleShape& shape, std::size_t triangle, QelmMeshReport& report) {
+  if (shape.quality < report.worstQuality) {
+    report.worstQuality = shape.quality;
+    report.worstTriangle = static_cast<std::int64_t>(triangle);
+  }
+  if (shape.quality < kLeastQuality) {
+    note(report.nearZeroArea, triangle);
+  } else if (shape.longestEdge < kShortestLongestEdge || shape.longestEdge > kLongestLongestEdge) {
+    note(report.sizeOutOfRange, triangle);
+  }
+}
+
+}  // namespace
+
+void checkGeometry(const MeshView& mesh, QelmMeshReport& report) {
+  for (std::size_t i = 0; i < mesh.vertexCount(); ++i) {
+    if (!mesh.isFinite(i)) note(report.notFinite, i);
+  }
+  for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {
+    if (!hasAShape(mesh, j)) continue;
+    const auto c = mesh.corners(j);
+    noteShape(shapeOf(pointAt(mesh, c[0]), pointAt(mesh, c[1]), pointAt(mesh, c[2])), j, report);
+  }
+}
+
+}  // namespace qelm

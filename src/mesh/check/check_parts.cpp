@@ -1,0 +1,47 @@
+// Connected parts: groups of vertices that triangles hold together. Each part needs
+// a prescribed value, or its fields are determined only up to a constant.
+#include <vector>
+
+#include "mesh/check/check.h"
+#include "mesh/disjoint_sets.h"
+#include "mesh/numbering.h"
+
+namespace qelm {
+namespace {
+
+/// Unites those corners that exist, and marks them.
+void uniteCorners(const MeshView& mesh, std::size_t triangle, DisjointSets& parts,
+                  std::vector<bool>& used) {
+  std::int32_t previous = -1;
+  for (const std::int32_t v : mesh.corners(triangle)) {
+    if (!mesh.inRange(v)) continue;
+    used[static_cast<std::size_t>(v)] = true;
+    if (previous >= 0) parts.unite(previous, v);
+    previous = v;
+  }
+}
+
+}  // namespace
+
+// Like the use of a vertex, connection does not ask whether a triangle is sound.
+void checkParts(const MeshView& mesh, QelmMeshReport& report) {
+  const std::size_t n = mesh.vertexCount();
+  DisjointSets parts(n);
+  std::vector<bool> used(n, false);
+  for (std::size_t j = 0; j < mesh.triangleCount(); ++j) uniteCorners(mesh, j, parts, used);
+
+  std::vector<bool> tagged(n, false);
+  for (std::size_t i = 0; i < n; ++i) {
+    if (!isPrescribed(mesh.tags[i])) continue;
+    tagged[static_cast<std::size_t>(parts.root(static_cast<std::int32_t>(i)))] = true;
+  }
+  for (std::size_t i = 0; i < n; ++i) {
+    const bool isLowestOfAPart =
+        used[i] && parts.root(static_cast<std::int32_t>(i)) == static_cast<std::int32_t>(i);
+    if (!isLowestOfAPart) continue;
+    note(report.part, i);
+    if (!tagged[i]) note(report.untaggedPart, i);
+  }
+}
+
+}  // namespace qelm

@@ -1,0 +1,255 @@
+#include "mesh/weld/weld.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <nanoflann.hpp>
+
+#include "mesh/index_table.h"
+#include "mesh/vec3.h"
+#include "mesh/weld/weld_alone.h"
+#include "mesh/weld/weld_cells.h"
+#include "qelm.h"
+
+namespace qelm {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+/// One point per cell, in tree coordinates, with the box around them.
+class CellCloud {
+ public:
+  CellCloud(std::span<const double> vertices, const WeldCells& cells, double cell) {
+    points_.reserve(cells.size());
+    for (const std::int32_t first : cells.first) {
+      const Vec3 p = pointAt(vertices, first);
+      points_.push_back(
+          {searchCoordinate(p.x, cell), searchCoordinate(p.y, cell), searchCoordinate(p.z, cell)});
+      widen(points_.back());
+    }
+  }
+
+  const double* point(std::int32_t c) const { return points_[static_cast<std::size_t>(c)].data(); }
+
+  // What the tree asks for, under the tree's own names.
+  std::size_t kdtree_get_point_count() const { return points_.size(); }
+  double kdtree_get_pt(std::int32_t c, std::int32_t axis) const {
+    return points_[static_cast<std::size_t>(c)][static_cast<std::size_t>(axis)];
+  }
+  template <class TreeBox>
+  bool kdtree_get_bbox(TreeBox& box) const {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      box[axis].low = low_[axis];
+      box[axis].high = high_[axis];
+    }
+    return true;
+  }
+
+ private:
+  void widen(const std::array<double, 3>& p) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      if (p[axis] < low_[axis]) low_[axis] = p[axis];
+      if (p[axis] > high_[axis]) high_[axis] = p[axis];
+    }
+  }
+
+  std::vector<std::array<double, 3>> points_;
+  std::array<double, 3> low_{kInfinity, kInfinity, kInfinity};
+  std::array<double, 3> high_{-kInfinity, -kInfinity, -kInfinity};
+};
+
+using CellTree = nanoflann::KDTreeSingleIndexAdaptor<
+    nanoflann::L2_Adaptor<double, CellCloud, double, std::int32_t>, CellCloud, 3, std::int32_t>;
+
+constexpr std::size_t kLeafSize = 10;
+
+/// Takes the cells that the tree finds around one cell and unites what an exact
+/// test finds near enough.
+///
+/// The tree may not decide itself. It bounds a branch's distance by adding and
+/// subtracting squares level by level, and the roundings can carry that bound past
+/// the radius although the distance to a point inside, computed directly, is below
+/// it. So it searches a wider sphere: the reach, which has slack for that, and the
+/// spreads of both cells. Of two cells the one with the larger spread looks for the
+/// other, so twice its own spread is enough, and cells of one point search no
+/// wider than they would without cells.
+class CellJoiner {
+ public:
+  CellJoiner(std::span<const double> vertices, const WeldScale& scale, WeldCells& cells,
+             DisjointSets& sets)
+      : vertices_(vertices), scale_(scale), cells_(cells), sets_(sets) {}
+
+  void setCell(std::int32_t cell) {
+    cell_ = cell;
+    const double reach = scale_.reach + 2 * spreadOf(cell);
+    reachSquared_ = reach * reach;
+  }
+
+  // What the tree asks of a result set, under the tree's own names.
+  double worstDist() const { return reachSquared_; }
+  bool full() const { return true; }
+  bool addPoint(double /*distance*/, std::int32_t found) {
+    const bool isOurs =
+        spreadOf(found) == spreadOf(cell_) ? found > cell_ : spreadOf(found) < spreadOf(cell_);
+    if (isOurs) join(found);
+    return true;
+  }
+
+ private:
+  double spreadOf(std::int32_t cell) const { return cells_.spread[static_cast<std::size_t>(cell)]; }
+
+  void join(std::int32_t found) {
+    const std::int32_t a = cells_.first[static_cast<std::size_t>(cell_)];
+    const std::int32_t b = cells_.first[static_cast<std::size_t>(found)];
+    if (sets_.root(a) == sets_.root(b)) return;
+    if (anyPairWithin(vertices_, scale_.radiusSquared, cells_.membersOf(cell_),
+                      cells_.membersOf(found))) {
+      sets_.unite(a, b);
+    }
+  }
+
+  std::span<const double> vertices_;
+  const WeldScale& scale_;
+  WeldCells& cells_;
+  DisjointSets& sets_;
+  std::int32_t cell_ = 0;
+  double reachSquared_ = 0;
+};
+
+void uniteAcrossCells(std::span<const double> vertices, const WeldScale& scale, WeldCells& cells,
+                      DisjointSets& sets) {
+  const CellCloud cloud(vertices, cells, scale.cell);
+  const CellTree tree(3, cloud, nanoflann::KDTreeSingleIndexAdaptorParams(kLeafSize));
+  constexpr int kIgnored = 0;
+  const nanoflann::SearchParams exactUnsorted(kIgnored, 0, false);
+  CellJoiner joiner(vertices, scale, cells, sets);
+  // In the order of the tree's leaves: one query then walks nodes that the one
+  // before has just brought into the cache.
+  for (const std::int32_t cell : tree.vAcc) {
+    joiner.setCell(cell);
+    tree.findNeighbors(joiner, cloud.point(cell), exactUnsorted);
+  }
+}
+
+using Corners = std::array<std::int32_t, 3>;
+
+/// Sorted corners: the same for every order and orientation.
+inline Corners triangleKey(const Corners& c) {
+  const auto [a, b] = std::minmax(c[0], c[1]);
+  return {std::min(a, c[2]), std::max(a, std::min(b, c[2])), std::max(b, c[2])};
+}
+
+std::uint64_t hashOf(const Corners& key) {
+  return hashWords(static_cast<std::uint64_t>(key[0]), static_cast<std::uint64_t>(key[1]),
+                   static_cast<std::uint64_t>(key[2]));
+}
+
+/// Some triangles ahead, so that what they need of the table can be fetched in time.
+struct TriangleBlock {
+  static constexpr std::size_t kMost = 16;
+  struct Triangle {
+    Corners corners;
+    Corners key;
+    std::uint64_t hash;
+  };
+  std::array<Triangle, kMost> triangles;
+  std::size_t count = 0;
+
+  /// Of the triangles of a span, those that have three vertices.
+  void fill(std::span<const std::int32_t> from, std::span<const std::int32_t> vertexMap,
+            const IndexTable& known) {
+    count = 0;
+    for (std::size_t i = 0; i < from.size(); i += 3) {
+      Triangle& t = triangles[count];
+      for (std::size_t k = 0; k < 3; ++k) {
+        t.corners[k] = vertexMap[static_cast<std::size_t>(from[i + k])];
+      }
+      t.key = triangleKey(t.corners);
+      if (t.key[0] == t.key[1] || t.key[1] == t.key[2]) continue;
+      t.hash = hashOf(t.key);
+      known.prefetch(t.hash);
+      ++count;
+    }
+  }
+};
+
+}  // namespace
+
+DisjointSets uniteNeighbours(std::span<const double> vertices, double tolerance) {
+  DisjointSets sets(vertices.size() / 3);
+  // Squared distances are 0 or more, or NaN: nothing is below 0 (the square may
+  // have underflowed to it) or below NaN.
+  if (!(tolerance * tolerance > 0)) return sets;
+  const WeldScale scale = weldScale(tolerance);
+  const std::vector<std::int32_t> others = uniteAlone(vertices, scale, sets);
+  WeldCells cells = uniteWithinCells(vertices, others, scale, sets);
+  uniteAcrossCells(vertices, scale, cells, sets);
+  return sets;
+}
+
+std::vector<std::int32_t> numberSets(DisjointSets& sets, std::span<std::int32_t> numbers) {
+  std::vector<std::int32_t> lowest;
+  lowest.reserve(sets.size());
+  for (std::size_t i = 0; i < sets.size(); ++i) {
+    const auto element = static_cast<std::int32_t>(i);
+    const std::int32_t root = sets.root(element);
+    // The root is the lowest element, so it has its number already.
+    numbers[i] = root == element ? static_cast<std::int32_t>(lowest.size())
+                                 : numbers[static_cast<std::size_t>(root)];
+    if (root == element) lowest.push_back(element);
+  }
+  return lowest;
+}
+
+std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
+                           std::span<const std::int32_t> vertexMap,
+                           std::span<std::int32_t> welded) {
+  IndexTable known(triangles.size() / 3);
+  TriangleBlock block;
+  std::int32_t count = 0;
+  // The arrays may be one: what is written is behind what was read.
+  for (std::size_t t = 0; t < triangles.size(); t += 3 * TriangleBlock::kMost) {
+    const std::size_t length = std::min(triangles.size() - t, 3 * TriangleBlock::kMost);
+    block.fill(triangles.subspan(t, length), vertexMap, known);
+    for (const auto& next : std::span(block.triangles).first(block.count)) {
+      const std::int32_t found = known.findOrInsert(next.hash, count, [&](std::int32_t other) {
+        const std::int32_t* const corner = &welded[3 * static_cast<std::size_t>(other)];
+        return triangleKey({corner[0], corner[1], corner[2]}) == next.key;
+      });
+      if (found != count) continue;
+      std::ranges::copy(next.corners, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
+      ++count;
+    }
+  }
+  return count;
+}
+
+}  // namespace qelm
+
+// NaN is not below 0: that tolerance passes, and welds nothing.
+extern "C" int qelmWeld(int vertexCount, const double* vertices, int triangleCount,
+                        const int* triangles, double tolerance, double* weldedVertices,
+                        int* weldedTriangles, int* vertexMap, int* weldedVertexCount,
+                        int* weldedTriangleCount) {
+  if (vertexCount < 0 || triangleCount < 0 || tolerance < 0.0) {
+    return QELM_STATUS_BAD_COUNT_OR_HANDLE;
+  }
+  if (weldedVertexCount != nullptr) *weldedVertexCount = 0;
+  if (weldedTriangleCount != nullptr) *weldedTriangleCount = 0;
+  if (vertexCount == 0) return QELM_STATUS_OK;
+  const auto n = static_cast<std::size_t>(vertexCount);
+  const auto m = static_cast<std::size_t>(triangleCount);
+  const std::span<const double> points(vertices, 3 * n);
+  qelm::DisjointSets clusters = qelm::uniteNeighbours(points, tolerance);
+  const std::vector<std::int32_t> kept = qelm::numberSets(clusters, {vertexMap, n});
+  // Ascending, and no vertex moves back: this works in place, too.
+  double* next = weldedVertices;
+  for (const std::int32_t i : kept) next = std::copy_n(vertices + 3 * std::size_t(i), 3, next);
+  const std::int32_t keptTriangles =
+      qelm::weldTriangles({triangles, 3 * m}, {vertexMap, n}, {weldedTriangles, 3 * m});
+  *weldedVertexCount = static_cast<int>(kept.size());
+  *weldedTriangleCount = keptTriangles;
+  return QELM_STATUS_OK;
+}

@@ -1,0 +1,236 @@
+#include "mesh/weld/weld_cells.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include "mesh/index_table.h"
+
+namespace qelm {
+namespace {
+
+// Below this tolerance its square nears the subnormal numbers, where one rounding
+// may be as large as the square itself.
+constexpr double kTinyTolerance = 0x1p-500;
+
+// Squares reach infinity at this length: with an infinite radius, pairs at a
+// shorter distance are still the only ones to be welded.
+constexpr double kOverflowLength = 0x1p512;
+
+// Room for the few roundings in a length (2^-53 each) and for those in the branch
+// distances of the tree, which add up over its levels (see weld.cpp). Too much of
+// it costs a few more exact tests, no more.
+constexpr double kReachSlack = 1 + 1e-6;
+
+// In tree coordinates; see searchCoordinate().
+constexpr double kLinearLimit = 0x1p300;
+
+bool isFinite(Vec3 p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+
+bool isEqual(Vec3 a, Vec3 b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
+
+/// Lower end of the cell along one axis. Divisions and products by a power of two
+/// are exact here. From 2^52 cell edges on, the coordinate is a whole number of
+/// them already (or the quotient overflows): a cell then holds one coordinate.
+/// Adding 0.0 turns -0.0 into 0.0: equal ends must have equal bits.
+double cellEnd(double coordinate, double cell) {
+  const double edges = coordinate / cell;
+  return (std::fabs(edges) < 0x1p52 ? std::floor(edges) * cell : coordinate) + 0.0;
+}
+
+Vec3 cellOf(Vec3 p, double cell) {
+  return {cellEnd(p.x, cell), cellEnd(p.y, cell), cellEnd(p.z, cell)};
+}
+
+std::uint64_t hashOf(Vec3 p) {
+  return hashWords(std::bit_cast<std::uint64_t>(p.x), std::bit_cast<std::uint64_t>(p.y),
+                   std::bit_cast<std::uint64_t>(p.z));
+}
+
+/// Numbers the cells. Returns the cell of each point that is to become a member,
+/// -1 for those that are not finite or repeat the first point of their cell.
+std::vector<std::int32_t> assignCells(std::span<const double> vertices,
+                                      std::span<const std::int32_t> points, double cell,
+                                      DisjointSets& sets, WeldCells& cells) {
+  std::vector<std::int32_t> memberOf(points.size(), -1);
+  IndexTable table(points.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::int32_t point = points[i];
+    const Vec3 p = pointAt(vertices, point);
+    if (!isFinite(p)) continue;
+    const Vec3 corner = cellOf(p, cell);
+    const auto next = static_cast<std::int32_t>(cells.size());
+    const std::int32_t found = table.findOrInsert(hashOf(corner), next, [&](std::int32_t other) {
+      const Vec3 start = pointAt(vertices, cells.first[static_cast<std::size_t>(other)]);
+      return isEqual(cellOf(start, cell), corner);
+    });
+    if (found == next) cells.first.push_back(point);
+    const std::int32_t first = cells.first[static_cast<std::size_t>(found)];
+    if (first != point) sets.unite(first, point);
+    if (first == point || !isEqual(pointAt(vertices, first), p)) memberOf[i] = found;
+  }
+  return memberOf;
+}
+
+/// Counting sort of the members by cell.
+void fillMembers(std::span<const std::int32_t> points, std::span<const std::int32_t> memberOf,
+                 WeldCells& cells) {
+  // Shifted by one place: after the fill below, start[c] is where cell c begins.
+  cells.start.assign(cells.size() + 2, 0);
+  for (const std::int32_t c : memberOf) {
+    if (c >= 0) ++cells.start[static_cast<std::size_t>(c) + 2];
+  }
+  for (std::size_t c = 2; c < cells.start.size(); ++c) cells.start[c] += cells.start[c - 1];
+  cells.members.resize(static_cast<std::size_t>(cells.start.back()));
+  for (std::size_t i = 0; i < memberOf.size(); ++i) {
+    if (memberOf[i] < 0) continue;
+    std::int32_t& place = cells.start[static_cast<std::size_t>(memberOf[i]) + 1];
+    cells.members[static_cast<std::size_t>(place++)] = points[i];
+  }
+  cells.start.pop_back();
+}
+
+void measureSpreads(std::span<const double> vertices, double cell, WeldCells& cells) {
+  cells.spread.assign(cells.size(), 0);
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    const Vec3 first = pointAt(vertices, cells.first[c]);
+    for (const std::int32_t member : cells.membersOf(static_cast<std::int32_t>(c))) {
+      // Divided before it is squared: at most one edge per axis then.
+      const double distance = length((pointAt(vertices, member) - first) / cell);
+      cells.spread[c] = std::fmax(cells.spread[c], distance);
+    }
+  }
+}
+
+struct Box {
+  Vec3 low;
+  Vec3 high;
+};
+
+Box boxOf(std::span<const double> vertices, std::span<const std::int32_t> points) {
+  Box box{pointAt(vertices, points[0]), pointAt(vertices, points[0])};
+  for (const std::int32_t i : points.subspan(1)) {
+    const Vec3 p = pointAt(vertices, i);
+    box.low = {std::min(box.low.x, p.x), std::min(box.low.y, p.y), std::min(box.low.z, p.z)};
+    box.high = {std::max(box.high.x, p.x), std::max(box.high.y, p.y), std::max(box.high.z, p.z)};
+  }
+  return box;
+}
+
+double gap(double lowA, double highA, double lowB, double highB) {
+  return std::max(0.0, std::max(lowB - highA, lowA - highB));
+}
+
+/// Squared distance between the nearest places of two boxes. Rounding keeps order
+/// in differences, squares and sums, so this is never above the computed squared
+/// distance of two points in them; likewise farthestSquared() is never below it.
+double nearestSquared(const Box& a, const Box& b) {
+  const Vec3 d{gap(a.low.x, a.high.x, b.low.x, b.high.x), gap(a.low.y, a.high.y, b.low.y, b.high.y),
+               gap(a.low.z, a.high.z, b.low.z, b.high.z)};
+  return dot(d, d);
+}
+
+double farthestSquared(const Box& a, const Box& b) {
+  const Vec3 d{std::max(a.high.x - b.low.x, b.high.x - a.low.x),
+               std::max(a.high.y - b.low.y, b.high.y - a.low.y),
+               std::max(a.high.z - b.low.z, b.high.z - a.low.z)};
+  return dot(d, d);
+}
+
+/// Axis 0 .. 2 along which the box is longest, and that length.
+std::pair<std::size_t, double> longestAxis(const Box& box) {
+  const Vec3 d = box.high - box.low;
+  if (d.x >= d.y && d.x >= d.z) return {0, d.x};
+  return d.y >= d.z ? std::pair<std::size_t, double>{1, d.y}
+                    : std::pair<std::size_t, double>{2, d.z};
+}
+
+/// Splits in two halves by the coordinate along `axis`; returns the first's size.
+std::size_t halve(std::span<const double> vertices, std::span<std::int32_t> points,
+                  std::size_t axis) {
+  const std::size_t half = points.size() / 2;
+  std::nth_element(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(half), points.end(),
+                   [&](std::int32_t i, std::int32_t j) {
+                     return vertices[3 * static_cast<std::size_t>(i) + axis] <
+                            vertices[3 * static_cast<std::size_t>(j) + axis];
+                   });
+  return half;
+}
+
+bool anyPairWithinDirectly(std::span<const double> vertices, double radiusSquared,
+                           std::span<const std::int32_t> a, std::span<const std::int32_t> b) {
+  for (const std::int32_t i : a) {
+    for (const std::int32_t j : b) {
+      const Vec3 d = pointAt(vertices, i) - pointAt(vertices, j);
+      if (dot(d, d) < radiusSquared) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+// The points of one cell differ by less than one edge along each axis. With edges
+// of at most half the tolerance, the squared distance stays below 3/4 of the
+// squared one, rounding included. For tiny tolerances the edge is at most a
+// quarter of it: let q be the smallest positive number and n q the rounded square.
+// For n < 8 each squared difference is below q/2 and rounds to 0, which is below
+// n q; from there on the sum is at most 3 (n + 1/2) q / 16 + 3 q / 2 < n q.
+//
+// The other way round: what is welded there has a squared distance of at most
+// (n + 1/2) q while the squared tolerance is at least (n - 1/2) q, three times
+// less: no welded pair is farther apart than twice the tolerance.
+WeldScale weldScale(double tolerance) {
+  const bool tiny = tolerance < kTinyTolerance;
+  const int exponent = std::ilogb(std::min(tolerance, kOverflowLength / 2));
+  const double cell = std::ldexp(1.0, exponent - (tiny ? 2 : 1));
+  const double reach = std::min(tolerance, kOverflowLength) / cell;
+  return {tolerance * tolerance, cell, reach * (tiny ? 2 : kReachSlack)};
+}
+
+// Linear as far as 2^300 edges, which is all that ordinary data needs. Beyond,
+// neighbouring numbers are 2^248 edges apart: points that differ there along one
+// axis are never welded, so all that the tree needs is equal results for equal
+// coordinates. Growing like a logarithm, the coordinates cannot overflow in the
+// tree, and the number of times that the tree can halve its box, and with it the
+// depth of its recursion, is at most about 3 * 311 instead of some 6000.
+double searchCoordinate(double coordinate, double cell) {
+  const double edges = coordinate / cell;
+  if (std::fabs(edges) <= kLinearLimit) return edges;
+  const auto words = std::bit_cast<std::uint64_t>(std::fabs(coordinate)) -
+                     std::bit_cast<std::uint64_t>(kLinearLimit * cell);
+  const double binades = static_cast<double>(words) * 0x1p-52;
+  return std::copysign(kLinearLimit * (1 + binades), coordinate);
+}
+
+WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std::int32_t> points,
+                           const WeldScale& scale, DisjointSets& sets) {
+  WeldCells cells;
+  const std::vector<std::int32_t> memberOf = assignCells(vertices, points, scale.cell, sets, cells);
+  fillMembers(points, memberOf, cells);
+  measureSpreads(vertices, scale.cell, cells);
+  return cells;
+}
+
+// Halving ends: boxes without extent have one distance, which decides at once, and
+// a box with extent has two points or more. The depth is at most that of halving
+// both lists down to single points, 62 for 32-bit counts.
+bool anyPairWithin(std::span<const double> vertices, double radiusSquared,
+                   std::span<std::int32_t> a, std::span<std::int32_t> b) {
+  constexpr std::size_t kFewPairs = 64;
+  if (a.size() * b.size() <= kFewPairs) {
+    return anyPairWithinDirectly(vertices, radiusSquared, a, b);
+  }
+  const Box boxA = boxOf(vertices, a);
+  const Box boxB = boxOf(vertices, b);
+  if (!(nearestSquared(boxA, boxB) < radiusSquared)) return false;
+  if (farthestSquared(boxA, boxB) < radiusSquared) return true;
+  const auto [axisA, extentA] = longestAxis(boxA);
+  const auto [axisB, extentB] = longestAxis(boxB);
+  if (extentA < extentB) return anyPairWithin(vertices, radiusSquared, b, a);
+  const std::size_t half = halve(vertices, a, axisA);
+  return anyPairWithin(vertices, radiusSquared, a.first(half), b) ||
+         anyPairWithin(vertices, radiusSquared, a.subspan(half), b);
+}
+
+}  // namespace qelm

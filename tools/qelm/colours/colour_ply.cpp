@@ -1,0 +1,45 @@
+#include "colours/colour_ply.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "colours/viridis.h"
+#include "text/text_block.h"
+
+namespace qelm::tool {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "binary PLY is little-endian here");
+
+void writeHeader(const Mesh& mesh, TextBlock& block) {
+  block.text(
+      "ply\nformat binary_little_endian 1.0\ncomment written by qelm\nelement vertex {}\n"
+      "property double x\nproperty double y\nproperty double z\n"
+      "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty double value\n"
+      "element face {}\nproperty list uchar int vertex_indices\nend_header\n",
+      mesh.vertexCount(), mesh.triangleCount());
+}
+
+}  // namespace
+
+void writeColourPly(const Mesh& mesh, std::span<const double> field, OutputFile& file) {
+  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  TextBlock block(file);
+  writeHeader(mesh, block);
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    const double value = field[static_cast<std::size_t>(v)];
+    for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
+    for (const std::uint8_t channel : viridis((value - *low) / (*high - *low)))
+      block.bytes(channel);
+    block.bytes(value);
+  }
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    block.bytes(std::uint8_t{3});
+    for (const int v : mesh.corners(t)) block.bytes(std::int32_t{v});
+  }
+  block.flush();
+}
+
+}  // namespace qelm::tool

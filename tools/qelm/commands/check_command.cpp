@@ -1,0 +1,198 @@
+#include "commands/check_command.h"
+
+#include <fmt/format.h>
+
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "files/output_file.h"
+#include "mesh/mesh_checks.h"
+#include "mesh_files/load_mesh.h"
+#include "qelm.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// What the first index of a finding is an index of.
+enum class Element { vertex, triangle };
+
+struct Line {
+  const char* key;  ///< in JSON
+  QelmFinding QelmMeshReport::*finding;
+  Element element;
+  const char* one;     ///< after a count of 1
+  const char* many;    ///< after any other
+  const char* advice;  ///< empty for what is no defect
+};
+
+constexpr Line kDefects[] = {
+    {"indexOutOfRange", &QelmMeshReport::indexOutOfRange, Element::triangle,
+     "triangle names a vertex that does not exist", "triangles name a vertex that does not exist",
+     "repair the file"},
+    {"repeatedVertex", &QelmMeshReport::repeatedVertex, Element::triangle,
+     "triangle names a vertex twice", "triangles name a vertex twice", "remove such triangles"},
+    {"unusedVertex", &QelmMeshReport::unusedVertex, Element::vertex, "vertex is in no triangle",
+     "vertices are in no triangle", "remove such vertices"},
+    {"notFinite", &QelmMeshReport::notFinite, Element::vertex,
+     "vertex has a coordinate that is not finite", "vertices have a coordinate that is not finite",
+     "repair the file"},
+    {"nearZeroArea", &QelmMeshReport::nearZeroArea, Element::triangle,
+     "triangle has no area, or too little for its size and place",
+     "triangles have no area, or too little for their size and place",
+     "remove such triangles or merge their corners; move a mesh that is far away to the origin"},
+    {"sizeOutOfRange", &QelmMeshReport::sizeOutOfRange, Element::triangle,
+     "triangle is too small or too large to compute with",
+     "triangles are too small or too large to compute with", "choose another unit"},
+    {"untaggedPart", &QelmMeshReport::untaggedPart, Element::vertex,
+     "connected part has no fixed vertex", "connected parts have no fixed vertex",
+     "fix a vertex in every part, remove the part, or join the parts with 'qelm weld'"},
+};
+
+constexpr Line kInformation[] = {
+    {"part", &QelmMeshReport::part, Element::vertex, "connected part", "connected parts", ""},
+    {"boundaryLoop", &QelmMeshReport::boundaryLoop, Element::vertex, "boundary loop",
+     "boundary loops", ""},
+    {"crowdedEdge", &QelmMeshReport::crowdedEdge, Element::triangle,
+     "edge with more than two triangles", "edges with more than two triangles", ""},
+    {"opposedEdge", &QelmMeshReport::opposedEdge, Element::triangle,
+     "edge whose two triangles are oriented against each other",
+     "edges whose two triangles are oriented against each other", ""},
+    {"repeatedTriangle", &QelmMeshReport::repeatedTriangle, Element::triangle,
+     "triangle that repeats an earlier one", "triangles that repeat an earlier one", ""},
+    {"coincidentVertex", &QelmMeshReport::coincidentVertex, Element::vertex,
+     "vertex exactly at the place of an earlier one",
+     "vertices exactly at the place of an earlier one", ""},
+};
+
+struct Check {
+  Mesh mesh;
+  std::optional<Prescribed> prescribed;
+  QelmMeshReport report = {};
+  int code = 0;
+};
+
+/// Without conditions every vertex counts as fixed, so that no part lacks one.
+std::vector<int> tagsOf(const Check& check) {
+  if (check.prescribed) return check.prescribed->tags;
+  return std::vector<int>(static_cast<std::size_t>(check.mesh.vertexCount()), 1);
+}
+
+Check checkFile(const CheckOptions& options, const Console& console) {
+  std::vector<Condition> conditions;
+  for (const std::string& fix : options.fixes) conditions.push_back(parseCondition(fix));
+  Check check;
+  check.mesh = loadWeldedMesh(options.mesh, console);
+  std::vector<FixedVertex> fromFile;
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, check.mesh.vertexCount());
+  if (!conditions.empty() || !fromFile.empty())
+    check.prescribed =
+        naming(options.mesh, [&] { return prescribe(check.mesh, conditions, fromFile); });
+  const std::vector<int> tags = tagsOf(check);
+  check.code = qelmcheckTagged(check.mesh.vertexCount(), check.mesh.vertices.data(),
+                               check.mesh.triangleCount(), check.mesh.triangles.data(), tags.data(),
+                               &check.report);
+  return check;
+}
+
+std::string describeFirst(const Mesh& mesh, Element element, std::int64_t index) {
+  const int i = static_cast<int>(index);
+  return element == Element::vertex ? describeVertex(mesh, i) : describeTriangle(mesh, i);
+}
+
+std::string describe(const Check& check, const Line& line) {
+  const QelmFinding& finding = check.report.*line.finding;
+  std::string text =
+      fmt::format("{:>9} {}", finding.count, finding.count == 1 ? line.one : line.many);
+  // Every mesh has a first part and loop; that is no news.
+  const bool isOrdinary =
+      line.finding == &QelmMeshReport::part || line.finding == &QelmMeshReport::boundaryLoop;
+  if (finding.count > 0 && !isOrdinary)
+    text += fmt::format("{} {}", finding.count == 1 ? ":" : "; the first:",
+                        describeFirst(check.mesh, line.element, finding.first));
+  return text + "\n";
+}
+
+/// The library says what the arithmetic leaves of a triangle; in digits that is clearer.
+std::string describeWorst(const Check& check) {
+  if (check.report.worstTriangle < 0) return "";
+  const double rounding = std::numeric_limits<double>::epsilon() / check.report.worstQuality;
+  return fmt::format("          worst for rounding: {}, {}\n",
+                     describeTriangle(check.mesh, static_cast<int>(check.report.worstTriangle)),
+                     rounding < 1 ? fmt::format("about {:.0e} of the field", rounding)
+                                  : std::string("which leaves nothing of the field"));
+}
+
+std::string verdict(const Check& check) {
+  if (check.code != 0) return fmt::format("cannot be solved on: {}", qelmstatustext(check.code));
+  return check.prescribed ? "every solve on it with these --fix is well posed"
+                          : "can be solved on, once every part has a fixed vertex";
+}
+
+std::string reportText(const Check& check, const std::string& name) {
+  std::string text = fmt::format("{}: {} vertices, {} triangles\n", name, check.mesh.vertexCount(),
+                                 check.mesh.triangleCount());
+  text += check.code == 0 ? "Defects: none\n" : "Defects\n";
+  for (const Line& line : kDefects) {
+    if ((check.report.*line.finding).count == 0) continue;
+    text += describe(check, line) + fmt::format("          {}\n", line.advice);
+  }
+  text += "For information\n";
+  for (const Line& line : kInformation) text += describe(check, line);
+  if (check.prescribed)
+    text += fmt::format("{:>9} fixed {}\n", check.prescribed->fixedCount,
+                        check.prescribed->fixedCount == 1 ? "vertex" : "vertices");
+  return text + describeWorst(check) + "Verdict: " + verdict(check) + "\n";
+}
+
+Json findingJson(const Check& check, const Line& line) {
+  const QelmFinding& finding = check.report.*line.finding;
+  Json json = {{"count", finding.count}};
+  const char* element = line.element == Element::vertex ? "firstVertex" : "firstTriangle";
+  if (finding.count > 0)
+    json[element] = finding.first;
+  else
+    json[element] = nullptr;
+  return json;
+}
+
+Json reportJson(const Check& check, const std::string& name) {
+  Json json = {{"mesh", name},
+               {"vertices", check.mesh.vertexCount()},
+               {"triangles", check.mesh.triangleCount()},
+               {"code", check.code},
+               {"verdict", qelmstatustext(check.code)},
+               {"defects", Json::object()},
+               {"information", Json::object()}};
+  for (const Line& line : kDefects) json["defects"][line.key] = findingJson(check, line);
+  if (!check.prescribed) json["defects"].erase("untaggedPart");
+  for (const Line& line : kInformation) json["information"][line.key] = findingJson(check, line);
+  if (check.prescribed) json["information"]["fixedVertices"] = check.prescribed->fixedCount;
+  json["information"]["worstTriangle"] = nullptr;
+  json["information"]["worstQuality"] = nullptr;
+  if (check.report.worstTriangle >= 0) {
+    json["information"]["worstTriangle"] = check.report.worstTriangle;
+    json["information"]["worstQuality"] = check.report.worstQuality;
+  }
+  return json;
+}
+
+}  // namespace
+
+int runCheck(const CheckOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  const Check check = checkFile(options, console);
+  if (check.prescribed)
+    for (const std::string& note : check.prescribed->notes) console.note(note);
+  if (output.json)
+    printJson(reportJson(check, options.mesh));
+  else if (!output.quiet)
+    printData(reportText(check, options.mesh));
+  if (check.code == 0) return kExitOk;
+  return check.code == QELM_CHECK_UNTAGGED_PART ? kExitSingular : kExitBadMesh;
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,25 @@
+// qelm check
+#ifndef QELM_TOOLS_CHECK_COMMAND_H
+#define QELM_TOOLS_CHECK_COMMAND_H
+
+#include <string>
+#include <vector>
+
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct CheckOptions {
+  std::string mesh;
+  std::vector<std::string> fixes;  ///< none, and no file: conditions are not looked at
+  std::string fixFile;
+};
+
+/// Prints the report on the standard output. Returns kExitOk when the mesh constructs
+/// and every solve on it is well posed, kExitSingular when only fixed vertices are
+/// missing, else kExitBadMesh.
+int runCheck(const CheckOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

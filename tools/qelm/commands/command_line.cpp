@@ -1,0 +1,272 @@
+#include "commands/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+#include "commands/check_command.h"
+#include "commands/curves_command.h"
+#include "commands/heatmap_command.h"
+#include "commands/info_command.h"
+#include "commands/solve_command.h"
+#include "commands/view_command.h"
+#include "commands/weld_command.h"
+#include "files/output_file.h"
+#include "terminal/completion.h"
+#include "terminal/console.h"
+#include "terminal/help_texts.h"
+#include "terminal/manual_page.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+void addOutputOptions(CLI::App& command, OutputOptions& output) {
+  CLI::Option* const quiet = command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
+  command.add_flag("-v,--verbose", output.verbose, "Say more: every step and its time")
+      ->excludes(quiet);
+  command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
+}
+
+void addMesh(CLI::App& command, std::string& mesh) {
+  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl, text or binary")
+      ->type_name("MESH")
+      ->required();
+}
+
+void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& fixFile) {
+  command.add_option("--fix", fixes, "Hold vertices at a value; may be given often")
+      ->type_name("SELECTOR=VALUE[:TAG]")
+      ->allow_extra_args(false);
+  command.add_option("--fix-file", fixFile, "Hold the vertices that a file names")
+      ->type_name("FILE.csv");
+}
+
+void addFieldOptions(CLI::App& command, FieldOptions& field) {
+  addMesh(command, field.mesh);
+  addFixes(command, field.fixes, field.fixFile);
+  command.add_option("--load", field.load, "Add a load, one value per vertex")
+      ->type_name("FILE.csv");
+}
+
+void addLevels(CLI::App& command, LevelOptions& levels) {
+  command.add_option("--levels", levels.count, "Cut at N levels, evenly spaced")->type_name("N");
+  command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
+  command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
+}
+
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.name("qelm");
+    // A path that begins with a slash is a path on Windows, too.
+    app_.allow_windows_style_options(false);
+    app_.set_version_flag("--version", std::string("qelm ") + QELM_TOOL_VERSION,
+                          "Print the version and exit");
+    app_.set_help_flag("-h,--help", "Print this help and exit");
+    app_.require_subcommand(1);
+    app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
+    addInfo();
+    addCheck();
+    addSolve();
+    addHeatmap();
+    addCurves();
+    addView();
+    addWeld();
+    addCompletion();
+    addManual();
+  }
+
+  int run(std::vector<std::string> arguments) {
+    requireCommand(arguments);
+    std::reverse(arguments.begin(), arguments.end());
+    try {
+      app_.parse(std::move(arguments));
+    } catch (const CLI::ParseError& error) {
+      return explain(error);
+    }
+    return outcome_;
+  }
+
+ private:
+  void addInfo() {
+    CLI::App& command =
+        *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
+    addMesh(command, info_.mesh);
+    addOutputOptions(command, output_);
+    command.footer(sections({kInfoExamples, kInfoHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] { runInfo(info_, output_); });
+  }
+
+  void addSolve() {
+    CLI::App& command = *app_.add_subcommand(
+        "solve", "Compute the smooth field between fixed values on a triangle mesh");
+    addFieldOptions(command, solve_.field);
+    solve_.field.several = true;
+    command
+        .add_option("-o,--output", solve_.output,
+                    "Write the field as CSV; - is the standard output")
+        ->type_name("FIELD.csv");
+    addOutputOptions(command, output_);
+    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(solve_.field);
+      runSolve(solve_, output_);
+    });
+  }
+
+  void addCheck() {
+    CLI::App& command =
+        *app_.add_subcommand("check", "Say what is wrong with a mesh, and what it is like");
+    addMesh(command, check_.mesh);
+    addFixes(command, check_.fixes, check_.fixFile);
+    addOutputOptions(command, output_);
+    command.footer(sections({kCheckExamples, kCheckHelp, kConditionHelp, kFixFileHelp, kSoupHelp,
+                             kStreamsHelp, kExitHelp}));
+    command.callback([this] { outcome_ = runCheck(check_, output_); });
+  }
+
+  void addHeatmap() {
+    CLI::App& command =
+        *app_.add_subcommand("heatmap", "Write a mesh with its field as a heat map for any viewer");
+    addFieldOptions(command, heatmap_.field);
+    command
+        .add_option("-o,--output", heatmap_.output,
+                    "Where the files go, without extension, or OUT.ply")
+        ->type_name("PATH")
+        ->required();
+    addOutputOptions(command, output_);
+    command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
+                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(heatmap_.field);
+      runHeatmap(heatmap_, output_);
+    });
+  }
+
+  void addCurves() {
+    CLI::App& command =
+        *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
+    addFieldOptions(command, curves_.field);
+    addLevels(command, curves_.levels);
+    command
+        .add_option("-o,--output", curves_.outputs,
+                    "Where the curves go: .obj, .json, .svg, .csv, or -")
+        ->type_name("OUT")
+        ->allow_extra_args(false)
+        ->required();
+    command.add_option("--format", curves_.format, "Whatever OUT is called")
+        ->type_name("obj|json|svg|csv");
+    command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
+        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+    addOutputOptions(command, output_);
+    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
+                             kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(curves_.field);
+      runCurves(curves_, output_);
+    });
+  }
+
+  void addView() {
+    CLI::App& command = *app_.add_subcommand(
+        "view", "Write a page that shows the field in a browser: turn, zoom, read values");
+    addFieldOptions(command, view_.field);
+    addLevels(command, view_.levels);
+    command
+        .add_option("-o,--output", view_.output, "Where the page goes; - is the standard output")
+        ->type_name("PAGE.html")
+        ->required();
+    command.add_option("--page", view_.page, "Fill in this page, such as the live one")
+        ->type_name("TEMPLATE.html");
+    command.add_option("--view", view_.view, "From where the page looks at first")
+        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+    addOutputOptions(command, output_);
+    command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
+                             kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] {
+      requireFixes(view_.field);
+      runView(view_, output_);
+    });
+  }
+
+  void addWeld() {
+    CLI::App& command =
+        *app_.add_subcommand("weld", "Merge vertices that lie together, as in STL files");
+    addMesh(command, weld_.mesh);
+    command
+        .add_option("-o,--output", weld_.output, "Where the mesh goes; - is the standard output")
+        ->type_name("OUT")
+        ->required();
+    command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
+        ->type_name("DISTANCE");
+    addOutputOptions(command, output_);
+    command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
+    command.callback([this] { runWeld(weld_, output_); });
+  }
+
+  void addCompletion() {
+    CLI::App& command = *app_.add_subcommand(
+        "completion", "Print a script that completes command lines in a shell");
+    command.add_option("shell", shell_, "The shell")->type_name("bash|zsh|fish")->required();
+    command.footer(sections({kCompletionExamples, kCompletionHelp}));
+    command.callback([this] { printData(completionScript(app_, shell_)); });
+  }
+
+  void addManual() {
+    CLI::App& command = *app_.add_subcommand("manual", "Print the manual page, for man");
+    command.footer(sections({kManualExamples}));
+    command.callback([this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
+  }
+
+  // CLI11 would only say that a subcommand is required.
+  void requireCommand(const std::vector<std::string>& arguments) const {
+    std::string names;
+    for (const CLI::App* command : app_.get_subcommands({})) {
+      if (!arguments.empty() && command->get_name() == arguments[0]) return;
+      names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    if (arguments.empty()) throw UsageError("no command; name one of: " + names);
+    if (arguments[0].rfind('-', 0) != 0)
+      throw UsageError("there is no command '" + arguments[0] + "'; name one of: " + names);
+  }
+
+  static void requireFixes(const FieldOptions& field) {
+    if (field.fixes.empty() && field.fixFile.empty())
+      throw UsageError(
+          "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
+  }
+
+  int explain(const CLI::ParseError& error) const {
+    if (error.get_exit_code() == 0) {  // --help, --version
+      std::ostringstream text;
+      app_.exit(error, text, text);
+      printData(text.str());
+      return kExitOk;
+    }
+    Console().error(error.what());
+    Console().line("Run 'qelm --help' or 'qelm COMMAND --help'.");
+    return kExitUsage;
+  }
+
+  CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
+  int outcome_ = kExitOk;
+  std::string shell_;
+  OutputOptions output_;
+  CheckOptions check_;
+  InfoOptions info_;
+  SolveOptions solve_;
+  HeatmapOptions heatmap_;
+  CurvesOptions curves_;
+  ViewOptions view_;
+  WeldOptions weld_;
+};
+
+}  // namespace
+
+int runCommandLine(std::vector<std::string> arguments) {
+  return CommandLine().run(std::move(arguments));
+}
+
+}  // namespace qelm::tool

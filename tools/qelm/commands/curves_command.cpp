@@ -1,0 +1,119 @@
+#include "commands/curves_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "curves/curve_files.h"
+#include "curves/curve_set.h"
+#include "curves/curve_svg.h"
+#include "curves/projection.h"
+#include "files/output_file.h"
+#include "files/paths.h"
+#include "mesh_files/load_mesh.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+enum class CurveFormat { kObj, kJson, kSvg, kCsv };
+
+struct Target {
+  std::string name;
+  CurveFormat format;
+  std::unique_ptr<OutputFile> file;
+};
+
+CurveFormat formatOf(const std::string& name, const std::string& wanted) {
+  if (name == "-" && wanted.empty()) return CurveFormat::kCsv;
+  const std::string extension = wanted.empty() ? lowerExtension(toPath(name)) : "." + wanted;
+  if (extension == ".obj") return CurveFormat::kObj;
+  if (extension == ".json") return CurveFormat::kJson;
+  if (extension == ".svg") return CurveFormat::kSvg;
+  if (extension == ".csv") return CurveFormat::kCsv;
+  throw UsageError(fmt::format(
+      "-o {}: give a name that ends in .obj, .json, .svg or .csv, or --format obj and so on",
+      name));
+}
+
+/// Opened before anything is computed.
+std::vector<Target> openTargets(const CurvesOptions& options, const OutputOptions& output) {
+  std::vector<Target> targets;
+  for (const std::string& name : options.outputs) {
+    if (output.json && name == "-")
+      throw UsageError("the standard output takes the curves (-o -) or --json, not both");
+    const auto isSame = [&name](const Target& target) { return target.name == name; };
+    if (std::any_of(targets.begin(), targets.end(), isSame))
+      throw UsageError(fmt::format("-o {}: given twice", name));
+    refuseToOverwrite(options.field.mesh, toPath(name));
+    targets.push_back({name, formatOf(name, options.format), nullptr});
+  }
+  for (Target& target : targets) target.file = std::make_unique<OutputFile>(target.name);
+  return targets;
+}
+
+struct Range {
+  double low, high;
+};
+
+Range rangeOf(const SolvedField& solved) {
+  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  return {*low, *high};
+}
+
+void write(Target& target, const SolvedField& solved, const CurveSet& curves,
+           const ViewChoice& view) {
+  OutputFile& file = *target.file;
+  if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
+  if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
+  if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
+  if (target.format == CurveFormat::kSvg) {
+    const Projection projection = projectionFor(view, solved.mesh);
+    const Range range = rangeOf(solved);
+    writeCurvesSvg({solved.mesh, curves, projection, toUtf8(toPath(solved.meshName).filename()),
+                    range.low, range.high},
+                   file);
+  }
+}
+
+/// For the summary, such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
+ReportItem report(const CurveSet& curves) {
+  const std::vector<double>& levels = curves.levels();
+  std::size_t closed = 0;
+  for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
+  return {"curves",
+          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+                      curves.size(), closed, curves.size() - closed, curves.pointCount(),
+                      levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
+          {{"levels", levels},
+           {"curves", curves.size()},
+           {"closedCurves", closed},
+           {"points", curves.pointCount()}}};
+}
+
+}  // namespace
+
+void runCurves(const CurvesOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  const LevelChoice choice(options.levels);
+  const ViewChoice view = parseView(options.view);
+  std::vector<Target> targets = openTargets(options, output);
+  SolvedField solved = solveField(options.field, console);
+  requireRange(solved, "cut");
+  const Range range = rangeOf(solved);
+  const std::vector<double> levels =
+      naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
+  const CurveSet curves =
+      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
+  std::vector<std::string> results;
+  solved.steps.run("write", [&] {
+    for (Target& target : targets) write(target, solved, curves, view);
+    for (Target& target : targets) target.file->commit();
+  });
+  for (const Target& target : targets)
+    results.push_back(target.name == "-" ? "standard output" : target.name);
+  reportField(solved, results, output, console, {report(curves)});
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,25 @@
+// qelm curves
+#ifndef QELM_TOOLS_CURVES_COMMAND_H
+#define QELM_TOOLS_CURVES_COMMAND_H
+
+#include <string>
+#include <vector>
+
+#include "curves/levels.h"
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct CurvesOptions {
+  FieldOptions field;
+  LevelOptions levels;
+  std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string format;                ///< instead of the extensions'; empty: none
+  std::string view = "best";         ///< for pictures
+};
+
+void runCurves(const CurvesOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,21 @@
+// qelm heatmap
+#ifndef QELM_TOOLS_HEATMAP_COMMAND_H
+#define QELM_TOOLS_HEATMAP_COMMAND_H
+
+#include <string>
+
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct HeatmapOptions {
+  FieldOptions field;
+  std::string output;  ///< the files' path without extension; a final ".obj" is ignored. One that
+                       ///< ends in ".ply" is a single file's
+};
+
+void runHeatmap(const HeatmapOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,120 @@
+#include "commands/info_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "fields/solve_job.h"
+#include "files/output_file.h"
+#include "mesh/mesh_checks.h"
+#include "mesh/mesh_facts.h"
+#include "mesh/vec3.h"
+#include "mesh_files/load_mesh.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// People look at a list of so many parts or loops; --json has them all.
+constexpr std::size_t kShown = 20;
+
+Point middle(const Mesh& mesh, const std::vector<int>& vertices) {
+  Point sum{};
+  for (const int v : vertices)
+    for (std::size_t k = 0; k < 3; ++k)
+      sum[k] += mesh.point(v)[k] / static_cast<double>(vertices.size());
+  return sum;
+}
+
+std::string plural(std::size_t count, const char* noun) {
+  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
+std::string partsText(const Mesh& mesh, const MeshFacts& facts) {
+  std::string text = fmt::format("parts      {}\n", facts.parts.size());
+  if (facts.parts.size() < 2) return text;
+  for (std::size_t k = 0; k < std::min(facts.parts.size(), kShown); ++k) {
+    const MeshPart& part = facts.parts[k];
+    text += fmt::format("  {} triangles, {} vertices, with {}\n", part.triangleCount,
+                        part.vertexCount, describeVertex(mesh, part.vertex));
+  }
+  return facts.parts.size() > kShown ? text + "  ...\n" : text;
+}
+
+std::string loopsText(const Mesh& mesh, const MeshFacts& facts) {
+  if (facts.loops.empty()) return "boundary   none: the mesh is closed\n";
+  std::string text =
+      fmt::format("boundary   {}, longest first\n", plural(facts.loops.size(), "loop"));
+  for (std::size_t k = 0; k < std::min(facts.loops.size(), kShown); ++k) {
+    const BoundaryLoop& loop = facts.loops[k];
+    const Point p = middle(mesh, loop.vertices);
+    text += fmt::format("  {:<9}{:.6g} long, {} vertices, round ({:.6g}, {:.6g}, {:.6g}){}\n",
+                        fmt::format("loop:{}", k), loop.length, loop.vertices.size(), p[0], p[1],
+                        p[2], loop.closed ? "" : ", open: it ends where three triangles meet");
+  }
+  return facts.loops.size() > kShown ? text + "  ...\n" : text;
+}
+
+std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
+  const Point size = facts.high - facts.low;
+  std::string text = fmt::format(
+      "{}\nvertices   {}\ntriangles  {}\n"
+      "box        {:.6g},{:.6g},{:.6g} to {:.6g},{:.6g},{:.6g}\n"
+      "size       {:.6g} x {:.6g} x {:.6g}\narea       {:.6g}\n"
+      "edges      {}, {:.6g} to {:.6g} long, {:.6g} on average\n",
+      name, mesh.vertexCount(), mesh.triangleCount(), facts.low[0], facts.low[1], facts.low[2],
+      facts.high[0], facts.high[1], facts.high[2], size[0], size[1], size[2], facts.area,
+      facts.edges.count, facts.edges.shortest, facts.edges.longest, facts.edges.mean);
+  if (!facts.unused.empty())
+    text += fmt::format("unused     {}, the first is {}\n", facts.unused.size(),
+                        describeVertex(mesh, facts.unused[0]));
+  return text + partsText(mesh, facts) + loopsText(mesh, facts);
+}
+
+Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
+  Json json = {{"mesh", name},
+               {"vertices", mesh.vertexCount()},
+               {"triangles", mesh.triangleCount()},
+               {"box", {{"min", facts.low}, {"max", facts.high}}},
+               {"area", facts.area},
+               {"edges",
+                {{"count", facts.edges.count},
+                 {"shortest", facts.edges.shortest},
+                 {"longest", facts.edges.longest},
+                 {"mean", facts.edges.mean}}},
+               {"unusedVertices", facts.unused.size()},
+               {"parts", Json::array()},
+               {"loops", Json::array()}};
+  for (const MeshPart& part : facts.parts)
+    json["parts"].push_back({{"lowestVertex", part.vertex},
+                             {"vertices", part.vertexCount},
+                             {"triangles", part.triangleCount}});
+  for (std::size_t k = 0; k < facts.loops.size(); ++k)
+    json["loops"].push_back({{"selector", fmt::format("loop:{}", k)},
+                             {"length", facts.loops[k].length},
+                             {"vertices", facts.loops[k].vertices.size()},
+                             {"closed", facts.loops[k].closed},
+                             {"middle", middle(mesh, facts.loops[k].vertices)}});
+  return json;
+}
+
+}  // namespace
+
+void runInfo(const InfoOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  Steps steps(console);
+  const Mesh mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  const MeshFacts facts = naming(options.mesh, [&] {
+    checkFinite(mesh);
+    return steps.run("measure", [&] { return factsOf(mesh); });
+  });
+  if (output.json)
+    printJson(jsonOf(options.mesh, mesh, facts));
+  else
+    printData(printable(textOf(options.mesh, mesh, facts)));
+}
+
+}  // namespace qelm::tool

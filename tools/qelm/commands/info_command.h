@@ -1,0 +1,20 @@
+// qelm info
+#ifndef QELM_TOOLS_INFO_COMMAND_H
+#define QELM_TOOLS_INFO_COMMAND_H
+
+#include <string>
+
+#include "terminal/console.h"
+
+namespace qelm::tool {
+
+struct InfoOptions {
+  std::string mesh;
+};
+
+/// Prints on the standard output what a mesh is like; defects do not matter here.
+void runInfo(const InfoOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,155 @@
+#include "commands/view_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "curves/projection.h"
+#include "files/output_file.h"
+#include "files/paths.h"
+#include "mesh_files/load_mesh.h"
+#include "page/page_data.h"
+#include "page/view_page.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kLevelsUnlessGiven = "12";
+
+LevelChoice levelChoice(LevelOptions options) {
+  if (options.count.empty() && options.at.empty() && options.every.empty())
+    options.count = kLevelsUnlessGiven;
+  return LevelChoice(options);
+}
+
+std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
+
+/// What the page writes into its corner, and what it begins with.
+Json pageFacts(const SolvedField& solved, const ViewOptions& options, const ViewChoice& view,
+               const std::vector<double>& levels) {
+  Json conditions = Json::array();
+  if (solved.fromFile > 0)
+    conditions.push_back({{"text", toUtf8(toPath(options.field.fixFile).filename())},
+                          {"vertices", solved.fromFile}});
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    conditions.push_back({{"text", solved.conditions[k].text},
+                          {"value", solved.conditions[k].values[0]},
+                          {"vertices", solved.prescribed.selected[k]}});
+  Json facts = {{"name", nameOf(solved)},
+                {"vertices", solved.mesh.vertexCount()},
+                {"triangles", solved.mesh.triangleCount()},
+                {"load", !options.field.load.empty()},
+                {"conditions", conditions},
+                {"levels", levels},
+                {"toward", nullptr}};
+  if (view.direction) facts["toward"] = projectionFor(view, solved.mesh).toward;
+  return facts;
+}
+
+/// For each vertex the place of its condition in the page's list, from 1.
+std::vector<int> fixedBy(const SolvedField& solved) {
+  std::vector<int> places = solved.prescribed.heldBy;
+  // The file's place is the first one, which it has only when there is a file.
+  const int shift = solved.fromFile > 0 ? 0 : 1;
+  for (int& place : places) place = place == 0 ? 0 : place - shift;
+  return places;
+}
+
+/// In a script element nothing may look like its end.
+std::string inScript(const Json& json) {
+  std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at))
+    text.replace(at, 1, "\\u003c");
+  return text;
+}
+
+std::string inHtml(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '<')
+      escaped += "&lt;";
+    else if (c == '&')
+      escaped += "&amp;";
+    else
+      escaped += c;
+  }
+  return escaped;
+}
+
+constexpr std::string_view kTitleMark = "@QELM_TITLE@";
+constexpr std::string_view kFactsMark = "@QELM_FACTS@";
+constexpr std::string_view kMeshMark = "@QELM_MESH@";
+
+/// The page to fill in. Throws FileError when --page's has not the marks, OutputError
+/// when there is none.
+std::string pageToFill(const ViewOptions& options) {
+  if (!options.page.empty()) {
+    std::string page = readFile(toPath(options.page));
+    std::size_t at = 0;
+    for (const std::string_view mark : {kTitleMark, kFactsMark, kMeshMark}) {
+      at = page.find(mark, at);
+      if (at == std::string::npos)
+        throw FileError(
+            fmt::format("{}: this is no page to fill in: there is no {}", options.page, mark));
+    }
+    return page;
+  }
+  if (viewPage().empty())
+    throw OutputError(
+        "this qelm was built without the page that 'view' fills in; run scripts/page in its "
+        "sources and build it again, or use 'qelm heatmap' or 'qelm curves'");
+  return std::string(viewPage());
+}
+
+/// Writes `page` with each mark's text in its place. The marks come in this order, each once.
+void writeFilled(std::string_view page,
+                 const std::vector<std::pair<std::string_view, std::string>>& texts,
+                 OutputFile& file) {
+  for (const auto& [mark, text] : texts) {
+    const std::size_t at = page.find(mark);
+    file.write(page.substr(0, at));
+    file.write(text);
+    page.remove_prefix(at + mark.size());
+  }
+  file.write(page);
+}
+
+}  // namespace
+
+void runView(const ViewOptions& options, const OutputOptions& output) {
+  const Console console(output);
+  const LevelChoice choice = levelChoice(options.levels);
+  const ViewChoice view = parseView(options.view);
+  const std::string page = pageToFill(options);
+  if (output.json && options.output == "-")
+    throw UsageError("the standard output takes the page (-o -) or --json, not both");
+  refuseToOverwrite(options.field.mesh, toPath(options.output));
+  OutputFile file(options.output);
+  SolvedField solved = solveField(options.field, console);
+  requireRange(solved, "show");
+  const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  const std::vector<double> levels =
+      naming(solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
+  solved.steps.run("write", [&] {
+    writeFilled(
+        page,
+        {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
+         {kFactsMark, inScript(pageFacts(solved, options, view, levels))},
+         {kMeshMark, base64(pageData(solved.mesh, solved.field(), solved.load, fixedBy(solved)))}},
+        file);
+    file.commit();
+  });
+  const ReportItem report = {
+      "levels",
+      fmt::format("{}, {:.6g} to {:.6g}", levels.size(), levels.front(), levels.back()),
+      {{"levels", levels}}};
+  reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
+              {report});
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,107 @@
+#include "commands/weld_command.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "files/output_file.h"
+#include "mesh/mesh_checks.h"
+#include "mesh/weld.h"
+#include "mesh_files/load_mesh.h"
+#include "mesh_files/mesh_writer.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+double parsedTolerance(const std::string& text) {
+  const auto value = parseDouble(trimmed(text));
+  if (!value || !std::isfinite(*value) || *value < 0)
+    throw UsageError(fmt::format("--tolerance {}: a distance is needed, 0 or larger", text));
+  return *value;
+}
+
+struct WeldRun {
+  Mesh before;
+  Welded after;
+  double tolerance = 0;
+  Steps steps;
+};
+
+Json countsJson(const Mesh& mesh) {
+  return {{"vertices", mesh.vertexCount()}, {"triangles", mesh.triangleCount()}};
+}
+
+void printJson(const WeldRun& run, const WeldOptions& options) {
+  Json seconds = Json::object();
+  for (const Step& step : run.steps.list()) seconds[step.name] = step.seconds;
+  const Json summary = {{"mesh", options.mesh},
+                        {"tolerance", run.tolerance},
+                        {"before", countsJson(run.before)},
+                        {"after", countsJson(run.after.mesh)},
+                        {"droppedTriangles", run.after.droppedTriangles},
+                        {"droppedVertices", run.after.droppedVertices},
+                        {"seconds", seconds},
+                        {"results", Json::array({options.output})}};
+  printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+void printLines(const WeldRun& run, const WeldOptions& options, const Console& console) {
+  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", options.mesh,
+                           run.before.vertexCount(), run.before.triangleCount()));
+  console.line(fmt::format("welded   {} vertices, {} triangles, within {:.6g}",
+                           run.after.mesh.vertexCount(), run.after.mesh.triangleCount(),
+                           run.tolerance));
+  console.line(
+      fmt::format("dropped  {} triangles that collapsed or were repeated, {} vertices in "
+                  "no triangle",
+                  run.after.droppedTriangles, run.after.droppedVertices));
+  console.line("time     " + describeTimes(run.steps));
+  console.line("result   " + (options.output == "-" ? "standard output" : options.output));
+}
+
+/// A welded mesh that cannot be solved on is still a result; better to know now.
+void noteProblems(const Mesh& mesh, const Console& console) {
+  try {
+    checkMesh(mesh);
+  } catch (const InputError& problem) {
+    console.note(fmt::format("in the result, {}", problem.what()));
+  }
+}
+
+}  // namespace
+
+void runWeld(const WeldOptions& options, const OutputOptions& output) {
+  if (output.json && options.output == "-")
+    throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
+  const Console console(output);
+  const MeshFormat format = writableFormat(options.output);
+  WeldRun run;
+  run.steps = Steps(console);
+  if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
+  OutputFile file(options.output);
+  run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });
+  naming(options.mesh, [&] {
+    run.steps.run("weld", [&] {
+      checkFinite(run.before);
+      if (!options.tolerance) run.tolerance = kDefaultWeldPart * diagonal(run.before);
+      run.after = weld(run.before, run.tolerance);
+    });
+  });
+  run.steps.run("write", [&] {
+    writeMesh(run.after.mesh, format, file);
+    file.commit();
+  });
+  noteProblems(run.after.mesh, console);
+  if (output.json)
+    printJson(run, options);
+  else
+    printLines(run, options, console);
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,22 @@
+// qelm weld
+#ifndef QELM_TOOLS_WELD_COMMAND_H
+#define QELM_TOOLS_WELD_COMMAND_H
+
+#include <optional>
+#include <string>
+
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct WeldOptions {
+  std::string mesh;
+  std::string output;
+  std::optional<std::string> tolerance;  ///< as written; none: the default
+};
+
+void runWeld(const WeldOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

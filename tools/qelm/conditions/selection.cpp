@@ -1,0 +1,203 @@
+#include "conditions/selection.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <optional>
+
+#include "mesh/boundary.h"
+#include "mesh/mesh_checks.h"
+#include "mesh/vec3.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+/// As length(a - b), bit for bit, wherever that neither overflows nor underflows: a power of
+/// two is taken out of the differences before they are squared.
+long double distance(const Point& a, const Point& b) {
+  int exponent = 0;
+  Point d = a - b;
+  double largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+  if (std::isinf(largest)) {
+    for (std::size_t k = 0; k < 3; ++k) d[k] = a[k] / 2 - b[k] / 2;
+    largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+    exponent = 1;
+  }
+  if (!(largest > 0) || std::isinf(largest)) return length(d);
+  const int shift = std::ilogb(largest);
+  for (double& part : d) part = std::scalbn(part, -shift);
+  return std::scalbn(static_cast<long double>(length(d)), shift + exponent);
+}
+
+class Selection {
+ public:
+  Selection(const Mesh& mesh, const Condition& condition,
+            std::optional<std::vector<BoundaryLoop>>& loops)
+      : mesh_(mesh), condition_(condition), loops_(loops) {}
+
+  std::vector<int> run() {
+    std::vector<int> vertices =
+        std::visit([this](const auto& selector) { return select(selector); }, condition_.selector);
+    std::sort(vertices.begin(), vertices.end());
+    vertices.erase(std::unique(vertices.begin(), vertices.end()), vertices.end());
+    return vertices;
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const {
+    throw RequestError(fmt::format("--fix {}: {}", condition_.text, what));
+  }
+
+  std::vector<int> select(const VertexList& list) const {
+    std::vector<int> vertices;
+    for (const long long v : list.vertices) {
+      if (v >= mesh_.vertexCount())
+        fail(fmt::format("there is no vertex {}; the mesh has {} vertices, numbered 0 to {}", v,
+                         mesh_.vertexCount(), mesh_.vertexCount() - 1));
+      vertices.push_back(static_cast<int>(v));
+    }
+    return vertices;
+  }
+
+  std::vector<int> select(const LoopNumber& loop) const {
+    if (!loops_) loops_ = boundaryLoops(mesh_);
+    if (loops_->empty()) fail("the mesh is closed: it has no boundary loop");
+    const auto number = static_cast<unsigned long long>(loop.number);
+    if (number >= loops_->size())
+      fail(fmt::format("there is no loop {}; {}", loop.number, describeLoops()));
+    return (*loops_)[static_cast<std::size_t>(number)].vertices;
+  }
+
+  std::string describeLoops() const {
+    constexpr std::size_t kShown = 8;
+    std::string text = fmt::format("the mesh has {} boundary loop{}", loops_->size(),
+                                   loops_->size() == 1 ? "" : "s");
+    for (std::size_t k = 0; k < std::min(loops_->size(), kShown); ++k)
+      text += fmt::format("{} loop:{} ({:.6g} long)", k == 0 ? ":" : ",", k, (*loops_)[k].length);
+    return loops_->size() > kShown ? text + ", ..." : text;
+  }
+
+  std::vector<int> select(const WholeBoundary&) const {
+    if (!loops_) loops_ = boundaryLoops(mesh_);
+    if (loops_->empty()) fail("the mesh is closed: it has no boundary");
+    std::vector<int> vertices;
+    for (const BoundaryLoop& loop : *loops_)
+      vertices.insert(vertices.end(), loop.vertices.begin(), loop.vertices.end());
+    return vertices;
+  }
+
+  // Of equally near vertices the one with the lowest number.
+  std::vector<int> select(const NearestTo& target) const {
+    int nearest = 0;
+    long double least = std::numeric_limits<long double>::infinity();
+    for (int v = 0; v < mesh_.vertexCount(); ++v) {
+      const long double here = distance(mesh_.point(v), target.point);
+      if (here < least) {
+        nearest = v;
+        least = here;
+      }
+    }
+    return {nearest};
+  }
+
+  std::vector<int> select(const Box& box) const {
+    std::vector<int> vertices;
+    for (int v = 0; v < mesh_.vertexCount(); ++v) {
+      const Point p = mesh_.point(v);
+      bool inside = true;
+      for (std::size_t k = 0; k < 3; ++k)
+        inside = inside && box.low[k] <= p[k] && p[k] <= box.high[k];
+      if (inside) vertices.push_back(v);
+    }
+    if (vertices.empty()) fail("no vertex lies in this box; " + describeExtent());
+    return vertices;
+  }
+
+  std::string describeExtent() const {
+    Point low = mesh_.point(0);
+    Point high = low;
+    for (int v = 1; v < mesh_.vertexCount(); ++v)
+      for (std::size_t k = 0; k < 3; ++k) {
+        low[k] = std::min(low[k], mesh_.point(v)[k]);
+        high[k] = std::max(high[k], mesh_.point(v)[k]);
+      }
+    return fmt::format("the mesh spans {:.6g},{:.6g},{:.6g} to {:.6g},{:.6g},{:.6g}", low[0],
+                       low[1], low[2], high[0], high[1], high[2]);
+  }
+
+  const Mesh& mesh_;
+  const Condition& condition_;
+  std::optional<std::vector<BoundaryLoop>>& loops_;
+};
+
+/// The value of a condition in field k: one given for all, or the k-th.
+double valueOf(const Condition& condition, std::size_t k) {
+  return condition.values.size() == 1 ? condition.values[0] : condition.values[k];
+}
+
+/// What a file holds at a vertex, for all fields.
+void fix(Prescribed& prescribed, const FixedVertex& fixed) {
+  const std::size_t n = prescribed.tags.size();
+  const auto i = static_cast<std::size_t>(fixed.vertex);
+  for (std::size_t k = 0; k < prescribed.fieldCount; ++k)
+    prescribed.values[k * n + i] = fixed.value;
+  prescribed.tags[i] = fixed.tag;
+  prescribed.heldBy[i] = 1;
+  ++prescribed.fixedCount;
+}
+
+/// Fixes the vertices and returns those that had another value before, in any field. `number` is
+/// the condition's, from 0.
+std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
+                     const Condition& condition, int number) {
+  const std::size_t n = prescribed.tags.size();
+  std::vector<int> changed;
+  for (const int v : vertices) {
+    const auto i = static_cast<std::size_t>(v);
+    bool differs = false;
+    for (std::size_t k = 0; k < prescribed.fieldCount; ++k) {
+      double& value = prescribed.values[k * n + i];
+      differs = differs || value != valueOf(condition, k);
+      value = valueOf(condition, k);
+    }
+    if (prescribed.tags[i] == 0)
+      ++prescribed.fixedCount;
+    else if (differs)
+      changed.push_back(v);
+    prescribed.tags[i] = condition.tag;
+    prescribed.heldBy[i] = 2 + number;
+  }
+  return changed;
+}
+
+}  // namespace
+
+Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
+                     std::span<const FixedVertex> fromFile) {
+  const auto n = static_cast<std::size_t>(mesh.vertexCount());
+  Prescribed prescribed;
+  prescribed.tags.assign(n, 0);
+  prescribed.heldBy.assign(n, 0);
+  prescribed.fieldCount = fieldCount(conditions);
+  prescribed.values.assign(prescribed.fieldCount * n, 0.0);
+  for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
+  std::optional<std::vector<BoundaryLoop>> loops;
+  for (const Condition& condition : conditions) {
+    const std::vector<int> vertices = Selection(mesh, condition, loops).run();
+    const auto number = static_cast<int>(prescribed.selected.size());
+    prescribed.selected.push_back(static_cast<int>(vertices.size()));
+    const std::vector<int> changed = fix(prescribed, vertices, condition, number);
+    if (!changed.empty())
+      prescribed.notes.push_back(fmt::format(
+          "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,
+          describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
+          describeVertex(mesh, changed[0])));
+  }
+  return prescribed;
+}
+
+}  // namespace qelm::tool

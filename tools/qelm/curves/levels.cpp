@@ -1,0 +1,108 @@
+#include "curves/levels.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+// More curves than anyone can look at, and few enough to be cut in a moment.
+constexpr int kMostLevels = 10000;
+
+int parsedCount(const std::string& text) {
+  const auto count = parseInteger(trimmed(text));
+  if (!count || *count < 1 || *count > kMostLevels)
+    throw UsageError(
+        fmt::format("--levels {}: a whole number from 1 to {} is needed", text, kMostLevels));
+  return static_cast<int>(*count);
+}
+
+double parsedStep(const std::string& text) {
+  const auto step = parseDouble(trimmed(text));
+  if (!step || !std::isfinite(*step) || *step <= 0)
+    throw UsageError(fmt::format("--every {}: a step larger than 0 is needed", text));
+  return *step;
+}
+
+std::vector<double> parsedList(const std::string& text) {
+  std::vector<double> list;
+  for (const std::string_view word : splitAt(text, ',')) {
+    const auto level = parseDouble(trimmed(word));
+    if (!level || !std::isfinite(*level))
+      throw UsageError(fmt::format("--at {}: '{}' is not a number", text, word));
+    list.push_back(*level + 0.0);  // no negative zero
+  }
+  std::sort(list.begin(), list.end());
+  list.erase(std::unique(list.begin(), list.end()), list.end());
+  if (list.size() > kMostLevels)
+    throw UsageError(fmt::format("--at: at most {} levels, {} given", kMostLevels, list.size()));
+  return list;
+}
+
+}  // namespace
+
+LevelChoice::LevelChoice(const LevelOptions& options) {
+  const int given = !options.count.empty() + !options.at.empty() + !options.every.empty();
+  if (given != 1)
+    throw UsageError(given == 0 ? "no levels; give --levels N, --at V,V,... or --every STEP"
+                                : "give only one of --levels, --at and --every");
+  if (!options.count.empty()) count_ = parsedCount(options.count);
+  if (!options.at.empty()) list_ = parsedList(options.at);
+  if (!options.every.empty()) step_ = parsedStep(options.every);
+}
+
+std::vector<double> LevelChoice::levels(double low, double high, const Console& console) const {
+  if (count_ > 0) return even(low, high);
+  if (step_ > 0) return multiples(low, high);
+  for (const double level : list_)
+    if (level < low || level > high)
+      console.note(fmt::format("the level {} is outside of the field, {:.6g} to {:.6g}: no curve",
+                               level, low, high));
+  return list_;
+}
+
+std::vector<double> LevelChoice::even(double low, double high) const {
+  std::vector<double> levels;
+  for (int k = 1; k <= count_; ++k) {
+    // Whole-numbered weights: between round values this gives round levels.
+    double level = (low * (count_ + 1 - k) + high * k) / (count_ + 1);
+    if (!std::isfinite(level)) level = std::lerp(low, high, static_cast<double>(k) / (count_ + 1));
+    if (level > low && level < high && (levels.empty() || level > levels.back()))
+      levels.push_back(level + 0.0);
+  }
+  if (levels.empty())
+    throw RequestError(
+        fmt::format("--levels {}: no number lies between {} and {}; the field is "
+                    "too narrow to be cut",
+                    count_, low, high));
+  return levels;
+}
+
+std::vector<double> LevelChoice::multiples(double low, double high) const {
+  const double first = std::floor(low / step_);
+  const double last = std::ceil(high / step_);
+  if (!(last - first <= kMostLevels))
+    throw RequestError(fmt::format("--every {}: more than {} levels between {:.6g} and {:.6g}",
+                                   step_, kMostLevels, low, high));
+  std::vector<double> levels;
+  // Far from 0 the next whole number is no double any more: one added to k would stand
+  // still, and several k are the same.
+  for (double i = 0; i <= last - first; ++i) {
+    const double level = (first + i) * step_;
+    if (level > low && level < high && (levels.empty() || level > levels.back()))
+      levels.push_back(level + 0.0);
+  }
+  if (levels.empty())
+    throw RequestError(fmt::format(
+        "--every {}: no multiple of it lies between {:.6g} and {:.6g}; use a smaller step", step_,
+        low, high));
+  return levels;
+}
+
+}  // namespace qelm::tool

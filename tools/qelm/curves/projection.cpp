@@ -1,0 +1,119 @@
+#include "curves/projection.h"
+
+#include <fmt/format.h>
+
+#include <Eigen/Eigenvalues>
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "mesh/weld.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+// Bodies about as flat along z as across their best plane are looked at from
+// above: a picture in a known direction is worth more than a slightly larger one.
+constexpr double kFlatEnough = 1.1;
+
+// Closer to the z axis than about 8 degrees, "z points up" says too little.
+constexpr double kAlongZ = 0.99;
+
+Point scaled(const Point& p, double factor) {
+  return {p[0] * factor, p[1] * factor, p[2] * factor};
+}
+
+// By the largest part first: squares of the parts could overflow or vanish.
+Point unit(const Point& p) {
+  const double largest = std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
+  const Point q = scaled(p, 1 / largest);
+  return scaled(q, 1 / length(q));
+}
+
+/// Covariance of the vertices, in units of the mesh's diagonal.
+Eigen::Matrix3d covariance(const Mesh& mesh) {
+  const double size = diagonal(mesh);
+  const Point origin = mesh.point(0);
+  const auto place = [&](int v) {
+    const Point p = scaled(mesh.point(v) - origin, 1 / size);
+    return Eigen::Vector3d(p[0], p[1], p[2]);
+  };
+  Eigen::Vector3d mean = Eigen::Vector3d::Zero();
+  for (int v = 0; v < mesh.vertexCount(); ++v) mean += place(v);
+  mean /= mesh.vertexCount();
+  Eigen::Matrix3d sum = Eigen::Matrix3d::Zero();
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    sum += (place(v) - mean) * (place(v) - mean).transpose();
+  return sum / mesh.vertexCount();
+}
+
+/// From +z, -y or +x, by whichever axis the direction is nearest to.
+Point facingTheViewer(const Point& normal) {
+  constexpr Point kSigns = {1, -1, 1};
+  std::size_t main = 2;
+  for (const std::size_t k : {1U, 0U})
+    if (std::abs(normal[k]) > std::abs(normal[main])) main = k;
+  return scaled(normal, normal[main] * kSigns[main] < 0 ? -1 : 1);
+}
+
+Point bestDirection(const Mesh& mesh) {
+  const Eigen::Matrix3d spread = covariance(mesh);
+  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(spread);
+  if (spread(2, 2) <= kFlatEnough * solver.eigenvalues()[0]) return {0, 0, 1};
+  const Eigen::Vector3d normal = solver.eigenvectors().col(0);
+  return facingTheViewer({normal[0], normal[1], normal[2]});
+}
+
+Point parsedDirection(const std::string& text) {
+  constexpr std::string_view kAxes = "xyz";
+  std::string_view word = trimmed(text);
+  const bool isSigned = word.size() == 2 && (word[0] == '-' || word[0] == '+');
+  if (isSigned || word.size() == 1) {
+    const std::size_t axis = kAxes.find(word.back());
+    if (axis != std::string_view::npos) {
+      Point direction{};
+      direction[axis] = word[0] == '-' ? -1 : 1;
+      return direction;
+    }
+  }
+  Point direction{};
+  const std::vector<std::string_view> parts = splitAt(word, ',');
+  bool good = parts.size() == 3;
+  for (std::size_t k = 0; good && k < 3; ++k) {
+    const auto value = parseDouble(trimmed(parts[k]));
+    good = value && std::isfinite(*value);
+    if (good) direction[k] = *value;
+  }
+  if (!good || direction == Point{})
+    throw UsageError(fmt::format(
+        "--view {}: give best, x, y, z, -x, -y, -z, or a direction X,Y,Z towards the viewer",
+        text));
+  return direction;
+}
+
+}  // namespace
+
+ViewChoice parseView(const std::string& text) {
+  if (trimmed(text) == "best" || trimmed(text) == "plane") return {{}, text};
+  return {parsedDirection(text), text};
+}
+
+Projection projectionFor(const ViewChoice& choice, const Mesh& mesh) {
+  Projection result;
+  result.toward = unit(choice.direction ? *choice.direction : bestDirection(mesh));
+  const Point upright = std::abs(result.toward[2]) > kAlongZ ? Point{0, 1, 0} : Point{0, 0, 1};
+  result.right = unit(cross(upright, result.toward));
+  result.up = cross(result.toward, result.right);
+  constexpr Point kAbove = {0, 0, 1};
+  const bool fromAbove = result.toward == kAbove;
+  result.description = fromAbove          ? "seen from +z"
+                       : choice.direction ? fmt::format("seen from {}", choice.text)
+                                          : "seen across its best plane";
+  return result;
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,36 @@
+// The library's handle, owned.
+#ifndef QELM_TOOLS_FIELD_SYSTEM_H
+#define QELM_TOOLS_FIELD_SYSTEM_H
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "mesh/mesh.h"
+#include "qelm.h"
+
+namespace qelm::tool {
+
+class FieldSystem {
+ public:
+  /// Throws InputError when the library refuses the mesh or cannot factorise.
+  FieldSystem(const Mesh& mesh, std::span<const int> tags);
+
+  /// One or more fields, one after another, with a value for each vertex in the mesh's
+  /// order; `load` is one of them for all, or empty for none. Throws InputError when a
+  /// value is not finite: qelminfo() alone does not see that.
+  std::vector<double> solve(const Mesh& mesh, std::span<const double> values,
+                            std::span<const double> load) const;
+
+  const MeshSystem* handle() const { return handle_.get(); }
+
+ private:
+  struct Free {
+    void operator()(MeshSystem* handle) const { qelmfree(handle); }
+  };
+  std::unique_ptr<MeshSystem, Free> handle_;
+};
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,186 @@
+#include "fields/solve_job.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+
+#include "conditions/vertex_csv.h"
+#include "files/output_file.h"
+#include "mesh/mesh_checks.h"
+#include "mesh_files/load_mesh.h"
+
+namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Extremes {
+  int lowest;
+  int highest;
+};
+
+Extremes extremesOf(std::span<const double> field) {
+  // The first of equals, for both.
+  const auto low = std::min_element(field.begin(), field.end());
+  const auto high = std::max_element(field.begin(), field.end());
+  return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
+}
+
+double valueAt(const SolvedField& solved, std::size_t field, int vertex) {
+  return solved.field(field)[static_cast<std::size_t>(vertex)];
+}
+
+Json vertexJson(const SolvedField& solved, std::size_t field, int vertex) {
+  return {{"value", valueAt(solved, field, vertex)},
+          {"vertex", vertex},
+          {"point", solved.mesh.point(vertex)}};
+}
+
+/// {"min": ..., "max": ...}
+Json rangeJson(const SolvedField& solved, std::size_t field) {
+  const Extremes extremes = extremesOf(solved.field(field));
+  return {{"min", vertexJson(solved, field, extremes.lowest)},
+          {"max", vertexJson(solved, field, extremes.highest)}};
+}
+
+/// {"value": 1} of a condition for one field or for all, else {"values": [1, 2]}.
+Json conditionJson(const Condition& condition) {
+  Json json = {{"selector", condition.text}};
+  if (condition.values.size() == 1)
+    json["value"] = condition.values[0];
+  else
+    json["values"] = condition.values;
+  json["tag"] = condition.tag;
+  return json;
+}
+
+}  // namespace
+
+Json summaryJson(const SolvedField& solved, const std::vector<std::string>& results,
+                 const std::vector<ReportItem>& more) {
+  Json fixes = Json::array();
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k) {
+    fixes.push_back(conditionJson(solved.conditions[k]));
+    fixes.back()["vertices"] = solved.prescribed.selected[k];
+  }
+  Json summary = {{"mesh", solved.meshName},
+                  {"vertices", solved.mesh.vertexCount()},
+                  {"triangles", solved.mesh.triangleCount()},
+                  {"fixedVertices", solved.prescribed.fixedCount},
+                  {"fixFileVertices", solved.fromFile},
+                  {"fix", fixes}};
+  if (solved.fieldCount() == 1) {
+    summary.update(rangeJson(solved, 0));
+  } else {
+    summary["fields"] = Json::array();
+    for (std::size_t k = 0; k < solved.fieldCount(); ++k)
+      summary["fields"].push_back(rangeJson(solved, k));
+  }
+  for (const ReportItem& item : more) summary.update(item.members);
+  summary["seconds"] = Json::object();
+  for (const Step& step : solved.steps.list()) summary["seconds"][step.name] = step.seconds;
+  summary["results"] = results;
+  return summary;
+}
+
+namespace {
+
+std::string describeValue(const SolvedField& solved, std::size_t field, int vertex) {
+  return fmt::format("{:.6g} at {}", valueAt(solved, field, vertex),
+                     describeVertex(solved.mesh, vertex));
+}
+
+void printRanges(const SolvedField& solved, const Console& console) {
+  for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
+    const Extremes extremes = extremesOf(solved.field(k));
+    if (solved.fieldCount() > 1) console.line(fmt::format("field {}", k + 1));
+    console.line("minimum  " + describeValue(solved, k, extremes.lowest));
+    console.line("maximum  " + describeValue(solved, k, extremes.highest));
+  }
+}
+
+void printLines(const SolvedField& solved, const std::vector<std::string>& results,
+                const Console& console, const std::vector<ReportItem>& more) {
+  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
+                           solved.mesh.vertexCount(), solved.mesh.triangleCount()));
+  console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
+  for (std::size_t k = 0; k < solved.conditions.size(); ++k)
+    console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
+                             describeValues(solved.conditions[k]), solved.prescribed.selected[k]));
+  printRanges(solved, console);
+  for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
+  console.line("time     " + describeTimes(solved.steps));
+  console.line(fmt::format("result   {}", results.empty()
+                                              ? "not written; -o FIELD.csv writes it"
+                                              : fmt::format("{}", fmt::join(results, ", "))));
+}
+
+}  // namespace
+
+void printJson(const nlohmann::ordered_json& json) {
+  printData(json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+}
+
+std::string describeTimes(const Steps& steps) {
+  std::vector<std::string> times;
+  for (const Step& step : steps.list())
+    times.push_back(fmt::format("{} {:.3f} s", step.name, step.seconds));
+  return fmt::format("{}", fmt::join(times, ", "));
+}
+
+SolvedField solveField(const FieldOptions& options, const Console& console) {
+  SolvedField solved;
+  solved.meshName = options.mesh;
+  solved.steps = Steps(console);
+  for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
+  if (!options.several && fieldCount(solved.conditions) > 1)
+    throw UsageError(
+        "a --fix has several values, but this command takes one field; 'qelm solve' "
+        "takes several");
+  Steps& steps = solved.steps;
+  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  const Mesh& mesh = solved.mesh;
+  if (!options.load.empty()) solved.load = readLoad(options.load, mesh.vertexCount());
+  std::vector<FixedVertex> fromFile;
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
+  solved.fromFile = static_cast<int>(fromFile.size());
+  naming(options.mesh, [&] {
+    steps.run("check", [&] {
+      checkMesh(mesh);
+      solved.prescribed = prescribe(mesh, solved.conditions, fromFile);
+      checkEveryPartIsFixed(mesh, solved.prescribed.tags);
+    });
+    for (const std::string& note : solved.prescribed.notes) console.note(note);
+    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
+    solved.fields = steps.run(
+        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, solved.load); });
+  });
+  return solved;
+}
+
+void requireRange(const SolvedField& solved, const char* use) {
+  // Stretched over all colours or levels, rounding would show as noise.
+  constexpr double kConstant = 1e-12;
+  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  if (*high - *low <= kConstant * std::max(std::abs(*low), std::abs(*high)))
+    throw RequestError(fmt::format(
+        "{}: the field is {:.6g} everywhere, so there is no range to {}; fix vertices at two "
+        "different values at least",
+        solved.meshName, *low, use));
+}
+
+void reportField(const SolvedField& solved, const std::vector<std::string>& results,
+                 const OutputOptions& output, const Console& console,
+                 const std::vector<ReportItem>& more) {
+  if (output.json)
+    printJson(summaryJson(solved, results, more));
+  else
+    printLines(solved, results, console, more);
+}
+
+}  // namespace qelm::tool

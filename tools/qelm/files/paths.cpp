@@ -1,0 +1,78 @@
+#include "files/paths.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#ifdef _WIN32
+#include <process.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace fs = std::filesystem;
+
+fs::path toPath(std::string_view utf8) { return fs::path(std::u8string(utf8.begin(), utf8.end())); }
+
+std::string toUtf8(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+#ifdef _WIN32
+std::string toNarrow(const fs::path& path) {
+  const std::wstring wide = path.wstring();
+  const int wideSize = static_cast<int>(wide.size());
+  BOOL lossy = FALSE;
+  const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, nullptr,
+                                       0, nullptr, &lossy);
+  std::string narrow(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, narrow.data(), size,
+                      nullptr, nullptr);
+  if (lossy)
+    throw OutputError(
+        fmt::format("{}: the name has characters outside the system's code page; choose another",
+                    toUtf8(path)));
+  return narrow;
+}
+
+int processNumber() { return _getpid(); }
+#else
+std::string toNarrow(const fs::path& path) { return path.string(); }
+
+int processNumber() { return getpid(); }
+#endif
+
+std::string lowerExtension(const fs::path& path) {
+  std::string extension = toUtf8(path.extension());
+  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return extension;
+}
+
+std::string readFile(const fs::path& path) {
+  const std::string name = toUtf8(path);
+  std::error_code ignored;
+  const fs::file_status status = fs::status(path, ignored);
+  if (status.type() == fs::file_type::not_found)
+    throw FileError(fmt::format("{}: no such file; check the name and the folder", name));
+  if (status.type() == fs::file_type::directory)
+    throw FileError(fmt::format("{}: is a folder; name a file in it", name));
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw FileError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));
+  std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (file.bad()) throw FileError(fmt::format("{}: reading it failed", name));
+  return bytes;
+}
+
+}  // namespace qelm::tool

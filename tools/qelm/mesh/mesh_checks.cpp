@@ -1,0 +1,158 @@
+#include "mesh/mesh_checks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+#include "mesh/vec3.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+// A triangle lower than this many roundings of its largest coordinate cannot be
+// told from one without area: each of its corners is off by half a rounding, and
+// the differences that make its height add some more.
+constexpr double kFlatRoundings = 8;
+
+/// Calls `bad(element)` for every element and throws a message about the first
+/// for which it is true; `describe` makes that message's beginning and `advice` its end.
+template <class Error = MeshError, class Bad, class Describe>
+void refuseFirst(int count, Bad bad, Describe describe, const char* advice) {
+  int first = -1;
+  int more = 0;
+  for (int k = 0; k < count; ++k) {
+    if (!bad(k)) continue;
+    if (first < 0)
+      first = k;
+    else
+      ++more;
+  }
+  if (first < 0) return;
+  const std::string others = more == 0 ? "" : fmt::format(" (and {} more)", more);
+  throw Error(fmt::format("{}{}; {}", describe(first), others, advice));
+}
+
+int repeatedCorner(std::span<const int, 3> c) {
+  if (c[0] == c[1] || c[0] == c[2]) return c[0];
+  return c[1] == c[2] ? c[1] : -1;
+}
+
+bool isFinite(const Point& p) {
+  return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+}
+
+double largestCoordinate(const Point& p) {
+  return std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
+}
+
+bool hasNoArea(const Mesh& mesh, int triangle) {
+  const auto c = mesh.corners(triangle);
+  const Point p = mesh.point(c[0]);
+  const Point q = mesh.point(c[1]);
+  const Point r = mesh.point(c[2]);
+  const double longest = std::max({length(q - p), length(r - q), length(p - r)});
+  const double magnitude =
+      std::max({largestCoordinate(p), largestCoordinate(q), largestCoordinate(r)});
+  const double twiceArea = length(cross(q - p, r - p));
+  const double noise = kFlatRoundings * std::numeric_limits<double>::epsilon() * magnitude;
+  // Also true for an area that overflowed or underflowed, which the library
+  // could not use either.
+  return !(twiceArea > noise * longest) || !std::isfinite(twiceArea);
+}
+
+std::vector<bool> usedVertices(const Mesh& mesh) {
+  std::vector<bool> used(static_cast<std::size_t>(mesh.vertexCount()), false);
+  for (const int v : mesh.triangles) used[static_cast<std::size_t>(v)] = true;
+  return used;
+}
+
+}  // namespace
+
+std::vector<int> lowestOfPart(const Mesh& mesh) {
+  std::vector<int> parent(static_cast<std::size_t>(mesh.vertexCount()));
+  std::iota(parent.begin(), parent.end(), 0);
+  const auto root = [&parent](int v) {
+    auto at = [&parent](int i) -> int& { return parent[static_cast<std::size_t>(i)]; };
+    while (at(v) != v) v = at(v) = at(at(v));
+    return v;
+  };
+  const auto unite = [&](int a, int b) {
+    const int rootA = root(a);
+    const int rootB = root(b);
+    parent[static_cast<std::size_t>(std::max(rootA, rootB))] = std::min(rootA, rootB);
+  };
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    unite(mesh.corners(t)[0], mesh.corners(t)[1]);
+    unite(mesh.corners(t)[0], mesh.corners(t)[2]);
+  }
+  for (int v = 0; v < mesh.vertexCount(); ++v) parent[static_cast<std::size_t>(v)] = root(v);
+  return parent;
+}
+
+std::string describeTriangle(const Mesh& mesh, int triangle) {
+  const auto c = mesh.corners(triangle);
+  std::string text = fmt::format("triangle {} ({}, {}, {})", triangle, c[0], c[1], c[2]);
+  if (!mesh.faceOfTriangle.empty())
+    text += fmt::format(" of face {}", mesh.faceOfTriangle[static_cast<std::size_t>(triangle)]);
+  return text;
+}
+
+std::string describeVertex(const Mesh& mesh, int vertex) {
+  const Point p = mesh.point(vertex);
+  return fmt::format("vertex {} ({:.6g}, {:.6g}, {:.6g})", vertex, p[0], p[1], p[2]);
+}
+
+void checkFinite(const Mesh& mesh) {
+  refuseFirst(
+      mesh.vertexCount(), [&](int v) { return !isFinite(mesh.point(v)); },
+      [&](int v) { return fmt::format("{}: coordinates not finite", describeVertex(mesh, v)); },
+      "repair the file");
+}
+
+void checkMesh(const Mesh& mesh) {
+  refuseFirst(
+      mesh.triangleCount(), [&](int t) { return repeatedCorner(mesh.corners(t)) >= 0; },
+      [&](int t) {
+        return fmt::format("{}: names vertex {} twice", describeTriangle(mesh, t),
+                           repeatedCorner(mesh.corners(t)));
+      },
+      "remove such triangles");
+  const std::vector<bool> used = usedVertices(mesh);
+  refuseFirst(
+      mesh.vertexCount(), [&](int v) { return !used[static_cast<std::size_t>(v)]; },
+      [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
+      "remove such vertices");
+  checkFinite(mesh);
+  refuseFirst(
+      mesh.triangleCount(), [&](int t) { return hasNoArea(mesh, t); },
+      [&](int t) { return fmt::format("{}: zero area", describeTriangle(mesh, t)); },
+      "remove such triangles or merge their corners");
+}
+
+void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
+  const std::vector<int> lowest = lowestOfPart(mesh);
+  std::vector<int> size(lowest.size(), 0);
+  std::vector<bool> fixed(lowest.size(), false);
+  for (std::size_t v = 0; v < lowest.size(); ++v) {
+    ++size[static_cast<std::size_t>(lowest[v])];
+    if (tags[v] != 0) fixed[static_cast<std::size_t>(lowest[v])] = true;
+  }
+  refuseFirst<SingularError>(
+      mesh.vertexCount(),
+      [&](int v) {
+        return size[static_cast<std::size_t>(v)] > 0 && !fixed[static_cast<std::size_t>(v)];
+      },
+      [&](int v) {
+        return fmt::format("the connected part with {}, {} vertices in all, has no fixed vertex",
+                           describeVertex(mesh, v), size[static_cast<std::size_t>(v)]);
+      },
+      "fix a vertex in every part, remove the part, or join the parts with 'qelm weld'");
+}
+
+}  // namespace qelm::tool

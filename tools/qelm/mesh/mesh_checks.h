@@ -1,0 +1,38 @@
+// What the library takes on trust, looked at first: a mesh that passes here
+// constructs, and every solve on it is well posed.
+#ifndef QELM_TOOLS_MESH_CHECKS_H
+#define QELM_TOOLS_MESH_CHECKS_H
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "mesh/mesh.h"
+
+namespace qelm::tool {
+
+/// Throws InputError that names the first triangle or vertex, in this order: a
+/// triangle that names a vertex twice, a vertex in no triangle, a coordinate
+/// that is not finite, a triangle without area.
+void checkMesh(const Mesh& mesh);
+
+/// Throws InputError that names the first vertex with a coordinate that is not finite.
+void checkFinite(const Mesh& mesh);
+
+/// Throws InputError when some connected part of the mesh has no vertex with a
+/// nonzero tag. Triangles are connected when they share a vertex.
+void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);
+
+/// The lowest vertex of each vertex's connected part; triangles are connected when
+/// they share a vertex.
+std::vector<int> lowestOfPart(const Mesh& mesh);
+
+/// "triangle 4711 (12, 90, 91)", with its face where faces were split.
+std::string describeTriangle(const Mesh& mesh, int triangle);
+
+/// "vertex 17 (0.5, 1, 2)".
+std::string describeVertex(const Mesh& mesh, int vertex);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,88 @@
+#include "mesh/weld.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "mesh/mesh_checks.h"
+#include "mesh/vec3.h"
+#include "qelm.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+void dropUnusedVertices(Welded& welded) {
+  Mesh& mesh = welded.mesh;
+  constexpr int kUnused = -1;
+  std::vector<int> place(static_cast<std::size_t>(mesh.vertexCount()), kUnused);
+  for (const int v : mesh.triangles) place[static_cast<std::size_t>(v)] = 0;
+  int kept = 0;
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    if (place[static_cast<std::size_t>(v)] == kUnused) continue;
+    const Point p = mesh.point(v);
+    std::copy(p.begin(), p.end(), mesh.vertices.begin() + 3 * std::ptrdiff_t{kept});
+    place[static_cast<std::size_t>(v)] = kept++;
+  }
+  welded.droppedVertices = mesh.vertexCount() - kept;
+  mesh.vertices.resize(3 * static_cast<std::size_t>(kept));
+  for (int& v : mesh.triangles) v = place[static_cast<std::size_t>(v)];
+}
+
+}  // namespace
+
+double diagonal(const Mesh& mesh) {
+  Point low = mesh.point(0);
+  Point high = low;
+  for (int v = 1; v < mesh.vertexCount(); ++v) {
+    const Point p = mesh.point(v);
+    for (std::size_t k = 0; k < 3; ++k) {
+      low[k] = std::min(low[k], p[k]);
+      high[k] = std::max(high[k], p[k]);
+    }
+  }
+  const double result = length(high - low);
+  if (!std::isfinite(result))
+    throw MeshError("the mesh is too large: its diagonal is not finite; scale it down");
+  return result;
+}
+
+Welded weld(const Mesh& mesh, double tolerance) {
+  checkFinite(mesh);
+  Welded welded;
+  welded.mesh.vertices.resize(mesh.vertices.size());
+  welded.mesh.triangles.resize(mesh.triangles.size());
+  std::vector<int> map(static_cast<std::size_t>(mesh.vertexCount()));
+  int vertexCount = 0;
+  int triangleCount = 0;
+  const int status =
+      qelmWeld(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+               mesh.triangles.data(), tolerance, welded.mesh.vertices.data(),
+               welded.mesh.triangles.data(), map.data(), &vertexCount, &triangleCount);
+  if (status != QELM_STATUS_OK)
+    throw MeshError(fmt::format("the library refuses to weld with status {}", status));
+  if (triangleCount == 0)
+    throw MeshError(fmt::format("welding within {:.6g} leaves no triangle; use a smaller tolerance",
+                                tolerance));
+  welded.mesh.vertices.resize(3 * static_cast<std::size_t>(vertexCount));
+  welded.mesh.triangles.resize(3 * static_cast<std::size_t>(triangleCount));
+  welded.droppedTriangles = mesh.triangleCount() - triangleCount;
+  dropUnusedVertices(welded);
+  return welded;
+}
+
+Mesh withOwnCorners(const Mesh& mesh) {
+  Mesh soup;
+  soup.vertices.reserve(3 * mesh.triangles.size());
+  soup.triangles.reserve(mesh.triangles.size());
+  for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
+    const Point p = mesh.point(mesh.triangles[k]);
+    soup.vertices.insert(soup.vertices.end(), p.begin(), p.end());
+    soup.triangles.push_back(static_cast<int>(k));
+  }
+  return soup;
+}
+
+}  // namespace qelm::tool

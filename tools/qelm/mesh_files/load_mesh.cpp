@@ -1,0 +1,52 @@
+#include "mesh_files/load_mesh.h"
+
+#include "files/paths.h"
+#include "mesh/mesh_checks.h"
+#include "mesh/weld.h"
+#include "mesh_files/mesh_reader.h"
+#include "mesh_files/triangulate.h"
+
+namespace qelm::tool {
+namespace {
+
+struct Loaded {
+  Mesh mesh;
+  bool isSoup;
+};
+
+Loaded load(const std::string& name, const Console& console) {
+  const PolygonSoup soup = readPolygonSoup(toPath(name));
+  Triangulation result = naming(name, [&] { return triangulate(soup); });
+  if (result.splitFaceCount > 0)
+    console.note(
+        fmt::format("{}: {} of {} faces have more than three corners and were split into "
+                    "triangles",
+                    name, result.splitFaceCount, soup.faces.size()));
+  // The reader has merged corners that are exactly equal; the file has not.
+  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true};
+  return {std::move(result.mesh), false};
+}
+
+}  // namespace
+
+Mesh loadMesh(const std::string& name, const Console& console) { return load(name, console).mesh; }
+
+Mesh loadWeldedMesh(const std::string& name, const Console& console) {
+  Loaded loaded = load(name, console);
+  if (!loaded.isSoup) return std::move(loaded.mesh);
+  const Mesh& soup = loaded.mesh;
+  double tolerance = 0;
+  Welded welded = naming(name, [&] {
+    checkFinite(soup);
+    tolerance = kDefaultWeldPart * diagonal(soup);
+    return weld(soup, tolerance);
+  });
+  console.note(fmt::format(
+      "{}: welded within {:.3g}: {} vertices became {}, {} triangles became {}; 'qelm weld' takes "
+      "another tolerance",
+      name, tolerance, soup.vertexCount(), welded.mesh.vertexCount(), soup.triangleCount(),
+      welded.mesh.triangleCount()));
+  return std::move(welded.mesh);
+}
+
+}  // namespace qelm::tool

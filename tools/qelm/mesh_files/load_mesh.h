@@ -1,0 +1,34 @@
+// From a mesh file to triangles.
+#ifndef QELM_TOOLS_LOAD_MESH_H
+#define QELM_TOOLS_LOAD_MESH_H
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "mesh/mesh.h"
+#include "terminal/console.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+
+/// Messages about a mesh's elements get the file's name in front.
+template <class Action>
+auto naming(const std::string& file, Action action) {
+  try {
+    return action();
+  } catch (const InputError& error) {
+    throw InputError(fmt::format("{}: {}", file, error.what()), error.code());
+  }
+}
+
+/// Reads a file and splits its polygons, with a note. Formats in which every
+/// facet has its own corners give three vertices per triangle.
+Mesh loadMesh(const std::string& name, const Console& console);
+
+/// The same, but such soups are welded, with a note.
+Mesh loadWeldedMesh(const std::string& name, const Console& console);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,134 @@
+// The one file that sees CGAL, whose readers do the reading proper of OBJ and STL.
+// See obj_text.h and stl_data.h for what has to be done before.
+#include "mesh_files/mesh_reader.h"
+
+#include <CGAL/IO/OBJ.h>
+#include <CGAL/IO/STL.h>
+#include <CGAL/Simple_cartesian.h>
+#include <fmt/format.h>
+
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "files/paths.h"
+#include "mesh_files/obj_text.h"
+#include "mesh_files/off_data.h"
+#include "mesh_files/ply_data.h"
+#include "mesh_files/stl_data.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+using ReaderPoint = CGAL::Simple_cartesian<double>::Point_3;
+
+// The stiffness matrix is gathered from nine entries per triangle, counted by int.
+constexpr std::size_t kMostFaces = std::numeric_limits<int>::max() / 9;
+
+struct ReaderSoup {
+  std::vector<ReaderPoint> points;
+  std::vector<std::vector<std::size_t>> faces;
+};
+
+enum class Format { kObj, kOff, kPly, kStl };
+
+Format formatOf(const std::filesystem::path& path) {
+  const std::string extension = lowerExtension(path);
+  if (extension == ".obj") return Format::kObj;
+  if (extension == ".off") return Format::kOff;
+  if (extension == ".ply") return Format::kPly;
+  if (extension == ".stl") return Format::kStl;
+  throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
+                              toUtf8(path), kReadableFormats));
+}
+
+PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) {
+  if (!isRead)
+    throw FileError(
+        fmt::format("{}: not a mesh that can be read; it may be damaged or cut short", name));
+  PolygonSoup soup;
+  soup.points.reserve(from.points.size());
+  for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
+  soup.faces.reserve(from.faces.size());
+  for (const std::vector<std::size_t>& face : from.faces)
+    soup.faces.emplace_back(face.begin(), face.end());
+  return soup;
+}
+
+PolygonSoup readObj(std::string bytes, const std::string& name) {
+  ReaderSoup soup;
+  std::istringstream stream(plainObj(bytes, name));
+  const bool isRead = CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
+  return taken(soup, isRead, name);
+}
+
+PolygonSoup readStl(std::string bytes, const std::string& name) {
+  if (isBinaryStl(bytes)) {
+    checkBinaryStl(bytes, name);
+    // So that no binary file is tried as text first.
+    bytes.replace(0, 5, "binar");
+  } else {
+    bytes = plainStl(bytes, name);
+  }
+  ReaderSoup soup;
+  std::istringstream stream(std::move(bytes));
+  const bool isRead = CGAL::IO::read_STL(stream, soup.points, soup.faces);
+  PolygonSoup result = taken(soup, isRead, name);
+  result.facetsOwnTheirCorners = true;
+  return result;
+}
+
+PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
+  switch (format) {
+    case Format::kObj:
+      return readObj(std::move(bytes), name);
+    case Format::kOff:
+      return readOff(bytes, name);
+    case Format::kPly:
+      return readPly(bytes, name);
+    default:
+      return readStl(std::move(bytes), name);
+  }
+}
+
+void checkSizes(const PolygonSoup& soup, const std::string& name) {
+  if (soup.points.empty() || soup.faces.empty())
+    throw FileError(
+        fmt::format("{}: not a mesh: no {}", name, soup.points.empty() ? "vertices" : "faces"));
+  if (soup.points.size() > kMostFaces || soup.faces.size() > kMostFaces)
+    throw MeshError(fmt::format("{}: too large: more than {} vertices or faces", name, kMostFaces));
+}
+
+void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& name) {
+  const std::vector<int>& corners = soup.faces[face];
+  if (corners.size() < 3)
+    throw MeshError(fmt::format("{}: face {}: has only {} corners", name, face, corners.size()));
+  for (const int index : corners)
+    if (index < 0 || static_cast<std::size_t>(index) >= soup.points.size())
+      throw MeshError(fmt::format(
+          "{}: face {}: vertex index {} is out of range: the file has {} vertices, numbered 0 "
+          "to {}",
+          name, face, index, soup.points.size(), soup.points.size() - 1));
+}
+
+}  // namespace
+
+PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
+  formatOf(path);  // refuses the name before the file is touched
+  return readPolygonSoup(path, readFile(path));
+}
+
+PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes) {
+  const std::string name = toUtf8(path);
+  const Format format = formatOf(path);
+  if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
+  PolygonSoup soup = readAs(format, std::move(bytes), name);
+  checkSizes(soup, name);
+  for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
+  return soup;
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,80 @@
+#include "mesh_files/mesh_writer.h"
+
+#include <fmt/format.h>
+
+#include <bit>
+#include <cstdint>
+
+#include "files/paths.h"
+#include "mesh/vec3.h"
+#include "text/error.h"
+#include "text/text_block.h"
+
+namespace qelm::tool {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "binary PLY and STL are little-endian");
+
+void writeObj(const Mesh& mesh, TextBlock& block) {
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    const Point p = mesh.point(v);
+    block.text("v {} {} {}\n", p[0], p[1], p[2]);
+  }
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    block.text("f {} {} {}\n", c[0] + 1, c[1] + 1, c[2] + 1);
+  }
+}
+
+void writePly(const Mesh& mesh, TextBlock& block) {
+  block.text(
+      "ply\nformat binary_little_endian 1.0\nelement vertex {}\nproperty double x\n"
+      "property double y\nproperty double z\nelement face {}\n"
+      "property list uchar int vertex_indices\nend_header\n",
+      mesh.vertexCount(), mesh.triangleCount());
+  for (const double coordinate : mesh.vertices) block.bytes(coordinate);
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    block.bytes(std::uint8_t{3});
+    for (const int v : mesh.corners(t)) block.bytes(std::int32_t{v});
+  }
+}
+
+void writePoint(const Point& p, TextBlock& block) {
+  for (const double coordinate : p) block.bytes(static_cast<float>(coordinate));
+}
+
+void writeStl(const Mesh& mesh, TextBlock& block) {
+  block.text("{:<80}", "binary STL written by qelm");
+  block.bytes(static_cast<std::uint32_t>(mesh.triangleCount()));
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    const Point p = mesh.point(c[0]);
+    Point normal = cross(mesh.point(c[1]) - p, mesh.point(c[2]) - p);
+    const double size = length(normal);
+    for (double& part : normal) part = size > 0 ? part / size : 0;
+    writePoint(normal, block);
+    for (const int v : c) writePoint(mesh.point(v), block);
+    block.bytes(std::uint16_t{0});
+  }
+}
+
+}  // namespace
+
+MeshFormat writableFormat(const std::string& name) {
+  if (name == "-") return MeshFormat::kObj;
+  const std::string extension = lowerExtension(toPath(name));
+  if (extension == ".obj") return MeshFormat::kObj;
+  if (extension == ".ply") return MeshFormat::kPly;
+  if (extension == ".stl") return MeshFormat::kStl;
+  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .ply or .stl", name));
+}
+
+void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
+  TextBlock block(file);
+  if (format == MeshFormat::kObj) writeObj(mesh, block);
+  if (format == MeshFormat::kPly) writePly(mesh, block);
+  if (format == MeshFormat::kStl) writeStl(mesh, block);
+  block.flush();
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,126 @@
+#include "mesh_files/obj_text.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <iterator>
+#include <vector>
+
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+/// A face's highest index can only be judged once all vertices are counted.
+struct HighestIndex {
+  long long index = 0;
+  std::size_t line = 0;
+};
+
+class ObjPass {
+ public:
+  ObjPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {
+    plain_.reserve(text.size());
+  }
+
+  std::string run() {
+    std::string joined;
+    while (lines_.next()) {
+      std::string_view line = lines_.line();
+      const std::size_t first = lines_.number();
+      // A backslash at the end of a line continues it on the next.
+      if (!line.empty() && line.back() == '\\') line = joinLines(joined);
+      statement(line.substr(0, line.find('#')), first);
+    }
+    checkHighest();
+    return std::move(plain_);
+  }
+
+ private:
+  [[noreturn]] void fail(std::size_t line, const std::string& what) const {
+    throw FileError(fmt::format("{}:{}: {}", name_, line, what));
+  }
+
+  [[noreturn]] void failMesh(std::size_t line, const std::string& what) const {
+    throw MeshError(fmt::format("{}:{}: {}", name_, line, what));
+  }
+
+  std::string_view joinLines(std::string& joined) {
+    joined.assign(lines_.line());
+    while (!joined.empty() && joined.back() == '\\' && lines_.next()) {
+      joined.back() = ' ';
+      joined += lines_.line();
+    }
+    return joined;
+  }
+
+  void statement(std::string_view line, std::size_t number) {
+    const std::vector<std::string_view> words = splitAtBlanks(line);
+    if (words.empty()) return;
+    if (words[0] == "v") vertex(words, number);
+    if (words[0] == "f" || words[0] == "fo") face(words, number);
+  }
+
+  void vertex(const std::vector<std::string_view>& words, std::size_t line) {
+    if (words.size() < 4) fail(line, "a vertex needs three coordinates");
+    for (std::size_t k = 1; k <= 3; ++k) {
+      const auto value = parseDouble(words[k]);
+      if (!value) fail(line, fmt::format("'{}' is not a coordinate", words[k]));
+      if (!std::isfinite(*value))
+        failMesh(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
+                                   vertexCount_, words[k]));
+    }
+    fmt::format_to(std::back_inserter(plain_), "v {} {} {}\n", words[1], words[2], words[3]);
+    ++vertexCount_;
+  }
+
+  void face(const std::vector<std::string_view>& words, std::size_t line) {
+    if (words.size() < 4) fail(line, "a face needs at least three corners");
+    plain_ += 'f';
+    for (std::size_t k = 1; k < words.size(); ++k)
+      fmt::format_to(std::back_inserter(plain_), " {}", cornerIndex(words[k], line));
+    plain_ += '\n';
+    ++faceCount_;
+  }
+
+  /// The vertex of a corner such as "7", "7/1", "7//3" or "-1/-1/-1", from 1.
+  long long cornerIndex(std::string_view corner, std::size_t line) {
+    const auto index = parseInteger(corner.substr(0, corner.find('/')));
+    if (!index) fail(line, fmt::format("'{}' is not a corner of a face", corner));
+    if (*index == 0) failMesh(line, "vertex index 0: OBJ files number their vertices from 1");
+    if (*index > 0) {
+      if (*index > highest_.index) highest_ = {*index, line};
+      return *index;
+    }
+    if (*index < -vertexCount_)
+      failMesh(line,
+               fmt::format("vertex index {} is out of range: {} vertices come before this line",
+                           *index, vertexCount_));
+    return vertexCount_ + *index + 1;
+  }
+
+  void checkHighest() const {
+    if (highest_.index > vertexCount_)
+      failMesh(highest_.line,
+               fmt::format("vertex index {} is out of range: the file has {} vertices",
+                           highest_.index, vertexCount_));
+    if (vertexCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no vertices", name_));
+    if (faceCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no faces", name_));
+  }
+
+  LineReader lines_;
+  const std::string& name_;
+  std::string plain_;
+  long long vertexCount_ = 0;
+  long long faceCount_ = 0;
+  HighestIndex highest_;
+};
+
+}  // namespace
+
+std::string plainObj(std::string_view text, const std::string& name) {
+  return ObjPass(text, name).run();
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,138 @@
+#include "mesh_files/off_data.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+// "0 0 0" and "3 0 0 0", each with what separates it from the next.
+constexpr std::size_t kLeastVertex = 6;
+constexpr std::size_t kLeastFace = 8;
+
+class OffReader {
+ public:
+  OffReader(std::string_view text, const std::string& name)
+      : lines_(text), name_(name), size_(text.size()) {}
+
+  PolygonSoup run() {
+    nextLine("the counts of vertices and faces");
+    keyword();
+    counts();
+    for (std::size_t v = 0; v < vertexCount_; ++v) vertex(v);
+    for (std::size_t f = 0; f < faceCount_; ++f) face(f);
+    return std::move(soup_);
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const {
+    throw FileError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
+  }
+
+  /// The words of the next line that has any, without its comment.
+  void nextLine(const std::string& wanted) {
+    words_.clear();
+    needWords(1, wanted);
+  }
+
+  /// Goes on with the next lines while there are fewer words than `count`.
+  void needWords(std::size_t count, const std::string& wanted) {
+    while (words_.size() < count) {
+      if (!lines_.next()) fail(fmt::format("the file ends before {}; it may be cut short", wanted));
+      const auto more = splitAtBlanks(lines_.line().substr(0, lines_.line().find('#')));
+      words_.insert(words_.end(), more.begin(), more.end());
+    }
+  }
+
+  // OFF, COFF, NOFF, CNOFF, STCNOFF: prefixes for texture, colour, normal. 4OFF and
+  // nOFF live in other spaces. The line may be missing altogether.
+  void keyword() {
+    const std::string_view word = words_[0];
+    if (parseDouble(word)) return;
+    if (!word.ends_with("OFF")) fail("not an OFF file: it does not begin with 'OFF'");
+    const std::string_view prefix = word.substr(0, word.size() - 3);
+    if (prefix.find_first_not_of("STCN") != std::string_view::npos)
+      fail(fmt::format("'{}' is not a surface in space; only OFF, COFF, NOFF and STOFF are", word));
+    if (words_.size() > 1 && words_[1] == "BINARY")
+      fail("binary OFF files cannot be read; save it as text");
+    words_.erase(words_.begin());
+    if (words_.empty()) nextLine("the counts of vertices and faces");
+  }
+
+  // The number of edges may be missing, and is never right to rely on.
+  void counts() {
+    needWords(2, "the counts of vertices and faces");
+    vertexCount_ = count(words_[0], kLeastVertex, "vertices");
+    faceCount_ = count(words_[1], kLeastFace, "faces");
+    soup_.points.reserve(vertexCount_);
+    soup_.faces.reserve(faceCount_);
+  }
+
+  std::size_t count(std::string_view word, std::size_t least, const char* what) const {
+    const auto number = parseInteger(word);
+    if (!number || *number < 0) fail(fmt::format("'{}' is not a number of {}", word, what));
+    const auto result = static_cast<std::size_t>(*number);
+    if (result > (size_ + 1) / least)
+      fail(fmt::format("{} {} are announced, but the file is too short for them", result, what));
+    return result;
+  }
+
+  void vertex(std::size_t index) {
+    const std::string wanted = fmt::format("vertex {} of {}", index, vertexCount_);
+    nextLine(wanted);
+    needWords(3, wanted);
+    Point point{};
+    for (std::size_t k = 0; k < 3; ++k) {
+      const auto value = parseDouble(words_[k]);
+      if (!value) fail(fmt::format("vertex {}: '{}' is not a coordinate", index, words_[k]));
+      point[k] = *value;
+    }
+    soup_.points.push_back(point);
+  }
+
+  void face(std::size_t index) {
+    const std::string wanted = fmt::format("face {} of {}", index, faceCount_);
+    nextLine(wanted);
+    const auto corners = parseInteger(words_[0]);
+    if (!corners || *corners < 0)
+      fail(fmt::format("face {}: '{}' is not a number of corners", index, words_[0]));
+    if (static_cast<std::size_t>(*corners) > size_)
+      fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
+    needWords(static_cast<std::size_t>(*corners) + 1, wanted);
+    std::vector<int> face;
+    for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
+      face.push_back(cornerIndex(words_[k], index));
+    soup_.faces.push_back(std::move(face));
+  }
+
+  int cornerIndex(std::string_view word, std::size_t face) const {
+    const auto index = parseInteger(word);
+    if (!index) fail(fmt::format("face {}: '{}' is not a vertex's number", face, word));
+    // One that does not fit is out of range, like any other one too high.
+    constexpr long long kMost = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(*index, -kMost, kMost));
+  }
+
+  LineReader lines_;
+  const std::string& name_;
+  std::size_t size_;
+  std::vector<std::string_view> words_;
+  std::size_t vertexCount_ = 0;
+  std::size_t faceCount_ = 0;
+  PolygonSoup soup_;
+};
+
+}  // namespace
+
+PolygonSoup readOff(std::string_view text, const std::string& name) {
+  return OffReader(text, name).run();
+}
+
+}  // namespace qelm::tool

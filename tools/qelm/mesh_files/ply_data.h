@@ -1,0 +1,19 @@
+// PLY files, text and binary.
+#ifndef QELM_TOOLS_PLY_DATA_H
+#define QELM_TOOLS_PLY_DATA_H
+
+#include <string>
+#include <string_view>
+
+#include "mesh/mesh.h"
+
+namespace qelm::tool {
+
+/// Reads the points and faces of a PLY file; all other elements and properties are
+/// passed over. Indices are not looked at. Throws FileError that names the line of a
+/// text, the element of a binary file.
+PolygonSoup readPly(std::string_view bytes, const std::string& name);
+
+}  // namespace qelm::tool
+
+#endif

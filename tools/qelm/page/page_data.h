@@ -1,0 +1,25 @@
+// The mesh and field of a page, as tools/page/src/decode.js reads them.
+#ifndef QELM_TOOLS_PAGE_DATA_H
+#define QELM_TOOLS_PAGE_DATA_H
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mesh/mesh.h"
+
+namespace qelm::tool {
+
+/// One block of bytes, little-endian; decode.js has the layout. `load` has n values or none,
+/// `fixedBy` one number for each vertex: 0 where it is free, else the condition's place in the
+/// page's list, from 1. Compact: a corner of a mesh in a natural order takes one or two bytes.
+std::string pageData(const Mesh& mesh, std::span<const double> field, std::span<const double> load,
+                     const std::vector<int>& fixedBy);
+
+/// In the alphabet of RFC 4648, padded.
+std::string base64(std::string_view bytes);
+
+}  // namespace qelm::tool
+
+#endif

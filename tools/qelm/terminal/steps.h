@@ -1,0 +1,76 @@
+// The named steps of a run, how long each took, and word of them meanwhile.
+#ifndef QELM_TOOLS_STEPS_H
+#define QELM_TOOLS_STEPS_H
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "terminal/console.h"
+
+namespace qelm::tool {
+
+struct Step {
+  std::string name;
+  double seconds;  ///< wall clock
+};
+
+/// While it lives, a line on the terminal that says which step runs and for how
+/// long, once that is long enough to wonder. Without a terminal nothing.
+class ProgressLine {
+ public:
+  explicit ProgressLine(const char* name);
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+ private:
+  struct Ticker;
+  std::unique_ptr<Ticker> ticker_;
+};
+
+class Steps {
+ public:
+  Steps() : Steps(Console(true)) {}
+  explicit Steps(const Console& console) : console_(console) {}
+
+  /// Runs `action`, returns what it returns, and takes its time.
+  template <class Action>
+  auto run(const char* name, Action action) {
+    const Stopwatch stopwatch(*this, name);
+    return action();
+  }
+
+  const std::vector<Step>& list() const { return list_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  class Stopwatch {
+   public:
+    Stopwatch(Steps& steps, const char* name) : steps_(steps), name_(name) {
+      if (!steps.console_.quiet()) line_ = std::make_unique<ProgressLine>(name);
+    }
+    ~Stopwatch() {
+      const std::chrono::duration<double> passed = Clock::now() - begin_;
+      line_.reset();
+      steps_.finished({name_, passed.count()});
+    }
+
+   private:
+    Steps& steps_;
+    const char* name_;
+    Clock::time_point begin_ = Clock::now();
+    std::unique_ptr<ProgressLine> line_;
+  };
+
+  void finished(const Step& step);
+
+  Console console_;
+  std::vector<Step> list_;
+};
+
+}  // namespace qelm::tool
+
+#endif

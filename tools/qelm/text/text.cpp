@@ -1,0 +1,122 @@
+#include "text/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <string>
+
+namespace qelm::tool {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n\v\f";
+
+// std::from_chars takes no leading plus sign; people and programs write one.
+std::string_view withoutPlus(std::string_view text) {
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+  return text;
+}
+
+/// How many bytes the UTF-8 character in front has; 0 when there is none.
+std::size_t characterSize(std::string_view text) {
+  const auto at = [text](std::size_t k) { return static_cast<unsigned char>(text[k]); };
+  const unsigned char first = at(0);
+  if (first < 0x80) return 1;
+  const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+  if (first < 0xc2 || first > 0xf4 || text.size() < size) return 0;
+  for (std::size_t k = 1; k < size; ++k)
+    if ((at(k) & 0xc0) != 0x80) return 0;
+  // Longer than need be, halves of a pair, beyond the last one.
+  const bool isBad = (first == 0xe0 && at(1) < 0xa0) || (first == 0xed && at(1) > 0x9f) ||
+                     (first == 0xf0 && at(1) < 0x90) || (first == 0xf4 && at(1) > 0x8f);
+  return isBad ? 0 : size;
+}
+
+/// Control characters but the line's end: those of ASCII, and U+0080 to U+009F.
+bool steers(std::string_view character) {
+  const auto first = static_cast<unsigned char>(character[0]);
+  if (character.size() == 1) return (first < 0x20 && first != '\n') || first == 0x7f;
+  return first == 0xc2 && static_cast<unsigned char>(character[1]) < 0xa0;
+}
+
+}  // namespace
+
+std::optional<double> parseDouble(std::string_view text) {
+  text = withoutPlus(text);
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end != text.data() + text.size() || error == std::errc::invalid_argument) return {};
+  // from_chars says "out of range" without saying on which side; strtod does.
+  if (error == std::errc::result_out_of_range)
+    return std::strtod(std::string(text).c_str(), nullptr);
+  return value;
+}
+
+std::optional<long long> parseInteger(std::string_view text) {
+  text = withoutPlus(text);
+  long long value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end != text.data() + text.size() || error != std::errc{}) return {};
+  return value;
+}
+
+std::vector<std::string_view> splitAt(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  while (true) {
+    const std::size_t cut = text.find(separator);
+    parts.push_back(text.substr(0, cut));
+    if (cut == std::string_view::npos) return parts;
+    text.remove_prefix(cut + 1);
+  }
+}
+
+std::vector<std::string_view> splitAtBlanks(std::string_view text) {
+  std::vector<std::string_view> parts;
+  for (std::size_t begin = text.find_first_not_of(kBlanks); begin != std::string_view::npos;
+       begin = text.find_first_not_of(kBlanks)) {
+    text.remove_prefix(begin);
+    const std::size_t end = text.find_first_of(kBlanks);
+    parts.push_back(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end);
+  }
+  return parts;
+}
+
+std::string_view trimmed(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const std::size_t size = characterSize(text);
+    const std::string_view character = text.substr(0, std::max<std::size_t>(size, 1));
+    if (size > 0 && !steers(character))
+      result += character;
+    else
+      for (const char c : character)
+        result += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+    text.remove_prefix(character.size());
+  }
+  return result;
+}
+
+std::string_view withoutMark(std::string_view text) {
+  constexpr std::string_view kMark = "\xef\xbb\xbf";
+  return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
+}
+
+bool LineReader::next() {
+  if (rest_.empty()) return false;
+  const std::size_t end = rest_.find('\n');
+  line_ = rest_.substr(0, end);
+  rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+  if (!line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
+  ++number_;
+  return true;
+}
+
+}  // namespace qelm::tool
