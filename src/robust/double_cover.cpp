@@ -62,12 +62,6 @@ class Gluing {
     cover.twin[at(h)] = g;
   }
 
-  /// The half-edge on the back of a side.
-  DoubleCover::HalfEdge back(std::int32_t side) const {
-    const auto m = static_cast<std::int32_t>(triangles_.size() / 3);
-    return 3 * (m + side / 3) + 2 - side % 3;
-  }
-
   /// Glues the side of each triangle that looks towards the next one round the edge, to
   /// the side of that one that looks back. A triangle that runs through the edge as its
   /// axis does, from the lower to the higher end, has its front in that direction.
@@ -75,8 +69,8 @@ class Gluing {
     for (std::size_t i = 0; i < sides.size(); ++i) {
       const std::int32_t here = sides[i].side;
       const std::int32_t there = sides[i + 1 == sides.size() ? 0 : i + 1].side;
-      glue(cover, startsAt(lowerEnd, here) ? here : back(here),
-           startsAt(lowerEnd, there) ? back(there) : there);
+      glue(cover, startsAt(lowerEnd, here) ? here : cover.back(here),
+           startsAt(lowerEnd, there) ? cover.back(there) : there);
     }
   }
 
@@ -105,14 +99,14 @@ class Gluing {
 };
 
 /// Corner k of a triangle is opposite its half-edge k + 1.
-void placeTriangle(DoubleCover& cover, std::size_t triangle, std::size_t count,
+void placeTriangle(DoubleCover& cover, std::size_t triangle,
                    const std::array<std::int32_t, 3>& corners, const std::array<double, 3>& shape) {
   for (std::size_t k = 0; k < 3; ++k) {
     const std::size_t front = 3 * triangle + k;
     cover.origin[front] = corners[k];
     cover.cotangent[front] = shape[(k + 2) % 3];
     if (cover.sheets == 1) continue;
-    const std::size_t back = 3 * (count + triangle) + 2 - k;
+    const std::size_t back = at(cover.back(static_cast<DoubleCover::HalfEdge>(front)));
     cover.origin[back] = corners[(k + 1) % 3];
     cover.cotangent[back] = shape[(k + 2) % 3];
   }
@@ -131,14 +125,13 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
   const auto point = [&](std::int32_t v) {
     return Vec3{coordinates[3 * at(v)], coordinates[3 * at(v) + 1], coordinates[3 * at(v) + 2]};
   };
-  const std::size_t count = triangles.size() / 3;
-  for (std::size_t j = 0; j < count; ++j) {
+  for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     const std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],
                                                  triangles[3 * j + 2]};
     const Cotangents shape =
         cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
     cover.raisedTriangles += shape.raised ? 1 : 0;
-    placeTriangle(cover, j, count, corners, shape.at);
+    placeTriangle(cover, j, corners, shape.at);
   }
   return cover;
 }

@@ -46,10 +46,7 @@ class Flipper {
   explicit Flipper(DoubleCover& cover) : cover_(cover), isQueued_(cover.size()) {}
 
   Flips run(std::int64_t limit) {
-    for (HalfEdge h = 0; at(h) < cover_.size(); ++h) {
-      if (h < cover_.twin[at(h)] && isBad(h)) enqueue(h);
-    }
-    const auto badEdges = static_cast<std::int64_t>(later_.size());
+    const std::int64_t badEdges = enqueueBadEdges();
     std::int64_t done = 0;
     while (!later_.empty()) {
       now_.swap(later_);
@@ -78,6 +75,18 @@ class Flipper {
     const double sum = cotangent(h) + cotangent(g);
     if (sum >= -kBadSum || h / 3 == g / 3) return false;
     return sum < -(kBadSum + kBadSumShare * std::max(largestInFace(h), largestInFace(g)));
+  }
+
+  /// Counts them on the triangles' fronts, where an edge of two triangles is seen twice.
+  std::int64_t enqueueBadEdges() {
+    std::int64_t seen = 0;
+    for (HalfEdge h = 0; at(h) < cover_.size(); ++h) {
+      const HalfEdge g = cover_.twin[at(h)];
+      if (g == DoubleCover::kNone || !isBad(h)) continue;
+      if (h < g) enqueue(h);
+      if (h < cover_.fronts()) seen += g == cover_.back(h) ? 2 : 1;
+    }
+    return (seen + 1) / 2;
   }
 
   void enqueue(HalfEdge h) {

@@ -32,7 +32,8 @@ constexpr double kBadSum = 1e-12;
 constexpr double kBadSumShare = 1e-14;
 
 struct Flips {
-  std::int64_t badEdges;  ///< before the first flip; on two sheets, of both
+  std::int64_t badEdges;  ///< of the mesh, before the first flip; where three or more triangles
+                          ///< meet, half of the pairs that are bad
   std::int64_t done;
   bool finished;  ///< false: the limit was reached while there were bad edges
 };

@@ -15,13 +15,13 @@ using HalfEdge = DoubleCover::HalfEdge;
 
 std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
 
-/// Every entry finite and, off the diagonal, at most the limit of its row. NaN is neither.
-bool isWithin(const SparseBlock& block, const Eigen::VectorXd& limits, bool hasDiagonal) {
+/// NaN is above nothing, but not finite.
+template <class IsDiagonal>
+bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
   for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
     for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
-      if (!std::isfinite(entry.value())) return false;
-      if (hasDiagonal && entry.row() == c) continue;
-      if (entry.value() > limits[entry.row()]) return false;
+      const double limit = isDiagonal(entry.row(), c) ? kLargestOfPlain : kRoundingOfPlain;
+      if (!std::isfinite(entry.value()) || entry.value() > limit) return false;
     }
   }
   return true;
@@ -56,8 +56,9 @@ void forEachWeight(const DoubleCover& weighted, Visit visit) {
 }  // namespace
 
 bool isGood(const FreeRowBlocks& plain) {
-  const Eigen::VectorXd limits = kRoundingOfPlain * plain.freeFree.diagonal();
-  return isWithin(plain.freeFree, limits, true) && isWithin(plain.freeFixed, limits, false);
+  using Eigen::Index;
+  return isGoodBlock(plain.freeFree, [](Index row, Index column) { return row == column; }) &&
+         isGoodBlock(plain.freeFixed, [](Index, Index) { return false; });
 }
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,

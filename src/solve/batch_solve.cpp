@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "solve/factor_rows.h"
+#include "solve/field_bounds.h"
 
 namespace qelm {
 namespace {
@@ -25,11 +26,13 @@ struct Workspace {
                                                       width)),
         solved(system.freeSolver->info() == Eigen::Success) {
     if (solved) reciprocals = system.freeSolver->vectorD().cwiseInverse();
+    if (solved && system.bounds != nullptr) ranges = FieldRanges(*system.bounds, width);
   }
 
   std::unique_ptr<double[]> rows;
   bool solved;
   Eigen::VectorXd reciprocals;  ///< of the factor's diagonal
+  FieldRanges ranges;           ///< kept after robust construction
 };
 
 /// The fields of one block. Where the batch has fewer than Width left, the last
@@ -67,6 +70,14 @@ class Block {
     const auto view = system_.freeSolver->matrixL();
     solveLower<Width>(view.nestedExpression(), free_);
     solveDiagonalAndUpper<Width>(view.nestedExpression(), workspace.reciprocals, free_);
+  }
+
+  /// A load has no bounds.
+  void keepWithinRanges(FieldRanges& ranges) const {
+    if (!ranges.areKept() || !batch_.loads.empty()) return;
+    ranges.keep<Width>(
+        *system_.freeFixedBlock, [&](Index j) { return fixed_[j]; },
+        [&](Index i) { return rowOfFree(i); });
   }
 
   void scatterFixed() const {
@@ -135,6 +146,7 @@ void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
   if (workspace.solved) {
     block.formRightHandSides();
     block.solve(workspace);
+    block.keepWithinRanges(workspace.ranges);
     block.scatterFree();
   } else {
     block.scatterZeros();
