@@ -6,6 +6,7 @@
 
 #include "robust/double_cover.h"
 #include "robust/flips.h"
+#include "robust/places_order.h"
 #include "robust/robust_rows.h"
 #include "solve/field_bounds.h"
 
@@ -42,6 +43,10 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
   swapBlocks(result.rows.blocks, {});
 
   DoubleCover cover = coverOf(taggedCount, coordinates, triangles);
+  if (cover.largestCotangent > kSteepCotangent) {
+    cover = {};
+    cover = coverInOrderOfPlaces(taggedCount, coordinates, triangles);
+  }
   const Flips flips = flipBadEdges(cover, flipLimit);
   result.report = {1, cover.sheets, cover.raisedTriangles, flips.badEdges, flips.done};
   if (flips.finished) {
