@@ -919,8 +919,8 @@ QELM_API const char* qelmversion(void);
 
 /**
  * Says in English what a code means that a status out-parameter, qelmWeld(),
- * qelmcheckTagged(), qelmcheckRobustTagged() or encode_integer_to_sphere() gave. Not for the results of
- * qelminfo() and doPoshModal(), whose numbers mean other things.
+ * qelmcheckTagged(), qelmcheckRobustTagged() or encode_integer_to_sphere() gave. Not for the
+ * results of qelminfo() and doPoshModal(), whose numbers mean other things.
  *
  * @param[in] status  Any number.
  * @return One line of ASCII without a full stop, zero-terminated, never null; for a

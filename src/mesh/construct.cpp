@@ -21,9 +21,9 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
                                             int& taggedCount, int& status) {
   VertexNumbering numbering = numberVertices(tags);
   taggedCount = numbering.taggedCount;
-  auto system = assemble(taggedCount, static_cast<int>(tags.size()),
-                         reorderCoordinates(vertices, numbering),
-                         renumberTriangles(triangles, numbering), status);
+  auto system =
+      assemble(taggedCount, static_cast<int>(tags.size()), reorderCoordinates(vertices, numbering),
+               renumberTriangles(triangles, numbering), status);
   if (system == nullptr) return nullptr;
   system->vertexPlace = std::move(numbering.place);
   system->vertexOrder = std::move(numbering.order);

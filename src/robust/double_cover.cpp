@@ -40,15 +40,13 @@ class Gluing {
 
  private:
   /// If its higher end is, its lower one is as well.
-  bool isPrescribed(std::span<const Side> sides) const {
-    return sides[0].higherEnd < taggedCount_;
-  }
+  bool isPrescribed(std::span<const Side> sides) const { return sides[0].higherEnd < taggedCount_; }
 
   bool oneSheetIsEnough(const MeshEdges& edges) const {
     bool enough = true;
     edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      const bool opposed = sides.size() == 2 && startsAt(lowerEnd, sides[0].side) !=
-                                                    startsAt(lowerEnd, sides[1].side);
+      const bool opposed = sides.size() == 2 &&
+                           startsAt(lowerEnd, sides[0].side) != startsAt(lowerEnd, sides[1].side);
       enough = enough && (opposed || isPrescribed(sides));
     });
     return enough;
@@ -129,8 +127,7 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     const std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],
                                                  triangles[3 * j + 2]};
-    const Cotangents shape =
-        cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
+    const Cotangents shape = cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
     cover.raisedTriangles += shape.raised ? 1 : 0;
     for (const double c : shape.at) {
       cover.largestCotangent = std::max(cover.largestCotangent, std::fabs(c));

@@ -33,20 +33,20 @@ struct DoubleCover {
   using HalfEdge = std::int32_t;
   static constexpr HalfEdge kNone = -1;
 
-  int sheets;                         ///< 1 or 2
-  std::vector<std::int32_t> origin;   ///< system vertex where a half-edge starts
-  std::vector<HalfEdge> twin;         ///< the same edge in the face beyond it, or kNone
-  std::vector<double> cotangent;      ///< of the angle opposite
-  std::int64_t raisedTriangles;       ///< those too flat as they were
-  double largestCotangent;            ///< in size, before any flip
+  int sheets;                        ///< 1 or 2
+  std::vector<std::int32_t> origin;  ///< system vertex where a half-edge starts
+  std::vector<HalfEdge> twin;        ///< the same edge in the face beyond it, or kNone
+  std::vector<double> cotangent;     ///< of the angle opposite
+  std::int64_t raisedTriangles;      ///< those too flat as they were
+  double largestCotangent;           ///< in size, before any flip
 
   std::size_t size() const { return twin.size(); }
   /// Half-edges of the triangles' fronts, which come first.
-  HalfEdge fronts() const { return static_cast<HalfEdge>(size() / static_cast<std::size_t>(sheets)); }
-  /// On two sheets, before any flip: the same side of a triangle on its back.
-  HalfEdge back(HalfEdge front) const {
-    return fronts() + 3 * (front / 3) + 2 - front % 3;
+  HalfEdge fronts() const {
+    return static_cast<HalfEdge>(size() / static_cast<std::size_t>(sheets));
   }
+  /// On two sheets, before any flip: the same side of a triangle on its back.
+  HalfEdge back(HalfEdge front) const { return fronts() + 3 * (front / 3) + 2 - front % 3; }
   static HalfEdge next(HalfEdge h) { return h % 3 == 2 ? h - 2 : h + 1; }
   static HalfEdge previous(HalfEdge h) { return h % 3 == 0 ? h + 2 : h - 1; }
 };

@@ -36,9 +36,9 @@ double baseOverHeight(const AtCorners& c) {
 ///   a by the law of sines, likewise over A1 + A2.
 Cotangents newFace(double atAWithC, double atAWithD, double ratio) {
   const double k = 1 - atAWithC * atAWithD;
-  return cotangentsOf({ratio * (1 + atAWithC * atAWithC) + k,
-                       (1 + atAWithD * atAWithD) / ratio + k, -k},
-                      atAWithC + atAWithD);
+  return cotangentsOf(
+      {ratio * (1 + atAWithC * atAWithC) + k, (1 + atAWithD * atAWithD) / ratio + k, -k},
+      atAWithC + atAWithD);
 }
 
 class Flipper {
@@ -149,7 +149,7 @@ class Flipper {
 
   DoubleCover& cover_;
   std::vector<bool> isQueued_;
-  std::vector<HalfEdge> now_;    // first in, first out, in two halves
+  std::vector<HalfEdge> now_;  // first in, first out, in two halves
   std::vector<HalfEdge> later_;
 };
 

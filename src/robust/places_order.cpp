@@ -42,7 +42,8 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
   std::sort(ordered.begin(), ordered.end());
   std::vector<std::int32_t> packed;
   packed.reserve(triangles.size());
-  for (const Corners& corners : ordered) packed.insert(packed.end(), corners.begin(), corners.end());
+  for (const Corners& corners : ordered)
+    packed.insert(packed.end(), corners.begin(), corners.end());
   return packed;
 }
 

@@ -49,7 +49,8 @@ template <class Visit>
 void forEachWeight(const DoubleCover& weighted, Visit visit) {
   for (HalfEdge h = 0; at(h) < weighted.origin.size(); ++h) {
     const double weight = weighted.cotangent[at(h)];
-    if (weight > 0) visit(weighted.origin[at(h)], weighted.origin[at(DoubleCover::next(h))], weight);
+    if (weight > 0)
+      visit(weighted.origin[at(h)], weighted.origin[at(DoubleCover::next(h))], weight);
   }
 }
 
@@ -66,9 +67,8 @@ FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_
   turnIntoWeights(cover);
   std::vector<HalfEdge>().swap(cover.twin);
   std::vector<std::uint32_t> higherEnds(vertexCount);
-  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
-    ++higherEnds[at(std::max(a, b))];
-  });
+  forEachWeight(cover,
+                [&](std::int32_t a, std::int32_t b, double) { ++higherEnds[at(std::max(a, b))]; });
   EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     sums.add(a, b, -weight);

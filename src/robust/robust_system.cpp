@@ -31,8 +31,8 @@ void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
                               std::span<const std::int32_t> triangles,
                               std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
-  RobustRows result{
-      assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)), {}};
+  RobustRows result{assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)),
+                    {}};
   if (result.rows.status != QELM_STATUS_OK) return result;
   if (!areFinite(coordinates)) {
     result.rows.status = QELM_CHECK_NOT_FINITE;

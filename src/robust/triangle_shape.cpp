@@ -26,8 +26,8 @@ std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
 }
 
 double extentOf(const std::array<Vec3, 3>& edges) {
-  return std::max({largestComponent(edges[0]), largestComponent(edges[1]),
-                   largestComponent(edges[2])});
+  return std::max(
+      {largestComponent(edges[0]), largestComponent(edges[1]), largestComponent(edges[2])});
 }
 
 /// The edges, times a power of two where their fourth powers would leave the range of a
@@ -37,8 +37,8 @@ std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
   double extent = extentOf(edges);
   if (extent > 0x1p-200 && extent < 0x1p200) return edges;
   if (extent > 0x1p1020) {
-    edges = edgesOf(
-        {timesPowerOfTwo(p[0], -4), timesPowerOfTwo(p[1], -4), timesPowerOfTwo(p[2], -4)});
+    edges =
+        edgesOf({timesPowerOfTwo(p[0], -4), timesPowerOfTwo(p[1], -4), timesPowerOfTwo(p[2], -4)});
     extent = extentOf(edges);
   }
   int exponent = 0;
@@ -107,7 +107,7 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
 
   const std::array<double, 3> squaredLength = {dot(e[0], e[0]), dot(e[1], e[1]), dot(e[2], e[2])};
   const std::size_t apex = apexOf(p, squaredLength);
-  const Vec3 base = e[apex];             // P to Q
+  const Vec3 base = e[apex];  // P to Q
   const Vec3 qToApex = e[(apex + 1) % 3];
   const Vec3 apexToP = e[(apex + 2) % 3];
   const double alongP = -dot(base, apexToP);
