@@ -47,8 +47,8 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
-  command.add_flag("--robust{always}", field.robust,
-                   "Keep fields in range on bad triangles; --robust auto: where that helps");
+  command.add_flag("--robust", field.robust,
+                   "Keep fields in range on bad triangles; auto: if need be");
 }
 
 void addLevels(CLI::App& command, LevelOptions& levels) {
@@ -166,8 +166,9 @@ class CommandLine {
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);
-    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
-                             kFixFileHelp, kLoadHelp, kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.footer(
+        sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp, kFixFileHelp,
+                  kLoadHelp, kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
@@ -188,8 +189,8 @@ class CommandLine {
     command.add_option("--view", view_.view, "From where the page looks at first")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);
-    command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp, kRobustHelp,
-                             kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
+                             kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(view_.field);
       runView(view_, output_);

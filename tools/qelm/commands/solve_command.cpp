@@ -40,7 +40,8 @@ ReportItem comparePlain(const SolvedField& solved) {
     std::string text = fmt::format("differs by at most {:.3g}, at {}", difference,
                                    describeVertex(solved.mesh, vertex));
     if (solved.fieldCount() > 1) text += fmt::format(" of field {}", worst / n + 1);
-    return {"plain", text + fmt::format("; from {:.6g} to {:.6g}", *low, *high),
+    return {"plain",
+            text + fmt::format("; from {:.6g} to {:.6g}", *low, *high),
             {{"plain",
               {{"difference", difference},
                {"vertex", vertex},
@@ -48,8 +49,8 @@ ReportItem comparePlain(const SolvedField& solved) {
                {"min", *low},
                {"max", *high}}}}};
   } catch (const SingularError& error) {
-    return {"plain", std::string("no field: ") + error.what(),
-            {{"plain", {{"error", error.what()}}}}};
+    return {
+        "plain", std::string("no field: ") + error.what(), {{"plain", {{"error", error.what()}}}}};
   }
 }
 

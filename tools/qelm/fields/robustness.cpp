@@ -8,7 +8,7 @@ namespace qelm::tool {
 
 Construction parseConstruction(const std::string& text) {
   if (text.empty()) return Construction::plain;
-  if (text == "always") return Construction::robust;
+  if (text == "true") return Construction::robust;
   if (text == "auto") return Construction::automatic;
   throw UsageError("--robust takes nothing or auto, not '" + text + "'");
 }

@@ -18,7 +18,8 @@ enum class Construction {
   automatic  ///< robust where the plain matrix is not good
 };
 
-/// Of "" (plain), "always" and "auto". Throws UsageError.
+/// Of the flag --robust: "" (not given), "true" (given without a value) or "auto". Throws
+/// UsageError.
 Construction parseConstruction(const std::string& text);
 
 /// What robust construction would do; none where the library refuses the mesh.

@@ -35,7 +35,7 @@ struct SolvedField {
   std::vector<Condition> conditions;
   int fromFile = 0;  ///< vertices that --fix-file fixes
   Prescribed prescribed;
-  std::vector<double> load;  ///< n, or none
+  std::vector<double> load;                ///< n, or none
   std::optional<QelmRobustReport> robust;  ///< unless construction was plain on request
   std::optional<FieldSystem> system;
   std::vector<double> fields;  ///< one after another, in the mesh's order
