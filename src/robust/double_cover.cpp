@@ -13,8 +13,6 @@
 namespace qelm {
 namespace {
 
-std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
-
 class Gluing {
  public:
   Gluing(std::int32_t taggedCount, std::span<const double> coordinates,
@@ -53,12 +51,12 @@ class Gluing {
   }
 
   bool startsAt(std::int32_t vertex, std::int32_t side) const {
-    return triangles_[at(side)] == vertex;
+    return triangles_[asIndex(side)] == vertex;
   }
 
   static void glue(DoubleCover& cover, DoubleCover::HalfEdge g, DoubleCover::HalfEdge h) {
-    cover.twin[at(g)] = h;
-    cover.twin[at(h)] = g;
+    cover.twin[asIndex(g)] = h;
+    cover.twin[asIndex(h)] = g;
   }
 
   /// Glues the side of each triangle that looks towards the next one round the edge, to
@@ -74,13 +72,14 @@ class Gluing {
   }
 
   Vec3 point(std::int32_t v) const {
-    return {coordinates_[3 * at(v)], coordinates_[3 * at(v) + 1], coordinates_[3 * at(v) + 2]};
+    return {coordinates_[3 * asIndex(v)], coordinates_[3 * asIndex(v) + 1],
+            coordinates_[3 * asIndex(v) + 2]};
   }
 
   std::span<const Side> sortedRound(std::int32_t lowerEnd, std::span<const Side> sides) {
     blades_.clear();
     for (const Side& s : sides) {
-      const std::int32_t apex = triangles_[at(DoubleCover::previous(s.side))];
+      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(s.side))];
       blades_.push_back({s.side, point(apex)});
     }
     const std::int32_t higherEnd = sides[0].higherEnd;
@@ -105,7 +104,7 @@ void placeTriangle(DoubleCover& cover, std::size_t triangle,
     cover.origin[front] = corners[k];
     cover.cotangent[front] = shape[(k + 2) % 3];
     if (cover.sheets == 1) continue;
-    const std::size_t back = at(cover.back(static_cast<DoubleCover::HalfEdge>(front)));
+    const std::size_t back = asIndex(cover.back(static_cast<DoubleCover::HalfEdge>(front)));
     cover.origin[back] = corners[(k + 1) % 3];
     cover.cotangent[back] = shape[(k + 2) % 3];
   }
@@ -122,7 +121,8 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
   cover.origin.resize(cover.size());
   cover.cotangent.resize(cover.size());
   const auto point = [&](std::int32_t v) {
-    return Vec3{coordinates[3 * at(v)], coordinates[3 * at(v) + 1], coordinates[3 * at(v) + 2]};
+    return Vec3{coordinates[3 * asIndex(v)], coordinates[3 * asIndex(v) + 1],
+                coordinates[3 * asIndex(v) + 2]};
   };
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     const std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],

@@ -26,6 +26,8 @@
 
 namespace qelm {
 
+inline std::size_t asIndex(std::int32_t number) { return static_cast<std::size_t>(number); }
+
 /// Half-edge 3 f + k of face f leads from its k-th corner to the next one. Faces 0 .. m-1
 /// are the triangles' fronts, m .. 2m-1 (with two sheets) their backs, which run through
 /// the corners 0, 2, 1.

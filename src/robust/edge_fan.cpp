@@ -7,10 +7,6 @@
 namespace qelm {
 namespace {
 
-double largestComponent(Vec3 a) {
-  return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
-}
-
 /// The direction from a to b, of a size around 1; 0 if they are equal. Halves first: the
 /// difference of two coordinates may be too large for a double.
 Vec3 directionOf(Vec3 a, Vec3 b) {

@@ -13,8 +13,6 @@ namespace {
 
 using HalfEdge = DoubleCover::HalfEdge;
 
-std::size_t at(HalfEdge h) { return static_cast<std::size_t>(h); }
-
 /// The cotangents of a face with the edge ab, by corner; `apex` is the third one.
 struct AtCorners {
   double a, b, apex;
@@ -52,8 +50,8 @@ class Flipper {
       now_.swap(later_);
       later_.clear();
       for (const HalfEdge h : now_) {
-        isQueued_[at(h)] = false;
-        if (cover_.twin[at(h)] == DoubleCover::kNone || !isBad(h)) continue;
+        isQueued_[asIndex(h)] = false;
+        if (cover_.twin[asIndex(h)] == DoubleCover::kNone || !isBad(h)) continue;
         if (done == limit) return {badEdges, done, false};
         flip(h);
         ++done;
@@ -63,7 +61,7 @@ class Flipper {
   }
 
  private:
-  double cotangent(HalfEdge h) const { return cover_.cotangent[at(h)]; }
+  double cotangent(HalfEdge h) const { return cover_.cotangent[asIndex(h)]; }
 
   double largestInFace(HalfEdge h) const {
     return std::max({std::fabs(cotangent(h)), std::fabs(cotangent(DoubleCover::next(h))),
@@ -71,7 +69,7 @@ class Flipper {
   }
 
   bool isBad(HalfEdge h) const {
-    const HalfEdge g = cover_.twin[at(h)];
+    const HalfEdge g = cover_.twin[asIndex(h)];
     const double sum = cotangent(h) + cotangent(g);
     if (sum >= -kBadSum || h / 3 == g / 3) return false;
     return sum < -(kBadSum + kBadSumShare * std::max(largestInFace(h), largestInFace(g)));
@@ -80,8 +78,8 @@ class Flipper {
   /// Counts them on the triangles' fronts, where an edge of two triangles is seen twice.
   std::int64_t enqueueBadEdges() {
     std::int64_t seen = 0;
-    for (HalfEdge h = 0; at(h) < cover_.size(); ++h) {
-      const HalfEdge g = cover_.twin[at(h)];
+    for (HalfEdge h = 0; asIndex(h) < cover_.size(); ++h) {
+      const HalfEdge g = cover_.twin[asIndex(h)];
       if (g == DoubleCover::kNone || !isBad(h)) continue;
       if (h < g) enqueue(h);
       if (h < cover_.fronts()) seen += g == cover_.back(h) ? 2 : 1;
@@ -90,8 +88,8 @@ class Flipper {
   }
 
   void enqueue(HalfEdge h) {
-    if (isQueued_[at(h)]) return;
-    isQueued_[at(h)] = true;
+    if (isQueued_[asIndex(h)]) return;
+    isQueued_[asIndex(h)] = true;
     later_.push_back(h);
   }
 
@@ -101,8 +99,8 @@ class Flipper {
                                            DoubleCover::previous(first)};
     const std::array<std::int32_t, 3> origins = {origin0, origin1, origin2};
     for (std::size_t k = 0; k < 3; ++k) {
-      cover_.origin[at(edges[k])] = origins[k];
-      cover_.cotangent[at(edges[k])] = opposite[k];
+      cover_.origin[asIndex(edges[k])] = origins[k];
+      cover_.cotangent[asIndex(edges[k])] = opposite[k];
     }
   }
 
@@ -110,7 +108,7 @@ class Flipper {
   /// dc and cd. Half-edges keep their faces' numbers, so the outer four move round by one:
   /// ca and ad stay at h's face, db and bc at g's.
   void flip(HalfEdge h) {
-    const HalfEdge g = cover_.twin[at(h)];
+    const HalfEdge g = cover_.twin[asIndex(h)];
     const HalfEdge bc = DoubleCover::next(h);
     const HalfEdge ca = DoubleCover::previous(h);
     const HalfEdge ad = DoubleCover::next(g);
@@ -120,16 +118,16 @@ class Flipper {
     const double ratio = baseOverHeight(withD) / baseOverHeight(withC);
     const Cotangents faceA = newFace(withC.a, withD.a, ratio);
     const Cotangents faceB = newFace(withC.b, withD.b, ratio);
-    const std::int32_t a = cover_.origin[at(h)];
-    const std::int32_t b = cover_.origin[at(g)];
-    const std::int32_t c = cover_.origin[at(ca)];
-    const std::int32_t d = cover_.origin[at(db)];
+    const std::int32_t a = cover_.origin[asIndex(h)];
+    const std::int32_t b = cover_.origin[asIndex(g)];
+    const std::int32_t c = cover_.origin[asIndex(ca)];
+    const std::int32_t d = cover_.origin[asIndex(db)];
 
     moveTwins({bc, ca, ad, db}, {db, bc, ca, ad});
     setFace(h, d, c, a, {faceA.at[2], faceA.at[1], faceA.at[0]});
     setFace(g, c, d, b, {faceB.at[2], faceB.at[0], faceB.at[1]});
     for (const HalfEdge outer : {bc, ca, ad, db}) {
-      if (cover_.twin[at(outer)] != DoubleCover::kNone && isBad(outer)) enqueue(outer);
+      if (cover_.twin[asIndex(outer)] != DoubleCover::kNone && isBad(outer)) enqueue(outer);
     }
   }
 
@@ -137,13 +135,13 @@ class Flipper {
   void moveTwins(const std::array<HalfEdge, 4>& from, const std::array<HalfEdge, 4>& to) {
     std::array<HalfEdge, 4> twins;
     for (std::size_t i = 0; i < 4; ++i) {
-      twins[i] = cover_.twin[at(from[i])];
+      twins[i] = cover_.twin[asIndex(from[i])];
       const auto moved = std::find(from.begin(), from.end(), twins[i]);
       if (moved != from.end()) twins[i] = to[static_cast<std::size_t>(moved - from.begin())];
     }
     for (std::size_t i = 0; i < 4; ++i) {
-      cover_.twin[at(to[i])] = twins[i];
-      if (twins[i] != DoubleCover::kNone) cover_.twin[at(twins[i])] = to[i];
+      cover_.twin[asIndex(to[i])] = twins[i];
+      if (twins[i] != DoubleCover::kNone) cover_.twin[asIndex(twins[i])] = to[i];
     }
   }
 

@@ -13,8 +13,6 @@ namespace {
 
 using HalfEdge = DoubleCover::HalfEdge;
 
-std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
-
 /// NaN is above nothing, but not finite.
 template <class IsDiagonal>
 bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
@@ -32,25 +30,25 @@ bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
 /// prescribed vertices: its weight is in no free row.
 void turnIntoWeights(DoubleCover& cover) {
   const double share = 0.5 / cover.sheets;
-  for (HalfEdge h = 0; at(h) < cover.size(); ++h) {
-    const HalfEdge g = cover.twin[at(h)];
+  for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
+    const HalfEdge g = cover.twin[asIndex(h)];
     if (g > h) continue;
     double weight = 0;
-    if (g != DoubleCover::kNone && cover.origin[at(h)] != cover.origin[at(g)]) {
-      weight = std::max(0.0, share * (cover.cotangent[at(h)] + cover.cotangent[at(g)]));
+    if (g != DoubleCover::kNone && cover.origin[asIndex(h)] != cover.origin[asIndex(g)]) {
+      weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
     }
-    cover.cotangent[at(h)] = weight;
-    if (g != DoubleCover::kNone) cover.cotangent[at(g)] = 0;
+    cover.cotangent[asIndex(h)] = weight;
+    if (g != DoubleCover::kNone) cover.cotangent[asIndex(g)] = 0;
   }
 }
 
 /// visit(a, b, weight) for each edge that has one.
 template <class Visit>
 void forEachWeight(const DoubleCover& weighted, Visit visit) {
-  for (HalfEdge h = 0; at(h) < weighted.origin.size(); ++h) {
-    const double weight = weighted.cotangent[at(h)];
+  for (HalfEdge h = 0; asIndex(h) < weighted.origin.size(); ++h) {
+    const double weight = weighted.cotangent[asIndex(h)];
     if (weight > 0)
-      visit(weighted.origin[at(h)], weighted.origin[at(DoubleCover::next(h))], weight);
+      visit(weighted.origin[asIndex(h)], weighted.origin[asIndex(DoubleCover::next(h))], weight);
   }
 }
 
@@ -67,8 +65,9 @@ FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_
   turnIntoWeights(cover);
   std::vector<HalfEdge>().swap(cover.twin);
   std::vector<std::uint32_t> higherEnds(vertexCount);
-  forEachWeight(cover,
-                [&](std::int32_t a, std::int32_t b, double) { ++higherEnds[at(std::max(a, b))]; });
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
+    ++higherEnds[asIndex(std::max(a, b))];
+  });
   EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     sums.add(a, b, -weight);

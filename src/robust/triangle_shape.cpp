@@ -8,10 +8,6 @@
 namespace qelm {
 namespace {
 
-double largestComponent(Vec3 a) {
-  return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
-}
-
 Vec3 timesPowerOfTwo(Vec3 a, int exponent) {
   return {std::ldexp(a.x, exponent), std::ldexp(a.y, exponent), std::ldexp(a.z, exponent)};
 }
