@@ -15,7 +15,8 @@ MeshEdges::MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> tria
   }
   std::partial_sum(starts_.begin(), starts_.end(), starts_.begin());
   // From the back, each bucket's start moves from its end to its beginning.
-  for (std::size_t side = triangles.size(); side-- > 0;) {
+  for (std::size_t left = triangles.size(); left > 0; --left) {
+    const std::size_t side = left - 1;
     const auto [lower, higher] = std::minmax({triangles[side], endOf(side)});
     sides_[--starts_[static_cast<std::size_t>(lower)]] = {higher, static_cast<std::int32_t>(side)};
   }
