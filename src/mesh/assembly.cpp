@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "factor/solver.h"
 #include "mesh/edge_sums.h"
 #include "mesh/element_sums.h"
 #include "qelm.h"
@@ -62,7 +63,7 @@ std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double
   system->triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
   system->freeFreeBlock = shared(blocks.freeFree);
   system->freeFixedBlock = shared(blocks.freeFixed);
-  system->freeSolver = std::make_shared<const FreeSolver>(*system->freeFreeBlock);
+  system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock);
   return system;
 }
 
