@@ -126,25 +126,6 @@ TEST(RobustCases, APrescribedCurveInsideStaysACurve) {
   EXPECT_TRUE(allClose(solve(constructRobust(mesh), exact), exact, kSolveTolerance));
 }
 
-/// Rings turned against each other, which leaves log r where it is, and in pairs nearer to
-/// each other than to the next. (Further, and triangles would overlap their neighbours.)
-AnalyticCase twistedAnnulus(int resolution, double turn, double near) {
-  AnalyticCase c = annulusCase(resolution);
-  const int around = 4 * resolution;
-  for (int i = 0; i < c.mesh.vertexCount(); ++i) {
-    const int row = i / around;
-    const double moved = row % 2 == 1 && row < resolution ? row + 1 - near : row;
-    const double radius = 1 + 2 * moved / resolution;
-    const double step = i % around + 0.5 * (row % 2) + turn * row;
-    const double angle = 2 * std::numbers::pi * step / around;
-    const auto base = 3 * static_cast<std::size_t>(i);
-    c.mesh.vertices[base] = radius * std::cos(angle);
-    c.mesh.vertices[base + 1] = radius * std::sin(angle);
-    c.exact[static_cast<std::size_t>(i)] = std::log(radius);
-  }
-  return c;
-}
-
 TEST(RobustCases, AreOfSecondOrderOnTwistedTrianglesAndSlivers) {
   struct Shape {
     double turn, near;
@@ -153,7 +134,7 @@ TEST(RobustCases, AreOfSecondOrderOnTwistedTrianglesAndSlivers) {
     double last = 0;
     for (int resolution = 16; resolution <= 64; resolution *= 2) {
       SCOPED_TRACE(std::to_string(shape.turn) + " " + std::to_string(resolution));
-      const AnalyticCase c = twistedAnnulus(resolution, shape.turn, shape.near);
+      const AnalyticCase c = twistedAnnulusCase(resolution, shape.turn, shape.near);
       const double plain = largestError(solve(construct(c.mesh), c.exact), c.exact);
       const double error = largestError(solve(constructRobust(c.mesh), c.exact), c.exact);
       EXPECT_LT(error, plain);
