@@ -126,8 +126,9 @@ class Flipper {
     moveTwins({bc, ca, ad, db}, {db, bc, ca, ad});
     setFace(h, d, c, a, {faceA.at[2], faceA.at[1], faceA.at[0]});
     setFace(g, c, d, b, {faceB.at[2], faceB.at[0], faceB.at[1]});
-    for (const HalfEdge outer : {bc, ca, ad, db}) {
-      if (cover_.twin[asIndex(outer)] != DoubleCover::kNone && isBad(outer)) enqueue(outer);
+    // The edge itself, too: it is good as it comes, but heights may have been raised.
+    for (const HalfEdge edge : {bc, ca, ad, db, h}) {
+      if (cover_.twin[asIndex(edge)] != DoubleCover::kNone && isBad(edge)) enqueue(edge);
     }
   }
 
