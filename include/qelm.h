@@ -791,7 +791,7 @@ QELM_API void qelmfreecurves(QelmCurves* curves);
  */
 enum {
   /** The flips that make every weight positive did not come to an end within their
-      limit. Not known to happen on any mesh that fits in an hour of computing. */
+      limit, see qelmctorRobustTagged(). Millions of random meshes never got there. */
   QELM_STATUS_ENDLESS_FLIPS = 106
 };
 
@@ -848,14 +848,16 @@ enum {
  * Ownership: the caller owns the handle and gives it to qelmfree() once; the
  *            arrays are copied.
  * Threads:   may run at the same time as any other call.
- * Memory:    before the factorisation 65 bytes for each triangle, or 130 unless the
- *            triangles at each edge that is not prescribed are two that run through
- *            it in opposite directions; 36 for each vertex. Later 4 bytes for each
- *            vertex; a solve takes 16 for each field and group of connected free
- *            vertices besides. Exhaustion leaves as std::bad_alloc, with handleOut at
- *            null; so do more than 357 million triangles.
- * Note:      flips take about 50 ns each. Most meshes need fewer than 2 for each
- *            triangle, but 100,000 vertices on the two rims of a flat ring 5000.
+ * Memory:    before the factorisation up to 80 bytes for each triangle, or 125 unless the
+ *            triangles at each edge that is not prescribed are two that run through it in
+ *            opposite directions. The handle keeps 4 bytes more for each free vertex, and
+ *            a solve takes 16 more for each field and group of connected free vertices.
+ *            Exhaustion leaves as std::bad_alloc, with handleOut at null; so do more than
+ *            357 million triangles.
+ * Note:      flips take some 40 ns each. Most meshes need fewer than 2 for each triangle; a
+ *            flat ring of m triangles between free vertices on its two rims took up to
+ *            m / 14. Status 106 follows after 10 million flips and, for each triangle, 200
+ *            and the lesser of m / 2 and 20,000.
  * Note:      the matrix depends on the tags.
  * Note:      qelmsolvePTagged() keeps no range, as a load knows none; with a load of
  *            zeros its result is that of qelmsolveTagged() only where rounding keeps

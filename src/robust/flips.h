@@ -43,13 +43,13 @@ struct Flips {
 /// edge and a bit for each half-edge.
 Flips flipBadEdges(DoubleCover& cover, std::int64_t limit);
 
-/// Several times what a mesh of m triangles is known to need: meshes of parts take up to
-/// 60 flips for each triangle, and a flat ring with vertices on its two rims alone, the
-/// worst that was found, m / 38. Reaching the limit means that rounding keeps the flips
-/// from coming to an end, or that they would take many minutes.
+/// Several times what a mesh of m triangles is known to need: grids of needles take up to
+/// 60 flips for each triangle, and a flat ring with vertices on its two rims alone, twisted
+/// against each other, the worst that was found, m / 14. Reaching the limit means that
+/// rounding keeps the flips from coming to an end, or that they would take many minutes.
 constexpr std::int64_t flipLimit(std::size_t m) {
   const auto triangles = static_cast<std::int64_t>(m);
-  return 10'000'000 + triangles * (200 + std::min<std::int64_t>(triangles / 10, 10'000));
+  return 10'000'000 + triangles * (200 + std::min<std::int64_t>(triangles / 2, 20'000));
 }
 
 }  // namespace qelm

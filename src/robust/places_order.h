@@ -24,7 +24,7 @@ constexpr double kSteepCotangent = 0x1p10;
 
 /// coverOf() the mesh in that order, its vertices by their numbers in the mesh as given.
 /// Only vertices at one place are told apart by numbers. Needs 12 bytes for each triangle
-/// and 28 for each vertex besides.
+/// and 28 for each vertex besides, until it returns.
 DoubleCover coverInOrderOfPlaces(std::int32_t taggedCount, std::span<const double> coordinates,
                                  std::span<const std::int32_t> triangles);
 

@@ -161,7 +161,7 @@ TEST(Flips, ThatDoNotEndAreAStatusAndNoMatrix) {
 
 TEST(Flips, HaveALimitFarAboveWhatARingNeeds) {
   for (const std::int64_t m : {1000, 10'000, 50'000}) {
-    EXPECT_GT(flipLimit(static_cast<std::size_t>(m)), 3 * m * m / 38) << m;
+    EXPECT_GT(flipLimit(static_cast<std::size_t>(m)), 5 * m * m / 14) << m;
   }
 }
 
