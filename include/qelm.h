@@ -815,8 +815,9 @@ enum {
  *    matrices as well: what rounding takes outside is moved to the nearest bound. If the
  *    factorisation failed, fields are 0.0 as on any handle.
  *  - Vertices and triangles may be numbered and oriented otherwise: fields change by
- *    rounding. (Unless vertices at exactly one place lie across one edge of three or
- *    more triangles: nothing tells which of them is next to which.)
+ *    rounding, the matrix by less than 1e-12 of each row's diagonal. (Unless triangles
+ *    that are too flat, or edges of three, have vertices at exactly one place: nothing
+ *    but their numbers tells them apart.)
  *  - The matrix has the same bits on every system.
  *  - Edges with both ends prescribed stay edges: a prescribed curve is not torn.
  *  - On good and bad triangulations alike, errors fall with the square of the edges'
