@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "solve/factor_rows.h"
+#include "solve/factor_vector.h"
 #include "solve/field_bounds.h"
 
 namespace qelm {
@@ -25,13 +26,17 @@ struct Workspace {
       : rows(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(system.vertexCount) *
                                                       width)),
         solved(system.freeSolver->info() == Eigen::Success) {
-    if (solved) reciprocals = system.freeSolver->vectorD().cwiseInverse();
-    if (solved && system.bounds != nullptr) ranges = FieldRanges(*system.bounds, width);
+    if (!solved) return;
+    reciprocals = system.freeSolver->vectorD();
+    reciprocals = reciprocals.cwiseInverse();
+    scratch.resize(reciprocals.size());
+    if (system.bounds != nullptr) ranges = FieldRanges(*system.bounds, width);
   }
 
   std::unique_ptr<double[]> rows;
   bool solved;
   Eigen::VectorXd reciprocals;  ///< of the factor's diagonal
+  Eigen::VectorXd scratch;      ///< for a single right-hand side
   FieldRanges ranges;           ///< kept after robust construction
 };
 
@@ -66,10 +71,17 @@ class Block {
     }
   }
 
-  void solve(const Workspace& workspace) const {
+  void solve(Workspace& workspace) const {
     const auto view = system_.freeSolver->matrixL();
-    solveLower<Width>(view.nestedExpression(), free_);
-    solveDiagonalAndUpper<Width>(view.nestedExpression(), workspace.reciprocals, free_);
+    const SparseBlock& lower = view.nestedExpression();
+    if constexpr (Width == 1) {
+      double* const x = free_[0].data();
+      solveLower(lower, x, workspace.scratch.data());
+      solveDiagonalAndUpper(lower, workspace.reciprocals, x, workspace.scratch.data());
+    } else {
+      solveLower<Width>(lower, free_);
+      solveDiagonalAndUpper<Width>(lower, workspace.reciprocals, free_);
+    }
   }
 
   /// A load has no bounds.
