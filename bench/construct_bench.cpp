@@ -11,6 +11,8 @@
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
 #include "qelm.h"
+#include "robust/flips.h"
+#include "robust/robust_system.h"
 #include "support/contender.h"
 #include "support/plain_assembly.h"
 
@@ -74,6 +76,30 @@ Run assembly(const Case& c) {
     MeshSystem reordered;
     return static_cast<std::size_t>(assemble(work->mesh, reordered).blocks.freeFree.nonZeros());
   };
+}
+
+/// Like assembly(), of rows without a negative weight.
+std::size_t assembleRobustly(const Mesh& mesh) {
+  const qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
+  qelm::SystemTriangles triangles = qelm::renumberTriangles(mesh.triangles, numbering);
+  const qelm::RobustRows robust = qelm::assembleRobustRows(
+      numbering.taggedCount, qelm::reorderCoordinates(mesh.vertices, numbering), triangles.indices,
+      std::move(triangles.higherEnds), qelm::flipLimit(mesh.triangles.size() / 3));
+  if (robust.rows.status != QELM_STATUS_OK) std::abort();
+  return static_cast<std::size_t>(robust.rows.blocks.freeFree.nonZeros());
+}
+
+Run robustAssembly(const Case& c) {
+  return [work = workOf(c)] { return assembleRobustly(work->mesh); };
+}
+
+/// Sheared, so that on a grid every diagonal is bad: half a flip for each triangle.
+Run robustSheared(const Case& c) {
+  Mesh mesh = makeMesh(c);
+  for (std::size_t i = 0; i < mesh.vertices.size(); i += 3) {
+    mesh.vertices[i] += 1.2 * mesh.vertices[i + 1];
+  }
+  return [mesh = std::move(mesh)] { return assembleRobustly(mesh); };
 }
 
 /// What a handle keeps of all this, and nothing done: a copy. Makes the triangles.
@@ -181,6 +207,8 @@ int main(int argumentCount, char** arguments) {
   using qelm::bench::addContender;
   addContender("construct", "qelm", whole);
   addContender("construct", "assembly", assembly);
+  addContender("construct", "robust", robustAssembly);
+  addContender("construct", "robust_sheared", robustSheared);
   addContender("construct", "block", block);
   addContender("construct", "kept", kept);
   addContender("construct", "plain", plainTriplets);

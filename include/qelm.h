@@ -169,7 +169,8 @@ typedef struct IsoEdgeMatrix {
  *            graphs without geometry far sooner.
  * Note:      a triangle with three different vertices but no area is accepted;
  *            it makes the matrix non-finite, which qelminfo() may not notice.
- *            Look for such triangles first and for finite values afterwards.
+ *            Look for such triangles first and for finite values afterwards, or
+ *            use qelmctorRobustTagged().
  * Since:     0.1.0
  */
 QELM_API int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
@@ -788,6 +789,128 @@ QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, in
 QELM_API void qelmfreecurves(QelmCurves* curves);
 
 /**
+ * What the robust construction says besides the statuses of the constructor and
+ * QELM_CHECK_NOT_FINITE.
+ */
+enum {
+  /** The flips that make every weight positive did not come to an end within their
+      limit, see qelmctorRobustTagged(). Millions of random meshes never got there. */
+  QELM_STATUS_ENDLESS_FLIPS = 106
+};
+
+/**
+ * Builds a mesh system as qelmctorTagged() does, for meshes whose triangles are as they
+ * are: obtuse, slivers, without area, with coincident vertices, three or more at an
+ * edge, flipped, repeated, on one-sided surfaces. Its matrix comes from a better
+ * triangulation of the same surface between the same vertices (intrinsic Delaunay
+ * flips: Bobenko and Springborn 2007; on two sheets over the triangles: Sharp and Crane,
+ * A Laplacian for nonmanifold triangle meshes, 2020). The mesh in the handle is the
+ * mesh as given; only the matrix, and so the solved fields, differ.
+ *
+ * What is promised:
+ *  - Where the plain matrix is good, the handle has that matrix, bit for bit: where all
+ *    its entries are finite and, in the rows of free vertices, none off the diagonal is
+ *    above 1e-12 and none on it above 2^26. What follows is about the others.
+ *  - In the rows of free vertices, no entry off the diagonal is positive, and the rows
+ *    of K sum to zero but for the rounding of the sum.
+ *  - Without a load, every field of finite values up to 1e280 is finite and lies within
+ *    the range of the values prescribed in its connected part. That is exact, on good
+ *    matrices as well: what rounding takes outside is moved to the nearest bound. If the
+ *    factorisation failed, fields are 0.0 as on any handle.
+ *  - Vertices and triangles may be numbered and oriented otherwise: fields change by
+ *    rounding, the matrix by less than 1e-12 of each row's diagonal. (Unless triangles
+ *    that are too flat, or edges of three, have vertices at exactly one place: nothing
+ *    but their numbers tells them apart.)
+ *  - The matrix has the same bits on every system.
+ *  - Edges with both ends prescribed stay edges: a prescribed curve is not torn.
+ *  - On good and bad triangulations alike, errors fall with the square of the edges'
+ *    length, as far as the vertices represent the surface.
+ *
+ * A triangle whose height is below 2^-26 of its longest edge counts as that high (2^-22
+ * where the foot of the height is that near to a vertex). No edge is lengthened, no
+ * vertex moved or merged: vertices at one place that no triangle connects are
+ * not connected.
+ *
+ * @param[in]  vertexCount     n, at least 1.
+ * @param[in]  vertices        double[3n], packed xyz, input order.
+ * @param[in]  triangleCount   m, at least 1.
+ * @param[in]  triangles       int[3m], every index in 0 .. n-1 (not checked).
+ * @param[in]  tags            int[n]; 1, 2 and 3 mean "prescribed", any other
+ *                             value means "free".
+ * @param[out] taggedCountOut  May be null; receives t, the number of tagged
+ *                             vertices. 0 for status 1 and 25 and for a
+ *                             triangle count below 1.
+ * @param[out] status          Not null; receives one of the codes below.
+ * @param[out] handleOut       Not null; receives the new handle, or null.
+ * @return Always 1, on success and on failure alike. Look at status.
+ *
+ * Status:    0 success; 1 vertexCount < 1; 24 triangleCount < 1; 25 a null
+ *            array; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle; 102 a coordinate not finite; 106 endless flips. Checked
+ *            in this order, the first one wins. A failed factorisation is status
+ *            0: ask qelminfo().
+ * Ownership: the caller owns the handle and gives it to qelmfree() once; the
+ *            arrays are copied.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    before the factorisation up to 80 bytes for each triangle, or 125 unless the
+ *            triangles at each edge that is not prescribed are two that run through it in
+ *            opposite directions. The handle keeps 4 bytes more for each free vertex, and
+ *            a solve takes 16 more for each field and group of connected free vertices.
+ *            Exhaustion leaves as std::bad_alloc, with handleOut at null; so do more than
+ *            357 million triangles.
+ * Note:      flips take some 40 ns each. Most meshes need fewer than 2 for each triangle; a
+ *            flat ring of m triangles between free vertices on its two rims took up to
+ *            m / 14. Status 106 follows after 10 million flips and, for each triangle, 200
+ *            and the lesser of m / 2 and 20,000.
+ * Note:      the matrix depends on the tags.
+ * Note:      qelmsolvePTagged() keeps no range, as a load knows none; with a load of
+ *            zeros its result is that of qelmsolveTagged() only where rounding keeps
+ *            the range.
+ * Since:     0.2.0
+ */
+QELM_API int qelmctorRobustTagged(int vertexCount, const double* vertices, int triangleCount,
+                                  const int* triangles, const int* tags, int* taggedCountOut,
+                                  int* status, MeshSystem** handleOut);
+
+/** What the robust construction does to a mesh. All 0 where the plain matrix is good. */
+typedef struct QelmRobustReport {
+  int64_t changed;          /**< 1 if the matrix is not the plain one, else 0 */
+  int64_t sheets;           /**< 2 over a surface that is open where nothing is prescribed,
+                                 not oriented or not a surface at all; else 1 */
+  int64_t flatTriangles;    /**< triangles too flat as they are */
+  int64_t notDelaunayEdges; /**< edges whose opposite angles add up to more than a straight
+                                 one, at a boundary twice the one; where three or more
+                                 triangles meet, half of the neighbours that are so */
+  int64_t flips;            /**< flips made, of all sheets */
+} QelmRobustReport;
+
+/**
+ * Says what qelmctorRobustTagged() would do, without building the system.
+ *
+ * @param[in]  vertexCount    n.
+ * @param[in]  vertices       double[3n], packed xyz, any values.
+ * @param[in]  triangleCount  m.
+ * @param[in]  triangles      int[3m], any values.
+ * @param[in]  tags           int[n], any values; 1, 2 and 3 mean "prescribed".
+ * @param[out] reportOut      May be null; receives what was done. All 0 unless the
+ *                            result is 0 or 106.
+ * @return What the constructor's status would be, or 101.
+ *
+ * Status:    1 vertexCount < 1; 24 triangleCount < 1; 25 a null array; 101 an index
+ *            out of range; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle; 102 a coordinate not finite; 106 endless flips. Checked in this
+ *            order, the first one wins.
+ * Ownership: the caller owns everything; no pointer is kept.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    that of the construction up to the factorisation. Exhaustion leaves as
+ *            std::bad_alloc, with reportOut unwritten.
+ * Since:     0.2.0
+ */
+QELM_API int qelmcheckRobustTagged(int vertexCount, const double* vertices, int triangleCount,
+                                   const int* triangles, const int* tags,
+                                   QelmRobustReport* reportOut);
+
+/**
  * The version of the library that is loaded, which need not be that of this header.
  *
  * @return "MAJOR.MINOR.PATCH", zero-terminated ASCII, never null.
@@ -802,8 +925,8 @@ QELM_API const char* qelmversion(void);
 
 /**
  * Says in English what a code means that a status out-parameter, qelmWeld(),
- * qelmcheckTagged() or encode_integer_to_sphere() gave. Not for the results of
- * qelminfo() and doPoshModal(), whose numbers mean other things.
+ * qelmcheckTagged(), qelmcheckRobustTagged() or encode_integer_to_sphere() gave. Not for the
+ * results of qelminfo() and doPoshModal(), whose numbers mean other things.
  *
  * @param[in] status  Any number.
  * @return One line of ASCII without a full stop, zero-terminated, never null; for a

@@ -12,6 +12,7 @@
 namespace qelm {
 
 using SparseBlock = Eigen::SparseMatrix<double, Eigen::ColMajor, int>;
+struct FieldBounds;
 using FreeSolver = Eigen::SimplicialLDLT<SparseBlock, Eigen::Lower, Eigen::AMDOrdering<int>>;
 
 }  // namespace qelm
@@ -19,8 +20,8 @@ using FreeSolver = Eigen::SimplicialLDLT<SparseBlock, Eigen::Lower, Eigen::AMDOr
 /// With n vertices, of which t are tagged, and m triangles.
 ///
 /// The members behind a shared pointer never change after construction, so
-/// copies made by dupl() share them; the last owner frees them. The vectors at
-/// the end belong to each object. vertexPlace and vertexOrder are inverse
+/// copies made by dupl() share them; the last owner frees them. The vectors
+/// belong to each object. vertexPlace and vertexOrder are inverse
 /// permutations of 0 .. n-1, and freeSolver was computed from freeFreeBlock.
 struct MeshSystem {
   std::int64_t fixedCount = 0;   ///< t; they occupy system indices 0 .. t-1
@@ -37,6 +38,8 @@ struct MeshSystem {
   std::vector<std::int32_t> vertexPlace;  ///< input index -> system index
   std::vector<std::int32_t> vertexOrder;  ///< system index -> input index
   std::vector<std::int32_t> tags;         ///< the caller's tags, input order
+  /// What keeps fields within their range; null after plain construction. Shared.
+  std::shared_ptr<const qelm::FieldBounds> bounds;
 };
 
 #endif  // QELM_INTERFACE_MESH_SYSTEM_H

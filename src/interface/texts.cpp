@@ -35,6 +35,8 @@ extern "C" const char* qelmstatustext(int status) {
       return "a triangle is too small or too large for the arithmetic";
     case QELM_CHECK_UNTAGGED_PART:
       return "a connected part of the mesh has no vertex with a prescribed value";
+    case QELM_STATUS_ENDLESS_FLIPS:
+      return "the flips of robust construction did not come to an end";
     default:
       return "unknown status code";
   }

@@ -48,16 +48,22 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
     return nullptr;
   }
 
+  status = QELM_STATUS_OK;
+  return factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
+                          rows.blocks);
+}
+
+std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
+                                             std::vector<std::int32_t> triangles,
+                                             FreeRowBlocks& blocks) {
   auto system = std::make_unique<MeshSystem>();
   system->fixedCount = taggedCount;
-  system->vertexCount = vertexCount;
+  system->vertexCount = static_cast<std::int64_t>(coordinates.size() / 3);
   system->vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
-  system->triangles =
-      std::make_shared<const std::vector<std::int32_t>>(std::move(triangles.indices));
-  system->freeFreeBlock = shared(rows.blocks.freeFree);
-  system->freeFixedBlock = shared(rows.blocks.freeFixed);
+  system->triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
+  system->freeFreeBlock = shared(blocks.freeFree);
+  system->freeFixedBlock = shared(blocks.freeFixed);
   system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock);
-  status = QELM_STATUS_OK;
   return system;
 }
 

@@ -44,6 +44,11 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
                                            SystemTriangles triangles, int& status);
 
+/// The system of such a mesh from the blocks of its matrix, which are empty afterwards.
+std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
+                                             std::vector<std::int32_t> triangles,
+                                             FreeRowBlocks& blocks);
+
 }  // namespace qelm
 
 #endif  // QELM_MESH_ASSEMBLY_H

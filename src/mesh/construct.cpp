@@ -1,27 +1,29 @@
 // The constructor export: argument checks, renumbering, assembly.
+#include "mesh/construct.h"
+
 #include <cstddef>
 #include <memory>
 #include <span>
 #include <utility>
 
-#include "interface/mesh_system.h"
 #include "mesh/arguments.h"
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
 #include "qelm.h"
 
+namespace qelm {
 namespace {
 
 /// The complete system in input terms, or null with a defect in status.
 std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
                                             std::span<const int> triangles,
-                                            std::span<const int> tags, int& taggedCount,
-                                            int& status) {
-  qelm::VertexNumbering numbering = qelm::numberVertices(tags);
+                                            std::span<const int> tags, AssembleSystem assemble,
+                                            int& taggedCount, int& status) {
+  VertexNumbering numbering = numberVertices(tags);
   taggedCount = numbering.taggedCount;
-  auto system = qelm::assembleSystem(taggedCount, static_cast<int>(tags.size()),
-                                     qelm::reorderCoordinates(vertices, numbering),
-                                     qelm::renumberTriangles(triangles, numbering), status);
+  auto system =
+      assemble(taggedCount, static_cast<int>(tags.size()), reorderCoordinates(vertices, numbering),
+               renumberTriangles(triangles, numbering), status);
   if (system == nullptr) return nullptr;
   system->vertexPlace = std::move(numbering.place);
   system->vertexOrder = std::move(numbering.order);
@@ -33,12 +35,12 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
 
 // The result is 1 on every path, failures included, and callers know it: the
 // outcome is in status alone.
-extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
-                              const int* triangles, const int* tags, int* taggedCountOut,
-                              int* status, MeshSystem** handleOut) {
+int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble,
+                   int* taggedCountOut, int* status, MeshSystem** handleOut) {
+  const auto& [vertexCount, vertices, triangleCount, triangles, tags] = arguments;
   *handleOut = nullptr;
   if (taggedCountOut != nullptr) *taggedCountOut = 0;
-  const int argument = qelm::argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
+  const int argument = argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
   if (argument != QELM_STATUS_OK) {
     *status = argument;
     return 1;
@@ -46,9 +48,18 @@ extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int trian
   const auto n = static_cast<std::size_t>(vertexCount);
   const auto m = static_cast<std::size_t>(triangleCount);
   int taggedCount = 0;
-  auto system =
-      constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, taggedCount, *status);
+  auto system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble,
+                                taggedCount, *status);
   if (taggedCountOut != nullptr) *taggedCountOut = taggedCount;
   *handleOut = system.release();
   return 1;
+}
+
+}  // namespace qelm
+
+extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
+                              const int* triangles, const int* tags, int* taggedCountOut,
+                              int* status, MeshSystem** handleOut) {
+  return qelm::runConstructor({vertexCount, vertices, triangleCount, triangles, tags},
+                              qelm::assembleSystem, taggedCountOut, status, handleOut);
 }

@@ -4,6 +4,7 @@
 #ifndef QELM_MESH_VEC3_H
 #define QELM_MESH_VEC3_H
 
+#include <algorithm>
 #include <cmath>
 
 namespace qelm {
@@ -28,6 +29,11 @@ inline Vec3 cross(Vec3 a, Vec3 b) {
 /// Euclidean length. Overflows to infinity for components beyond about 1e154
 /// and loses digits below about 1e-154: squares are formed as they are.
 inline double length(Vec3 a) { return std::sqrt(dot(a, a)); }
+
+/// In size.
+inline double largestComponent(Vec3 a) {
+  return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
+}
 
 }  // namespace qelm
 

@@ -8,6 +8,7 @@
 
 #include "solve/factor_rows.h"
 #include "solve/factor_vector.h"
+#include "solve/field_bounds.h"
 
 namespace qelm {
 namespace {
@@ -28,12 +29,14 @@ struct Workspace {
     if (!solved) return;
     diagonal = system.freeSolver->vectorD();
     scratch.resize(diagonal.size());
+    if (system.bounds != nullptr) ranges = FieldRanges(*system.bounds, width);
   }
 
   std::unique_ptr<double[]> rows;
   bool solved;
   Eigen::VectorXd diagonal;  ///< the factor's
   Eigen::VectorXd scratch;   ///< for a single right-hand side
+  FieldRanges ranges;        ///< kept after robust construction
 };
 
 /// The fields of one block. Where the batch has fewer than Width left, the last
@@ -78,6 +81,14 @@ class Block {
       solveLower<Width>(lower, free_);
       solveDiagonalAndUpper<Width>(lower, workspace.diagonal, free_);
     }
+  }
+
+  /// A load has no bounds.
+  void keepWithinRanges(FieldRanges& ranges) const {
+    if (!ranges.areKept() || !batch_.loads.empty()) return;
+    ranges.keep<Width>(
+        *system_.freeFixedBlock, [&](Index j) { return fixed_[j]; },
+        [&](Index i) { return rowOfFree(i); });
   }
 
   void scatterFixed() const {
@@ -146,6 +157,7 @@ void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
   if (workspace.solved) {
     block.formRightHandSides();
     block.solve(workspace);
+    block.keepWithinRanges(workspace.ranges);
     block.scatterFree();
   } else {
     block.scatterZeros();

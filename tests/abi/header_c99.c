@@ -40,6 +40,31 @@ static void solveASquare(void) {
   qelmfree(copy);
 }
 
+/* A square with a triangle without area on one side, solved robustly. */
+static void solveAFlatTriangle(void) {
+  const double xyz[] = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0.5, 0, 0};
+  const int triangles[] = {0, 1, 2, 0, 2, 3, 0, 4, 1};
+  const int tags[] = {1, 0, 2, 0, 0};
+  const double values[] = {0, -9, 1, -9, -9};
+  double field[5] = {-9, -9, -9, -9, -9};
+  int tagged = -1;
+  int status = -1;
+  MeshSystem* system = NULL;
+  QelmRobustReport report;
+
+  expect(qelmcheckRobustTagged(5, xyz, 3, triangles, tags, &report) == 0,
+         "looks at a flat triangle");
+  expect(report.changed == 1 && report.flatTriangles == 1, "finds it");
+  expect(sizeof(QelmRobustReport) == 40, "has a fixed layout");
+  expect(offsetof(QelmRobustReport, flips) == 32, "has fixed places");
+  expect(qelmctorRobustTagged(5, xyz, 3, triangles, tags, &tagged, &status, &system) == 1,
+         "returns 1");
+  expect(status == QELM_STATUS_OK && tagged == 2 && system != NULL, "constructs");
+  qelmsolveTagged(system, values, field, &status);
+  expect(field[4] > 0 && field[4] < 1, "has a field");
+  qelmfree(system);
+}
+
 /* The curve where the value of a square's corners passes a half. */
 static void cutASquare(void) {
   const double xyz[] = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
@@ -90,6 +115,7 @@ static void checkAndSolveASquare(void) {
 
 int main(void) {
   solveASquare();
+  solveAFlatTriangle();
   cutASquare();
   checkAndSolveASquare();
   expect(sizeof(int) == 4 && sizeof(double) == 8 && sizeof(void*) == 8, "64-bit data model");

@@ -270,6 +270,50 @@ void fields() {
   hash.print("fields");
 }
 
+/// A sheet with obtuse triangles, slivers, triangles without area, and edges of three.
+Mesh badSheet(std::uint64_t seed) {
+  Mesh mesh = sheet(12, 9, seed);
+  const double thin = seed % 3 == 0 ? 1e-9 : 1;
+  for (std::size_t i = 0; i < mesh.vertices.size(); i += 3) {
+    mesh.vertices[i] += 3 * mesh.vertices[i + 1];
+    mesh.vertices[i + 1] *= thin;
+    mesh.vertices[i + 2] *= thin;
+  }
+  mesh.triangles.insert(mesh.triangles.end(), {0, 1, 40, 40, 1, 77});
+  if (seed % 4 == 0) {
+    for (std::size_t c = 0; c < 3; ++c) mesh.vertices[3 * 30 + c] = mesh.vertices[3 * 31 + c];
+  }
+  return mesh;
+}
+
+/// The matrix cannot be read, but one prescribed value of 1 at a time shows a column of it.
+void robust() {
+  Hash hash;
+  for (std::uint64_t seed = 40; seed < 60; ++seed) {
+    const Mesh mesh = badSheet(seed);
+    QelmRobustReport report;
+    hash.add(qelmcheckRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                                   mesh.triangles.data(), mesh.tags.data(), &report));
+    for (const std::int64_t count : {report.changed, report.sheets, report.flatTriangles,
+                                     report.notDelaunayEdges, report.flips}) {
+      hash.add(static_cast<std::uint64_t>(count));
+    }
+    MeshSystem* system = nullptr;
+    int status = -1;
+    qelmctorRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                         mesh.triangles.data(), mesh.tags.data(), nullptr, &status, &system);
+    std::vector<double> values(mesh.tags.size()), result(mesh.tags.size());
+    for (std::size_t one = 0; one < values.size(); ++one) {
+      values.assign(values.size(), 0.0);
+      values[one] = 1;
+      qelmsolveTagged(system, values.data(), result.data(), &status);
+      for (const double u : result) hash.add(u);
+    }
+    qelmfree(system);
+  }
+  hash.print("robust");
+}
+
 }  // namespace
 
 int main() {
@@ -281,5 +325,6 @@ int main() {
   check();
   heatMap();
   fields();
+  robust();
   return 0;
 }

@@ -74,7 +74,7 @@ TEST(FailingHeapItself, SeesLeaks) {
   EXPECT_EQ(heap.live(), 0);
 }
 
-void sweepConstruction(const Mesh& mesh) {
+void sweepConstruction(const Mesh& mesh, decltype(qelmctorTagged)& constructor = qelmctorTagged) {
   MeshSystem* handle = nullptr;
   int status = Construction::kUnwritten;
   int taggedCount = Construction::kUnwritten;
@@ -82,8 +82,8 @@ void sweepConstruction(const Mesh& mesh) {
       [&] {
         handle = reinterpret_cast<MeshSystem*>(&status);
         status = taggedCount = Construction::kUnwritten;
-        qelmctorTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                       mesh.triangles.data(), mesh.tags.data(), &taggedCount, &status, &handle);
+        constructor(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                    mesh.triangles.data(), mesh.tags.data(), &taggedCount, &status, &handle);
         qelmfree(handle);
       },
       [&] {
@@ -103,6 +103,57 @@ TEST(AllocationFailure, DuringConstructionOfALargerMeshLeavesNothingBehind) {
 
 TEST(AllocationFailure, DuringConstructionWithNoFreeVertexLeavesNothingBehind) {
   sweepConstruction(gridMesh(4, 4).withEveryVertexTagged());
+}
+
+/// Obtuse triangles, or slivers, which are numbered anew, and an edge of three.
+Mesh meshToMend(double height) {
+  Mesh mesh = openSurface(9, 8, 1).withTagged({0, 40}).mapped([&](Point p) {
+    return Point{p.x + 5 * p.y, height * p.y, p.z * height};
+  });
+  mesh.triangles.insert(mesh.triangles.end(), {0, 1, 30});
+  return mesh;
+}
+
+TEST(AllocationFailure, DuringRobustConstructionLeavesNothingBehind) {
+  sweepConstruction(gridMesh(5, 4).withBoundaryTagged(), qelmctorRobustTagged);
+  sweepConstruction(meshToMend(1), qelmctorRobustTagged);
+  sweepConstruction(meshToMend(1e-5), qelmctorRobustTagged);
+}
+
+TEST(AllocationFailure, DuringARobustCheckLeavesTheReportAlone) {
+  const Mesh mesh = meshToMend(1);
+  QelmRobustReport report = {};
+  sweep(
+      [&] {
+        report.flips = Construction::kUnwritten;
+        qelmcheckRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                              mesh.triangles.data(), mesh.tags.data(), &report);
+      },
+      [&] { EXPECT_EQ(report.flips, Construction::kUnwritten); });
+  EXPECT_GT(report.flips, 0) << "the last run of the sweep succeeds";
+}
+
+TEST(AllocationFailure, DuringASolveWithinARangeLeavesTheResultAlone) {
+  const Mesh mesh = meshToMend(1);
+  MeshSystem* raw = nullptr;
+  int status = Construction::kUnwritten;
+  qelmctorRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                       mesh.triangles.data(), mesh.tags.data(), nullptr, &status, &raw);
+  const MeshHandle system(raw);
+  const Field values = mesh.sample([](Point p) { return p.x; });
+  const Field untouched(values.size(), -777.0);
+  Field result = untouched;
+  sweep(
+      [&] {
+        result = untouched;
+        status = Construction::kUnwritten;
+        qelmsolveTagged(system.get(), values.data(), result.data(), &status);
+      },
+      [&] {
+        EXPECT_EQ(result, untouched);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+  EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
 }
 
 TEST(AllocationFailure, DuringAFactorisationInBlocksLeavesNothingBehind) {

@@ -91,6 +91,31 @@ TEST(Threads, SolveCutAndExportOnSharedAndDuplicatedHandlesWhileCopiesAreFreed) 
   EXPECT_EQ(usecount(system.get()), 1);
 }
 
+TEST(Threads, SolveWithinRangesOnOneRobustHandle) {
+  const Mesh mesh = openSurface(24, 21, 3).withTagged({0, 100, 503}).mapped([](Point p) {
+    return Point{p.x + 4 * p.y, p.y, p.z};
+  });
+  const Field values = mesh.sample([](Point p) { return p.x; });
+  std::atomic<int> different = 0;
+  MeshSystem* raw = nullptr;
+  int status = -1;
+  qelmctorRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                       mesh.triangles.data(), mesh.tags.data(), nullptr, &status, &raw);
+  const MeshHandle system(raw);
+  const Answers expected = ask(system.get(), values);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        const MeshHandle copy = duplicate(system);
+        if (ask(round % 2 == 0 ? system.get() : copy.get(), values) != expected) ++different;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(different, 0);
+}
+
 TEST(Threads, FreeTheLastCopiesAnywhere) {
   const Mesh mesh = gridMesh(20, 20).withBoundaryTagged();
   for (int round = 0; round < kRounds; ++round) {
@@ -125,6 +150,8 @@ TEST(Threads, ConstructAndWeldBesideEachOther) {
       const int code = qelmcheckTagged(vertexCount, mine.vertices.data(), triangleCount,
                                        mine.triangles.data(), mine.tags.data(), &report);
       if (vertexCount != mesh.vertexCount() || code != 0) ++failures;
+      qelmcheckRobustTagged(vertexCount, mine.vertices.data(), triangleCount, mine.triangles.data(),
+                            mine.tags.data(), nullptr);
       if (tryConstruct(mine).status != QELM_STATUS_OK) ++failures;
     });
   }

@@ -44,5 +44,11 @@ int main(void) {
   FIELD(QelmMeshReport, coincidentVertex);
   FIELD(QelmMeshReport, worstTriangle);
   FIELD(QelmMeshReport, worstQuality);
+  RECORD(QelmRobustReport);
+  FIELD(QelmRobustReport, changed);
+  FIELD(QelmRobustReport, sheets);
+  FIELD(QelmRobustReport, flatTriangles);
+  FIELD(QelmRobustReport, notDelaunayEdges);
+  FIELD(QelmRobustReport, flips);
   return 0;
 }

@@ -51,6 +51,23 @@ AnalyticCase annulusCase(int resolution) {
       [&](double, double v) { return std::log(radius(v)); });
 }
 
+AnalyticCase twistedAnnulusCase(int resolution, double turn, double near) {
+  AnalyticCase c = annulusCase(resolution);
+  c.name = "twisted annulus";
+  const int around = 4 * resolution;
+  for (int i = 0; i < c.mesh.vertexCount(); ++i) {
+    const int row = i / around;
+    const double moved = row % 2 == 1 && row < resolution ? row + 1 - near : row;
+    const double radius = 1 + 2 * moved / resolution;
+    const double angle = kTurn * (i % around + 0.5 * (row % 2) + turn * row) / around;
+    const auto base = 3 * static_cast<std::size_t>(i);
+    c.mesh.vertices[base] = radius * std::cos(angle);
+    c.mesh.vertices[base + 1] = radius * std::sin(angle);
+    c.exact[static_cast<std::size_t>(i)] = std::log(radius);
+  }
+  return c;
+}
+
 AnalyticCase sphereZoneCase(int resolution) {
   const auto colatitude = [](double v) { return 0.4 + 1.8 * v; };
   return closedStrip(

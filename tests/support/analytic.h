@@ -18,6 +18,10 @@ struct AnalyticCase {
 
 /// Flat annulus, radii 1 and 3, log r.
 AnalyticCase annulusCase(int resolution);
+/// The annulus with its rings turned against each other by so many steps, which leaves log r
+/// where it is, and every second ring `near` times as far from the next one: obtuse
+/// triangles and slivers. (Turned further, they would overlap their neighbours.)
+AnalyticCase twistedAnnulusCase(int resolution, double turn, double near);
 /// Unit sphere between the colatitudes 0.4 and 2.2; with w = log tan(colatitude/2),
 /// the field exp(w) cos(longitude), harmonic since w + i longitude is conformal.
 AnalyticCase sphereZoneCase(int resolution);

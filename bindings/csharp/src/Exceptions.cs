@@ -36,7 +36,10 @@ namespace Qelm
         SizeOutOfRange = 104,
 
         /// <summary>From <c>Mesh.Check</c>: a connected part of the mesh has no tagged vertex.</summary>
-        UntaggedPart = 105
+        UntaggedPart = 105,
+
+        /// <summary>The flips of robust construction did not come to an end.</summary>
+        EndlessFlips = 106
     }
 
     /// <summary>The native library refused a call.</summary>

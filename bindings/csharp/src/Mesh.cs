@@ -92,5 +92,39 @@ namespace Qelm
             int code = NativeMethods.qelmcheckTagged(vertexCount, vertices, triangleCount, triangles, tags, &report);
             return new MeshReport(code, report);
         }
+
+        /// <summary>Says what <c>MeshSystem.BuildRobust</c> would do to a mesh, without building it.</summary>
+        /// <remarks>Numbers in the arrays may be anything at all; only their lengths must fit.</remarks>
+        /// <param name="vertices">Coordinates x, y, z of each vertex.</param>
+        /// <param name="triangles">Three vertex numbers per triangle, from 0.</param>
+        /// <param name="tags">One per vertex; 1, 2 and 3 mean "prescribed".</param>
+        /// <returns>What would be done, or why the mesh cannot be built.</returns>
+        /// <exception cref="ArgumentNullException">An array is null.</exception>
+        /// <exception cref="ArgumentException">A length is wrong.</exception>
+        public static RobustReport CheckRobust(double[] vertices, int[] triangles, int[] tags)
+        {
+            Ensure.NotNull(vertices, "vertices");
+            Ensure.NotNull(triangles, "triangles");
+            Ensure.NotNull(tags, "tags");
+            fixed (double* v = vertices)
+            fixed (int* t = triangles, g = tags)
+            {
+                return CheckRobust(v, vertices.Length, t, triangles.Length, g, tags.Length);
+            }
+        }
+
+        private static RobustReport CheckRobust(double* vertices, int coordinateCount, int* triangles, int indexCount,
+            int* tags, int tagCount)
+        {
+            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
+            int triangleCount = Ensure.Triples(indexCount, "triangles");
+            Ensure.Length(tagCount, vertexCount, "tags");
+            NativeLibrary.Require();
+
+            QelmRobustReport report;
+            int code = NativeMethods.qelmcheckRobustTagged(vertexCount, vertices, triangleCount, triangles, tags,
+                &report);
+            return new RobustReport(code, report);
+        }
     }
 }

@@ -71,7 +71,8 @@ namespace Qelm
         /// <exception cref="ArgumentNullException">An array is null.</exception>
         /// <exception cref="ArgumentException">A length, index or coordinate is wrong, or, with
         /// <paramref name="mustSolve"/>, a triangle has no area or a part of the mesh no tagged vertex; the message
-        /// names the first vertex or triangle at fault.</exception>
+        /// names the first vertex or triangle at fault. <see cref="BuildRobust(double[], int[], int[], bool)"/> takes
+        /// triangles without area.</exception>
         /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
         /// failed.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
@@ -84,7 +85,39 @@ namespace Qelm
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve);
+                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, false);
+            }
+        }
+
+        /// <summary>Builds a system whose fields stay within the range of the prescribed values, whatever its
+        /// triangles look like: obtuse, slivers, without area, three or more at an edge, oriented anyhow.</summary>
+        /// <remarks>Its matrix comes from a better triangulation of the same surface between the same vertices; where
+        /// the one that <c>Build</c> makes is good already, it is that one. Everything else is that of
+        /// <c>Build</c>.</remarks>
+        /// <param name="vertices">Coordinates x, y, z of each vertex; every vertex lies in a triangle.</param>
+        /// <param name="triangles">Three vertex numbers per triangle, from 0.</param>
+        /// <param name="tags">One tag per vertex: 1, 2 and 3 mean that its value will be prescribed, any other
+        /// number that it is free.</param>
+        /// <param name="mustSolve">True: throw unless every solve will be well posed.</param>
+        /// <returns>The system, to be disposed.</returns>
+        /// <exception cref="ArgumentNullException">An array is null.</exception>
+        /// <exception cref="ArgumentException">A length, index or coordinate is wrong, or, with
+        /// <paramref name="mustSolve"/>, a part of the mesh has no tagged vertex; the message names the first vertex
+        /// or triangle at fault.</exception>
+        /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
+        /// failed.</exception>
+        /// <exception cref="QelmException">The construction did not come to an end.</exception>
+        /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
+        /// looked for.</exception>
+        public static MeshSystem BuildRobust(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
+        {
+            Ensure.NotNull(vertices, "vertices");
+            Ensure.NotNull(triangles, "triangles");
+            Ensure.NotNull(tags, "tags");
+            fixed (double* v = vertices)
+            fixed (int* t = triangles, g = tags)
+            {
+                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, true);
             }
         }
 
@@ -108,7 +141,7 @@ namespace Qelm
         }
 
         private static MeshSystem Build(double* vertices, int coordinateCount, int* triangles, int indexCount,
-            int* tags, int tagCount, bool mustSolve)
+            int* tags, int tagCount, bool mustSolve, bool robust)
         {
             int vertexCount = Ensure.Triples(coordinateCount, "vertices");
             int triangleCount = Ensure.Triples(indexCount, "triangles");
@@ -120,7 +153,8 @@ namespace Qelm
             Ensure.DistinctCorners(triangles, triangleCount, "triangles");
             Ensure.EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
             string blamed;
-            string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, out blamed);
+            string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, robust,
+                out blamed);
             if (mustSolve && defect != null)
             {
                 throw new ArgumentException(defect, blamed);
@@ -129,8 +163,16 @@ namespace Qelm
 
             int status;
             MeshSystemHandle handle;
-            NativeMethods.qelmctorTagged(vertexCount, vertices, triangleCount, triangles, tags, null, &status,
-                out handle);
+            if (robust)
+            {
+                NativeMethods.qelmctorRobustTagged(vertexCount, vertices, triangleCount, triangles, tags, null,
+                    &status, out handle);
+            }
+            else
+            {
+                NativeMethods.qelmctorTagged(vertexCount, vertices, triangleCount, triangles, tags, null, &status,
+                    out handle);
+            }
             QelmException.ThrowUnlessOk(status);
             var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount,
                 defect);

@@ -93,6 +93,14 @@ namespace Qelm
             int* triangles, int* tags, QelmMeshReport* reportOut);
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int qelmctorRobustTagged(int vertexCount, double* vertices, int triangleCount,
+            int* triangles, int* tags, int* taggedCountOut, int* status, out MeshSystemHandle handleOut);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int qelmcheckRobustTagged(int vertexCount, double* vertices, int triangleCount,
+            int* triangles, int* tags, QelmRobustReport* reportOut);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void qelmcurvesTagged(MeshSystemHandle handle, double* field, int levelCount,
             double* levels, QelmCurves** curvesOut, int* status);
 

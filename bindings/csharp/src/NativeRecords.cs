@@ -61,4 +61,15 @@ namespace Qelm
         internal long worstTriangle;
         internal double worstQuality;
     }
+
+    /// <summary>What the robust construction does to a mesh.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct QelmRobustReport
+    {
+        internal long changed;
+        internal long sheets;
+        internal long flatTriangles;
+        internal long notDelaunayEdges;
+        internal long flips;
+    }
 }

@@ -8,16 +8,18 @@ namespace Qelm
     /// </summary>
     internal static unsafe class Solvability
     {
-        /// <summary>The first defect in words, or null; <paramref name="name"/> is the argument to blame.</summary>
+        /// <summary>The first defect in words, or null; <paramref name="name"/> is the argument to blame. After
+        /// robust construction, areas do not matter.</summary>
         internal static string FirstDefect(double* vertices, int vertexCount, int* triangles, int triangleCount,
-            int* tags, out string name)
+            int* tags, bool robust, out string name)
         {
             name = "triangles";
-            for (int t = 0; t < triangleCount; ++t)
+            for (int t = 0; t < triangleCount && !robust; ++t)
             {
                 if (!HasArea(vertices, triangles + 3L * t))
                 {
-                    return Ensure.Triangle(triangles, t) + ": its area is not a positive number";
+                    return Ensure.Triangle(triangles, t) + ": its area is not a positive number; "
+                        + "MeshSystem.BuildRobust takes such triangles";
                 }
             }
             name = "tags";

@@ -14,7 +14,18 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve);
+                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, false);
+            }
+        }
+
+        /// <inheritdoc cref="BuildRobust(double[], int[], int[], bool)"/>
+        public static MeshSystem BuildRobust(ReadOnlySpan<double> vertices, ReadOnlySpan<int> triangles,
+            ReadOnlySpan<int> tags, bool mustSolve = true)
+        {
+            fixed (double* v = &MemoryMarshal.GetReference(vertices))
+            fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
+            {
+                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, true);
             }
         }
 
@@ -78,6 +89,17 @@ namespace Qelm
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
                 return Check(v, vertices.Length, t, triangles.Length, g, tags.Length);
+            }
+        }
+
+        /// <inheritdoc cref="CheckRobust(double[], int[], int[])"/>
+        public static RobustReport CheckRobust(ReadOnlySpan<double> vertices, ReadOnlySpan<int> triangles,
+            ReadOnlySpan<int> tags)
+        {
+            fixed (double* v = &MemoryMarshal.GetReference(vertices))
+            fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
+            {
+                return CheckRobust(v, vertices.Length, t, triangles.Length, g, tags.Length);
             }
         }
     }

@@ -29,7 +29,8 @@ namespace Qelm.Tests
             { "MeshSystem*", "IntPtr" },
             { "IsoPointMatrix*", "IsoPointMatrix*" }, { "IsoPointMatrix**", "IsoPointMatrix**" },
             { "IsoEdgeMatrix*", "IsoEdgeMatrix*" }, { "IsoEdgeMatrix**", "IsoEdgeMatrix**" },
-            { "QelmMeshReport*", "QelmMeshReport*" }, { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
+            { "QelmMeshReport*", "QelmMeshReport*" }, { "QelmRobustReport*", "QelmRobustReport*" },
+            { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
         };
 
         [Test]

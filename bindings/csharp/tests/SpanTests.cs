@@ -34,6 +34,14 @@ namespace Qelm.Tests
                 CollectionAssert.AreEqual(system.Curves(values, 2.5, 7).SelectMany(curve => curve.Points),
                     fromSpans.Curves(View(values), View(new[] { 2.5, 7 })).SelectMany(curve => curve.Points));
             }
+            using (MeshSystem system = MeshSystem.BuildRobust(mesh.Vertices, mesh.Triangles, mesh.Tags))
+            using (MeshSystem fromSpans = MeshSystem.BuildRobust(View(mesh.Vertices), View(mesh.Triangles),
+                View(mesh.Tags)))
+            {
+                Check.SameBits(fromSpans.Solve(values), system.Solve(values));
+            }
+            Assert.AreEqual(Mesh.CheckRobust(mesh.Vertices, mesh.Triangles, mesh.Tags).Flips,
+                Mesh.CheckRobust(View(mesh.Vertices), View(mesh.Triangles), View(mesh.Tags)).Flips);
             CollectionAssert.AreEqual(Mesh.Weld(mesh.Vertices, mesh.Triangles, 1.1).Vertices,
                 Mesh.Weld(View(mesh.Vertices), View(mesh.Triangles), 1.1).Vertices);
         }

@@ -6,10 +6,6 @@
 namespace qelm {
 namespace {
 
-double largestComponent(Vec3 a) {
-  return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
-}
-
 /// The power of two that brings a positive magnitude to 0.5 .. 1, or as near as a
 /// normal number can bring it: the smallest magnitudes reach 2^-52 only.
 double scaleToOne(double magnitude) {

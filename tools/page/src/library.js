@@ -39,9 +39,10 @@ function readCurves(library, record) {
 export class MeshSystem {
   /**
    * library: the instantiated module; positions: Float64Array(3n); triangles: 3m indices;
-   * tags: n marks, not 0 where a vertex is held. Throws Error in the library's words.
+   * tags: n marks, not 0 where a vertex is held. With `robust`, fields stay between the held
+   * values whatever the triangles look like. Throws Error in the library's words.
    */
-  constructor(library, positions, triangles, tags) {
+  constructor(library, positions, triangles, tags, { robust = false } = {}) {
     this.library = library;
     this.vertexCount = tags.length;
     const n = tags.length;
@@ -50,7 +51,8 @@ export class MeshSystem {
       doublesAt(library, xyz, 3 * n).set(positions);
       intsAt(library, corners, 3 * m).set(triangles);
       intsAt(library, marks, n).set(tags);
-      library._qelmctorTagged(n, xyz, m, corners, marks, 0, status, handle);
+      const construct = robust ? library._qelmctorRobustTagged : library._qelmctorTagged;
+      construct(n, xyz, m, corners, marks, 0, status, handle);
       check(library, intsAt(library, status, 1)[0]);
       return intsAt(library, handle, 1)[0];
     });

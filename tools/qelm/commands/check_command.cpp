@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "fields/robustness.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh_files/load_mesh.h"
@@ -43,7 +44,8 @@ constexpr Line kDefects[] = {
     {"nearZeroArea", &QelmMeshReport::nearZeroArea, Element::triangle,
      "triangle has no area, or too little for its size and place",
      "triangles have no area, or too little for their size and place",
-     "remove such triangles or merge their corners; move a mesh that is far away to the origin"},
+     "remove such triangles, merge their corners, or solve with --robust; move a mesh that is far "
+     "away to the origin"},
     {"sizeOutOfRange", &QelmMeshReport::sizeOutOfRange, Element::triangle,
      "triangle is too small or too large to compute with",
      "triangles are too small or too large to compute with", "choose another unit"},
@@ -73,12 +75,26 @@ struct Check {
   std::optional<Prescribed> prescribed;
   QelmMeshReport report = {};
   int code = 0;
+  std::optional<QelmRobustReport> robust;  ///< none if the mesh cannot be constructed
 };
 
 /// Without conditions every vertex counts as fixed, so that no part lacks one.
 std::vector<int> tagsOf(const Check& check) {
   if (check.prescribed) return check.prescribed->tags;
   return std::vector<int>(static_cast<std::size_t>(check.mesh.vertexCount()), 1);
+}
+
+/// Without conditions every vertex counts as free: the weights of all edges matter.
+std::optional<QelmRobustReport> robustReportOf(const Check& check) {
+  if (check.prescribed) return robustReport(check.mesh, check.prescribed->tags);
+  const std::vector<int> none(static_cast<std::size_t>(check.mesh.vertexCount()), 0);
+  return robustReport(check.mesh, none);
+}
+
+std::string describeRobust(const QelmRobustReport& report) {
+  if (report.changed == 0) return "          weights: good; --robust would change nothing\n";
+  return fmt::format("          weights: some negative; --robust mends them ({})\n",
+                     describe(report));
 }
 
 Check checkFile(const CheckOptions& options, const Console& console) {
@@ -95,6 +111,7 @@ Check checkFile(const CheckOptions& options, const Console& console) {
   check.code = qelmcheckTagged(check.mesh.vertexCount(), check.mesh.vertices.data(),
                                check.mesh.triangleCount(), check.mesh.triangles.data(), tags.data(),
                                &check.report);
+  check.robust = robustReportOf(check);
   return check;
 }
 
@@ -145,6 +162,7 @@ std::string reportText(const Check& check, const std::string& name) {
   if (check.prescribed)
     text += fmt::format("{:>9} fixed {}\n", check.prescribed->fixedCount,
                         check.prescribed->fixedCount == 1 ? "vertex" : "vertices");
+  if (check.robust) text += describeRobust(*check.robust);
   return text + describeWorst(check) + "Verdict: " + verdict(check) + "\n";
 }
 
@@ -171,6 +189,8 @@ Json reportJson(const Check& check, const std::string& name) {
   if (!check.prescribed) json["defects"].erase("untaggedPart");
   for (const Line& line : kInformation) json["information"][line.key] = findingJson(check, line);
   if (check.prescribed) json["information"]["fixedVertices"] = check.prescribed->fixedCount;
+  json["information"]["robust"] = nullptr;
+  if (check.robust) json["information"]["robust"] = robustJson(*check.robust);
   json["information"]["worstTriangle"] = nullptr;
   json["information"]["worstQuality"] = nullptr;
   if (check.report.worstTriangle >= 0) {

@@ -47,6 +47,8 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
+  command.add_flag("--robust", field.robust,
+                   "Keep fields in range on bad triangles; auto: if need be");
 }
 
 void addLevels(CLI::App& command, LevelOptions& levels) {
@@ -79,6 +81,7 @@ class CommandLine {
 
   int run(std::vector<std::string> arguments) {
     requireCommand(arguments);
+    joinAuto(arguments);
     std::reverse(arguments.begin(), arguments.end());
     try {
       app_.parse(std::move(arguments));
@@ -107,9 +110,11 @@ class CommandLine {
         .add_option("-o,--output", solve_.output,
                     "Write the field as CSV; - is the standard output")
         ->type_name("FIELD.csv");
+    command.add_flag("--compare-plain", solve_.comparePlain,
+                     "With --robust, say how far the plain field is off");
     addOutputOptions(command, output_);
     command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
-                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+                             kLoadHelp, kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
@@ -138,7 +143,7 @@ class CommandLine {
         ->required();
     addOutputOptions(command, output_);
     command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
-                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+                             kLoadHelp, kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
@@ -161,8 +166,9 @@ class CommandLine {
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);
-    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
-                             kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
+    command.footer(
+        sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp, kFixFileHelp,
+                  kLoadHelp, kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
@@ -184,7 +190,7 @@ class CommandLine {
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
     addOutputOptions(command, output_);
     command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
-                             kSoupHelp, kStreamsHelp, kExitHelp}));
+                             kRobustHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
     command.callback([this] {
       requireFixes(view_.field);
       runView(view_, output_);
@@ -218,6 +224,15 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand("manual", "Print the manual page, for man");
     command.footer(sections({kManualExamples}));
     command.callback([this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
+  }
+
+  // A flag that may have a value takes it after an equals sign only.
+  static void joinAuto(std::vector<std::string>& arguments) {
+    for (std::size_t k = 0; k + 1 < arguments.size(); ++k) {
+      if (arguments[k] != "--robust" || arguments[k + 1] != "auto") continue;
+      arguments[k] = "--robust=auto";
+      arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(k) + 1);
+    }
   }
 
   // CLI11 would only say that a subcommand is required.

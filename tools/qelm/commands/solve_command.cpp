@@ -1,16 +1,66 @@
 #include "commands/solve_command.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "fields/field_csv.h"
 #include "files/output_file.h"
+#include "mesh/mesh_checks.h"
 #include "text/error.h"
 
 namespace qelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// The vertex and field where two sets of fields differ most.
+std::size_t worstOf(const std::vector<double>& fields, const std::vector<double>& others) {
+  std::size_t worst = 0;
+  const auto difference = [&](std::size_t i) { return std::abs(fields[i] - others[i]); };
+  for (std::size_t i = 1; i < fields.size(); ++i) {
+    if (difference(i) > difference(worst)) worst = i;
+  }
+  return worst;
+}
+
+/// How far the plain fields are off, or why there are none.
+ReportItem comparePlain(const SolvedField& solved) {
+  try {
+    const FieldSystem plain(solved.mesh, solved.prescribed.tags, false);
+    const std::vector<double> fields =
+        plain.solve(solved.mesh, solved.prescribed.values, solved.load);
+    const std::size_t worst = worstOf(solved.fields, fields);
+    const auto n = static_cast<std::size_t>(solved.mesh.vertexCount());
+    const int vertex = static_cast<int>(worst % n);
+    const double difference = std::abs(fields[worst] - solved.fields[worst]);
+    const auto [low, high] = std::minmax_element(fields.begin(), fields.end());
+    std::string text = fmt::format("differs by at most {:.3g}, at {}", difference,
+                                   describeVertex(solved.mesh, vertex));
+    if (solved.fieldCount() > 1) text += fmt::format(" of field {}", worst / n + 1);
+    return {"plain",
+            text + fmt::format("; from {:.6g} to {:.6g}", *low, *high),
+            {{"plain",
+              {{"difference", difference},
+               {"vertex", vertex},
+               {"field", worst / n},
+               {"min", *low},
+               {"max", *high}}}}};
+  } catch (const SingularError& error) {
+    return {
+        "plain", std::string("no field: ") + error.what(), {{"plain", {{"error", error.what()}}}}};
+  }
+}
+
+}  // namespace
 
 void runSolve(const SolveOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the field (-o -) or --json, not both");
+  if (options.comparePlain && options.field.robust.empty())
+    throw UsageError("--compare-plain needs --robust to compare with");
   const Console console(output);
   // Opened first: a long solve must not end with a folder that is not there.
   std::optional<OutputFile> file;
@@ -24,7 +74,10 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);
   }
-  reportField(solved, results, output, console);
+  std::vector<ReportItem> more;
+  if (options.comparePlain)
+    more.push_back(solved.steps.run("compare", [&] { return comparePlain(solved); }));
+  reportField(solved, results, output, console, more);
 }
 
 }  // namespace qelm::tool

@@ -10,7 +10,8 @@ namespace qelm::tool {
 
 struct SolveOptions {
   FieldOptions field;
-  std::string output;  ///< empty: nothing is written
+  std::string output;         ///< empty: nothing is written
+  bool comparePlain = false;  ///< to the robust field
 };
 
 void runSolve(const SolveOptions& options, const OutputOptions& output);

@@ -10,18 +10,19 @@
 
 namespace qelm::tool {
 
-FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags) {
+FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robust) {
   int status = -1;
   MeshSystem* handle = nullptr;
-  qelmctorTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                 mesh.triangles.data(), tags.data(), nullptr, &status, &handle);
+  const auto construct = robust ? qelmctorRobustTagged : qelmctorTagged;
+  construct(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(), mesh.triangles.data(),
+            tags.data(), nullptr, &status, &handle);
   handle_.reset(handle);
   if (status != QELM_STATUS_OK)
     throw MeshError(fmt::format("the library refuses the mesh: {}", qelmstatustext(status)));
   if (const int info = qelminfo(handle); info != 0)
     throw SingularError(fmt::format(
-        "the system cannot be factorised (qelminfo {}); look for needle-like triangles, and fix "
-        "a vertex in every connected part",
+        "the system cannot be factorised (qelminfo {}); look for needle-like triangles or try "
+        "--robust, and fix a vertex in every connected part",
         info));
 }
 
@@ -42,7 +43,7 @@ std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double>
     if (!std::isfinite(fields[i]))
       throw SingularError(
           fmt::format("the field is not finite, first at {}; look for needle-like "
-                      "triangles and for values that are too large",
+                      "triangles or try --robust, and look for values that are too large",
                       describeVertex(mesh, static_cast<int>(i % n))));
   return fields;
 }

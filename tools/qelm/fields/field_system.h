@@ -13,8 +13,9 @@ namespace qelm::tool {
 
 class FieldSystem {
  public:
-  /// Throws InputError when the library refuses the mesh or cannot factorise.
-  FieldSystem(const Mesh& mesh, std::span<const int> tags);
+  /// Plain or robust. Throws InputError when the library refuses the mesh or cannot
+  /// factorise.
+  FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robust);
 
   /// One or more fields, one after another, with a value for each vertex in the mesh's
   /// order; `load` is one of them for all, or empty for none. Throws InputError when a

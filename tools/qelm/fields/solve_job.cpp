@@ -80,6 +80,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
   }
+  if (solved.robust) summary["robust"] = robustJson(*solved.robust);
   for (const ReportItem& item : more) summary.update(item.members);
   summary["seconds"] = Json::object();
   for (const Step& step : solved.steps.list()) summary["seconds"][step.name] = step.seconds;
@@ -113,11 +114,24 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
                              describeValues(solved.conditions[k]), solved.prescribed.selected[k]));
   printRanges(solved, console);
+  if (solved.robust)
+    console.line("matrix   " + (solved.robust->changed != 0
+                                    ? "robust: " + describe(*solved.robust)
+                                    : std::string("plain, which is good here")));
   for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
   console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
                                               : fmt::format("{}", fmt::join(results, ", "))));
+}
+
+}  // namespace
+
+namespace {
+
+/// A report that is missing is left to the constructor to explain.
+bool wantsRobust(const SolvedField& solved) {
+  return !solved.robust || solved.robust->changed != 0;
 }
 
 }  // namespace
@@ -142,6 +156,7 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
     throw UsageError(
         "a --fix has several values, but this command takes one field; 'qelm solve' "
         "takes several");
+  const Construction construction = parseConstruction(options.robust);
   Steps& steps = solved.steps;
   solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
@@ -151,12 +166,16 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   solved.fromFile = static_cast<int>(fromFile.size());
   naming(options.mesh, [&] {
     steps.run("check", [&] {
-      checkMesh(mesh);
+      checkMesh(mesh, construction != Construction::plain);
       solved.prescribed = prescribe(mesh, solved.conditions, fromFile);
       checkEveryPartIsFixed(mesh, solved.prescribed.tags);
+      if (construction != Construction::plain)
+        solved.robust = robustReport(mesh, solved.prescribed.tags);
     });
     for (const std::string& note : solved.prescribed.notes) console.note(note);
-    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
+    const bool robust = construction == Construction::robust ||
+                        (construction == Construction::automatic && wantsRobust(solved));
+    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags, robust); });
     solved.fields = steps.run(
         "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, solved.load); });
   });

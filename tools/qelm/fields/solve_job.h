@@ -13,6 +13,7 @@
 #include "conditions/conditions.h"
 #include "conditions/selection.h"
 #include "fields/field_system.h"
+#include "fields/robustness.h"
 #include "mesh/mesh.h"
 #include "terminal/console.h"
 #include "terminal/steps.h"
@@ -24,6 +25,7 @@ struct FieldOptions {
   std::vector<std::string> fixes;
   std::string fixFile;   ///< a CSV file; empty: none
   std::string load;      ///< a CSV file; empty: no load
+  std::string robust;    ///< see parseConstruction()
   bool several = false;  ///< whether conditions may have several values, one for each field
 };
 
@@ -33,7 +35,8 @@ struct SolvedField {
   std::vector<Condition> conditions;
   int fromFile = 0;  ///< vertices that --fix-file fixes
   Prescribed prescribed;
-  std::vector<double> load;  ///< n, or none
+  std::vector<double> load;                ///< n, or none
+  std::optional<QelmRobustReport> robust;  ///< unless construction was plain on request
   std::optional<FieldSystem> system;
   std::vector<double> fields;  ///< one after another, in the mesh's order
   Steps steps;

@@ -115,7 +115,7 @@ void checkFinite(const Mesh& mesh) {
       "repair the file");
 }
 
-void checkMesh(const Mesh& mesh) {
+void checkMesh(const Mesh& mesh, bool robust) {
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return repeatedCorner(mesh.corners(t)) >= 0; },
       [&](int t) {
@@ -129,10 +129,11 @@ void checkMesh(const Mesh& mesh) {
       [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
       "remove such vertices");
   checkFinite(mesh);
+  if (robust) return;
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return hasNoArea(mesh, t); },
       [&](int t) { return fmt::format("{}: zero area", describeTriangle(mesh, t)); },
-      "remove such triangles or merge their corners");
+      "remove such triangles, merge their corners, or solve with --robust");
 }
 
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {

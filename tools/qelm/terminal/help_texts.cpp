@@ -44,6 +44,14 @@ const char* const kLoadHelp =
     "    a header line       with the columns vertex and value among others\n"
     "  Empty lines and what follows a # are left out.\n";
 
+const char* const kRobustHelp =
+    "Bad triangles:\n"
+    "  --robust takes the weights from a better triangulation of the same surface between\n"
+    "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"
+    "  harm then, and without a load the field stays between the fixed values of each part.\n"
+    "  --robust auto does so only where a weight of the plain matrix is negative or not\n"
+    "  finite, and says which it was. 'qelm check' says beforehand.\n";
+
 const char* const kSoupHelp =
     "STL files:\n"
     "  Every facet of an STL file has corners of its own. They are welded before anything\n"
@@ -88,7 +96,8 @@ const char* const kCheckHelp =
     "  Says on the standard output what would keep the mesh from being solved on; -q leaves\n"
     "  only the exit code: 0 when there is no defect, 4 when there is one, 5 when parts\n"
     "  are not fixed. That is looked at when there is a --fix: every connected part needs\n"
-    "  a fixed vertex.\n";
+    "  a fixed vertex. The line on weights is what the option --robust of the commands with\n"
+    "  a field would do.\n";
 
 const char* const kHeatmapHelp =
     "What is written:\n"
@@ -155,7 +164,8 @@ const char* const kSolveExamples =
     "  qelm solve roof.obj --fix box:-9,-9,0,9,9,0=0:2 --fix loop:1=3 --json -o field.csv\n"
     "  qelm solve roof.obj --fix-file fixed.csv --load snow.csv -o field.csv\n"
     "  qelm solve roof.obj --fix loop:0=0,1 --fix loop:1=1,0 -o fields.csv\n"
-    "  qelm solve roof.obj --fix boundary=0 --load snow.csv\n";
+    "  qelm solve roof.obj --fix boundary=0 --load snow.csv\n"
+    "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 --robust --compare-plain\n";
 
 const char* const kHeatmapExamples =
     "Examples:\n"

@@ -12,6 +12,7 @@ extern const char* const kTourHelp;
 extern const char* const kConditionHelp;
 extern const char* const kFixFileHelp;
 extern const char* const kLoadHelp;
+extern const char* const kRobustHelp;
 extern const char* const kSoupHelp;
 extern const char* const kStreamsHelp;
 extern const char* const kExitHelp;

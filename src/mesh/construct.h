@@ -1,0 +1,33 @@
+// What the exports that construct a mesh system have in common.
+#ifndef QELM_MESH_CONSTRUCT_H
+#define QELM_MESH_CONSTRUCT_H
+
+#include <memory>
+#include <vector>
+
+#include "interface/mesh_system.h"
+#include "mesh/numbering.h"
+
+namespace qelm {
+
+/// A constructor's arguments, not yet checked.
+struct ConstructorArguments {
+  int vertexCount;
+  const double* vertices;
+  int triangleCount;
+  const int* triangles;
+  const int* tags;
+};
+
+/// assembleSystem(), or another with its contract.
+using AssembleSystem = std::unique_ptr<MeshSystem> (*)(int taggedCount, int vertexCount,
+                                                       std::vector<double> coordinates,
+                                                       SystemTriangles triangles, int& status);
+
+/// Checks, renumbers, assembles, and writes the outcome: see qelmctorTagged(). Returns 1.
+int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble,
+                   int* taggedCountOut, int* status, MeshSystem** handleOut);
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_CONSTRUCT_H

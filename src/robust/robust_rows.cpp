@@ -1,0 +1,82 @@
+#include "robust/robust_rows.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "mesh/edge_sums.h"
+
+namespace qelm {
+namespace {
+
+using HalfEdge = DoubleCover::HalfEdge;
+
+/// NaN is above nothing, but not finite.
+template <class IsDiagonal>
+bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
+  for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
+    for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
+      const double limit = isDiagonal(entry.row(), c) ? kLargestOfPlain : kRoundingOfPlain;
+      if (!std::isfinite(entry.value()) || entry.value() > limit) return false;
+    }
+  }
+  return true;
+}
+
+/// Leaves each edge's weight at one of its half-edges and 0 at the other, in place of the
+/// cotangents. An edge from a vertex to itself has none, and one without twin ties two
+/// prescribed vertices: its weight is in no free row.
+void turnIntoWeights(DoubleCover& cover) {
+  const double share = 0.5 / cover.sheets;
+  for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
+    const HalfEdge g = cover.twin[asIndex(h)];
+    if (g > h) continue;
+    double weight = 0;
+    if (g != DoubleCover::kNone && cover.origin[asIndex(h)] != cover.origin[asIndex(g)]) {
+      weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+    }
+    cover.cotangent[asIndex(h)] = weight;
+    if (g != DoubleCover::kNone) cover.cotangent[asIndex(g)] = 0;
+  }
+}
+
+/// visit(a, b, weight) for each edge that has one.
+template <class Visit>
+void forEachWeight(const DoubleCover& weighted, Visit visit) {
+  for (HalfEdge h = 0; asIndex(h) < weighted.origin.size(); ++h) {
+    const double weight = weighted.cotangent[asIndex(h)];
+    if (weight > 0)
+      visit(weighted.origin[asIndex(h)], weighted.origin[asIndex(DoubleCover::next(h))], weight);
+  }
+}
+
+}  // namespace
+
+bool isGood(const FreeRowBlocks& plain) {
+  using Eigen::Index;
+  return isGoodBlock(plain.freeFree, [](Index row, Index column) { return row == column; }) &&
+         isGoodBlock(plain.freeFixed, [](Index, Index) { return false; });
+}
+
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
+                         std::span<const std::int32_t> triangles) {
+  turnIntoWeights(cover);
+  std::vector<HalfEdge>().swap(cover.twin);
+  std::vector<std::uint32_t> higherEnds(vertexCount);
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
+    ++higherEnds[asIndex(std::max(a, b))];
+  });
+  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
+    sums.add(a, b, -weight);
+    sums.addToDiagonal(a, weight);
+    sums.addToDiagonal(b, weight);
+  });
+  cover = {};
+  EdgeSums::Counts counts = sums.addUp();
+  return blocksOf(std::move(sums), std::move(counts), taggedCount);
+}
+
+}  // namespace qelm

@@ -1,0 +1,37 @@
+// The free rows of the stiffness matrix with weights that are never negative.
+#ifndef QELM_ROBUST_ROBUST_ROWS_H
+#define QELM_ROBUST_ROBUST_ROWS_H
+
+#include <cstdint>
+#include <span>
+
+#include "mesh/free_rows.h"
+#include "robust/double_cover.h"
+
+namespace qelm {
+
+/// Whether a plain matrix has nothing that wants repair: all entries are finite and, in the
+/// rows of free vertices, none off the diagonal is above kRoundingOfPlain and none on it
+/// above kLargestOfPlain.
+///
+/// Edges on a circle, such as the diagonals of a regular grid, have weight 0. What rounding
+/// makes of it is below 1e-12 unless triangles are slivers of 1e-4 or far from the origin.
+/// A diagonal of 2^26 is that of a triangle as flat as robust ones may be; larger ones can
+/// hide the small weights that tell vertices apart.
+bool isGood(const FreeRowBlocks& plain);
+constexpr double kRoundingOfPlain = 1e-12;
+constexpr double kLargestOfPlain = 0x1p26;
+
+/// K_ij = -w_ij with w_ij = (cot + cot') / 2 over the edges from i to j, halved where there
+/// are two sheets, and K_ii the sum of row i's weights. Edges that are bad within rounding
+/// count as 0, so that no entry off the diagonal is positive; weights of 0 leave no entry.
+///
+/// `triangles` are those that the cover was made of, higherEnds as in SystemTriangles a
+/// table of one number for each vertex, whatever it holds. Beyond the result and what is
+/// left of the cover, 36 bytes for each triangle and sheet.
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
+                         std::span<const std::int32_t> triangles);
+
+}  // namespace qelm
+
+#endif  // QELM_ROBUST_ROBUST_ROWS_H

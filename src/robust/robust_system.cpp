@@ -1,0 +1,76 @@
+#include "robust/robust_system.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "robust/double_cover.h"
+#include "robust/flips.h"
+#include "robust/places_order.h"
+#include "robust/robust_rows.h"
+#include "solve/field_bounds.h"
+
+namespace qelm {
+namespace {
+
+bool areFinite(std::span<const double> coordinates) {
+  return std::all_of(coordinates.begin(), coordinates.end(),
+                     [](double c) { return std::isfinite(c); });
+}
+
+void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
+  a.freeFree.swap(b.freeFree);
+  a.freeFixed.swap(b.freeFixed);
+}
+
+}  // namespace
+
+// The plain rows come first: they find a mesh's defects and say whether anything need be
+// done, in a fraction of the time of the rest. They are gone before the rest begins.
+// Blocks change places by swapping, see assembly.cpp.
+RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
+                              std::span<const std::int32_t> triangles,
+                              std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
+  RobustRows result{assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)),
+                    {}};
+  if (result.rows.status != QELM_STATUS_OK) return result;
+  if (!areFinite(coordinates)) {
+    result.rows.status = QELM_CHECK_NOT_FINITE;
+    swapBlocks(result.rows.blocks, {});
+    return result;
+  }
+  if (isGood(result.rows.blocks)) return result;
+  swapBlocks(result.rows.blocks, {});
+
+  DoubleCover cover = coverOf(taggedCount, coordinates, triangles);
+  if (cover.largestCotangent > kSteepCotangent) {
+    cover = {};
+    cover = coverInOrderOfPlaces(taggedCount, coordinates, triangles);
+  }
+  const Flips flips = flipBadEdges(cover, flipLimit);
+  result.report = {1, cover.sheets, cover.raisedTriangles, flips.badEdges, flips.done};
+  if (flips.finished) {
+    swapBlocks(result.rows.blocks,
+               robustRows(std::move(cover), taggedCount, coordinates.size() / 3, triangles));
+  } else {
+    result.rows.status = QELM_STATUS_ENDLESS_FLIPS;
+  }
+  return result;
+}
+
+std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
+                                                 std::vector<double> coordinates,
+                                                 SystemTriangles triangles, int& status) {
+  if (vertexCount == 0) return nullptr;
+  RobustRows robust =
+      assembleRobustRows(taggedCount, coordinates, triangles.indices,
+                         std::move(triangles.higherEnds), flipLimit(triangles.indices.size() / 3));
+  status = robust.rows.status;
+  if (status != QELM_STATUS_OK) return nullptr;
+  auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
+                                 robust.rows.blocks);
+  system->bounds = std::make_shared<const FieldBounds>(boundsOf(*system->freeFreeBlock));
+  return system;
+}
+
+}  // namespace qelm

@@ -1,0 +1,36 @@
+// From a renumbered mesh, whatever its triangles look like, to a factorised system whose
+// fields stay within their range.
+#ifndef QELM_ROBUST_ROBUST_SYSTEM_H
+#define QELM_ROBUST_ROBUST_SYSTEM_H
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "interface/mesh_system.h"
+#include "mesh/assembly.h"
+#include "mesh/numbering.h"
+#include "qelm.h"
+
+namespace qelm {
+
+struct RobustRows {
+  AssembledRows rows;       ///< status 102 and 106 as well
+  QelmRobustReport report;  ///< nothing changed unless the status is 0 or 106
+};
+
+/// The rows that assembleFreeRows() gives where they are good, see isGood(); else those of
+/// the triangulation after at most `flipLimit` flips, status 106 if that is too few.
+RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
+                              std::span<const std::int32_t> triangles,
+                              std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit);
+
+/// As assembleSystem(), with robust rows and bounds for its fields.
+std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
+                                                 std::vector<double> coordinates,
+                                                 SystemTriangles triangles, int& status);
+
+}  // namespace qelm
+
+#endif  // QELM_ROBUST_ROBUST_SYSTEM_H

@@ -1,0 +1,134 @@
+#include "robust/triangle_shape.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <tuple>
+
+namespace qelm {
+namespace {
+
+Vec3 timesPowerOfTwo(Vec3 a, int exponent) {
+  return {std::ldexp(a.x, exponent), std::ldexp(a.y, exponent), std::ldexp(a.z, exponent)};
+}
+
+bool isBefore(Vec3 a, Vec3 b) { return std::tie(a.x, a.y, a.z) < std::tie(b.x, b.y, b.z); }
+
+bool isZero(Vec3 a) { return a.x == 0 && a.y == 0 && a.z == 0; }
+
+/// Edge k is the one opposite corner k, from corner k + 1 to corner k + 2.
+std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
+  return {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
+}
+
+double extentOf(const std::array<Vec3, 3>& edges) {
+  return std::max(
+      {largestComponent(edges[0]), largestComponent(edges[1]), largestComponent(edges[2])});
+}
+
+/// The edges, times a power of two where their fourth powers would leave the range of a
+/// double. Where differences of coordinates do so themselves, the points are moved first.
+std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+  std::array<Vec3, 3> edges = edgesOf(p);
+  double extent = extentOf(edges);
+  if (extent > 0x1p-200 && extent < 0x1p200) return edges;
+  if (extent > 0x1p1020) {
+    edges =
+        edgesOf({timesPowerOfTwo(p[0], -4), timesPowerOfTwo(p[1], -4), timesPowerOfTwo(p[2], -4)});
+    extent = extentOf(edges);
+  }
+  int exponent = 0;
+  std::frexp(extent, &exponent);
+  for (Vec3& edge : edges) edge = timesPowerOfTwo(edge, -exponent);
+  return edges;
+}
+
+/// Of a triangle of height `height` over a longest edge of length 1 from P to Q, with its
+/// foot at `fromP` from P and `fromQ` from Q. At P, Q and the apex.
+std::array<double, 3> flatShape(double fromP, double fromQ, double height) {
+  return {fromP / height, fromQ / height, (height * height - fromP * fromQ) / height};
+}
+
+double leastHeight(double fromP, double fromQ) {
+  return std::min(fromP, fromQ) < kLeastHeightOfNeedle ? kLeastHeightOfNeedle : kLeastHeight;
+}
+
+/// Corner `apex` and the two after it get what belongs to the apex, P and Q.
+Cotangents turned(std::size_t apex, double atApex, double atP, double atQ, bool raised) {
+  Cotangents c{{}, raised};
+  c.at[apex] = atApex;
+  c.at[(apex + 1) % 3] = atP;
+  c.at[(apex + 2) % 3] = atQ;
+  return c;
+}
+
+Cotangents raised(std::size_t apex, double fromP, double fromQ) {
+  const auto flat = flatShape(fromP, fromQ, leastHeight(fromP, fromQ));
+  return turned(apex, flat[2], flat[0], flat[1], true);
+}
+
+/// Legs of length 1 over a base of kLeastHeightOfNeedle, which the coincident corners
+/// share: neither of them is the apex.
+Cotangents needle(std::size_t tip) {
+  const double atBase = kLeastHeightOfNeedle / 2;
+  return turned(tip, (1 - atBase * atBase) / (2 * atBase), atBase, atBase, true);
+}
+
+/// The corner opposite the longest edge; of several, the one that is first in space.
+std::size_t apexOf(const std::array<Vec3, 3>& p, const std::array<double, 3>& squaredLength) {
+  std::size_t apex = 0;
+  for (std::size_t k = 1; k < 3; ++k) {
+    const bool longer = squaredLength[k] > squaredLength[apex];
+    const bool tie = squaredLength[k] == squaredLength[apex];
+    if (longer || (tie && isBefore(p[k], p[apex]))) apex = k;
+  }
+  return apex;
+}
+
+}  // namespace
+
+// The cross product of the two shorter edges: for a needle it is exact to rounding, which
+// that of its long edges is not.
+Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
+  const std::array<Vec3, 3> p = {p0, p1, p2};
+  const std::array<Vec3, 3> e = scaledEdges(p);
+  const std::array<bool, 3> isPoint = {isZero(e[0]), isZero(e[1]), isZero(e[2])};
+  if (isPoint[0] && isPoint[1]) {
+    const double equilateral = 1 / std::sqrt(3.0);
+    return {{equilateral, equilateral, equilateral}, true};
+  }
+  for (std::size_t k = 0; k < 3; ++k) {
+    if (isPoint[k]) return needle(k);
+  }
+
+  const std::array<double, 3> squaredLength = {dot(e[0], e[0]), dot(e[1], e[1]), dot(e[2], e[2])};
+  const std::size_t apex = apexOf(p, squaredLength);
+  const Vec3 base = e[apex];  // P to Q
+  const Vec3 qToApex = e[(apex + 1) % 3];
+  const Vec3 apexToP = e[(apex + 2) % 3];
+  const double alongP = -dot(base, apexToP);
+  const double alongQ = -dot(base, qToApex);
+  const double twiceArea = length(cross(apexToP, qToApex));
+  const double longest = squaredLength[apex];
+  const double fromP = std::clamp(alongP / longest, 0.0, 1.0);
+  const double fromQ = std::clamp(alongQ / longest, 0.0, 1.0);
+  if (!(twiceArea >= leastHeight(fromP, fromQ) * longest)) return raised(apex, fromP, fromQ);
+  return turned(apex, -dot(apexToP, qToApex) / twiceArea, alongP / twiceArea, alongQ / twiceArea,
+                false);
+}
+
+// The longest edge lies opposite the lowest cotangent. Those at its ends, x and y, divide
+// it at x : y, and its height is 1 / (x + y) of it.
+Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator) {
+  const auto apex = static_cast<std::size_t>(
+      std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
+  const double atP = numerators[(apex + 1) % 3];
+  const double atQ = numerators[(apex + 2) % 3];
+  const double sum = atP + atQ;
+  const double fromP = std::clamp(atP / sum, 0.0, 1.0);
+  const double fromQ = std::clamp(atQ / sum, 0.0, 1.0);
+  if (!(denominator >= leastHeight(fromP, fromQ) * sum)) return raised(apex, fromP, fromQ);
+  return turned(apex, numerators[apex] / denominator, atP / denominator, atQ / denominator, false);
+}
+
+}  // namespace qelm

@@ -1,0 +1,160 @@
+// Gluing: which faces lie at each edge, and in which order round crowded ones.
+#include "robust/double_cover.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "robust/edge_fan.h"
+#include "robust/places_order.h"
+#include "robust/soups.h"
+#include "support/meshes.h"
+#include "support/random.h"
+
+namespace qelm::test {
+namespace {
+
+DoubleCover coverOfMesh(const Mesh& mesh, int taggedCount = 0) {
+  return coverOf(taggedCount, mesh.vertices, mesh.triangles);
+}
+
+/// Twins lead the other way between the same vertices.
+void expectGlued(const DoubleCover& cover, std::size_t expectedBorder) {
+  std::size_t border = 0;
+  for (std::size_t h = 0; h < cover.size(); ++h) {
+    const auto half = static_cast<DoubleCover::HalfEdge>(h);
+    const DoubleCover::HalfEdge g = cover.twin[h];
+    if (g == DoubleCover::kNone) {
+      ++border;
+      continue;
+    }
+    const auto twin = static_cast<std::size_t>(g);
+    ASSERT_NE(g, half);
+    ASSERT_EQ(cover.twin[twin], half);
+    EXPECT_EQ(cover.origin[twin], cover.origin[static_cast<std::size_t>(DoubleCover::next(half))]);
+    EXPECT_EQ(cover.origin[h], cover.origin[static_cast<std::size_t>(DoubleCover::next(g))]);
+  }
+  EXPECT_EQ(border, expectedBorder);
+}
+
+TEST(DoubleCover, OfAClosedOrientedSurfaceHasOneSheet) {
+  const DoubleCover cover = coverOfMesh(torusMesh(7, 5));
+  EXPECT_EQ(cover.sheets, 1);
+  EXPECT_EQ(cover.size(), 210U);
+  expectGlued(cover, 0);
+}
+
+TEST(DoubleCover, HasOneSheetWhereTheBoundaryIsPrescribed) {
+  const Mesh mesh = twoTriangles();
+  const DoubleCover cover = coverOfMesh(mesh, 4);
+  EXPECT_EQ(cover.sheets, 1);
+  expectGlued(cover, 6);  // the diagonal is prescribed as well
+}
+
+TEST(DoubleCover, TurnsRoundAtABoundary) {
+  const Mesh mesh = rightTriangle();
+  const DoubleCover cover = coverOfMesh(mesh);
+  EXPECT_EQ(cover.sheets, 2);
+  EXPECT_EQ(cover.twin, (std::vector<DoubleCover::HalfEdge>{5, 4, 3, 2, 1, 0}));
+  EXPECT_EQ(cover.origin, (std::vector<std::int32_t>{0, 1, 2, 0, 2, 1}));
+  expectGlued(cover, 0);
+}
+
+TEST(DoubleCover, GluesAFlippedNeighboursBackToAFront) {
+  Mesh mesh = twoTriangles();
+  std::swap(mesh.triangles[4], mesh.triangles[5]);
+  const DoubleCover cover = coverOfMesh(mesh);
+  EXPECT_EQ(cover.sheets, 2);
+  expectGlued(cover, 0);
+  // The diagonal 2-0 of the front of triangle 0, half-edge 2, meets the back of triangle 1.
+  EXPECT_GE(cover.twin[2], 9);
+}
+
+TEST(DoubleCover, HasTheSameAnglesOnBothSheets) {
+  const DoubleCover cover = coverOfMesh(openSurface(5, 4, 1));
+  for (DoubleCover::HalfEdge h = 0; h < cover.fronts(); ++h) {
+    EXPECT_EQ(cover.cotangent[static_cast<std::size_t>(h)],
+              cover.cotangent[static_cast<std::size_t>(cover.back(h))]);
+  }
+}
+
+TEST(DoubleCover, IsClosedOverAnySoup) {
+  Random random(testSeed());
+  SCOPED_TRACE(seedTrace(testSeed()));
+  for (int kind = 0; kind < kSoupKinds; ++kind) {
+    for (int k = 0; k < 100; ++k) {
+      expectGlued(coverOfMesh(soup(random, static_cast<SoupKind>(kind))), 0);
+    }
+  }
+}
+
+TEST(DoubleCover, InOrderOfPlacesIsTheSameForEveryNumbering) {
+  Random random(testSeed());
+  SCOPED_TRACE(seedTrace(testSeed()));
+  const Mesh mesh = soup(random, SoupKind::generic);
+  const auto newIndex = permutation(random, mesh.vertexCount());
+  const Mesh other = relabelled(mesh, newIndex);
+  const DoubleCover cover = coverInOrderOfPlaces(0, mesh.vertices, mesh.triangles);
+  const DoubleCover otherCover = coverInOrderOfPlaces(0, other.vertices, other.triangles);
+  EXPECT_EQ(otherCover.twin, cover.twin);
+  EXPECT_EQ(otherCover.cotangent, cover.cotangent);
+  for (std::size_t h = 0; h < cover.size(); ++h) {
+    ASSERT_EQ(otherCover.origin[h], newIndex[static_cast<std::size_t>(cover.origin[h])]);
+  }
+}
+
+/// The sides in the order that begins with side 0.
+std::vector<std::int32_t> fromZero(const std::vector<FanBlade>& blades) {
+  std::vector<std::int32_t> sides;
+  for (const FanBlade& blade : blades) sides.push_back(blade.side);
+  std::rotate(sides.begin(), std::find(sides.begin(), sides.end(), 0), sides.end());
+  return sides;
+}
+
+TEST(EdgeFan, IsSortedCounterClockwiseSeenFromTheEnd) {
+  // Seen from z = 1: 0 in the east, 2 north-east, 3 north-west, 1 south-west.
+  std::vector<FanBlade> blades = {
+      {0, {1, 0, 0}}, {1, {-1, -1, 3}}, {2, {1, 1, -2}}, {3, {-1, 5, 0}}};
+  sortRoundEdge({0, 0, 0}, {0, 0, 1}, blades);
+  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 2, 3, 1}));
+  sortRoundEdge({0, 0, 1}, {0, 0, 0}, blades);
+  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 1, 3, 2}));
+}
+
+TEST(EdgeFan, IsTheSameAtEverySizeAndOrder) {
+  Random random(testSeed());
+  SCOPED_TRACE(seedTrace(testSeed()));
+  for (int round = 0; round < 200; ++round) {
+    std::vector<Vec3> points;
+    for (int k = 0; k < 9; ++k) {
+      points.push_back({uniform(random, -1, 1), uniform(random, -1, 1), uniform(random, -1, 1)});
+    }
+    const auto order = [&](double unit, const std::vector<std::int32_t>& sides) {
+      std::vector<FanBlade> blades;
+      for (const std::int32_t side : sides) {
+        blades.push_back({side, unit * points[static_cast<std::size_t>(side) + 2]});
+      }
+      sortRoundEdge(unit * points[0], unit * points[1], blades);
+      return fromZero(blades);
+    };
+    const auto expected = order(1, {0, 1, 2, 3, 4, 5, 6});
+    EXPECT_EQ(order(1, permutation(random, 7)), expected);
+    EXPECT_EQ(order(0x1p1023, {6, 5, 4, 3, 2, 1, 0}), expected);
+    EXPECT_EQ(order(0x1p-900, {6, 5, 4, 3, 2, 1, 0}), expected);
+  }
+}
+
+TEST(EdgeFan, OrdersByPlaceWhereAnglesAreEqual) {
+  std::vector<FanBlade> blades = {{0, {3, 0, 0}}, {1, {1, 0, 0}}, {2, {2, 0, 0}}};
+  sortRoundEdge({0, 0, 0}, {0, 0, 1}, blades);
+  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 1, 2}));
+  // An edge without length has no angles.
+  std::vector<FanBlade> round = {{0, {3, 0, 0}}, {1, {-1, 0, 0}}, {2, {2, 9, 0}}};
+  sortRoundEdge({1, 1, 1}, {1, 1, 1}, round);
+  EXPECT_EQ(fromZero(round), (std::vector<std::int32_t>{0, 1, 2}));
+}
+
+}  // namespace
+}  // namespace qelm::test
