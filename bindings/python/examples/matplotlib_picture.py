@@ -23,7 +23,8 @@ plate = np.stack([radius * np.cos(angle), radius * np.sin(angle), 0 * radius], a
 shell = plate + [0, 0, 1] * np.exp(-share * np.ones(ROUND)).reshape(-1, 1)
 k = np.arange(ROUND * (ACROSS - 1))
 right = k - k % ROUND + (k + 1) % ROUND
-triangles = np.concatenate([np.stack([k, k + ROUND, right], axis=1), np.stack([right, k + ROUND, right + ROUND], axis=1)])
+halves = [k, k + ROUND, right], [right, k + ROUND, right + ROUND]
+triangles = np.concatenate([np.stack(half, axis=1) for half in halves])
 
 inner, outer = np.arange(ROUND), np.arange(len(plate) - ROUND, len(plate))
 values = np.concatenate([np.ones(ROUND), np.sin(angle)])  # round the hole, along the outer rim
@@ -35,7 +36,8 @@ system = qelm.MeshSystem.from_fixed(plate, triangles, np.concatenate([inner, out
 field = system.solve(values)
 flat = figure.add_subplot(1, 2, 1, aspect="equal", title="a plate")
 colours = flat.tripcolor(plate[:, 0], plate[:, 1], triangles, field, shading="gouraud")
-flat.add_collection(LineCollection([line[:, :2] for line in system.curves(field, LEVELS).polylines()], colors="black", lw=1))
+lines = [line[:, :2] for line in system.curves(field, LEVELS).polylines()]
+flat.add_collection(LineCollection(lines, colors="black", lw=1))
 figure.colorbar(colours, ax=flat)
 
 system = qelm.MeshSystem.from_fixed(shell, triangles, np.concatenate([inner, outer]))

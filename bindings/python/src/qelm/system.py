@@ -4,22 +4,19 @@ from __future__ import annotations
 
 import enum
 import types
-from ctypes import byref, c_int, c_void_p
-from typing import Any, NoReturn, Optional, Tuple, Type, Union
+from ctypes import byref, c_void_p
+from typing import NoReturn, Optional, Type, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays, curves as _curves, meshcheck
+from . import _arrays, _building, _solving, curves as _curves, meshcheck
 from ._handle import Handle, lent
-from ._native import library, require_ok
+from ._native import library
 from .curves import Curves, even_levels
-from .errors import ClosedError, FieldError, MeshError, SingularSystemError
+from .errors import ClosedError, FieldError, SingularSystemError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
-
-_REPEATED_VERTEX, _UNUSED_VERTEX = 23, 24
-_HARMLESS_TO_ROBUST = (103, 104)  # areas near zero, sizes out of range
 
 
 class FactorisationInfo(enum.IntEnum):
@@ -163,8 +160,8 @@ class MeshSystem:
         corners = _arrays.triangle_indices(triangles, len(xyz))
         _arrays.require_finite_vertices(xyz)
         if check and meshcheck.inspect(xyz, corners, tags) != 0:
-            _refuse_defects(xyz, corners, tags, robust)
-        self._handle = _construct(xyz, corners, tags, robust)
+            _building.refuse_defects(xyz, corners, tags, robust)
+        self._handle = _building.construct(xyz, corners, tags, robust)
         self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
         self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
         if check:
@@ -280,38 +277,11 @@ class MeshSystem:
         [0.  1.5 1.  1.5]
         """
         handle = self._alive()
-        prescribed = self._prescribed(values)
+        prescribed = _solving.prescribed_values(values, self._fixed, self.vertex_count)
         loads = None if load is None else self._loads(load)
-        if loads is not None and loads.shape != prescribed.shape:
-            prescribed, loads = _alike(prescribed, loads)
         if self.info:
             self._require_solvable()
-        result = np.empty(prescribed.shape) if out is None else _usable(out, prescribed.shape)
-        # The library allows the same array on both sides, but no other overlap.
-        target = np.empty_like(result) if out is not None and _overlaps(out, prescribed, loads) else result
-        _call_solver(handle, prescribed, loads, target)
-        if not _arrays.is_finite(target):
-            _refuse_result(target)
-        if target is not result:
-            result[...] = target
-        return result
-
-    def _prescribed(self, values: npt.ArrayLike) -> npt.NDArray[np.float64]:
-        array = _arrays.doubles(values, "values")
-        # Of all vertices, unless the length says that they are of the fixed ones alone.
-        if array.ndim in (1, 2) and array.shape[-1] == self.fixed_count != self.vertex_count:
-            given = _arrays.per_vertex(values, self.fixed_count, "values", numbers=self._fixed)
-            spread = np.zeros((*given.shape[:-1], self.vertex_count))
-            spread[..., self._fixed] = given
-            return spread
-        if array.ndim not in (1, 2) or array.shape[-1] != self.vertex_count:
-            raise FieldError(
-                f"values: the shape is {array.shape}, must be ({self.vertex_count},) for all vertices or "
-                f"({self.fixed_count},) for the fixed ones, or two-dimensional for many fields"
-            )
-        return _arrays.per_vertex(
-            values if isinstance(values, np.ma.MaskedArray) else array, self.vertex_count, "values", self._fixed
-        )
+        return _solving.solve(handle, prescribed, loads, out)
 
     def _loads(self, load: npt.ArrayLike) -> npt.NDArray[np.float64]:
         return _arrays.per_vertex(load, self.vertex_count, "load", self.order[self.fixed_count :])
@@ -454,78 +424,3 @@ class MeshSystem:
         if handle is None:
             raise ClosedError("the system is closed; build it again, or close it later")
         return handle
-
-
-def _construct(
-    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32], robust: bool = False
-) -> Handle:
-    status, pointer = c_int(), c_void_p()
-    address = _arrays.address
-    constructor = library().qelmctorRobustTagged if robust else library().qelmctorTagged
-    constructor(
-        len(xyz), address(xyz), len(corners), address(corners), address(tags), None, byref(status), byref(pointer)
-    )
-    if status.value in (_REPEATED_VERTEX, _UNUSED_VERTEX):
-        _refuse_defects(xyz, corners, tags, robust)
-    require_ok(status.value)
-    return Handle(pointer)
-
-
-def _refuse_defects(
-    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32], robust: bool
-) -> None:
-    """Raises MeshError for the first defect that keeps the construction from a good system."""
-    report = meshcheck.report_on(xyz, corners, tags)
-    defect = report.first_defect(but=_HARMLESS_TO_ROBUST if robust else ())
-    if defect is not None:
-        raise MeshError(defect[1], defect[0])
-
-
-def _alike(
-    prescribed: npt.NDArray[np.float64], loads: npt.NDArray[np.float64]
-) -> Tuple[npt.NDArray[np.float64], npt.NDArray[np.float64]]:
-    """One field with many loads, or the other way round, as many of both."""
-    if prescribed.ndim == loads.ndim:
-        raise FieldError(f"load: {len(loads)} loads for {len(prescribed)} fields; pass as many of both, or one")
-    shape = prescribed.shape if prescribed.ndim == 2 else loads.shape
-    return tuple(np.ascontiguousarray(np.broadcast_to(array, shape)) for array in (prescribed, loads))  # type: ignore[return-value]
-
-
-def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
-    if not _arrays.is_ready(out, np.float64) or out.shape != shape or not out.flags.writeable:
-        raise FieldError(
-            f"out: an array of shape {shape} and type float64 is needed, C-contiguous, aligned and writeable"
-        )
-    return out  # type: ignore[no-any-return]
-
-
-def _overlaps(result: npt.NDArray[Any], *inputs: Optional[npt.NDArray[Any]]) -> bool:
-    return any(array is not None and _arrays.overlap(result, array) for array in inputs)
-
-
-def _call_solver(
-    handle: Handle,
-    prescribed: npt.NDArray[np.float64],
-    loads: Optional[npt.NDArray[np.float64]],
-    result: npt.NDArray[np.float64],
-) -> None:
-    address, status = _arrays.address, c_int()
-    where = (address(prescribed), None if loads is None else address(loads), address(result))
-    if prescribed.ndim == 2:
-        if len(prescribed) > np.iinfo(np.int32).max:
-            raise FieldError(f"values: {len(prescribed)} fields are more than the library can number")
-        library().qelmsolveManyTagged(handle.pointer, len(prescribed), *where, byref(status))
-    elif loads is None:
-        library().qelmsolveTagged(handle.pointer, where[0], where[2], byref(status))
-    else:
-        library().qelmsolvePTagged(handle.pointer, *where, byref(status))
-    require_ok(status.value)
-
-
-def _refuse_result(result: npt.NDArray[np.float64]) -> NoReturn:
-    *row, vertex = np.argwhere(~np.isfinite(result))[0]
-    where = f"field {row[0]}, vertex {vertex}" if row else f"vertex {vertex}"
-    raise SingularSystemError(
-        f"{where}: the solution is {result[(*row, vertex)]}; triangles near it are too thin to compute with, "
-        "or the numbers are too large; qelm.check names such triangles"
-    )

@@ -1,0 +1,103 @@
+"""Solving: what goes to the library's solvers, and what comes back."""
+
+from __future__ import annotations
+
+from ctypes import byref, c_int
+from typing import Any, NoReturn, Optional, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _arrays
+from ._handle import Handle
+from ._native import library, require_ok
+from .errors import FieldError, SingularSystemError
+
+
+def prescribed_values(values: npt.ArrayLike, fixed: npt.NDArray[np.intp], vertex_count: int) -> _arrays.Doubles:
+    """(..., n), from that shape or from the values of the fixed vertices alone. Raises FieldError."""
+    array = _arrays.doubles(values, "values")
+    # Of all vertices, unless the length says that they are of the fixed ones alone.
+    if array.ndim in (1, 2) and array.shape[-1] == len(fixed) != vertex_count:
+        given = _arrays.per_vertex(values, len(fixed), "values", numbers=fixed)
+        spread = np.zeros((*given.shape[:-1], vertex_count))
+        spread[..., fixed] = given
+        return spread
+    if array.ndim not in (1, 2) or array.shape[-1] != vertex_count:
+        raise FieldError(
+            f"values: the shape is {array.shape}, must be ({vertex_count},) for all vertices or "
+            f"({len(fixed)},) for the fixed ones, or two-dimensional for many fields"
+        )
+    return _arrays.per_vertex(
+        values if isinstance(values, np.ma.MaskedArray) else array, vertex_count, "values", fixed
+    )
+
+
+def solve(
+    handle: Handle,
+    prescribed: _arrays.Doubles,
+    loads: Optional[_arrays.Doubles],
+    out: Optional[npt.NDArray[np.float64]],
+) -> _arrays.Doubles:
+    """The field or fields of checked arguments; `out` is checked here. Raises FieldError, SingularSystemError."""
+    if loads is not None and loads.shape != prescribed.shape:
+        prescribed, loads = _alike(prescribed, loads)
+    result = np.empty(prescribed.shape) if out is None else _usable(out, prescribed.shape)
+    # The library allows the same array on both sides, but no other overlap.
+    target = np.empty_like(result) if out is not None and _overlaps(out, prescribed, loads) else result
+    _call(handle, prescribed, loads, target)
+    if not _arrays.is_finite(target):
+        _refuse_result(target)
+    if target is not result:
+        result[...] = target
+    return result
+
+
+def _alike(
+    prescribed: npt.NDArray[np.float64], loads: npt.NDArray[np.float64]
+) -> Tuple[npt.NDArray[np.float64], npt.NDArray[np.float64]]:
+    """One field with many loads, or the other way round, as many of both."""
+    if prescribed.ndim == loads.ndim:
+        raise FieldError(f"load: {len(loads)} loads for {len(prescribed)} fields; pass as many of both, or one")
+    shape = prescribed.shape if prescribed.ndim == 2 else loads.shape
+    return np.ascontiguousarray(np.broadcast_to(prescribed, shape)), np.ascontiguousarray(np.broadcast_to(loads, shape))
+
+
+def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
+    if not _arrays.is_ready(out, np.float64) or out.shape != shape or not out.flags.writeable:
+        raise FieldError(
+            f"out: an array of shape {shape} and type float64 is needed, C-contiguous, aligned and writeable"
+        )
+    return out  # type: ignore[no-any-return]
+
+
+def _overlaps(result: npt.NDArray[Any], *inputs: Optional[npt.NDArray[Any]]) -> bool:
+    return any(array is not None and _arrays.overlap(result, array) for array in inputs)
+
+
+def _call(
+    handle: Handle,
+    prescribed: npt.NDArray[np.float64],
+    loads: Optional[npt.NDArray[np.float64]],
+    result: npt.NDArray[np.float64],
+) -> None:
+    address, status = _arrays.address, c_int()
+    where = (address(prescribed), None if loads is None else address(loads), address(result))
+    if prescribed.ndim == 2:
+        if len(prescribed) > np.iinfo(np.int32).max:
+            raise FieldError(f"values: {len(prescribed)} fields are more than the library can number")
+        library().qelmsolveManyTagged(handle.pointer, len(prescribed), *where, byref(status))
+    elif loads is None:
+        library().qelmsolveTagged(handle.pointer, where[0], where[2], byref(status))
+    else:
+        library().qelmsolvePTagged(handle.pointer, *where, byref(status))
+    require_ok(status.value)
+
+
+def _refuse_result(result: npt.NDArray[np.float64]) -> NoReturn:
+    *row, vertex = np.argwhere(~np.isfinite(result))[0]
+    where = f"field {row[0]}, vertex {vertex}" if row else f"vertex {vertex}"
+    raise SingularSystemError(
+        f"{where}: the solution is {result[(*row, vertex)]}; triangles near it are too thin to compute with, "
+        "or the numbers are too large; qelm.check names such triangles"
+    )
