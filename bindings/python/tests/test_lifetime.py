@@ -28,7 +28,7 @@ def resident_bytes():
 
 def run_python(program):
     """A program in an interpreter of its own; it must end well and in silence."""
-    done = subprocess.run([sys.executable, "-c", textwrap.dedent(program)], capture_output=True, text=True, timeout=60)
+    done = subprocess.run([sys.executable, "-c", textwrap.dedent(program)], capture_output=True, text=True, timeout=300)
     assert (done.returncode, done.stderr) == (0, "")
     return done.stdout
 
