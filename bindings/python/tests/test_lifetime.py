@@ -36,11 +36,11 @@ def run_python(program):
 def test_a_million_constructions_keep_memory_flat():
     vertices, triangles, tags = square()
     # The checks before the call are numpy's; what is the library's is taken a million times.
-    from qelm.system import _construct
+    from qelm._building import construct as build
 
     def construct(times):
         for _ in range(times):
-            _construct(vertices, triangles, tags)
+            build(vertices, triangles, tags)
 
     construct(10_000)
     before = resident_bytes()

@@ -25,7 +25,7 @@ from .errors import (
 )
 from .heatmap import write_heat_map
 from .isolines import Segments, isoline_segments
-from .meshcheck import Finding, Report, check
+from .meshcheck import Finding, Report, RobustReport, check, check_robust
 from .plotting import plot
 from .system import FactorisationInfo, MeshSystem
 from .viewing import Page, view
@@ -44,11 +44,13 @@ __all__ = [
     "Page",
     "QelmError",
     "Report",
+    "RobustReport",
     "Segments",
     "SingularSystemError",
     "ToolError",
     "Welded",
     "check",
+    "check_robust",
     "decode",
     "encode",
     "even_levels",

@@ -11,7 +11,7 @@ import functools
 from ctypes import POINTER, c_char_p, c_double, c_float, c_int, c_void_p
 
 from . import _loading
-from ._records import IsoEdgeMatrix, IsoPointMatrix, QelmCurves, QelmMeshReport
+from ._records import IsoEdgeMatrix, IsoPointMatrix, QelmCurves, QelmMeshReport, QelmRobustReport
 from .errors import LibraryError, QelmError
 
 _INT = POINTER(c_int)
@@ -19,9 +19,11 @@ _POINTER = POINTER(c_void_p)
 _ARRAY = c_void_p
 _HANDLE = c_void_p
 
-#: name: (result, parameters), in the order of the header
+#: name: (result, parameters)
 FUNCTIONS = {
     "qelmctorTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, _INT, _INT, _POINTER]),
+    "qelmctorRobustTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, _INT, _INT, _POINTER]),
+    "qelmcheckRobustTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, POINTER(QelmRobustReport)]),
     "dupl": (None, [_HANDLE, _POINTER]),
     "qelmfree": (None, [_HANDLE]),
     "qelminfo": (c_int, [_HANDLE]),

@@ -51,6 +51,23 @@ class QelmFinding(ctypes.Structure):
     _fields_ = [("count", c_int64), ("first", c_int64)]
 
 
+class QelmRobustReport(ctypes.Structure):
+    """What the robust construction does to a mesh."""
+
+    changed: int
+    sheets: int
+    flatTriangles: int
+    notDelaunayEdges: int
+    flips: int
+    _fields_ = [
+        ("changed", c_int64),
+        ("sheets", c_int64),
+        ("flatTriangles", c_int64),
+        ("notDelaunayEdges", c_int64),
+        ("flips", c_int64),
+    ]
+
+
 class QelmMeshReport(ctypes.Structure):
     """What the check of a mesh found."""
 

@@ -4,16 +4,17 @@ from __future__ import annotations
 
 import dataclasses
 from ctypes import byref
-from typing import Any, Dict, List, NamedTuple, Optional, Tuple
+from typing import Any, Collection, Dict, List, NamedTuple, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _arrays
-from ._native import library
-from ._records import QelmFinding, QelmMeshReport
+from ._native import library, require_ok
+from ._records import QelmFinding, QelmMeshReport, QelmRobustReport
+from .errors import MeshError
 
-__all__ = ["Finding", "Report", "check"]
+__all__ = ["Finding", "Report", "RobustReport", "check", "check_robust"]
 
 _UNTAGGED_PART = 105
 
@@ -115,19 +116,31 @@ class Report:
         self.worst_triangle, self.worst_quality = worst
         for name, finding in findings.items():
             setattr(self, name, finding)
-        told = [
+        self._told = [
             (defect.status, _defect_text(defect, findings[defect.finding], vertices, triangles))
             for defect in _DEFECTS
             if findings[defect.finding].count
         ]
-        self.defects = tuple(text for _, text in told)
-        # The status is that of the first defect; the constructor's message is its sentence.
-        self.first_defect: Optional[str] = next((text for code, text in told if code == status), None)
+        self.defects = tuple(text for _, text in self._told)
         self.notes = tuple(
             f"{_counted(findings[name].count, one, many)}, the first at {element} {findings[name].first}"
             for name, one, many, element in _NOTES
             if findings[name].count
         )
+
+    def first_defect(self, but: Collection[int] = ()) -> Optional[Tuple[int, str]]:
+        """Code and sentence of the first defect; of those with other codes than the given ones.
+
+        Parameters
+        ----------
+        but : collection of int
+            Codes of defects to pass over.
+
+        Returns
+        -------
+        tuple of int and str, or None
+        """
+        return next((defect for defect in self._told if defect[0] not in but), None)
 
     def __str__(self) -> str:
         head = f"{_counted(self.vertex_count, 'vertex', 'vertices')}, " + _counted(
@@ -242,3 +255,74 @@ def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.
     corners = _arrays.any_indices(triangles)
     given = None if tags is None else _arrays.tags(tags, len(xyz))
     return report_on(xyz, corners, given)
+
+
+class RobustReport(NamedTuple):
+    """What the robust construction does to a mesh. All 0 where the plain matrix is good.
+
+    Attributes
+    ----------
+    changed : bool
+        Whether the matrix is not the plain one.
+    sheets : int
+        2 over a surface that is open where nothing is fixed, not oriented or not a surface; else 1.
+    flat_triangles : int
+        Triangles too flat as they are.
+    not_delaunay_edges : int
+        Edges whose opposite angles add up to more than a straight one.
+    flips : int
+        Flips made, of all sheets.
+    """
+
+    changed: bool
+    sheets: int
+    flat_triangles: int
+    not_delaunay_edges: int
+    flips: int
+
+
+def check_robust(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.ArrayLike) -> RobustReport:
+    """Says what ``MeshSystem(..., robust=True)`` would do to a mesh, without building it.
+
+    Parameters
+    ----------
+    vertices : array_like, shape (n, 3), (n, 2) or (3n,)
+        Finite coordinates.
+    triangles : array_like, shape (m, 3) or (3m,)
+        Vertex numbers, from 0.
+    tags : array_like, shape (n,)
+        1, 2 and 3 mean that the vertex is fixed.
+
+    Returns
+    -------
+    RobustReport
+
+    Raises
+    ------
+    MeshError
+        The mesh cannot be built; the message names what is wrong.
+    TypeError
+        An array does not hold real numbers.
+
+    Examples
+    --------
+    A thin triangle on a flat one:
+
+    >>> import qelm
+    >>> qelm.check_robust([[0, 0], [4, 0], [2, 3], [2, -0.1]], [[0, 1, 2], [1, 0, 3]], [0, 0, 1, 1])
+    RobustReport(changed=True, sheets=2, flat_triangles=0, not_delaunay_edges=1, flips=2)
+    """
+    xyz = _arrays.coordinates(vertices)
+    _arrays.require_count(len(xyz), "vertices", "vertex")
+    corners = _arrays.triangle_indices(triangles, len(xyz))
+    _arrays.require_finite_vertices(xyz)
+    given = _arrays.tags(tags, len(xyz))
+    native = QelmRobustReport()
+    status = library().qelmcheckRobustTagged(*_arguments(xyz, corners, given), byref(native))
+    if status in (23, 24):
+        _, text = report_on(xyz, corners, given).first_defect() or (status, "")
+        raise MeshError(text, status)
+    require_ok(status)
+    return RobustReport(
+        bool(native.changed), native.sheets, native.flatTriangles, native.notDelaunayEdges, native.flips
+    )

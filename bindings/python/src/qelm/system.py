@@ -4,21 +4,19 @@ from __future__ import annotations
 
 import enum
 import types
-from ctypes import byref, c_int, c_void_p
+from ctypes import byref, c_void_p
 from typing import NoReturn, Optional, Type, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays, _solving, curves as _curves, meshcheck
+from . import _arrays, _building, _solving, curves as _curves, meshcheck
 from ._handle import Handle, lent
-from ._native import library, require_ok
+from ._native import library
 from .curves import Curves, even_levels
-from .errors import ClosedError, FieldError, MeshError, SingularSystemError
+from .errors import ClosedError, FieldError, SingularSystemError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
-
-_REPEATED_VERTEX, _UNUSED_VERTEX = 23, 24
 
 
 class FactorisationInfo(enum.IntEnum):
@@ -51,6 +49,11 @@ class MeshSystem:
         parts without fixed vertex. False builds them all the same, for a few such triangles in a
         good mesh, or for curves of fields from elsewhere; what keeps the library from working
         is refused as before.
+    robust : bool, default False
+        Take the matrix of a better triangulation of the same surface between the same vertices, where
+        the plain one is not good: fields without load then stay within the range of the fixed values,
+        whatever the triangles look like. Triangles without area are no defect then. See
+        :func:`check_robust`.
 
     Attributes
     ----------
@@ -97,10 +100,11 @@ class MeshSystem:
         tags: npt.ArrayLike,
         *,
         check: bool = True,
+        robust: bool = False,
     ) -> None:
         xyz = _arrays.coordinates(vertices)
         _arrays.require_count(len(xyz), "vertices", "vertex")
-        self._build(xyz, triangles, _arrays.tags(tags, len(xyz)), check)
+        self._build(xyz, triangles, _arrays.tags(tags, len(xyz)), check, robust)
 
     @classmethod
     def from_fixed(
@@ -110,12 +114,13 @@ class MeshSystem:
         fixed: npt.ArrayLike,
         *,
         check: bool = True,
+        robust: bool = False,
     ) -> MeshSystem:
         """A system from the vertices that are fixed.
 
         Parameters
         ----------
-        vertices, triangles, check
+        vertices, triangles, check, robust
             As for :class:`MeshSystem`.
         fixed : array_like
             Numbers of the fixed vertices, in any order, or a mask of shape (n,) and type bool. They
@@ -140,18 +145,23 @@ class MeshSystem:
         xyz = _arrays.coordinates(vertices)
         _arrays.require_count(len(xyz), "vertices", "vertex")
         system = cls.__new__(cls)
-        system._build(xyz, triangles, _arrays.fixed_tags(fixed, len(xyz)), check)
+        system._build(xyz, triangles, _arrays.fixed_tags(fixed, len(xyz)), check, robust)
         return system
 
     def _build(
-        self, xyz: npt.NDArray[np.float64], triangles: npt.ArrayLike, tags: npt.NDArray[np.int32], check: bool
+        self,
+        xyz: npt.NDArray[np.float64],
+        triangles: npt.ArrayLike,
+        tags: npt.NDArray[np.int32],
+        check: bool,
+        robust: bool,
     ) -> None:
         self._handle: Optional[Handle] = None
         corners = _arrays.triangle_indices(triangles, len(xyz))
         _arrays.require_finite_vertices(xyz)
         if check and meshcheck.inspect(xyz, corners, tags) != 0:
-            _refuse(xyz, corners, tags)
-        self._handle = _construct(xyz, corners, tags)
+            _building.refuse_defects(xyz, corners, tags, robust)
+        self._handle = _building.construct(xyz, corners, tags, robust)
         self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
         self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
         if check:
@@ -414,22 +424,3 @@ class MeshSystem:
         if handle is None:
             raise ClosedError("the system is closed; build it again, or close it later")
         return handle
-
-
-def _construct(xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32]) -> Handle:
-    status, pointer = c_int(), c_void_p()
-    address = _arrays.address
-    library().qelmctorTagged(
-        len(xyz), address(xyz), len(corners), address(corners), address(tags), None, byref(status), byref(pointer)
-    )
-    if status.value in (_REPEATED_VERTEX, _UNUSED_VERTEX):
-        _refuse(xyz, corners, tags)
-    require_ok(status.value)
-    return Handle(pointer)
-
-
-def _refuse(
-    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32]
-) -> NoReturn:
-    report = meshcheck.report_on(xyz, corners, tags)
-    raise MeshError(report.first_defect or str(report), report.status)
