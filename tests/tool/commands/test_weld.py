@@ -84,12 +84,33 @@ def test_stl_output_reads_back(qelm):
     assert summary["after"] == {"vertices": 20, "triangles": 24}
 
 
-def test_a_mesh_may_be_welded_in_place_and_to_the_standard_output(qelm):
+def test_a_mesh_may_be_welded_to_the_standard_output(qelm):
     qelm.write("m.obj", shapes.obj(soup(GRID)))
     done = qelm.ok("weld", "m.obj", "-o", "-", "-q")
     assert done.stderr == "" and done.stdout.count("v ") == 20
-    qelm.ok("weld", "m.obj", "-o", "m.obj")
-    assert (qelm.folder / "m.obj").read_text() == done.stdout
+    qelm.ok("weld", "m.obj", "-o", "w.obj")
+    assert (qelm.folder / "w.obj").read_text() == done.stdout
+
+
+def test_what_single_precision_loses_is_said(qelm):
+    # Steps of 0.1 at 6.5e6, where neighbouring numbers of single precision are 0.5 apart.
+    fine = [(6.5e6 + x / 10, y, 0) for x, y, _ in GRID[0]]
+    qelm.write("far.obj", shapes.obj((fine, GRID[1])))
+    done = qelm.ok("weld", "far.obj", "--tolerance", "0", "-o", "far.stl")
+    lost = len({tuple(sorted(f)) for f in GRID[1] if len({(round(fine[v][0] * 2), fine[v][1]) for v in f}) < 3})
+    assert lost > 0
+    assert f"note: far.stl: STL holds single precision, in which neighbouring vertices fall together: {lost} of 24 " in done.stderr
+    assert "triangles are lost; write .ply or .obj" in done.stderr
+    assert qelm.json("weld", "far.obj", "--tolerance", "0", "-o", "far.stl")["lostToSinglePrecision"] == lost
+    assert "single precision" not in qelm.ok("weld", "far.obj", "--tolerance", "0", "-o", "far.ply").stderr
+    qelm.write("near.obj", shapes.obj(GRID))
+    assert "single precision" not in qelm.ok("weld", "near.obj", "-o", "near.stl").stderr
+
+
+def test_what_is_too_large_for_single_precision_is_refused(qelm):
+    qelm.write("huge.obj", shapes.obj(([(1e40 * c for c in p) for p in GRID[0]], GRID[1])))
+    message = qelm.fails(4, "weld", "huge.obj", "-o", "huge.stl")
+    assert "vertex 1 (1e+40, 0, 0): too large for STL, which holds single precision; write .ply or .obj" in message
 
 
 def test_what_a_solve_would_refuse_is_noted(qelm):
@@ -104,7 +125,7 @@ def test_refusals(qelm):
     qelm.write("nan.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])))
     cases = [
         (2, ["m.obj"], "--output is required"),
-        (2, ["m.obj", "-o", "w.step"], "-o w.step: give a name that ends in .obj, .ply or .stl"),
+        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .ply or .stl"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "-1"], "--tolerance -1: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),

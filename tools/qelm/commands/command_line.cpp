@@ -12,6 +12,7 @@
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
 #include "files/output_file.h"
+#include "files/result_name.h"
 #include "terminal/completion.h"
 #include "terminal/console.h"
 #include "terminal/help_texts.h"
@@ -55,6 +56,15 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
   command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
 }
 
+/// All that the command line says, but where results go: what of it is a file may be read.
+InputNames inputsOf(const CLI::App& command) {
+  InputNames names;
+  for (const CLI::Option* option : command.get_options())
+    if (!option->check_lname("output"))
+      for (const std::string& value : option->results()) names.push_back(value);
+  return names;
+}
+
 class CommandLine {
  public:
   CommandLine() {
@@ -89,13 +99,22 @@ class CommandLine {
   }
 
  private:
+  /// Every command's: what it reads is known to all that write files.
+  template <class Run>
+  void onRun(CLI::App& command, Run run) {
+    command.callback([this, &command, run] {
+      output_.inputs = inputsOf(command);
+      run();
+    });
+  }
+
   void addInfo() {
     CLI::App& command =
         *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
     addMesh(command, info_.mesh);
     addOutputOptions(command, output_);
     command.footer(sections({kInfoExamples, kInfoHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] { runInfo(info_, output_); });
+    onRun(command, [this] { runInfo(info_, output_); });
   }
 
   void addSolve() {
@@ -110,7 +129,7 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
                              kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    onRun(command, [this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
     });
@@ -124,7 +143,7 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kCheckExamples, kCheckHelp, kConditionHelp, kFixFileHelp, kSoupHelp,
                              kStreamsHelp, kExitHelp}));
-    command.callback([this] { outcome_ = runCheck(check_, output_); });
+    onRun(command, [this] { outcome_ = runCheck(check_, output_); });
   }
 
   void addHeatmap() {
@@ -139,7 +158,7 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
                              kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    onRun(command, [this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
     });
@@ -163,7 +182,7 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
                              kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    onRun(command, [this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
     });
@@ -185,7 +204,7 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
                              kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    onRun(command, [this] {
       requireFixes(view_.field);
       runView(view_, output_);
     });
@@ -203,7 +222,7 @@ class CommandLine {
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
     command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] { runWeld(weld_, output_); });
+    onRun(command, [this] { runWeld(weld_, output_); });
   }
 
   void addCompletion() {
@@ -211,13 +230,13 @@ class CommandLine {
         "completion", "Print a script that completes command lines in a shell");
     command.add_option("shell", shell_, "The shell")->type_name("bash|zsh|fish")->required();
     command.footer(sections({kCompletionExamples, kCompletionHelp}));
-    command.callback([this] { printData(completionScript(app_, shell_)); });
+    onRun(command, [this] { printData(completionScript(app_, shell_)); });
   }
 
   void addManual() {
     CLI::App& command = *app_.add_subcommand("manual", "Print the manual page, for man");
     command.footer(sections({kManualExamples}));
-    command.callback([this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
+    onRun(command, [this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
   }
 
   // CLI11 would only say that a subcommand is required.

@@ -128,8 +128,8 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the page (-o -) or --json, not both");
-  refuseToOverwrite(options.field.mesh, toPath(options.output));
-  OutputFile file(options.output);
+  promisedFormat(options.output, {".html", ".htm"}, "'view' writes a page, .html");
+  OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
   const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());

@@ -30,6 +30,7 @@ struct WeldRun {
   Mesh before;
   Welded after;
   double tolerance = 0;
+  int lostToSinglePrecision = 0;
   Steps steps;
 };
 
@@ -46,6 +47,7 @@ void printJson(const WeldRun& run, const WeldOptions& options) {
                         {"after", countsJson(run.after.mesh)},
                         {"droppedTriangles", run.after.droppedTriangles},
                         {"droppedVertices", run.after.droppedVertices},
+                        {"lostToSinglePrecision", run.lostToSinglePrecision},
                         {"seconds", seconds},
                         {"results", Json::array({options.output})}};
   printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
@@ -74,6 +76,14 @@ void noteProblems(const Mesh& mesh, const Console& console) {
   }
 }
 
+void noteLosses(const WeldRun& run, const WeldOptions& options, const Console& console) {
+  if (run.lostToSinglePrecision == 0) return;
+  console.note(fmt::format(
+      "{}: STL holds single precision, in which neighbouring vertices fall together: {} of {} "
+      "triangles are lost; write .ply or .obj, or move the mesh to the origin",
+      options.output, run.lostToSinglePrecision, run.after.mesh.triangleCount()));
+}
+
 }  // namespace
 
 void runWeld(const WeldOptions& options, const OutputOptions& output) {
@@ -84,7 +94,7 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
   WeldRun run;
   run.steps = Steps(console);
   if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
-  OutputFile file(options.output);
+  OutputFile file(options.output, output.inputs);
   run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });
   naming(options.mesh, [&] {
     run.steps.run("weld", [&] {
@@ -93,6 +103,11 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
       run.after = weld(run.before, run.tolerance);
     });
   });
+  if (format == MeshFormat::kStl) {
+    run.lostToSinglePrecision =
+        naming(options.mesh, [&] { return lostToSinglePrecision(run.after.mesh); });
+    noteLosses(run, options, console);
+  }
   run.steps.run("write", [&] {
     writeMesh(run.after.mesh, format, file);
     file.commit();
