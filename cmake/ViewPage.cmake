@@ -26,6 +26,6 @@ function(qelm_add_view_page target)
     WORKING_DIRECTORY "${folder}"
     DEPENDS "${folder}/build.mjs" "${folder}/package-lock.json" ${sources}
     COMMENT "Bundling the page of `qelm view`")
-  set_source_files_properties(view_page.cpp PROPERTIES
+  set_source_files_properties(page/view_page.cpp PROPERTIES
     COMPILE_DEFINITIONS "QELM_VIEW_PAGE=\"${page}\"" OBJECT_DEPENDS "${page}")
 endfunction()
