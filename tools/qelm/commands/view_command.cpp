@@ -19,14 +19,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kLevelsUnlessGiven = "12";
-
-LevelChoice levelChoice(LevelOptions options) {
-  if (options.count.empty() && options.at.empty() && options.every.empty())
-    options.count = kLevelsUnlessGiven;
-  return LevelChoice(options);
-}
-
 std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
 
 /// What the page writes into its corner, and what it begins with.
@@ -123,7 +115,7 @@ void writeFilled(std::string_view page,
 
 void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
-  const LevelChoice choice = levelChoice(options.levels);
+  const LevelChoice choice(options.levels);
   const ViewChoice view = parseView(options.view);
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
