@@ -117,7 +117,7 @@ def test_what_a_solve_would_refuse_is_noted(qelm):
     flat = [(0, 0, 0), (1, 0, 0), (2, 0, 0), (0, 1, 0)]
     qelm.write("m.obj", shapes.obj((flat, [(0, 1, 3), (0, 1, 2)])))
     done = qelm.ok("weld", "m.obj", "-o", "w.obj")
-    assert "note: in the result, triangle 1 (0, 1, 2): zero area; remove such" in done.stderr
+    assert "note: the result will not work: triangle 1 (0, 1, 2): zero area; remove such" in done.stderr
 
 
 def test_refusals(qelm):
@@ -152,8 +152,29 @@ def test_solve_welds_stl_files_by_itself_and_says_so(qelm):
     assert qelm.field() == pytest.approx([p[0] / 4 for p in qelm.points()], abs=1e-5)
 
 
-def test_a_soup_in_another_format_is_pointed_to_weld(qelm):
+def test_a_soup_in_another_format_is_recognised_by_every_command(qelm):
+    for jitter in (0, 1e-5):
+        qelm.write("soup.obj", shapes.obj(soup(GRID, jitter)))
+        runs = [["info"], ["check"], ["solve", "--fix", "vertex:0=1"], ["curves", "--fix", "vertex:0=1", "-o", "c.csv"]]
+        for command, *more in runs:
+            note = qelm.run(command, "soup.obj", *more).stderr
+            assert "soup.obj: this looks like a triangle soup: it has 24 parts, and 52 of 72 vertices lie" in note
+        remedy = re.search(r"join them with: qelm (weld soup.obj --tolerance \S+ -o welded.obj)\n", note)[1]
+        qelm.ok(*remedy.split())
+        done = qelm.ok("solve", "welded.obj", "--fix", "vertex:0=1")
+        assert "20 vertices, 24 triangles" in done.stderr and "soup" not in done.stderr
     qelm.write("soup.obj", shapes.obj(soup(GRID)))
-    message = qelm.fails(5, "solve", "soup.obj", "--fix", "vertex:0=1")
-    assert "has no fixed vertex (and 22 more)" in message
-    assert "or join the parts with 'qelm weld'" in message
+    done = qelm.run("solve", "soup.obj", "--fix", "vertex:0=1")
+    assert done.returncode == 5
+    assert "has no fixed vertex (and 22 more)" in done.stderr
+    assert "or join the parts with 'qelm weld'" in done.stderr
+
+
+def test_parts_that_do_not_touch_are_no_soup(qelm):
+    apart = shapes.joined(*(shapes.moved(shapes.SQUARE, (3 * k, 0, 0)) for k in range(20)))
+    qelm.write("many.obj", shapes.obj(apart))
+    assert "soup" not in qelm.ok("check", "many.obj").stderr
+    # One vertex in common of each two: a few of many.
+    chain = shapes.joined(*(shapes.moved(shapes.SQUARE, (k, k, 0)) for k in range(20)))
+    qelm.write("chain.obj", shapes.obj(chain))
+    assert "soup" not in qelm.ok("check", "chain.obj").stderr

@@ -50,7 +50,7 @@ def test_a_loop_through_what_is_no_number_does_not_upset_the_order_of_the_others
     points += [(9, 0, 0), (29, 0, 0), (9, 20, 0)]
     qelm.write("a.ply", shapes.ply_binary((points, [(0, 1, 2), (3, 4, 5), (6, 7, 8)])))
     message = qelm.fails(2, "check", "a.ply", "--fix", "loop:9=0")
-    assert "loop:0 (nan long), loop:1 (68.2843 long), loop:2 (3.41421 long)" in message
+    assert "loop:0 (nan long), loop:1 (68.2842712 long), loop:2 (3.41421356 long)" in message
 
 
 def mesh_files():

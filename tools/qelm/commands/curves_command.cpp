@@ -86,7 +86,7 @@ ReportItem report(const CurveSet& curves) {
   std::size_t closed = 0;
   for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
   return {"curves",
-          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {} to {}",
                       curves.size(), closed, curves.size() - closed, curves.pointCount(),
                       levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
           {{"levels", levels},

@@ -138,7 +138,7 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   });
   const ReportItem report = {
       "levels",
-      fmt::format("{}, {:.6g} to {:.6g}", levels.size(), levels.front(), levels.back()),
+      fmt::format("{}, {} to {}", levels.size(), levels.front(), levels.back()),
       {{"levels", levels}}};
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
               {report});

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "fields/verdict.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
@@ -56,9 +57,9 @@ void printJson(const WeldRun& run, const WeldOptions& options) {
 void printLines(const WeldRun& run, const WeldOptions& options, const Console& console) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", options.mesh,
                            run.before.vertexCount(), run.before.triangleCount()));
-  console.line(fmt::format("welded   {} vertices, {} triangles, within {:.6g}",
+  console.line(fmt::format("welded   {} vertices, {} triangles, within {}",
                            run.after.mesh.vertexCount(), run.after.mesh.triangleCount(),
-                           run.tolerance));
+                           digits(run.tolerance)));
   console.line(
       fmt::format("dropped  {} triangles that collapsed or were repeated, {} vertices in "
                   "no triangle",
@@ -69,11 +70,9 @@ void printLines(const WeldRun& run, const WeldOptions& options, const Console& c
 
 /// A welded mesh that cannot be solved on is still a result; better to know now.
 void noteProblems(const Mesh& mesh, const Console& console) {
-  try {
-    checkMesh(mesh);
-  } catch (const InputError& problem) {
-    console.note(fmt::format("in the result, {}", problem.what()));
-  }
+  const std::vector<int> tags = leastTags(mesh);
+  const Verdict verdict = verdictOn(mesh, tags, reportOn(mesh, tags));
+  if (verdict.grade != Grade::kFine) console.note("the result " + verdict.text);
 }
 
 void noteLosses(const WeldRun& run, const WeldOptions& options, const Console& console) {

@@ -63,7 +63,7 @@ std::vector<double> multiplesOf(RoundStep step, double low, double high) {
   const double margin = kNoise * (high - low);
   std::vector<double> levels;
   const double first = std::floor(low / size);
-  if (!(std::abs(first) < kMostCounted) || !(std::ceil(high / size) - first <= 2 * kMostLevels))
+  if (!(std::abs(first) < kMostCounted) || !(std::ceil(high / size) - first <= kMostLevels))
     return levels;
   // The quotients are rounded: one more on either side.
   for (auto i = static_cast<long long>(first) - 1;; ++i) {
@@ -94,8 +94,8 @@ std::vector<double> LevelChoice::levels(double low, double high, const Console& 
   if (step_ > 0) return multiples(low, high);
   for (const double level : list_)
     if (level < low || level > high)
-      console.note(fmt::format("the level {} is outside of the field, {:.6g} to {:.6g}: no curve",
-                               level, low, high));
+      console.note(fmt::format("the level {} is outside of the field, {} to {}: no curve", level,
+                               low, high));
   return list_;
 }
 
@@ -138,8 +138,8 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
   const double first = std::floor(low / step_);
   const double last = std::ceil(high / step_);
   if (!(last - first <= kMostLevels))
-    throw RequestError(fmt::format("--every {}: more than {} levels between {:.6g} and {:.6g}",
-                                   step_, kMostLevels, low, high));
+    throw RequestError(fmt::format("--every {}: more than {} levels between {} and {}", step_,
+                                   kMostLevels, low, high));
   std::vector<double> levels;
   // Far from 0 the next whole number is no double any more: one added to k would stand
   // still, and several k are the same.
@@ -149,9 +149,9 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
       levels.push_back(level + 0.0);
   }
   if (levels.empty())
-    throw RequestError(fmt::format(
-        "--every {}: no multiple of it lies between {:.6g} and {:.6g}; use a smaller step", step_,
-        low, high));
+    throw RequestError(
+        fmt::format("--every {}: no multiple of it lies between {} and {}; use a smaller step",
+                    step_, low, high));
   return levels;
 }
 

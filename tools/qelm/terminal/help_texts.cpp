@@ -95,10 +95,14 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  and the boundary loops by the numbers that loop:K takes. --json has every part and\n"
      "  every loop. 'qelm check' says whether the mesh can be solved on.\n"},
     {"checks", "what check says, and its exit code",
-     "  Says on the standard output what would keep the mesh from being solved on; -q leaves\n"
-     "  only the exit code: 0 when there is no defect, 4 when there is one, 5 when parts\n"
-     "  are not fixed. That is looked at when there is a --fix: every connected part needs\n"
-     "  a fixed vertex.\n"},
+     "  The report says on the standard output what the mesh is like, and ends in a verdict,\n"
+     "  the same that a solve comes to:\n"
+     "    fine\n"
+     "    will work, but with an error of about so much of the largest value; measured with\n"
+     "      a field that should be 1 everywhere\n"
+     "    will not work, and why; then the exit code is the solve's, 4 or 5\n"
+     "  With --fix every connected part needs a fixed vertex; without, one counts as fixed.\n"
+     "  -q leaves only the exit code.\n"},
     {"welding", "which vertices weld merges",
      "  Vertices closer together than the tolerance become one, at the place of the one\n"
      "  that comes first; chains of close vertices merge as a whole. Triangles that\n"
