@@ -102,6 +102,7 @@ std::vector<double> LevelChoice::levels(double low, double high, const Console& 
 std::vector<double> LevelChoice::round(double low, double high) const {
   // Halves: the whole range may be too large for a double.
   const double rough = 2 * (high / 2 - low / 2) / (count_ + 1);
+  if (!(rough > 0)) return even(low, high);
   const int power = std::isfinite(rough) ? static_cast<int>(std::floor(std::log10(rough)))
                                          : std::numeric_limits<double>::max_exponent10;
   std::vector<double> best;
