@@ -188,25 +188,23 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   std::vector<FixedVertex> fromFile;
   if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
   solved.fromFile = static_cast<int>(fromFile.size());
-  QelmMeshReport report = {};
   const std::string notWorking = options.mesh + ": will not work";
   steps.run("check", [&] {
     naming(notWorking, [&] { checkMesh(mesh); });
     solved.prescribed =
         naming(options.mesh, [&] { return prescribe(mesh, solved.conditions, fromFile); });
     naming(notWorking, [&] { checkEveryPartIsFixed(mesh, solved.prescribed.tags); });
-    report = reportOn(mesh, solved.prescribed.tags);
   });
   for (const std::string& note : solved.prescribed.notes) console.note(note);
   naming(notWorking, [&] {
     steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
     solved.fields = steps.run("solve", [&] {
-      solved.error = measuredError(*solved.system, mesh, report);
+      solved.error = measuredError(*solved.system, mesh);
       return solved.system->solve(mesh, solved.prescribed.values, solved.load);
     });
   });
   if (solved.error > 0)
-    console.note(fmt::format("{}: {}", options.mesh, describeError(solved.error, mesh, report)));
+    console.note(fmt::format("{}: {}", options.mesh, describeError(solved.error, mesh)));
   noteOvershoots(solved, console);
   return solved;
 }

@@ -19,16 +19,16 @@ namespace qelm::tool {
 QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code = nullptr);
 
 /// The error that rounding leaves in a field on this mesh, as a part of its largest value, where
-/// it is worth a word; else 0. Costs one solve where the report has thin or far triangles. Throws
-/// SingularError when nothing of the field is left.
+/// it is worth a word; else 0. Costs one solve. Throws SingularError when nothing of the field is
+/// left.
 ///
 /// Why a measurement: one needle in a good mesh does no harm, many do, and the shape of the worst
 /// triangle cannot tell which. A constant field has a known solution; on strips of slivers, single
-/// needles and meshes far from the origin it was off by one to two times as much as others.
-double measuredError(const FieldSystem& system, const Mesh& mesh, const QelmMeshReport& report);
+/// needles and meshes far from the origin it was off by about as much as a linear one, or more.
+double measuredError(const FieldSystem& system, const Mesh& mesh);
 
 /// "will work, but with an error of about 4e-05 of the largest value: ...".
-std::string describeError(double error, const Mesh& mesh, const QelmMeshReport& report);
+std::string describeError(double error, const Mesh& mesh);
 
 enum class Grade { kFine, kWithError, kWillNotWork };
 
@@ -39,7 +39,7 @@ struct Verdict {
   ExitCode exitCode = kExitOk;
 };
 
-/// What a solve with these tags would say.
+/// What a solve with these tags would say. Builds the system where the report leaves it open.
 Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report);
 
 /// One fixed vertex in every part: the tags of a mesh without conditions.
