@@ -122,6 +122,9 @@ def test_a_condition_that_takes_the_whole_mesh_is_noted(qelm, grid):
     note = "note: --fix box:-9,-9,-9,9,9,9 takes every vertex of the mesh: nothing is left to solve\n"
     assert note in done.stderr
     assert "every vertex" not in qelm.ok("solve", grid, "--fix", "boundary=1").stderr
+    qelm.write("all.csv", "".join(f"{v},1\n" for v in range(len(GRID[0]))))
+    done = qelm.ok("solve", grid, "--fix-file", "all.csv", "--fix", "vertex:0=1")
+    assert "note: every vertex of the mesh is fixed: nothing is left to solve\n" in done.stderr
     points, faces = GRID
     soup = [points[v] for face in faces for v in face], [(3 * k, 3 * k + 1, 3 * k + 2) for k in range(len(faces))]
     qelm.write("soup.obj", shapes.obj(soup))

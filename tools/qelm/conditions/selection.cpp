@@ -235,6 +235,12 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
           describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }
+  const bool isWhole = prescribed.fixedCount == mesh.vertexCount();
+  const bool isOneCondition =
+      std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
+                  [&mesh](int count) { return count == mesh.vertexCount(); });
+  if (isWhole && !isOneCondition)
+    prescribed.notes.push_back("every vertex of the mesh is fixed: nothing is left to solve");
   return prescribed;
 }
 
