@@ -15,7 +15,7 @@ def test_a_field_with_no_number_between_its_ends_has_no_levels(qelm):
     # It went on with an empty list, and looked at that list's first.
     qelm.write("a.obj", SQUARE)
     fix = ["--fix", "vertex:0,1=0", "--fix", "vertex:2,3=5e-324"]
-    message = qelm.fails(2, "curves", "a.obj", *fix, "--levels", "2", "-o", "c.csv")
+    message = qelm.fails(2, "curves", "a.obj", *fix, "--levels", "2", "-o", "c.csv", "-q")
     assert "a.obj: --levels 2: no number lies between 0 and 5e-324" in message
 
 

@@ -1,7 +1,6 @@
 #include "mesh/soup.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <vector>
 
@@ -18,10 +17,11 @@ constexpr int kTrianglesOfAPart = 8;
 constexpr std::size_t kManyParts = 1000;
 // Of the vertices: pairs that merge leave half of them.
 constexpr double kMostLeft = 0.75;
-constexpr double kHardlyMore = 0.02;
-// Of the triangles: repeated ones are dropped by any tolerance, others by one that is too large.
-constexpr double kMostDropped = 0.01;
-constexpr double kFinest = 1e-9;  // of the diagonal, seven times ten times as much
+// Vertices that stay apart are cracks, so hardly any may.
+constexpr double kHardlyMore = 0.001;
+constexpr double kMostDropped = 0.001;  // of the triangles
+constexpr double kFinest = 1e-9;        // of the diagonal; then ten times as much, and so on
+constexpr int kTrials = 7;
 
 /// Parts and vertices of the triangles: vertices in none do not count.
 struct Size {
@@ -57,15 +57,33 @@ bool hasDiagonal(const Mesh& mesh) {
   }
 }
 
-/// How many vertices welding leaves; all of them where it costs triangles.
-int verticesLeft(const Mesh& mesh, int vertices, double tolerance) {
+struct Trial {
+  double tolerance;
+  int vertices;          ///< that welding leaves
+  int droppedTriangles;  ///< all of them where it leaves none
+};
+
+Trial tryToWeld(const Mesh& mesh, double tolerance) {
   try {
     const Welded welded = weld(mesh, tolerance);
-    const bool isTooMuch = welded.droppedTriangles > kMostDropped * mesh.triangleCount();
-    return isTooMuch ? vertices : welded.mesh.vertexCount();
+    return {tolerance, welded.mesh.vertexCount(), welded.droppedTriangles};
   } catch (const MeshError&) {
-    return vertices;  // no triangle was left
+    return {tolerance, 0, mesh.triangleCount()};
   }
+}
+
+/// From the finest tolerance to the coarsest that does not cost triangles. What the finest drops,
+/// such as repeated ones, any does.
+std::vector<Trial> trials(const Mesh& mesh, double size) {
+  std::vector<Trial> done;
+  double tolerance = kFinest * size;
+  for (int k = 0; k < kTrials; ++k, tolerance *= 10) {
+    const Trial trial = tryToWeld(mesh, tolerance);
+    const int before = done.empty() ? trial.droppedTriangles : done.front().droppedTriangles;
+    if (trial.droppedTriangles - before > kMostDropped * mesh.triangleCount()) break;
+    done.push_back(trial);
+  }
+  return done;
 }
 
 }  // namespace
@@ -75,18 +93,13 @@ std::optional<Soup> findSoup(const Mesh& mesh) {
   const auto few = static_cast<std::size_t>(mesh.triangleCount() / kTrianglesOfAPart);
   if (before.parts < 2 || before.parts < std::min(few, kManyParts) || !hasDiagonal(mesh)) return {};
   const double size = diagonal(mesh);
-  std::array<double, 7> tolerances;
-  std::array<int, 7> left;
-  double tolerance = kFinest * size;
-  for (std::size_t k = 0; k < tolerances.size(); ++k, tolerance *= 10) {
-    tolerances[k] = tolerance;
-    left[k] = verticesLeft(mesh, before.vertices, tolerance);
-  }
-  const int fewest = *std::min_element(left.begin(), left.end());
-  if (fewest > kMostLeft * before.vertices) return {};
-  std::size_t k = 0;
-  while (left[k] > (1 + kHardlyMore) * fewest) ++k;
-  return Soup{before.parts, before.vertices - left[k], tolerances[k]};
+  const std::vector<Trial> done = trials(mesh, size);
+  const int fewest = done.back().vertices;
+  if (fewest == 0 || fewest > kMostLeft * before.vertices) return {};
+  const auto enough = std::find_if(done.begin(), done.end(), [fewest](const Trial& trial) {
+    return trial.vertices <= (1 + kHardlyMore) * fewest;
+  });
+  return Soup{before.parts, before.vertices - enough->vertices, enough->tolerance};
 }
 
 }  // namespace qelm::tool

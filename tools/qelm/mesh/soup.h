@@ -16,9 +16,9 @@ struct Soup {
 };
 
 /// Recognises a soup: very many connected parts for its triangles, and most vertices at the place
-/// of another one, or nearly. The tolerance is the smallest of a billionth, a hundred-millionth
-/// and so on to a thousandth of the diagonal that merges hardly fewer vertices than any of them
-/// does without costing triangles.
+/// of another one, or nearly. Of a billionth, a hundred-millionth and so on to a thousandth of the
+/// diagonal, the tolerance is the smallest that merges as many vertices as any that costs no
+/// triangles; up to one in a thousand may stay apart.
 std::optional<Soup> findSoup(const Mesh& mesh);
 
 }  // namespace qelm::tool
