@@ -38,6 +38,7 @@ struct SolvedField {
   std::vector<double> load;                ///< n, or none
   std::optional<QelmRobustReport> robust;  ///< unless construction was plain on request
   std::optional<FieldSystem> system;
+  double error = 0;            ///< that rounding leaves, see measuredError()
   std::vector<double> fields;  ///< one after another, in the mesh's order
   Steps steps;
 

@@ -13,7 +13,8 @@ namespace qelm::tool {
 
 /// Throws InputError that names the first triangle or vertex, in this order: a
 /// triangle that names a vertex twice, a vertex in no triangle, a coordinate
-/// that is not finite, and, unless construction is robust, a triangle without area.
+/// that is not finite and, unless construction is robust, a triangle too small or too large to
+/// compute with, one without area.
 void checkMesh(const Mesh& mesh, bool robust = false);
 
 /// Throws InputError that names the first vertex with a coordinate that is not finite.
