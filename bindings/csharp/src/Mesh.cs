@@ -100,7 +100,7 @@ namespace Qelm
             var status = (QelmStatus)code;
             string blamed;
             return (status == QelmStatus.Ok || status == QelmStatus.NearZeroArea)
-                && Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, out blamed) == null;
+                && Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, false, out blamed) == null;
         }
 
         /// <summary>Says what <c>MeshSystem.BuildRobust</c> would do to a mesh, without building it.</summary>
