@@ -4,7 +4,7 @@
 set(QELM_VIEW_PAGE AUTO CACHE STRING "Build the page of `qelm view`: AUTO (when npm's packages are there), ON, OFF")
 set_property(CACHE QELM_VIEW_PAGE PROPERTY STRINGS AUTO ON OFF)
 
-# qelm_add_view_page(TARGET): view_page.cpp of TARGET takes in the page.
+# qelm_add_view_page(TARGET): page/view_page.cpp of TARGET takes in the page.
 function(qelm_add_view_page target)
   set(folder "${PROJECT_SOURCE_DIR}/tools/page")
   set(QELM_HAS_VIEW_PAGE OFF CACHE INTERNAL "")
@@ -26,6 +26,6 @@ function(qelm_add_view_page target)
     WORKING_DIRECTORY "${folder}"
     DEPENDS "${folder}/build.mjs" "${folder}/package-lock.json" ${sources}
     COMMENT "Bundling the page of `qelm view`")
-  set_source_files_properties(view_page.cpp PROPERTIES
+  set_source_files_properties(page/view_page.cpp PROPERTIES
     COMPILE_DEFINITIONS "QELM_VIEW_PAGE=\"${page}\"" OBJECT_DEPENDS "${page}")
 endfunction()

@@ -117,8 +117,11 @@ const char* const kCurvesHelp =
 const char* const kPictureHelp =
     "Pictures:\n"
     "  --view says from where an .svg looks at the mesh: along an axis (x, -x, y, -y, z,\n"
-    "  -z), along X,Y,Z towards the viewer, or across the best-fitting plane (best). z\n"
-    "  points up, or y when the view is along z. What the mesh hides is drawn faintly.\n";
+    "  -z), along X,Y,Z towards the viewer, or across the best-fitting plane (best). What\n"
+    "  the mesh hides is drawn faintly.\n"
+    "  --up says which axis points up. auto is z, but y for glTF, and for OBJ files the axis\n"
+    "  that the mesh stands on most firmly; roofs and terrains keep z. The front is at -y\n"
+    "  with z up, at z with y up. 'qelm view' takes the same.\n";
 
 const char* const kViewHelp =
     "The page:\n"
@@ -126,7 +129,12 @@ const char* const kViewHelp =
     "  map and level curves, a scale, and the value under the pointer. Drag to turn, drag\n"
     "  with the right button to move, scroll to zoom; 'Keys' on the page lists what the\n"
     "  keyboard does. It begins with the levels of --levels (12 unless given), --at or\n"
-    "  --every, as 'qelm curves' has them; their number can be changed on the page.\n";
+    "  --every, as 'qelm curves' has them; their number can be changed on the page.\n"
+    "  Click or tap a curve for its level and length; the address keeps what is shown.\n"
+    "  --up says which axis points up: auto is z, but y for glTF, and for OBJ files the axis\n"
+    "  that the mesh stands on most firmly; roofs and terrains keep z. --view says from where\n"
+    "  the page looks at first; best leaves that to the page. Above 100,000 vertices the\n"
+    "  page has positions to 24 bits; values are always exact.\n";
 
 const char* const kWeldHelp =
     "Welding:\n"

@@ -1,0 +1,121 @@
+#include "curves/upright.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+#include <vector>
+
+#include "files/paths.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+// Of the height: what the ground touches once a body has sunk in a little.
+constexpr double kFoot = 0.03;
+
+// Height by the smaller side of the plan, up to which a mesh is a roof or a terrain: it lies on
+// whatever it was modelled on, and its lowest points say nothing.
+constexpr double kRoof = 0.35;
+
+// How much larger a foot must be for an axis other than z.
+constexpr double kClearlyBetter = 1.25;
+
+constexpr std::string_view kAxes = "xyz";
+
+using PlanPoint = std::array<double, 2>;
+
+double turn(const PlanPoint& a, const PlanPoint& b, const PlanPoint& c) {
+  return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0]);
+}
+
+/// One side of the convex hull of points in increasing order (Andrew's monotone chain).
+std::vector<PlanPoint> chain(const std::vector<PlanPoint>& points) {
+  std::vector<PlanPoint> hull;
+  for (const PlanPoint& p : points) {
+    while (hull.size() > 1 && turn(hull[hull.size() - 2], hull.back(), p) <= 0) hull.pop_back();
+    hull.push_back(p);
+  }
+  return hull;
+}
+
+double hullArea(std::vector<PlanPoint> points) {
+  std::sort(points.begin(), points.end());
+  std::vector<PlanPoint> hull = chain(points);
+  std::reverse(points.begin(), points.end());
+  const std::vector<PlanPoint> back = chain(points);
+  hull.insert(hull.end(), back.begin(), back.end());
+  double twice = 0;
+  for (std::size_t k = 1; k + 1 < hull.size(); ++k) twice += turn(hull[0], hull[k], hull[k + 1]);
+  return twice / 2;
+}
+
+struct Box {
+  Point low, size;
+};
+
+Box boxOf(const Mesh& mesh) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  Point low = {kInfinity, kInfinity, kInfinity};
+  Point high = {-kInfinity, -kInfinity, -kInfinity};
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    for (std::size_t k = 0; k < 3; ++k) {
+      low[k] = std::min(low[k], mesh.point(v)[k]);
+      high[k] = std::max(high[k], mesh.point(v)[k]);
+    }
+  return {low, {high[0] - low[0], high[1] - low[1], high[2] - low[2]}};
+}
+
+/// The foot's part of the plan, 0 to 1; the plan in fractions of its sides, so that no product
+/// overflows.
+double support(const Mesh& mesh, const Box& box, std::size_t up) {
+  const std::array<std::size_t, 2> across = {(up + 1) % 3, (up + 2) % 3};
+  if (!(box.size[across[0]] > 0 && box.size[across[1]] > 0)) return 0;
+  std::vector<PlanPoint> foot;
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    const Point p = mesh.point(v);
+    if (p[up] - box.low[up] > kFoot * box.size[up]) continue;
+    foot.push_back({(p[across[0]] - box.low[across[0]]) / box.size[across[0]],
+                    (p[across[1]] - box.low[across[1]]) / box.size[across[1]]});
+  }
+  return hullArea(std::move(foot));
+}
+
+}  // namespace
+
+std::optional<std::size_t> parseUp(const std::string& text) {
+  const std::string_view word = trimmed(text);
+  if (word == "auto") return {};
+  const std::size_t axis = word.size() == 1 ? kAxes.find(word[0]) : std::string_view::npos;
+  if (axis == std::string_view::npos)
+    throw UsageError(fmt::format("--up {}: give x, y, z or auto", text));
+  return axis;
+}
+
+std::size_t upAxis(std::optional<std::size_t> choice, const std::string& meshName,
+                   const Mesh& mesh) {
+  if (choice) return *choice;
+  const std::string extension = lowerExtension(toPath(meshName));
+  if (extension == ".gltf" || extension == ".glb") return 1;
+  return extension == ".obj" ? bestSupportedAxis(mesh) : 2;
+}
+
+std::size_t bestSupportedAxis(const Mesh& mesh) {
+  const Box box = boxOf(mesh);
+  if (box.size[2] <= kRoof * std::min(box.size[0], box.size[1])) return 2;
+  std::size_t best = 2;
+  double firmest = kClearlyBetter * support(mesh, box, 2);
+  for (const std::size_t axis : {1U, 0U}) {
+    const double firmness = support(mesh, box, axis);
+    if (firmness <= firmest) continue;
+    best = axis;
+    firmest = kClearlyBetter * firmness;
+  }
+  return best;
+}
+
+}  // namespace qelm::tool
