@@ -50,7 +50,7 @@ export function curveMaterial(options, least) {
      float size = length(along);
      float across = size > 0.01 ? abs(rise.x * along.y - rise.y * along.x) / size : length(rise);
      float apart = across / ${kStep} * curveGap.w;
-     float stays = smoothstep(0.5, 1.0, curveRank * apart / least);
+     float stays = smoothstep(0.75, 1.0, curveRank * apart / least);
      offset *= stays * min(linewidth, 0.42 * max(apart, least));`,
   );
   return material;
@@ -79,7 +79,7 @@ export function dotMaterial(options, nearer = kNearer) {
       shader.vertexShader,
       '#include <project_vertex>',
       `#include <project_vertex>
-       gl_Position = projectionMatrix * vec4(${nearer} * mvPosition.xyz, 1.0);`,
+       gl_Position = projectionMatrix * vec4(${nearer.toFixed(8)} * mvPosition.xyz, 1.0);`,
     );
     shader.fragmentShader = patched(
       shader.fragmentShader,

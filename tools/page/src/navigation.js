@@ -90,6 +90,7 @@ export class Navigation {
 
   #moveBy(step) {
     this.fresh = false;
+    this.surface.motion.stir();
     step();
     this.controls.update();
     this.surface.draw();
@@ -114,11 +115,15 @@ export class Navigation {
     this.controls.zoomToCursor = true;
     this.controls.minDistance = 0.01;
     this.controls.maxDistance = 20;
-    this.controls.addEventListener('change', () => this.surface.draw());
-    this.controls.addEventListener('start', () => this.surface.setMoving(true));
-    this.controls.addEventListener('end', () => (this.surface.setMoving(false), this.changed()));
-    // A click is a start and an end without a move between.
-    this.controls.addEventListener('change', () => (this.fresh = this.fresh && !this.surface.isMoving));
+    // A click is a start and an end without a change between.
+    let isHeld = false;
+    this.controls.addEventListener('start', () => (isHeld = true));
+    this.controls.addEventListener('end', () => ((isHeld = false), this.changed()));
+    this.controls.addEventListener('change', () => {
+      if (isHeld) this.fresh = false;
+      if (isHeld) this.surface.motion.stir();
+      this.surface.draw();
+    });
   }
 
   get #offset() {

@@ -1,6 +1,8 @@
 // The mesh in three dimensions: heat map, level curves, edges, fixed vertices.
 import {
   AmbientLight,
+  BufferAttribute,
+  BufferGeometry,
   Color,
   DataTexture,
   DirectionalLight,
@@ -19,13 +21,15 @@ import {
 import { LineSegments2 } from 'three/addons/lines/LineSegments2.js';
 import { LineSegmentsGeometry } from 'three/addons/lines/LineSegmentsGeometry.js';
 import { acceleratedRaycast, MeshBVH } from 'three-mesh-bvh';
+import { coarseCurves, coarseIndex, kFewTriangles } from './coarse.js';
 import { segmentsOf, traceCurves } from './curves.js';
 import { kColourSteps } from './decode.js';
 import { fit, outermost } from './fit.js';
 import { surfaceGeometry } from './geometry.js';
 import { rangeOf } from './levels.js';
-import { curveMaterial, setSpacing } from './lines.js';
+import { curveMaterial, kNearer, setSpacing } from './lines.js';
 import { chosenCurve, discard, edgeLines, fixedGroup, kInk, measuredLine } from './marks.js';
+import { Motion } from './motion.js';
 import { normalise } from './normalise.js';
 import { projected } from './raster.js';
 import { gapsOf } from './spacing.js';
@@ -37,6 +41,7 @@ const kSlope = Math.tan((kFieldOfView * Math.PI) / 360);
 const kCurveWidth = 2.2; // pixels
 const kLeastGap = 3.4; // pixels between curves, on a screen of one dot for each
 const kSharpest = 2; // dots for each pixel
+const kMovingNearer = 0.996; // of lines on a coarse surface; see kNearer
 const kRim = 8; // pixels round the mesh that its lines may take
 
 const kThemes = {
@@ -95,6 +100,7 @@ export class SurfaceScene {
     this.camera = new PerspectiveCamera(kFieldOfView, 1);
     this.raycaster = new Raycaster();
     this.afterDraw = () => {};
+    this.motion = new Motion(() => this.#applyMotion());
     this.#addLights();
     this.#addSurface();
     this.#addCurves();
@@ -243,10 +249,31 @@ export class SurfaceScene {
     return part;
   }
 
-  /** While someone turns the mesh. */
-  setMoving(isMoving) {
-    this.isMoving = isMoving;
+  /** Where that is slow, large meshes are drawn coarsely while they move, and all again at rest. */
+  #applyMotion() {
+    const { isOn, sharpness } = this.motion;
+    const ratio = this.pixelRatio * (isOn ? sharpness : 1);
+    if (this.renderer && this.renderer.getPixelRatio() !== ratio) this.renderer.setPixelRatio(ratio);
+    const isCoarse = isOn && this.motion.isCoarse && this.data.triangles.length > 3 * kFewTriangles;
+    if (isCoarse && !this.coarse) this.#addCoarse();
+    this.surface.visible = !isCoarse;
+    if (this.coarse) this.coarse.visible = isCoarse;
+    this.curveMaterial.uniforms.nearer.value = isCoarse ? kMovingNearer : kNearer;
+    this.curves.geometry = isCoarse ? this.coarseCurves : this.allCurves;
+    // Of the fixed vertices' marks their rims alone.
+    this.fixed.children.forEach((part) => (part.visible = !isCoarse || part.material.color?.getHex() !== 0xffffff));
     this.draw();
+  }
+
+  /** Shares everything but the index with the whole surface. */
+  #addCoarse() {
+    const { attributes, index } = this.surface.geometry;
+    const geometry = new BufferGeometry();
+    for (const [name, attribute] of Object.entries(attributes)) geometry.setAttribute(name, attribute);
+    geometry.setIndex(new BufferAttribute(coarseIndex(attributes.position.array, index.array), 1));
+    this.coarse = new Mesh(geometry, this.surface.material);
+    this.coarse.frustumCulled = false;
+    this.scene.add(this.coarse);
   }
 
   /** Draws before the next frame, once. */
@@ -263,6 +290,7 @@ export class SurfaceScene {
     if (this.renderer) this.renderer.render(this.scene, this.camera);
     else this.paint(this);
     this.drawn = (this.drawn ?? 0) + 1;
+    this.motion.frame();
     this.afterDraw();
   }
 
@@ -329,31 +357,42 @@ export class SurfaceScene {
     this.traced = this.cutter(this.field, this.levels);
     this.cutTime = performance.now() - began;
     this.segments = segmentsOf(this.traced);
+    this.thinned = coarseCurves(this.traced);
     this.gaps = gapsOf(this.mesh, this.field, this.levels, this.traced);
     this.choose(null);
-    const geometry = new LineSegmentsGeometry();
-    geometry.setPositions(this.segments.points);
-    this.curves.geometry.dispose();
-    this.curves.geometry = geometry;
+    this.allCurves?.dispose();
+    this.coarseCurves?.dispose();
+    const thinSegments = segmentsOf(this.thinned);
+    this.drawnCurves = [
+      { geometry: (this.allCurves = new LineSegmentsGeometry()), segments: this.segments },
+      {
+        geometry: (this.coarseCurves = new LineSegmentsGeometry()),
+        segments: { ...thinSegments, pointOf: thinSegments.pointOf.map((p) => this.thinned.pointOf[p]) },
+      },
+    ];
+    for (const { geometry, segments } of this.drawnCurves) geometry.setPositions(segments.points);
     this.#space();
     this.#applyLook();
+    this.#applyMotion();
   }
 
   #space() {
-    setSpacing(this.curves.geometry, this.segments, this.gaps, this.isLevelShown);
+    for (const { geometry, segments } of this.drawnCurves)
+      setSpacing(geometry, segments, this.gaps, this.isLevelShown);
   }
 
   /** Dark on the heat map, in their own colours without it. */
   #colourCurves() {
-    const { levelOf } = this.segments;
     const dark = new Color(kInk);
     const colours = this.levels.map((l) => (this.shown.heatMap ? dark : this.colourOf(l)));
-    const array = new Float32Array(6 * levelOf.length);
-    levelOf.forEach((l, k) => {
-      colours[l].toArray(array, 6 * k);
-      colours[l].toArray(array, 6 * k + 3);
-    });
-    this.curves.geometry.setColors(array);
+    for (const { geometry, segments } of this.drawnCurves) {
+      const array = new Float32Array(6 * segments.levelOf.length);
+      segments.levelOf.forEach((l, k) => {
+        colours[l].toArray(array, 6 * k);
+        colours[l].toArray(array, 6 * k + 3);
+      });
+      geometry.setColors(array);
+    }
   }
 
   #applyLook() {
@@ -361,6 +400,7 @@ export class SurfaceScene {
     const theme = kThemes[this.theme];
     this.plainMaterial.color.set(theme.surface);
     this.surface.material = this.shown.heatMap ? this.heatMaterial : this.plainMaterial;
+    if (this.coarse) this.coarse.material = this.surface.material;
     this.curves.visible = this.shown.curves && this.segments.levelOf.length > 0;
     this.curveMaterial.linewidth = this.shown.heatMap ? kCurveWidth : kCurveWidth * 1.4;
     this.#colourCurves();
