@@ -3,6 +3,7 @@
 import base64
 import html
 import json
+import math
 import re
 import struct
 
@@ -152,6 +153,13 @@ def test_an_obj_file_stands_on_its_firmest_base(qelm):
     assert view(qelm, "animal.off", *one_of_each).facts["up"] == "z", "as the format has it"
     qelm.write("roof.obj", shapes.obj(shapes.grid(4, 3)))
     assert view(qelm, "roof.obj", *LEFT_RIGHT).facts["up"] == "z"
+    points, faces = shapes.grid(20, 15)
+    hills = [(x, y, 1.5 * math.sin(x / 2) * math.cos(y / 2)) for x, y, _ in points], faces
+    ends = ["--fix", "vertex:0=0", "--fix", "vertex:9=1"]
+    qelm.write("hills.obj", shapes.obj(hills))
+    assert view(qelm, "hills.obj", *ends).facts["up"] == "z"
+    qelm.write("hills.obj", shapes.obj(turned(hills, lambda x, y, z: (x, z, -y))))
+    assert view(qelm, "hills.obj", *ends).facts["up"] == "y"
     text = qelm.fails(2, "view", "roof.obj", *LEFT_RIGHT, "--up", "-z", "-o", "no.html")
     assert "--up -z: give x, y, z or auto" in text
 

@@ -52,6 +52,7 @@ export class Answer {
     if (this.isMeasuring) return this.#measureTo(hit);
     const curve = this.curveAt(hit, isTouch);
     this.page.surface.choose(curve);
+    this.page.surface.setMeasured([hit.local]); // where it was
     const { page } = this;
     const lines = [
       `Value ${page.valueText(hit.value)}`,
@@ -61,7 +62,7 @@ export class Answer {
     const level = curve === null ? null : page.levels[page.surface.traced.levels[curve]];
     this.#show(lines, [
       ['Add level here', () => page.addLevel(hit.value)],
-      ...(curve === null ? [] : [['Hide level', () => (page.hideLevel(level, true), this.close())]]),
+      ...(curve === null ? [] : [['Hide level', () => (this.close(), page.hideLevel(level, true))]]),
     ]);
   }
 
@@ -119,6 +120,7 @@ export class Answer {
 
   close() {
     byId('answer').hidden = true;
+    this.page.surface.setMeasured([]);
     this.page.surface.choose(null);
   }
 }

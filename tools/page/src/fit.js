@@ -4,6 +4,7 @@ import { Vector3 } from 'three';
 const kFill = 0.94;
 const kDirections = 48; // squared: cells of directions, of which each keeps its outermost vertex
 const kFewVertices = 4000;
+const kRoomCounts = 0.4; // a rectangle of twice the area may show the mesh smaller by 2^-0.4
 
 /**
  * Vertices that decide how large a mesh looks, packed: of all that lie in about one direction from
@@ -96,8 +97,8 @@ export function fit(points, { forward, right, above }, slope, { width, height },
     ];
     if (Math.min(...slopes) <= 0) continue;
     const distance = Math.max(...distances(points, [right, above], forward, slopes));
-    // As large in two places: rather in the middle of the window.
-    const area = (slopes[0] * slopes[1]) ** 0.05;
+    // A little larger in a corner is no gain: rather where there is room about.
+    const area = (slopes[0] * slopes[1]) ** kRoomCounts;
     if (!best || distance / area < best.distance / best.area) best = { distance, area, rectangle };
   }
   best ??= { distance: 4, rectangle: { left: 0, top: 0, right: width, bottom: height } };

@@ -32,6 +32,7 @@ const kKeys = [
 ];
 
 const kToggles = { h: 'heatMap', c: 'curves', n: 'values', e: 'edges', f: 'fixed' };
+const kGiven = 1e-11; // of a value: its digits as the command line had them
 const kThemes = ['auto', 'light', 'dark'];
 const kNoWebGl = 'This browser has no WebGL 2: the picture is drawn without it, plainly and slowly.';
 
@@ -181,7 +182,7 @@ export class Page {
     swatch.className = 'swatch';
     if (value !== undefined) swatch.style.background = this.surface.colourOf(value).getStyle();
     const code = document.createElement('code');
-    code.textContent = value === undefined ? text : `${text} = ${withUnit(readable(value), this.facts.unit)}`;
+    code.textContent = value === undefined ? text : `${text} = ${withUnit(readable(value, kGiven * Math.abs(value)), this.facts.unit)}`;
     const count = document.createElement('span');
     count.className = 'count';
     count.textContent = counted(vertices, 'vertex', 'vertices');
@@ -198,7 +199,7 @@ export class Page {
     for (const name of Object.values(kToggles))
       byId(`show-${name}`).addEventListener('change', (event) => this.show({ [name]: event.target.checked }));
     this.#setToggles();
-    byId('level-details').addEventListener('toggle', () => this.#showHidden());
+    byId('level-details').addEventListener('toggle', () => (this.#showHidden(), this.fitWindow()));
     for (const button of document.querySelectorAll('#views button'))
       button.addEventListener('click', () => this.navigation.lookFrom(button.dataset.view));
     const clicks = {
@@ -263,7 +264,9 @@ export class Page {
       tap: (x, y, isTouch) => {
         const hit = this.surface.pick(x, y);
         this.answer.tapped(hit, isTouch);
-        if (isTouch) this.#read(x, y, true);
+        // A finger hides what would stand beside it: the answer says it all.
+        if (isTouch) this.#hideReading();
+        if (isTouch) this.legend.point(hit && hit.value);
       },
       suspend: (isSuspended) => this.navigation.suspend(isSuspended),
     });

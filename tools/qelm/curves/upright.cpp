@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "files/paths.h"
+#include "mesh/boundary.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -21,9 +22,21 @@ constexpr double kFoot = 0.03;
 // Height by the smaller side of the plan, up to which a mesh is a roof or a terrain: it lies on
 // whatever it was modelled on, and its lowest points say nothing.
 constexpr double kRoof = 0.35;
+constexpr double kOpenRoof = 0.6;
 
-// How much larger a foot must be for an axis other than z.
+// Of the plan: with less a body, such as a hull of a boat, stands on nothing, and only lies along
+// its longest side.
+constexpr double kLeastFoot = 0.2;
+
+// How much larger a foot must be for y instead of z, and for x, along which hardly anybody models.
 constexpr double kClearlyBetter = 1.25;
+constexpr double kFarBetter = 2;
+
+// Of the plan: a standing wall's foot takes more, a terrain's that stands on its edge less.
+constexpr double kWallsFoot = 0.5;
+
+// Thinner than this part of its largest side a mesh is a drawing in a plane, not a terrain.
+constexpr double kFlat = 1e-3;
 
 constexpr std::string_view kAxes = "xyz";
 
@@ -106,16 +119,20 @@ std::size_t upAxis(std::optional<std::size_t> choice, const std::string& meshNam
 
 std::size_t bestSupportedAxis(const Mesh& mesh) {
   const Box box = boxOf(mesh);
-  if (box.size[2] <= kRoof * std::min(box.size[0], box.size[1])) return 2;
-  std::size_t best = 2;
-  double firmest = kClearlyBetter * support(mesh, box, 2);
-  for (const std::size_t axis : {1U, 0U}) {
-    const double firmness = support(mesh, box, axis);
-    if (firmness <= firmest) continue;
-    best = axis;
-    firmest = kClearlyBetter * firmness;
-  }
-  return best;
+  const auto& [x, y, z] = box.size;
+  // What ends somewhere is a surface rather than a body, and may be steeper.
+  const double roof = boundaryLoops(mesh).empty() ? kRoof : kOpenRoof;
+  if (z <= roof * std::min(x, y)) return 2;
+  const double onZ = support(mesh, box, 2);
+  if (y <= roof * std::min(x, z))
+    return onZ < kWallsFoot && y > kFlat * std::max(x, z) ? 1 : 2;
+  const double onX = support(mesh, box, 0);
+  const double onY = support(mesh, box, 1);
+  if (std::max({onX, onY, onZ}) < kLeastFoot) return z > std::max(x, y) ? 1 : 2;
+  const std::size_t best = onY > kClearlyBetter * onZ ? 1 : 2;
+  // Nothing stands on its end.
+  const bool isLongAlongX = x > std::max(y, z);
+  return !isLongAlongX && onX > kFarBetter * std::max(onY, onZ) ? 0 : best;
 }
 
 }  // namespace qelm::tool

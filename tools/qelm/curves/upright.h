@@ -20,8 +20,9 @@ std::size_t upAxis(std::optional<std::size_t> choice, const std::string& meshNam
 
 /// The axis along which a mesh stands most firmly. Its foot is the convex hull of the vertices in
 /// the lowest 3% of its height; the larger the foot beside the whole plan, the firmer it stands.
-/// z unless another axis is clearly better, and always z for what is as flat as a roof. Example:
-/// the feet of a four-legged animal span most of its plan, its muzzle and its flank little.
+/// z unless y is clearly better or x far better, and always z for a roof or terrain that is flat
+/// along z; one that is flat along y stands along y. Example: the feet of a four-legged animal
+/// span most of its plan, its muzzle and its flank little.
 std::size_t bestSupportedAxis(const Mesh& mesh);
 
 }  // namespace qelm::tool
