@@ -21,9 +21,7 @@ target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS
   # Valgrind. The readers do no interval arithmetic, which is what needs that.
   CGAL_DISABLE_ROUNDING_MATH_CHECK)
 if(CMAKE_CROSSCOMPILING)
-  foreach(folder CGAL boost)
-    file(CREATE_LINK "${QELM_CGAL_FOLDER}/${folder}" "${qelm_host_headers}/${folder}" SYMBOLIC)
-  endforeach()
+  qelm_link_to_headers("${QELM_CGAL_FOLDER}" CGAL boost)
   target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${qelm_host_headers}")
 else()
   target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${QELM_CGAL_FOLDER}")

@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "factor/solver.h"
 #include "mesh/edge_sums.h"
 #include "mesh/element_sums.h"
 #include "qelm.h"
@@ -55,7 +56,7 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
       std::make_shared<const std::vector<std::int32_t>>(std::move(triangles.indices));
   system->freeFreeBlock = shared(rows.blocks.freeFree);
   system->freeFixedBlock = shared(rows.blocks.freeFixed);
-  system->freeSolver = std::make_shared<const FreeSolver>(*system->freeFreeBlock);
+  system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock);
   status = QELM_STATUS_OK;
   return system;
 }

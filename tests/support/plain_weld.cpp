@@ -4,10 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <limits>
-#include <nanoflann.hpp>
 #include <numeric>
 #include <set>
 #include <utility>
+
+#include "interface/dependencies.h"
 
 namespace qelm::test {
 namespace {
@@ -41,6 +42,23 @@ struct Cloud {
 };
 
 using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Adaptor<double, Cloud>, Cloud, 3>;
+
+/// What the tree asks of a result set: the points whose squared distance is below the
+/// squared radius.
+struct WithinRadius {
+  explicit WithinRadius(double squared) : radiusSquared(squared) {}
+
+  double worstDist() const { return radiusSquared; }
+  bool full() const { return true; }
+  bool addPoint(double distance, std::uint32_t found) {
+    if (distance < radiusSquared) points.push_back(static_cast<std::int32_t>(found));
+    return true;
+  }
+  void sort() const {}  // never asked for
+
+  double radiusSquared;
+  std::vector<std::int32_t> points;
+};
 
 struct UnionFind {
   explicit UnionFind(std::size_t count) : parent(count) {
@@ -109,14 +127,12 @@ Welded plainWeld(std::span<const double> vertices, std::span<const std::int32_t>
   tree.buildIndex();
   UnionFind clusters(cloud.points.size());
   const double radiusSquared = tolerance * tolerance;
-  std::vector<std::pair<std::uint32_t, double>> found;
+  WithinRadius found(radiusSquared);
   for (std::size_t i = 0; i < cloud.points.size(); ++i) {
-    found.clear();
-    nanoflann::RadiusResultSet<double, std::uint32_t> inRadius(radiusSquared, found);
-    tree.findNeighbors(inRadius, cloud.points[i].data(), nanoflann::SearchParams(32, 0, false));
+    found.points.clear();
+    tree.findNeighbors(found, cloud.points[i].data(), exactUnsortedSearch());
     const auto self = static_cast<std::int32_t>(i);
-    for (const auto& [index, distance] : found) {
-      const auto j = static_cast<std::int32_t>(index);
+    for (const std::int32_t j : found.points) {
       if (j > self) clusters.unite(self, j);
     }
   }

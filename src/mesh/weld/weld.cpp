@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <nanoflann.hpp>
 
+#include "interface/dependencies.h"
 #include "mesh/index_table.h"
 #include "mesh/vec3.h"
 #include "mesh/weld/weld_alone.h"
@@ -32,6 +32,7 @@ class CellCloud {
   }
 
   const double* point(std::int32_t c) const { return points_[static_cast<std::size_t>(c)].data(); }
+  const double* lowCorner() const { return low_.data(); }
 
   // What the tree asks for, under the tree's own names.
   std::size_t kdtree_get_point_count() const { return points_.size(); }
@@ -65,6 +66,35 @@ using CellTree = nanoflann::KDTreeSingleIndexAdaptor<
 
 constexpr std::size_t kLeafSize = 10;
 
+/// A result set without a bound: takes every cell, in the order in which the tree
+/// comes across them.
+class EveryCell {
+ public:
+  explicit EveryCell(std::vector<std::int32_t>& cells) : cells_(cells) {}
+
+  // What the tree asks of a result set, under the tree's own names.
+  double worstDist() const { return kInfinity; }
+  bool full() const { return true; }
+  bool addPoint(double /*distance*/, std::int32_t found) {
+    cells_.push_back(found);
+    return true;
+  }
+  void sort() const {}  // never asked for
+
+ private:
+  std::vector<std::int32_t>& cells_;
+};
+
+/// Every cell, leaf after leaf of the tree. Squared distances of search coordinates
+/// are finite (see searchCoordinate()), so none is beyond the bound.
+std::vector<std::int32_t> inOrderOfLeaves(const CellTree& tree, const CellCloud& cloud) {
+  std::vector<std::int32_t> cells;
+  cells.reserve(cloud.kdtree_get_point_count());
+  EveryCell every(cells);
+  tree.findNeighbors(every, cloud.lowCorner(), exactUnsortedSearch());
+  return cells;
+}
+
 /// Takes the cells that the tree finds around one cell and unites what an exact
 /// test finds near enough.
 ///
@@ -96,6 +126,7 @@ class CellJoiner {
     if (isOurs) join(found);
     return true;
   }
+  void sort() const {}  // never asked for
 
  private:
   double spreadOf(std::int32_t cell) const { return cells_.spread[static_cast<std::size_t>(cell)]; }
@@ -122,14 +153,11 @@ void uniteAcrossCells(std::span<const double> vertices, const WeldScale& scale, 
                       DisjointSets& sets) {
   const CellCloud cloud(vertices, cells, scale.cell);
   const CellTree tree(3, cloud, nanoflann::KDTreeSingleIndexAdaptorParams(kLeafSize));
-  constexpr int kIgnored = 0;
-  const nanoflann::SearchParams exactUnsorted(kIgnored, 0, false);
   CellJoiner joiner(vertices, scale, cells, sets);
-  // In the order of the tree's leaves: one query then walks nodes that the one
-  // before has just brought into the cache.
-  for (const std::int32_t cell : tree.vAcc) {
+  // One query then walks nodes that the one before has just brought into the cache.
+  for (const std::int32_t cell : inOrderOfLeaves(tree, cloud)) {
     joiner.setCell(cell);
-    tree.findNeighbors(joiner, cloud.point(cell), exactUnsorted);
+    tree.findNeighbors(joiner, cloud.point(cell), exactUnsortedSearch());
   }
 }
 

@@ -1,0 +1,83 @@
+#include "factor/blocked_factor.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "factor/columns.h"
+#include "factor/passes.h"
+#include "factor/row_paths.h"
+#include "factor/target_panel.h"
+
+namespace qelm::factor {
+namespace {
+
+constexpr int kNoSupernode = -1;
+
+/// For each supernode those before it whose next row is in its columns.
+class Waiting {
+ public:
+  explicit Waiting(int supernodeCount)
+      : first_(Eigen::VectorXi::Constant(supernodeCount, kNoSupernode)),
+        next_(supernodeCount),
+        firstRow_(Eigen::VectorXi::Zero(supernodeCount)) {}
+
+  /// `s` has given updates for the rows of its tail before `firstRow`.
+  void put(int s, const Panel& panel, int firstRow, const Supernodes& supernodes) {
+    if (firstRow == panel.tailSize) return;
+    firstRow_[s] = firstRow;
+    const int target = supernodes.ofColumn[panel.rows[firstRow]];
+    next_[s] = first_[target];
+    first_[target] = s;
+  }
+
+  void take(int target, const FactorArrays& factor, const Supernodes& supernodes,
+            std::vector<Source>& sources) const {
+    sources.clear();
+    for (int s = first_[target]; s != kNoSupernode; s = next_[s]) {
+      const Panel panel(factor, supernodes, s);
+      const int pastTarget = supernodes.starts[target + 1];
+      const int* const past =
+          std::lower_bound(panel.rows + firstRow_[s], panel.rows + panel.tailSize, pastTarget);
+      sources.push_back({s, panel, firstRow_[s], static_cast<int>(past - panel.rows)});
+    }
+    std::sort(sources.begin(), sources.end(),
+              [](const Source& a, const Source& b) { return a.supernode < b.supernode; });
+  }
+
+ private:
+  Eigen::VectorXi first_;
+  Eigen::VectorXi next_;
+  Eigen::VectorXi firstRow_;
+};
+
+}  // namespace
+
+bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
+                      const Supernodes& supernodes, const PanelKernel& kernel,
+                      const FactorArrays& factor) {
+  const RowPaths paths(upper, tree, supernodes, factor);
+  if (!paths.fits()) return false;
+
+  Passes passes(paths, static_cast<std::size_t>(upper.cols()));
+  Waiting waiting(supernodes.count());
+  TargetPanel target(factor, kernel, upper.cols());
+  std::vector<Source> sources;
+  for (int s = 0; s < supernodes.count(); ++s) {
+    const Panel panel(factor, supernodes, s);
+    waiting.take(s, factor, supernodes, sources);
+    target.load(panel);
+    passes.visitAll(sources,
+                    [&](const Visit& visit) { target.update(sources[visit.source], visit); });
+    if (!target.factorize()) return false;
+    target.storeTo(panel);
+    for (const Source& source : sources) {
+      waiting.put(source.supernode, source.panel, source.pastColumns, supernodes);
+    }
+    waiting.put(s, panel, 0, supernodes);
+  }
+
+  toColumns(supernodes, factor);
+  return true;
+}
+
+}  // namespace qelm::factor

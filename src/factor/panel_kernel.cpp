@@ -1,0 +1,176 @@
+// Each entry of the target is a chain of subtractions whose order is fixed, so vectors lie across
+// entries: a group of rows by a block of columns is held in registers while the depth is walked.
+// For each step of the depth a vector of the columns is loaded, and each row's value is spread
+// over a vector; nothing is added up beforehand and no product is fused.
+#include "factor/panel_kernel.h"
+
+#include <array>
+#include <cstring>
+#include <utility>
+
+// GCC and clang on 64-bit x86 can compile one function for another processor.
+#if defined(__x86_64__) && defined(__GNUC__)
+#define QELM_X86 1
+#define QELM_INLINE __attribute__((always_inline)) inline
+#elif defined(__GNUC__)
+#define QELM_INLINE __attribute__((always_inline)) inline
+#else
+#define QELM_INLINE inline
+#endif
+
+namespace qelm::factor {
+namespace {
+
+template <int kLanes>
+struct VectorOf {
+  typedef double Type __attribute__((vector_size(kLanes * sizeof(double))));
+};
+
+/// body(0), body(1), ... body(count - 1), written out, so that an array indexed by the argument
+/// stays in registers.
+template <int kCount, class Body>
+QELM_INLINE void unrolled(Body body) {
+  [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
+    (body(std::integral_constant<int, k>{}), ...);
+  }
+  (std::make_integer_sequence<int, kCount>{});
+}
+
+// Vectors are handed over by reference: how they are returned depends on the processor.
+template <class Vector>
+QELM_INLINE void load(Vector& v, const double* from) {
+  std::memcpy(&v, from, sizeof v);
+}
+
+template <class Vector>
+QELM_INLINE void store(const Vector& v, double* to) {
+  std::memcpy(to, &v, sizeof v);
+}
+
+/// kRows rows by one block of columns, in vectors of kLanes.
+template <int kLanes, int kRows>
+class Tile {
+ public:
+  using Vector = typename VectorOf<kLanes>::Type;
+  static constexpr int kVectors = kBlock / kLanes;
+
+  QELM_INLINE explicit Tile(const RowPair* rows) : rows_(rows) {
+    forEach([&](auto r, auto v) __attribute__((always_inline)) {
+      load(sums_[r][v], rows_[r].target + v * kLanes);
+    });
+  }
+
+  QELM_INLINE void subtract(const double* columns, int k) {
+    unrolled<kVectors>([&](auto v) __attribute__((always_inline)) {
+      Vector column;
+      load(column, columns + k * kBlock + v * kLanes);
+      unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
+        sums_[r][v] -= column * rows_[r].source[k];
+      });
+    });
+  }
+
+  template <int k>
+  QELM_INLINE void substitute(const double* columns) {
+    std::array<double, kRows> solved;
+    unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
+      solved[r] = sums_[r][k / kLanes][k % kLanes];
+    });
+    // Vectors before k's are solved.
+    unrolled<kVectors - k / kLanes>([&](auto v) __attribute__((always_inline)) {
+      constexpr int kVector = k / kLanes + v;
+      Vector column;
+      load(column, columns + k * kBlock + kVector * kLanes);
+      unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
+        sums_[r][kVector] -= column * solved[r];
+      });
+    });
+  }
+
+  QELM_INLINE void finish() const {
+    forEach([&](auto r, auto v) __attribute__((always_inline)) {
+      store(sums_[r][v], rows_[r].target + v * kLanes);
+    });
+  }
+
+ private:
+  template <class Body>
+  QELM_INLINE static void forEach(Body body) {
+    unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
+      unrolled<kVectors>([&](auto v) __attribute__((always_inline)) { body(r, v); });
+    });
+  }
+
+  const RowPair* rows_;
+  Vector sums_[kRows][kVectors];
+};
+
+template <int kLanes, int kRows>
+QELM_INLINE void updateRows(std::span<const RowPair> rows, const double* columns, int depth) {
+  for (std::size_t r = 0; r < rows.size(); r += kRows) {
+    Tile<kLanes, kRows> tile(rows.data() + r);
+    for (int k = 0; k < depth; ++k) tile.subtract(columns, k);
+    tile.finish();
+  }
+}
+
+template <int kLanes, int kRows>
+QELM_INLINE void substituteRows(std::span<const RowPair> rows, const double* columns) {
+  for (std::size_t r = 0; r < rows.size(); r += kRows) {
+    Tile<kLanes, kRows> tile(rows.data() + r);
+    unrolled<kBlock - 1>([&](auto k) __attribute__((always_inline)) {
+      tile.template substitute<k>(columns);
+    });
+    tile.finish();
+  }
+}
+
+// 16 registers of two doubles: 2 x 4 sums, 4 of the columns, 2 of the rows.
+void updateBaseline(std::span<const RowPair> rows, const double* columns, int depth) {
+  updateRows<2, 2>(rows, columns, depth);
+}
+void substituteBaseline(std::span<const RowPair> rows, const double* columns) {
+  substituteRows<2, 2>(rows, columns);
+}
+
+#if defined(QELM_X86)
+// 16 registers of four doubles.
+__attribute__((target("avx2"))) void updateAvx2(std::span<const RowPair> rows,
+                                                const double* columns, int depth) {
+  updateRows<4, 4>(rows, columns, depth);
+}
+__attribute__((target("avx2"))) void substituteAvx2(std::span<const RowPair> rows,
+                                                    const double* columns) {
+  substituteRows<4, 4>(rows, columns);
+}
+
+// 32 registers of eight doubles.
+__attribute__((target("avx512f"))) void updateAvx512(std::span<const RowPair> rows,
+                                                     const double* columns, int depth) {
+  updateRows<8, 8>(rows, columns, depth);
+}
+__attribute__((target("avx512f"))) void substituteAvx512(std::span<const RowPair> rows,
+                                                         const double* columns) {
+  substituteRows<8, 8>(rows, columns);
+}
+
+constexpr PanelKernel kAll[] = {{"AVX-512", 8, updateAvx512, substituteAvx512},
+                                {"AVX2", 4, updateAvx2, substituteAvx2},
+                                {"baseline", 2, updateBaseline, substituteBaseline}};
+
+std::size_t fastest() {
+  return __builtin_cpu_supports("avx512f") ? 0 : __builtin_cpu_supports("avx2") ? 1 : 2;
+}
+#else
+constexpr PanelKernel kAll[] = {{"baseline", 2, updateBaseline, substituteBaseline}};
+
+std::size_t fastest() { return 0; }
+#endif
+
+}  // namespace
+
+std::span<const PanelKernel> panelKernels() {
+  return std::span<const PanelKernel>(kAll).subspan(fastest());
+}
+
+}  // namespace qelm::factor

@@ -1,0 +1,35 @@
+#include "factor/supernodes.h"
+
+namespace qelm::factor {
+namespace {
+
+Eigen::VectorXi childCounts(const Eigen::VectorXi& parent) {
+  Eigen::VectorXi children = Eigen::VectorXi::Zero(parent.size());
+  for (const int p : parent) {
+    if (p >= 0) ++children[p];
+  }
+  return children;
+}
+
+}  // namespace
+
+Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest) {
+  const auto n = static_cast<int>(tree.parent.size());
+  const Eigen::VectorXi children = childCounts(tree.parent);
+  Supernodes found;
+  found.ofColumn.resize(n);
+  found.starts.resize(n + 1);
+  int count = 0;
+  for (int j = 0; j < n; ++j) {
+    const bool goesOn = j > 0 && tree.parent[j - 1] == j && children[j] == 1 &&
+                        tree.counts[j - 1] == tree.counts[j] + 1 &&
+                        j - found.starts[count - 1] < widest;
+    if (!goesOn) found.starts[count++] = j;
+    found.ofColumn[j] = count - 1;
+  }
+  found.starts[count] = n;
+  found.starts.conservativeResize(count + 1);
+  return found;
+}
+
+}  // namespace qelm::factor

@@ -1,0 +1,189 @@
+// The order of updates: that of Eigen's loop, row by row, for every target.
+#include "factor/passes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <vector>
+
+#include "factor/matrices.h"
+#include "factor/row_paths.h"
+
+namespace qelm::test {
+namespace {
+
+using factor::FactorArrays;
+using factor::Panel;
+using factor::Passes;
+using factor::RowPaths;
+using factor::Source;
+using factor::Supernodes;
+using factor::Visit;
+
+/// Everything up to the numeric phase, for a matrix whose entries come in a random order.
+struct Symbolic {
+  Symbolic(const Sparse& upperTriangle, int widest)
+      : upper(upperTriangle),
+        tree(factor::eliminationTree(upper)),
+        supernodes(factor::fundamentalSupernodes(tree, widest)),
+        starts(static_cast<std::size_t>(upper.cols()) + 1) {
+    std::partial_sum(tree.counts.begin(), tree.counts.end(), starts.begin() + 1);
+    rows.resize(static_cast<std::size_t>(starts.back()));
+    values.resize(rows.size());
+    diagonal.resize(static_cast<std::size_t>(upper.cols()));
+  }
+  FactorArrays arrays() { return {starts.data(), rows.data(), values.data(), diagonal.data()}; }
+
+  Sparse upper;
+  factor::EliminationTree tree;
+  Supernodes supernodes;
+  std::vector<int> starts;
+  std::vector<int> rows;
+  std::vector<double> values;
+  std::vector<double> diagonal;
+};
+
+/// The upper triangle with the entries of each column in a random order.
+Sparse unorderedUpper(int n, const Edges& edges, Random& random) {
+  std::vector<std::vector<int>> columns(static_cast<std::size_t>(n));
+  for (const auto& [i, j] : edges) columns[static_cast<std::size_t>(j)].push_back(i);
+  Sparse upper(n, n);
+  upper.resizeNonZeros(static_cast<Eigen::Index>(edges.size()) + n);
+  int next = 0;
+  for (int j = 0; j < n; ++j) {
+    auto& column = columns[static_cast<std::size_t>(j)];
+    column.push_back(j);
+    upper.outerIndexPtr()[j] = next;
+    for (const int k : permutation(random, static_cast<int>(column.size()))) {
+      upper.innerIndexPtr()[next] = column[static_cast<std::size_t>(k)];
+      upper.valuePtr()[next++] = 1;
+    }
+  }
+  upper.outerIndexPtr()[n] = next;
+  return upper;
+}
+
+/// The pattern of one row of L in the order of Eigen's loop: the path found last first.
+std::vector<int> rowInOrder(const Sparse& upper, const Eigen::VectorXi& parent, int row) {
+  std::vector<int> pattern;
+  std::vector<bool> seen(static_cast<std::size_t>(upper.cols()));
+  seen[static_cast<std::size_t>(row)] = true;
+  for (Sparse::InnerIterator entry(upper, row); entry; ++entry) {
+    std::vector<int> path;
+    for (auto i = static_cast<int>(entry.row()); !seen[static_cast<std::size_t>(i)];
+         i = parent[i]) {
+      seen[static_cast<std::size_t>(i)] = true;
+      path.push_back(i);
+    }
+    pattern.insert(pattern.begin(), path.begin(), path.end());
+  }
+  return pattern;
+}
+
+/// Visits every target's sources and gathers, for each target and row, the columns that come.
+std::map<std::pair<int, int>, std::vector<int>> columnsByTargetAndRow(Symbolic& s,
+                                                                      const RowPaths& paths) {
+  std::map<std::pair<int, int>, std::vector<int>> found;
+  Passes passes(paths, static_cast<std::size_t>(s.upper.cols()));
+  for (int target = 0; target < s.supernodes.count(); ++target) {
+    std::vector<Source> sources;
+    for (int k = 0; k < target; ++k) {
+      const Panel panel(s.arrays(), s.supernodes, k);
+      const auto* const begin = panel.rows;
+      const auto* const end = begin + panel.tailSize;
+      const auto first = std::lower_bound(begin, end, s.supernodes.starts[target]) - begin;
+      const auto past = std::lower_bound(begin, end, s.supernodes.starts[target + 1]) - begin;
+      if (first < past) {
+        sources.push_back({k, panel, static_cast<int>(first), static_cast<int>(past)});
+      }
+    }
+    passes.visitAll(sources, [&](const Visit& visit) {
+      const Panel& panel = sources[visit.source].panel;
+      for (const int p : visit.rows) {
+        for (int k = visit.begin; k < visit.end; ++k) {
+          found[{target, panel.rows[p]}].push_back(panel.first + k);
+        }
+      }
+    });
+  }
+  return found;
+}
+
+void expectOrderOfEigen(int n, const Edges& edges, Random& random, int widest) {
+  Symbolic s(unorderedUpper(n, edges, random), widest);
+  const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
+  ASSERT_TRUE(paths.fits());
+  const auto found = columnsByTargetAndRow(s, paths);
+  for (const auto& [place, columns] : found) {
+    const auto [target, row] = place;
+    std::vector<int> expected;
+    for (const int j : rowInOrder(s.upper, s.tree.parent, row)) {
+      // The row's columns with an entry in the target's columns.
+      const Panel panel(s.arrays(), s.supernodes, s.supernodes.ofColumn[j]);
+      const int* const begin = panel.rows;
+      const int* const end = begin + panel.tailSize;
+      const int* const first = std::lower_bound(begin, end, s.supernodes.starts[target]);
+      if (s.supernodes.ofColumn[j] < target && first != end &&
+          *first < s.supernodes.starts[target + 1]) {
+        expected.push_back(j);
+      }
+    }
+    ASSERT_EQ(columns, expected) << "row " << row << ", target " << target;
+  }
+}
+
+TEST(Passes, BringEveryRowItsUpdatesInTheOrderOfItsPaths) {
+  SCOPED_TRACE(seedTrace(testSeed()));
+  Random random(testSeed());
+  for (int round = 0; round < 400; ++round) {
+    const int n = uniformInt(random, 5, 60);
+    expectOrderOfEigen(n, randomGraph(n, uniform(random, 0.02, 0.25), random), random,
+                       uniformInt(random, 1, 20));
+  }
+  for (int round = 0; round < 20; ++round) {
+    expectOrderOfEigen(144, shuffled(144, gridGraph(12, 12), random), random, 128);
+  }
+}
+
+TEST(RowPaths, SplitASupernodeWhereAPathFoundBetweenTwoPartsNeedsIt) {
+  // Supernode {0, 1, 2} and column 3, all under 4 and 5; row 5 finds 2, then 3, then 0.
+  const Edges edges = {{0, 1}, {0, 2}, {1, 2}, {0, 4}, {1, 4}, {2, 4},
+                       {3, 4}, {0, 5}, {2, 5}, {3, 5}, {4, 5}};
+  Random random(1);
+  Sparse upper = unorderedUpper(6, edges, random);
+  int* const rows = upper.innerIndexPtr() + upper.outerIndexPtr()[5];
+  const int order[] = {2, 3, 0, 4, 5};
+  std::copy(std::begin(order), std::end(order), rows);
+  Symbolic s(upper, 128);
+  ASSERT_EQ(s.supernodes.ofColumn[0], s.supernodes.ofColumn[2]);
+  const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
+  EXPECT_EQ(paths.ofTail(0)[1], RowPaths::kSplit);
+  const auto parts = paths.partsOf(0, 5);
+  ASSERT_EQ(parts.size(), 2u);
+  EXPECT_EQ(parts[0].begin, 0);
+  EXPECT_EQ(parts[0].path, 2);
+  EXPECT_EQ(parts[1].begin, 2);
+  EXPECT_EQ(parts[1].path, 0);
+  const auto found = columnsByTargetAndRow(s, paths);
+  const int target = s.supernodes.ofColumn[4];
+  EXPECT_EQ((found.at({target, 5})), (std::vector<int>{0, 1, 3, 2}));
+}
+
+TEST(RowPaths, PutTheMatrixIntoThePanels) {
+  Random random(2);
+  const int n = 40;
+  const Edges edges = randomGraph(n, 0.15, random);
+  Sparse upper = unorderedUpper(n, edges, random);
+  for (int k = 0; k < upper.nonZeros(); ++k) upper.valuePtr()[k] = k + 1;
+  Symbolic s(upper, 128);
+  const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
+  double sum = 0;
+  for (const double x : s.values) sum += x;
+  for (const double x : s.diagonal) sum += x;
+  EXPECT_EQ(sum, static_cast<double>(upper.nonZeros() * (upper.nonZeros() + 1)) / 2);
+}
+
+}  // namespace
+}  // namespace qelm::test
