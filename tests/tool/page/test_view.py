@@ -108,6 +108,7 @@ def test_large_pages_round_places_to_what_a_screen_shows_and_keep_values(qelm):
     fixes = ["--fix", "vertex:0=0", "--fix", "vertex:100650=1"]
     page = view(qelm, "grid.obj", *fixes)
     assert len(page.points) == 100651 and not page.is_exact
+    assert len(page.text) < 5e6, "200,000 triangles; five times as many stay below 25 MB"
     assert page.triangles == faces
     # Half a step of 24 bits across 400, and what a double of 6.5e6 is off by.
     worst = max(abs(a - b) for p, q in zip(page.points, points) for a, b in zip(p, q))

@@ -4,10 +4,8 @@ import {
   BufferAttribute,
   BufferGeometry,
   Color,
-  DataTexture,
   DirectionalLight,
   DoubleSide,
-  LinearFilter,
   Mesh,
   MeshLambertMaterial,
   PerspectiveCamera,
@@ -23,6 +21,7 @@ import { LineSegmentsGeometry } from 'three/addons/lines/LineSegmentsGeometry.js
 import { acceleratedRaycast, MeshBVH } from 'three-mesh-bvh';
 import { coarseCurves, coarseIndex, kFewTriangles } from './coarse.js';
 import { segmentsOf, traceCurves } from './curves.js';
+import { colourTexture, textureCoordinate } from './colours.js';
 import { kColourSteps } from './decode.js';
 import { fit, outermost } from './fit.js';
 import { surfaceGeometry } from './geometry.js';
@@ -48,24 +47,6 @@ const kThemes = {
   light: { surface: 0xd9dde3, edge: 0x14171c, edgeOpacity: 0.22 },
   dark: { surface: 0x6a7480, edge: 0xffffff, edgeOpacity: 0.2 },
 };
-
-/** 256 colours as a texture; a value from 0 to 1 is the first coordinate. */
-function colourTexture(colours) {
-  const texels = new Uint8Array(4 * kColourSteps);
-  for (let k = 0; k < kColourSteps; ++k) {
-    texels.set(colours.subarray(3 * k, 3 * k + 3), 4 * k);
-    texels[4 * k + 3] = 255;
-  }
-  const texture = new DataTexture(texels, kColourSteps, 1);
-  texture.colorSpace = SRGBColorSpace;
-  texture.minFilter = LinearFilter;
-  texture.magFilter = LinearFilter;
-  texture.needsUpdate = true;
-  return texture;
-}
-
-// The first step's middle lies half a texel inside the texture.
-const textureCoordinate = (t) => (0.5 + t * (kColourSteps - 1)) / kColourSteps;
 
 /** A renderer, or null where there is no WebGL 2. */
 function rendererFor(canvas) {

@@ -124,8 +124,7 @@ std::size_t bestSupportedAxis(const Mesh& mesh) {
   const double roof = boundaryLoops(mesh).empty() ? kRoof : kOpenRoof;
   if (z <= roof * std::min(x, y)) return 2;
   const double onZ = support(mesh, box, 2);
-  if (y <= roof * std::min(x, z))
-    return onZ < kWallsFoot && y > kFlat * std::max(x, z) ? 1 : 2;
+  if (y <= roof * std::min(x, z)) return onZ < kWallsFoot && y > kFlat * std::max(x, z) ? 1 : 2;
   const double onX = support(mesh, box, 0);
   const double onY = support(mesh, box, 1);
   if (std::max({onX, onY, onZ}) < kLeastFoot) return z > std::max(x, y) ? 1 : 2;
