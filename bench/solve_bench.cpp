@@ -1,5 +1,6 @@
 // Solves through the exports, beside bare Eigen and CHOLMOD with factors of the same
-// free-free block; and several fields together, beside one after the other.
+// free-free block and the very right-hand side that the export forms: zero but beside the
+// prescribed rims, or dense with a load. And several fields together, beside one after the other.
 #include <cstddef>
 #include <memory>
 
@@ -21,14 +22,38 @@ constexpr int kTogether = 8;
 struct Work {
   qelm::bench::SystemHandle system;
   qelm::test::Field values;
+  Eigen::VectorXd rightHandSide;          ///< -K_fb u_b
+  Eigen::VectorXd rightHandSideWithLoad;  ///< the values as load besides
   mutable qelm::test::Field result;
 };
+
+/// The free vertices' values in system order.
+Eigen::VectorXd freeValues(const MeshSystem& system, const qelm::test::Field& values) {
+  Eigen::VectorXd free(system.vertexCount - system.fixedCount);
+  for (Eigen::Index i = 0; i < free.size(); ++i) {
+    const auto s = static_cast<std::size_t>(system.fixedCount + i);
+    free[i] = values[static_cast<std::size_t>(system.vertexOrder[s])];
+  }
+  return free;
+}
 
 std::shared_ptr<const Work> workOf(const Case& c) {
   return qelm::bench::sharedBetweenContenders<Work>(c, [](const Case& which) {
     const qelm::test::Mesh mesh = makeMesh(which);
-    return Work{qelm::bench::construct(mesh), qelm::bench::waves(mesh),
-                qelm::test::Field(mesh.tags.size())};
+    Work work{qelm::bench::construct(mesh),
+              qelm::bench::waves(mesh),
+              {},
+              {},
+              qelm::test::Field(mesh.tags.size())};
+    const MeshSystem& system = *work.system;
+    Eigen::VectorXd prescribed(system.fixedCount);
+    for (Eigen::Index s = 0; s < prescribed.size(); ++s) {
+      const auto input = system.vertexOrder[static_cast<std::size_t>(s)];
+      prescribed[s] = work.values[static_cast<std::size_t>(input)];
+    }
+    work.rightHandSide = -(*system.freeFixedBlock * prescribed);
+    work.rightHandSideWithLoad = work.rightHandSide - freeValues(system, work.values);
+    return work;
   });
 }
 
@@ -86,25 +111,36 @@ Run oneByOne(const Case& c) {
   };
 }
 
+using RightHandSide = Eigen::VectorXd Work::*;
+
 template <class Solver>
-Run solveWith(std::shared_ptr<const Work> work, std::shared_ptr<const Solver> solver) {
-  const Eigen::VectorXd rhs = Eigen::VectorXd::Random(work->system->freeFreeBlock->rows());
+Run solveWith(std::shared_ptr<const Work> work, std::shared_ptr<const Solver> solver,
+              RightHandSide rightHandSide) {
   return [=] {
-    const Eigen::VectorXd solution = solver->solve(rhs);
+    const Eigen::VectorXd solution = solver->solve((*work).*rightHandSide);
     return static_cast<std::size_t>(solution.size());
   };
 }
 
+template <RightHandSide rightHandSide>
 Run bareEigen(const Case& c) {
   const auto work = workOf(c);
-  return solveWith<qelm::FreeSolver>(work, work->system->freeSolver);
+  return solveWith<qelm::FreeSolver>(work, work->system->freeSolver, rightHandSide);
 }
 
 #if defined(QELM_HAVE_CHOLMOD)
+/// One for both right-hand sides: at a million vertices it takes a minute.
 template <class Solver>
+std::shared_ptr<const Solver> cholmodFactor(const Case& c) {
+  return *qelm::bench::sharedBetweenContenders<std::shared_ptr<const Solver>>(
+      c, [](const Case& which) {
+        return std::make_shared<const Solver>(*workOf(which)->system->freeFreeBlock);
+      });
+}
+
+template <class Solver, RightHandSide rightHandSide>
 Run cholmod(const Case& c) {
-  const auto work = workOf(c);
-  return solveWith<Solver>(work, std::make_shared<const Solver>(*work->system->freeFreeBlock));
+  return solveWith<Solver>(workOf(c), cholmodFactor<Solver>(c), rightHandSide);
 }
 #endif
 
@@ -114,14 +150,22 @@ int main(int argumentCount, char** arguments) {
   using qelm::bench::addContender;
   addContender("solve", "qelm", dirichlet);
   addContender("solve", "qelm_load", withLoad);
-  addContender("solve", "eigen", bareEigen);
+  addContender("solve", "eigen", bareEigen<&Work::rightHandSide>);
+  addContender("solve", "eigen_load", bareEigen<&Work::rightHandSideWithLoad>);
   addContender("solve", "together", together, qelm::bench::upTo(1'000'000));
   addContender("solve", "one_by_one", oneByOne, qelm::bench::upTo(1'000'000));
 #if defined(QELM_HAVE_CHOLMOD)
-  addContender("solve", "cholmod_simplicial", cholmod<Eigen::CholmodSimplicialLDLT<SparseBlock>>,
-               qelm::bench::upTo(1'000'000));
-  addContender("solve", "cholmod_supernodal", cholmod<Eigen::CholmodSupernodalLLT<SparseBlock>>,
-               qelm::bench::upTo(1'000'000));
+  using Simplicial = Eigen::CholmodSimplicialLDLT<SparseBlock>;
+  using Supernodal = Eigen::CholmodSupernodalLLT<SparseBlock>;
+  const auto upToAMillion = qelm::bench::upTo(1'000'000);
+  addContender("solve", "cholmod_simplicial", cholmod<Simplicial, &Work::rightHandSide>,
+               upToAMillion);
+  addContender("solve", "cholmod_simplicial_load",
+               cholmod<Simplicial, &Work::rightHandSideWithLoad>, upToAMillion);
+  addContender("solve", "cholmod_supernodal", cholmod<Supernodal, &Work::rightHandSide>,
+               upToAMillion);
+  addContender("solve", "cholmod_supernodal_load",
+               cholmod<Supernodal, &Work::rightHandSideWithLoad>, upToAMillion);
 #endif
   return qelm::bench::runContenders(argumentCount, arguments);
 }

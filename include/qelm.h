@@ -163,7 +163,10 @@ typedef struct IsoEdgeMatrix {
  * Ownership: the caller owns the handle and gives it to qelmfree() once; the
  *            arrays are copied.
  * Threads:   may run at the same time as any other call.
- * Memory:    exhaustion leaves as std::bad_alloc, with handleOut at null.
+ * Memory:    exhaustion leaves as std::bad_alloc, with handleOut at null. So does a
+ *            factor of more than 2147483647 entries, which is known before memory
+ *            is taken for it; meshes get there from many millions of vertices on,
+ *            graphs without geometry far sooner.
  * Note:      a triangle with three different vertices but no area is accepted;
  *            it makes the matrix non-finite, which qelminfo() may not notice.
  *            Look for such triangles first and for finite values afterwards.
@@ -678,7 +681,7 @@ QELM_API int qelmcheckTagged(int vertexCount, const double* vertices, int triang
  * Ownership: the caller owns the arrays; no pointer is kept.
  * Threads:   reads the handle only; any number of solves may run at once on one
  *            handle, each with its own results. Must not overlap qelmfree().
- * Memory:    up to 17 doubles for each vertex while it runs, however many fields.
+ * Memory:    up to 18 doubles for each vertex while it runs, however many fields.
  *            Exhaustion leaves as std::bad_alloc, with results untouched.
  * Since:     0.1.0
  */

@@ -109,7 +109,8 @@ std::vector<Case> allCases() {
   std::vector<Case> cases;
   for (const Surface surface : {Surface::kGrid, Surface::kSphere, Surface::kNoisy}) {
     for (const bool shuffled : {false, true}) {
-      for (const int size : {10'000, 30'000, 100'000, 300'000, 1'000'000, 3'000'000}) {
+      for (const int size :
+           {1'000, 3'000, 10'000, 30'000, 100'000, 300'000, 1'000'000, 3'000'000}) {
         cases.push_back({surface, shuffled, size});
       }
     }

@@ -27,7 +27,7 @@ struct Case {
 /// "grid/natural/10000".
 std::string nameOf(const Case& c);
 
-/// All that a program can measure: 10 thousand to 3 million vertices.
+/// All that a program can measure: a thousand to 3 million vertices.
 std::vector<Case> allCases();
 
 test::Mesh makeMesh(const Case& c);

@@ -1,3 +1,27 @@
+// Left-looking: supernodes are computed in ascending order, each from those before it. With Y = L
+// D, the entry of row r and column c starts from A(r, c) and takes
+//
+//   Y(r, c) -= L(c, k) * Y(r, k)
+//
+// for the columns k < c that both rows share, in the order of row r's paths. A supernode that has
+// the columns k, a source, has all its rows of Y together, and the supernode of c, the target, all
+// its columns: a product of two dense blocks, but one that is subtracted term by term.
+//
+//             k k k                    c c           1. the target's panel starts from A
+//        c    L L L   columns     c    t t           2. each source's rows, from the first one in
+//        c    L L L               c    t t              the target's columns on, update the panel
+//        r    Y Y Y   rows        r    t t           3. the panel's own columns update each other
+//        r    Y Y Y               r    t t           4. it is put back and becomes a source
+//           a source             the target
+//
+// A source waits in the list of the supernode that its next row is a column of. Panels keep Y until
+// all is done: as a row it is needed undivided, as a column it is divided when it is packed for the
+// kernel. Cost: as many multiplications as any factorisation under this ordering; what is gained is
+// that each number that is loaded is used many times. (George and Liu, Computer Solution of Large
+// Sparse Positive Definite Systems, 1981, on supernodes; Ng and Peyton, Block sparse Cholesky
+// algorithms on advanced uniprocessor computers, SIAM J. Sci. Comput. 14, 1993, on left-looking
+// blocks; Davis, Direct Methods for Sparse Linear Systems, 2006, on the row by row way of which
+// this keeps the bits.)
 #include "factor/blocked_factor.h"
 
 #include <algorithm>

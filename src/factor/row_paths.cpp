@@ -151,7 +151,8 @@ std::span<const RowPaths::Part> RowPaths::partsOf(int supernode, int row) const 
       parts_.begin(), parts_.end(), Part{supernode, row, 0, 0}, [](const Part& a, const Part& b) {
         return std::tie(a.supernode, a.row) < std::tie(b.supernode, b.row);
       });
-  return {begin, end};
+  return std::span<const Part>(parts_).subspan(static_cast<std::size_t>(begin - parts_.begin()),
+                                               static_cast<std::size_t>(end - begin));
 }
 
 }  // namespace qelm::factor

@@ -1,5 +1,6 @@
 #include "factor/solver.h"
 
+#include <cstdint>
 #include <limits>
 #include <new>
 
@@ -9,6 +10,12 @@
 namespace qelm::factor {
 
 Method fastestMethod() { return {panelKernels().front(), 56}; }
+
+int indexableEntryCount(const EliminationTree& tree) {
+  const std::int64_t count = tree.entryCount();
+  if (count > std::numeric_limits<int>::max()) throw std::bad_alloc();
+  return static_cast<int>(count);
+}
 
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
 Solver::Solver(const Sparse& matrix, const Method& method) : Ldlt(Sparse()) {
@@ -32,13 +39,13 @@ void Solver::order(const Sparse& matrix) {
 
 /// What analyzePattern() does.
 void Solver::keepPattern(const EliminationTree& tree) {
-  if (tree.entryCount() > std::numeric_limits<int>::max()) throw std::bad_alloc();
+  const int entryCount = indexableEntryCount(tree);
   const Eigen::Index n = tree.parent.size();
   m_matrix.resize(n, n);
   int* const starts = m_matrix.outerIndexPtr();
   starts[0] = 0;
   for (Eigen::Index j = 0; j < n; ++j) starts[j + 1] = starts[j] + tree.counts[j];
-  m_matrix.resizeNonZeros(starts[n]);
+  m_matrix.resizeNonZeros(entryCount);
   m_parent = tree.parent;
   keepCounts(*this, tree.counts);
   m_analysisIsOk = true;

@@ -24,6 +24,10 @@ struct Method {
 /// For this processor, as measured.
 Method fastestMethod();
 
+/// The entries of L below the diagonal. Throws std::bad_alloc if an int cannot count them: Eigen
+/// indexes them by int, and would go on with a number that wrapped around.
+int indexableEntryCount(const EliminationTree& tree);
+
 using Ldlt = Eigen::SimplicialLDLT<Sparse, Eigen::Lower, Eigen::AMDOrdering<int>>;
 
 /// A SimplicialLDLT with the bits that its own compute() gives: permutation, factor, diagonal,

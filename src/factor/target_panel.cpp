@@ -1,3 +1,8 @@
+// A row is computed from left to right, all rows a block of columns at a time. The panel is kept
+// row after row: rows are then taken in any order, which the updates of different paths need, while
+// a block of columns is one run of memory. Where the columns that a source has in common with the
+// target leave gaps, the gaps are filled with zeros: x - 0 * y is x, since no entry is ever -0.0
+// (it starts from 0.0 plus something, and a difference of two equal numbers is 0.0).
 #include "factor/target_panel.h"
 
 #include <algorithm>
@@ -31,6 +36,12 @@ void copyFew(const double* from, int count, double* to) {
   }
 }
 
+/// At least `count` numbers, the first `count` of them zero.
+void clearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
+  if (std::ssize(numbers) < count) numbers.resize(static_cast<std::size_t>(count));
+  std::fill_n(numbers.begin(), count, 0.0);
+}
+
 }  // namespace
 
 void TargetPanel::load(const Panel& panel) {
@@ -38,9 +49,7 @@ void TargetPanel::load(const Panel& panel) {
   width_ = panel.width;
   rowCount_ = panel.width + panel.tailSize;
   stride_ = (width_ + kBlock - 1) / kBlock * kBlock;
-  const Eigen::Index size = Eigen::Index{rowCount_} * stride_;
-  if (values_.size() < size) values_.resize(size);
-  std::fill_n(values_.data(), size, 0.0);
+  clearedRoom(values_, std::ptrdiff_t{rowCount_} * stride_);
   for (int r = 0; r < width_; ++r) {
     copyFew(panel.triangleRow(r), r, row(r));
     row(r)[r] = factor_.diagonal[first_ + r];
@@ -91,9 +100,7 @@ void TargetPanel::update(const Source& source, const Visit& visit) {
 /// among them.
 void TargetPanel::packColumns(const Source& source, int firstBlock, int blockCount) {
   const int depth = source.panel.width;
-  const Eigen::Index size = Eigen::Index{blockCount} * depth * kBlock;
-  if (columns_.size() < size) columns_.resize(size);
-  std::fill_n(columns_.data(), size, 0.0);
+  clearedRoom(columns_, std::ptrdiff_t{blockCount} * depth * kBlock);
   const double* const pivots = factor_.diagonal + source.panel.first;
   for (int p = source.firstRow; p < source.pastColumns; ++p) {
     const int column = source.panel.rows[p] - first_ - firstBlock * kBlock;
@@ -125,11 +132,9 @@ bool TargetPanel::factorize() {
 }
 
 void TargetPanel::packOwnColumns(int firstColumn) {
-  const Eigen::Index size = Eigen::Index{firstColumn} * kBlock;
-  if (columns_.size() < size) columns_.resize(size);
+  clearedRoom(columns_, std::ptrdiff_t{firstColumn} * kBlock);
   const double* const pivots = factor_.diagonal + first_;
   const int count = std::min(kBlock, width_ - firstColumn);
-  if (count < kBlock) std::fill_n(columns_.data(), size, 0.0);
   for (int c = 0; c < count; ++c) {
     divideApart(row(firstColumn + c), pivots, firstColumn, columns_.data() + c, kBlock);
   }
@@ -137,15 +142,15 @@ void TargetPanel::packOwnColumns(int firstColumn) {
 
 /// The triangle of one block of columns; leaves it divided in columns_ for the rows below.
 bool TargetPanel::factorizeBlock(int firstColumn) {
-  if (columns_.size() < kBlock * kBlock) columns_.resize(kBlock * kBlock);
-  std::fill_n(columns_.data(), kBlock * kBlock, 0.0);
+  clearedRoom(columns_, kBlock * kBlock);
   const int count = std::min(kBlock, width_ - firstColumn);
   double* const pivots = factor_.diagonal + first_ + firstColumn;
+  double* const columns = columns_.data();
   for (int r = 0; r < count; ++r) {
     double* const entries = row(firstColumn + r) + firstColumn;
     for (int c = 0; c <= r; ++c) {
-      if (c > 0) columns_[(c - 1) * kBlock + r] = entries[c - 1] / pivots[c - 1];
-      const double* const other = columns_.data() + c;
+      if (c > 0) columns[(c - 1) * kBlock + r] = entries[c - 1] / pivots[c - 1];
+      const double* const other = columns + c;
       for (int k = 0; k < c; ++k) entries[c] -= other[k * kBlock] * entries[k];
     }
     pivots[r] = entries[r];

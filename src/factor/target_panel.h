@@ -49,8 +49,9 @@ class TargetPanel {
   int width_ = 0;
   int rowCount_ = 0;
   int stride_ = 0;
-  Eigen::VectorXd values_;
-  Eigen::VectorXd columns_;  ///< packed for the kernel: block after block, kBlock for each k
+  // Not Eigen's vectors: they are left broken where memory runs out while they grow.
+  std::vector<double> values_;
+  std::vector<double> columns_;  ///< packed for the kernel: block after block, kBlock for each k
   std::vector<RowPair> rows_;
   double unread_[kBlock] = {};  ///< takes the results of rows that fill up a group
 };

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "solve/factor_rows.h"
+#include "solve/factor_vector.h"
 
 namespace qelm {
 namespace {
@@ -24,12 +25,16 @@ struct Workspace {
       : rows(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(system.vertexCount) *
                                                       width)),
         solved(system.freeSolver->info() == Eigen::Success) {
-    if (solved) reciprocals = system.freeSolver->vectorD().cwiseInverse();
+    if (!solved) return;
+    reciprocals = system.freeSolver->vectorD();
+    reciprocals = reciprocals.cwiseInverse();
+    scratch.resize(reciprocals.size());
   }
 
   std::unique_ptr<double[]> rows;
   bool solved;
   Eigen::VectorXd reciprocals;  ///< of the factor's diagonal
+  Eigen::VectorXd scratch;      ///< for a single right-hand side
 };
 
 /// The fields of one block. Where the batch has fewer than Width left, the last
@@ -63,10 +68,17 @@ class Block {
     }
   }
 
-  void solve(const Workspace& workspace) const {
+  void solve(Workspace& workspace) const {
     const auto view = system_.freeSolver->matrixL();
-    solveLower<Width>(view.nestedExpression(), free_);
-    solveDiagonalAndUpper<Width>(view.nestedExpression(), workspace.reciprocals, free_);
+    const SparseBlock& lower = view.nestedExpression();
+    if constexpr (Width == 1) {
+      double* const x = free_[0].data();
+      solveLower(lower, x, workspace.scratch.data());
+      solveDiagonalAndUpper(lower, workspace.reciprocals, x, workspace.scratch.data());
+    } else {
+      solveLower<Width>(lower, free_);
+      solveDiagonalAndUpper<Width>(lower, workspace.reciprocals, free_);
+    }
   }
 
   void scatterFixed() const {

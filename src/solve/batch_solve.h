@@ -46,7 +46,7 @@ constexpr int kBatchWidth = 16;
 ///
 /// A field's bits are those of Eigen's own solve() for it alone, a NaN's sign aside;
 /// `width` bounds how many go together and has no influence on them. Needs as many
-/// doubles for each vertex as go together, and one more, all allocated before the first
+/// doubles for each vertex as go together, and two more, all allocated before the first
 /// result is written. Reads the system only, takes no lock.
 void solveBatch(const MeshSystem& system, const Batch& batch, int width = kBatchWidth);
 

@@ -1,4 +1,4 @@
-// Symmetric matrices of every shape, and Eigen's own factorisation of them as the oracle.
+// Symmetric matrices of every shape.
 #ifndef QELM_TESTS_FACTOR_MATRICES_H
 #define QELM_TESTS_FACTOR_MATRICES_H
 
@@ -33,12 +33,7 @@ Edges gridGraph(int columns, int rows);
 /// The edges' ends renumbered at random.
 Edges shuffled(int n, Edges edges, Random& random);
 
-/// Whether two factorisations are the same: info, permutation, tree, counts; and, if they ended
-/// with success, L's rows and the bits of L and D. A NaN is a NaN whatever its sign.
-testing::AssertionResult sameFactorisation(const factor::Solver& actual, const Sparse& matrix);
-
-/// Factorises with every kernel of this processor, always in blocks, and with Eigen's own loop
-/// behind the same class, and compares each with Eigen's own class.
+/// What differenceFromEigen() says.
 testing::AssertionResult everyKernelGivesEigensBits(const Sparse& matrix);
 
 }  // namespace qelm::test

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "factor/solver.h"
+#include "interface/mesh_system.h"
 #include "qelm.h"
 #include "support/failing_heap.h"
 #include "support/handle.h"
@@ -101,6 +103,12 @@ TEST(AllocationFailure, DuringConstructionOfALargerMeshLeavesNothingBehind) {
 
 TEST(AllocationFailure, DuringConstructionWithNoFreeVertexLeavesNothingBehind) {
   sweepConstruction(gridMesh(4, 4).withEveryVertexTagged());
+}
+
+TEST(AllocationFailure, DuringAFactorisationInBlocksLeavesNothingBehind) {
+  const MeshHandle system = construct(openSurface(24, 24, 1).withBoundaryTagged());
+  const factor::Method inBlocks = {factor::panelKernels().front(), 0};
+  sweep([&] { const factor::Solver solver(*system->freeFreeBlock, inBlocks); }, [] {});
 }
 
 TEST(AllocationFailure, DuringADuplicationLeavesTheOutParameterAlone) {

@@ -1,0 +1,99 @@
+// One right-hand side, run by run, beside a loop over the columns: the same bits.
+#include "solve/factor_vector.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "factor/matrices.h"
+#include "solve/factor_rows.h"
+#include "support/compare.h"
+#include "support/random.h"
+
+namespace qelm::test {
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+testing::AssertionResult sameBitsOrBothNan(std::vector<double> a, std::vector<double> b) {
+  for (auto* numbers : {&a, &b}) {
+    for (double& x : *numbers) x = std::isnan(x) ? kNan : x;
+  }
+  return sameBits(a, b);
+}
+
+/// Zeros of both signs among the entries, with the given probability.
+std::vector<double> rightHandSide(Eigen::Index n, double zeros, Random& random) {
+  std::vector<double> x(static_cast<std::size_t>(n));
+  for (double& entry : x) {
+    entry = uniform(random, 0, 1) < zeros ? (uniform(random, 0, 1) < 0.5 ? 0.0 : -0.0)
+                                          : uniform(random, -2, 3);
+  }
+  return x;
+}
+
+void expectTheBitsOfALoopOverColumns(const SparseBlock& lower, const Eigen::VectorXd& reciprocals,
+                                     const std::vector<double>& start) {
+  std::vector<double> scratch(start.size());
+  std::vector<double> actual = start;
+  std::vector<double> expected = start;
+  solveLower(lower, actual.data(), scratch.data());
+  solveLower<1>(lower, RowsView<1>(expected.data()));
+  ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "down";
+  solveDiagonalAndUpper(lower, reciprocals, actual.data(), scratch.data());
+  solveDiagonalAndUpper<1>(lower, reciprocals, RowsView<1>(expected.data()));
+  ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "up";
+}
+
+std::vector<Sparse> variousMatrices(Random& random) {
+  std::vector<Sparse> matrices = {diagonallyDominant(1, {}, random),
+                                  diagonallyDominant(7, {}, random)};
+  for (const int n : {2, 3, 4, 5, 9, 60}) {
+    matrices.push_back(diagonallyDominant(n, randomGraph(n, 1, random), random));
+    matrices.push_back(diagonallyDominant(n, randomGraph(n, 0.2, random), random));
+  }
+  matrices.push_back(diagonallyDominant(400, gridGraph(20, 20), random));
+  matrices.push_back(diagonallyDominant(400, shuffled(400, gridGraph(20, 20), random), random));
+  return matrices;
+}
+
+TEST(FactorVector, HasTheBitsOfALoopOverColumns) {
+  SCOPED_TRACE(seedTrace(testSeed()));
+  Random random(testSeed());
+  for (const Sparse& matrix : variousMatrices(random)) {
+    const factor::Solver solver(matrix);
+    const Eigen::VectorXd reciprocals = solver.vectorD().cwiseInverse();
+    for (const double zeros : {0.0, 0.1, 0.5, 0.95, 1.0}) {
+      expectTheBitsOfALoopOverColumns(solver.matrixL().nestedExpression(), reciprocals,
+                                      rightHandSide(matrix.cols(), zeros, random));
+    }
+  }
+}
+
+TEST(FactorVector, PassesOverColumnsOfZerosEvenWhereLIsNotFinite) {
+  Random random(3);
+  const Sparse matrix = diagonallyDominant(30, randomGraph(30, 1, random), random);
+  const factor::Solver solver(matrix);
+  Sparse lower = solver.matrixL().nestedExpression();
+  lower.valuePtr()[3] = std::numeric_limits<double>::infinity();
+  lower.valuePtr()[40] = kNan;
+  const Eigen::VectorXd reciprocals = solver.vectorD().cwiseInverse();
+  std::vector<double> start = rightHandSide(30, 0, random);
+  for (const std::size_t zero : {0u, 1u, 5u, 29u}) {
+    start[zero] = zero % 2 == 0 ? 0.0 : -0.0;
+    expectTheBitsOfALoopOverColumns(lower, reciprocals, start);
+  }
+}
+
+TEST(FactorVector, TakesAFactorWithoutColumns) {
+  const SparseBlock lower(0, 0);
+  const Eigen::VectorXd reciprocals;
+  solveLower(lower, nullptr, nullptr);
+  solveDiagonalAndUpper(lower, reciprocals, nullptr, nullptr);
+  EXPECT_EQ(lower.cols(), 0);
+}
+
+}  // namespace
+}  // namespace qelm::test
