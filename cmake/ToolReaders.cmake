@@ -34,6 +34,7 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/fields/field_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/paths.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"

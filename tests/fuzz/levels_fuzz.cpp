@@ -41,7 +41,7 @@ void requireGood(const std::vector<double>& levels, const qelm::tool::LevelOptio
     require(low < levels.front() && levels.back() < high, "strictly within the field");
   if (!options.every.empty())
     requireMultiples(levels, *qelm::tool::parseDouble(qelm::tool::trimmed(options.every)));
-  if (!options.count.empty())
+  if (!options.count.empty() && !options.round)
     require(static_cast<long long>(levels.size()) <=
                 *qelm::tool::parseInteger(qelm::tool::trimmed(options.count)),
             "not more than asked for");
@@ -57,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 17 || !std::isfinite(low) || !std::isfinite(high) || !(low < high)) return 0;
   const std::string text(data + 17, data + size);
   qelm::tool::LevelOptions options;
+  options.round = (kind & 4) != 0;
   (kind % 3 == 0 ? options.count : kind % 3 == 1 ? options.at : options.every) = text;
   try {
     const qelm::tool::LevelChoice choice(options);

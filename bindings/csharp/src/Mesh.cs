@@ -90,7 +90,17 @@ namespace Qelm
 
             QelmMeshReport report;
             int code = NativeMethods.qelmcheckTagged(vertexCount, vertices, triangleCount, triangles, tags, &report);
-            return new MeshReport(code, report);
+            return new MeshReport(code, report, Works(code, vertices, vertexCount, triangles, triangleCount, tags));
+        }
+
+        // Thin triangles may work all the same; whether they do is what Build asks as well.
+        private static bool Works(int code, double* vertices, int vertexCount, int* triangles, int triangleCount,
+            int* tags)
+        {
+            var status = (QelmStatus)code;
+            string blamed;
+            return (status == QelmStatus.Ok || status == QelmStatus.NearZeroArea)
+                && Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, out blamed) == null;
         }
     }
 }

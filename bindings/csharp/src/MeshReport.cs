@@ -23,13 +23,34 @@ namespace Qelm
         }
     }
 
+    /// <summary>How well a mesh can be solved on.</summary>
+    public enum MeshGrade
+    {
+        /// <summary>Rounding changes fields by less than a millionth.</summary>
+        Fine,
+
+        /// <summary>
+        /// Triangles are very thin, or very small for their distance from the origin: fields may have an error, which
+        /// <see cref="MeshSystem.MeasureError"/> measures. A few such triangles in a good mesh do no harm.
+        /// </summary>
+        WorksWithError,
+
+        /// <summary>The mesh cannot be built or solved on; the status says why.</summary>
+        WillNotWork
+    }
+
     /// <summary>
     /// What <c>Mesh.Check</c> found. Each finding looks at the mesh by itself, whatever the others found; those for
     /// information keep no mesh from being solved on.
     /// </summary>
     public sealed class MeshReport
     {
-        internal MeshReport(int code, QelmMeshReport report)
+        private const double Rounding = 1.0 / (1L << 52);
+
+        // Six digits of a field are more than its mesh is good for.
+        private const double NoError = 1e-6;
+
+        internal MeshReport(int code, QelmMeshReport report, bool works)
         {
             Status = (QelmStatus)code;
             IndexOutOfRange = new MeshFinding(report.indexOutOfRange);
@@ -48,15 +69,23 @@ namespace Qelm
             CoincidentVertex = new MeshFinding(report.coincidentVertex);
             WorstTriangle = checked((int)report.worstTriangle);
             WorstQuality = report.worstQuality;
+            Grade = !works ? MeshGrade.WillNotWork
+                : Rounding / WorstQuality <= NoError ? MeshGrade.Fine : MeshGrade.WorksWithError;
         }
 
         /// <summary><see cref="QelmStatus.Ok"/>, or the first defect: in the order of the properties here.</summary>
         public QelmStatus Status { get; private set; }
 
-        /// <summary>Whether the mesh can be built and every solve on it is well posed.</summary>
+        /// <summary>How well the mesh can be solved on.</summary>
+        public MeshGrade Grade { get; private set; }
+
+        /// <summary>
+        /// Whether <c>MeshSystem.Build</c> takes the mesh. So it does some whose <see cref="Status"/> is
+        /// <see cref="QelmStatus.NearZeroArea"/>: their grade is <see cref="MeshGrade.WorksWithError"/>.
+        /// </summary>
         public bool IsSound
         {
-            get { return Status == QelmStatus.Ok; }
+            get { return Grade != MeshGrade.WillNotWork; }
         }
 
         /// <summary>The status in words.</summary>

@@ -3,8 +3,9 @@ using System;
 namespace Qelm
 {
     /// <summary>
-    /// What makes equations singular without the factorisation noticing: triangles without area, whose entries are not
-    /// finite, and parts of the mesh without a tagged vertex, whose level is undetermined.
+    /// What makes equations singular without the factorisation noticing: triangles without area, or so large or small
+    /// that entries are not finite, and parts of the mesh without a tagged vertex, whose level is undetermined. One
+    /// judgement, for <c>Mesh.Check</c> and <c>MeshSystem.Build</c> alike.
     /// </summary>
     internal static unsafe class Solvability
     {
@@ -15,9 +16,10 @@ namespace Qelm
             name = "triangles";
             for (int t = 0; t < triangleCount; ++t)
             {
-                if (!HasArea(vertices, triangles + 3L * t))
+                string defect = Defect(vertices, triangles + 3L * t);
+                if (defect != null)
                 {
-                    return Ensure.Triangle(triangles, t) + ": its area is not a positive number";
+                    return Ensure.Triangle(triangles, t) + ": " + defect;
                 }
             }
             name = "tags";
@@ -26,19 +28,41 @@ namespace Qelm
                 + " is tagged 1, 2 or 3";
         }
 
-        // In the numbers of the native assembly: what it divides by is this area.
-        private static bool HasArea(double* vertices, int* corner)
+        // A triangle lower than this many roundings of its largest coordinate cannot be told from one without area.
+        private const double FlatRoundings = 8;
+
+        private const double Rounding = 1.0 / (1L << 52);
+
+        // As the native check has them: the assembly forms fourth powers of lengths.
+        private const double ShortestLongestEdge = 1e-60;
+        private const double LongestLongestEdge = 1e60;
+
+        private static string Defect(double* vertices, int* corner)
         {
             double* p = vertices + 3L * corner[0];
             double* q = vertices + 3L * corner[1];
             double* r = vertices + 3L * corner[2];
             double ax = q[0] - p[0], ay = q[1] - p[1], az = q[2] - p[2];
             double bx = r[0] - p[0], by = r[1] - p[1], bz = r[2] - p[2];
-            double x = ay * bz - az * by;
-            double y = az * bx - ax * bz;
-            double z = ax * by - ay * bx;
-            double square = x * x + y * y + z * z;
-            return square > 0 && Ensure.IsFinite(square);
+            double longest = Math.Max(Length(ax, ay, az),
+                Math.Max(Length(bx, by, bz), Length(bx - ax, by - ay, bz - az)));
+            if (longest > 0 && !(longest >= ShortestLongestEdge && longest <= LongestLongestEdge))
+            {
+                return "it is too small or too large to compute with";
+            }
+            double twiceArea = Length(ay * bz - az * by, az * bx - ax * bz, ax * by - ay * bx);
+            double noise = FlatRoundings * Rounding * Math.Max(Largest(p), Math.Max(Largest(q), Largest(r)));
+            return twiceArea > noise * longest ? null : "its area is not a positive number beyond rounding";
+        }
+
+        private static double Length(double x, double y, double z)
+        {
+            return Math.Sqrt(x * x + y * y + z * z);
+        }
+
+        private static double Largest(double* point)
+        {
+            return Math.Max(Math.Abs(point[0]), Math.Max(Math.Abs(point[1]), Math.Abs(point[2])));
         }
 
         /// <summary>The lowest vertex that no chain of triangles ties to a tagged one; -1 without any.</summary>

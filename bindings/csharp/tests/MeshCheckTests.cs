@@ -83,6 +83,72 @@ namespace Qelm.Tests
             Assert.Throws<ArgumentException>(() => mesh.Build());
         }
 
+        // What Check calls sound, Build takes, and the other way round: from a good triangle to none.
+        [Test]
+        public void CheckAndBuildJudgeAlike()
+        {
+            var expected = new[]
+            {
+                new { Height = 1.0, Grade = MeshGrade.Fine },
+                new { Height = 1e-4, Grade = MeshGrade.Fine },
+                new { Height = 1e-6, Grade = MeshGrade.WorksWithError },
+                new { Height = 1e-9, Grade = MeshGrade.WorksWithError },
+                new { Height = 1e-13, Grade = MeshGrade.WorksWithError },
+                new { Height = 1e-15, Grade = MeshGrade.WillNotWork },
+                new { Height = 0.0, Grade = MeshGrade.WillNotWork }
+            };
+            foreach (var each in expected)
+            {
+                var vertices = new double[] { 0, 0, 0, 1, 0, 0, 0.5, each.Height, 0, 0.5, -1, 0 };
+                ExpectAlike(vertices, each.Grade, "height " + each.Height);
+            }
+            foreach (double unit in new[] { 1e-70, 1e70 })
+            {
+                ExpectAlike(new[] { 0, 0, 0, unit, 0, 0, unit, unit, 0, 0, -unit, 0 }, MeshGrade.WillNotWork,
+                    "unit " + unit);
+            }
+        }
+
+        private static void ExpectAlike(double[] vertices, MeshGrade grade, string what)
+        {
+            var triangles = new[] { 0, 1, 2, 1, 0, 3 };
+            var tags = new[] { 1, 0, 0, 0 };
+            MeshReport report = Mesh.Check(vertices, triangles, tags);
+            Assert.AreEqual(grade, report.Grade, what);
+            Assert.AreEqual(grade != MeshGrade.WillNotWork, report.IsSound, what);
+            if (report.IsSound)
+            {
+                MeshSystem.Build(vertices, triangles, tags).Dispose();
+            }
+            else
+            {
+                Assert.Throws<ArgumentException>(() => MeshSystem.Build(vertices, triangles, tags), what);
+            }
+        }
+
+        [Test]
+        public void TheErrorIsMeasured()
+        {
+            TestMesh mesh = TestMesh.Grid(7, 6);
+            using (MeshSystem system = mesh.Build())
+            {
+                Assert.Less(system.MeasureError(), 1e-12);
+            }
+            for (int i = 0; i < mesh.Vertices.Length; i += 3)
+            {
+                // Not on a lattice, where all differences would be exact.
+                mesh.Vertices[i] = mesh.Vertices[i] * 1.1 + 0.1 * Math.Sin(i) + 1e11;
+                mesh.Vertices[i + 1] = mesh.Vertices[i + 1] * 0.9 + 0.7e11;
+            }
+            using (MeshSystem system = mesh.Build())
+            {
+                Assert.AreEqual(MeshGrade.WorksWithError, Report(mesh).Grade);
+                double error = system.MeasureError();
+                Assert.Greater(error, 1e-8);
+                Assert.Less(error, 1e-2);
+            }
+        }
+
         [Test]
         public void AnEmptyMeshIsRefusedByItsStatus()
         {

@@ -39,16 +39,16 @@ BAD_MESHES = {
     "short_vertex": ("a.obj", "v 0 0\n", "a.obj:1: a vertex needs three coordinates"),
     "nan": ("a.obj", "v 0 0 0\nv 0 nan 0\n", "a.obj:2: vertex 1: coordinate 'nan' is not finite"),
     "too_large": ("a.obj", "v 0 -1e999 0\n", "a.obj:1: vertex 0: coordinate '-1e999' is not finite"),
-    "repeated_vertex": ("a.obj", SQUARE + "f 2 3 2\n", "a.obj: triangle 2 (1, 2, 1): names vertex 1 twice; remove"),
-    "unused_vertex": ("a.obj", SQUARE + "v 5 6 7\nv 0 0 8\n", "a.obj: vertex 4 (5, 6, 7): in no triangle (and 1 more); remove"),
-    "zero_area": ("a.obj", obj(*FLAT), "a.obj: triangle 1 (0, 1, 2): zero area; remove"),
-    "zero_area_by_overflow": ("a.obj", obj([(0, 0, 0), (1e200, 0, 0), (0, 1e200, 0)], [(0, 1, 2)]), "a.obj: triangle 0 (0, 1, 2): zero area"),
-    "zero_area_within_rounding": ("a.obj", obj([(1e6, 0, 0), (1e6 + 0.1, 0.1, 0), (1e6 + 0.3, 0.3, 0)], [(0, 1, 2)]), "a.obj: triangle 0 (0, 1, 2): zero area"),
+    "repeated_vertex": ("a.obj", SQUARE + "f 2 3 2\n", "a.obj: will not work: triangle 2 (1, 2, 1): names vertex 1 twice; remove"),
+    "unused_vertex": ("a.obj", SQUARE + "v 5 6 7\nv 0 0 8\n", "a.obj: will not work: vertex 4 (5, 6, 7): in no triangle (and 1 more); remove"),
+    "zero_area": ("a.obj", obj(*FLAT), "a.obj: will not work: triangle 1 (0, 1, 2): zero area; remove"),
+    "zero_area_by_overflow": ("a.obj", obj([(0, 0, 0), (1e200, 0, 0), (0, 1e200, 0)], [(0, 1, 2)]), "a.obj: will not work: triangle 0 (0, 1, 2): too small or too large to compute with"),
+    "zero_area_within_rounding": ("a.obj", obj([(1e6, 0, 0), (1e6 + 0.1, 0.1, 0), (1e6 + 0.3, 0.3, 0)], [(0, 1, 2)]), "a.obj: will not work: triangle 0 (0, 1, 2): zero area"),
     "not_convex": ("a.obj", obj(BOW, [(0, 1, 2, 3)]), "a.obj: face 0 (0, 1, 2, 3): a polygon that is not convex; split it"),
     "star": ("a.obj", obj(STAR, [(0, 1, 2, 3, 4)]), "a.obj: face 0 (0, 1, 2, 3, 4): a polygon that crosses itself; split it"),
     "polygon_repeats": ("a.obj", obj(STAR, [(0, 2, 4, 1, 3), (0, 1, 2, 1)]), "a.obj: face 1 (0, 1, 2, 1): a polygon that names a vertex twice"),
     "polygon_flat": ("a.obj", obj([(k, 0, 0) for k in range(4)], [(0, 1, 2, 3)]), "a.obj: face 0 (0, 1, 2, 3): a polygon without area"),
-    "open_part": ("a.obj", shapes.obj(shapes.joined(shapes.SQUARE, shapes.moved(shapes.SQUARE, (5, 0, 0)))), "a.obj: the connected part with vertex 4 (5, 0, 0), 4 vertices in all, has no fixed vertex; fix a vertex in every part"),
+    "open_part": ("a.obj", shapes.obj(shapes.joined(shapes.SQUARE, shapes.moved(shapes.SQUARE, (5, 0, 0)))), "a.obj: will not work: the connected part with vertex 4 (5, 0, 0), 4 vertices in all, has no fixed vertex; fix a vertex in every part"),
     "stl_facet_short": ("a.stl", shapes.stl_text(shapes.SQUARE).replace("    vertex 0 1 0\n", ""), "a.stl:14: facet 1 has 2 corners instead of three"),
     "stl_four_corners": ("a.stl", shapes.stl_text(shapes.SQUARE).replace("    vertex 0 1 0\n", "    vertex 0 1 0\n" * 2), "a.stl:14: facet 1 has more than three corners"),
     "stl_cut_short": ("a.stl", shapes.stl_text(shapes.SQUARE)[:-60], "a.stl:12: the file ends within a facet"),
@@ -90,10 +90,10 @@ BAD_MESHES = {
     "off_word_in_a_face": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "3 0 2 x"), "a.off:8: face 1: 'x' is not a vertex's number"),
     "off_corners": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "999999 0 2 3"), "a.off:8: face 1: 999999 corners, but the file is too short for them"),
     "off_two_corners": ("a.off", shapes.off(shapes.SQUARE).replace("3 0 2 3", "2 0 2"), "a.off: face 1: has only 2 corners"),
-    "off_nan": ("a.off", shapes.off(shapes.SQUARE).replace("1 1 0", "1 nan 0"), "a.off: vertex 2 (1, nan, 0): coordinates not finite"),
+    "off_nan": ("a.off", shapes.off(shapes.SQUARE).replace("1 1 0", "1 nan 0"), "a.off: will not work: vertex 2 (1, nan, 0): coordinates not finite"),
     "ply_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, 4)])), "a.ply: face 1: vertex index 4 is out of range: the file has 4 vertices, numbered 0 to 3"),
     "ply_negative_index": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2, -1)])), "a.ply: face 1: vertex index -1 is out of range"),
-    "ply_nan": ("a.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])), "a.ply: vertex 1 (1, nan, 0): coordinates not finite; repair"),
+    "ply_nan": ("a.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])), "a.ply: will not work: vertex 1 (1, nan, 0): coordinates not finite; repair"),
 }  # fmt: skip
 
 
@@ -145,7 +145,7 @@ BAD_USAGE = {
 # A part of the message of everything that was read, but is no mesh to compute on.
 BAD_MESH = (
     "out of range", "vertex index 0", "not finite", "names vertex", "in no triangle",
-    "zero area", "a polygon", "has only 2",
+    "zero area", "too large to compute", "a polygon", "has only 2",
 )  # fmt: skip
 
 

@@ -22,12 +22,12 @@ def test_tells_people_on_the_standard_output(qelm):
         "box        3,-2,1 to 7,2,1",
         "size       4 x 4 x 0",
         "area       9",
-        f"edges      48, {inner / 12:.6g} to {diagonal:.6g} long, {mean:.6g} on average",
+        f"edges      48, {inner / 12:.9g} to {diagonal:.9g} long, {mean:.9g} on average",
         "parts      1",
         "boundary   2 loops, longest first",
     ]
-    assert lines[9].startswith(f"  loop:0   {outer:.6g} long, 12 vertices, round (5, ")
-    assert lines[10].startswith(f"  loop:1   {inner:.6g} long, 12 vertices, round (5, ")
+    assert lines[9].startswith(f"  loop:0   {outer:.9g} long, 12 vertices, round (5, ")
+    assert lines[10].startswith(f"  loop:1   {inner:.9g} long, 12 vertices, round (5, ")
     assert len(lines) == 11
 
 

@@ -84,19 +84,40 @@ def test_stl_output_reads_back(qelm):
     assert summary["after"] == {"vertices": 20, "triangles": 24}
 
 
-def test_a_mesh_may_be_welded_in_place_and_to_the_standard_output(qelm):
+def test_a_mesh_may_be_welded_to_the_standard_output(qelm):
     qelm.write("m.obj", shapes.obj(soup(GRID)))
     done = qelm.ok("weld", "m.obj", "-o", "-", "-q")
     assert done.stderr == "" and done.stdout.count("v ") == 20
-    qelm.ok("weld", "m.obj", "-o", "m.obj")
-    assert (qelm.folder / "m.obj").read_text() == done.stdout
+    qelm.ok("weld", "m.obj", "-o", "w.obj")
+    assert (qelm.folder / "w.obj").read_text() == done.stdout
+
+
+def test_what_single_precision_loses_is_said(qelm):
+    # Steps of 0.1 at 6.5e6, where neighbouring numbers of single precision are 0.5 apart.
+    fine = [(6.5e6 + x / 10, y, 0) for x, y, _ in GRID[0]]
+    qelm.write("far.obj", shapes.obj((fine, GRID[1])))
+    done = qelm.ok("weld", "far.obj", "--tolerance", "0", "-o", "far.stl")
+    lost = len({tuple(sorted(f)) for f in GRID[1] if len({(round(fine[v][0] * 2), fine[v][1]) for v in f}) < 3})
+    assert lost > 0
+    assert f"note: far.stl: STL holds single precision, in which neighbouring vertices fall together: {lost} of 24 " in done.stderr
+    assert "triangles are lost; write .ply or .obj" in done.stderr
+    assert qelm.json("weld", "far.obj", "--tolerance", "0", "-o", "far.stl")["lostToSinglePrecision"] == lost
+    assert "single precision" not in qelm.ok("weld", "far.obj", "--tolerance", "0", "-o", "far.ply").stderr
+    qelm.write("near.obj", shapes.obj(GRID))
+    assert "single precision" not in qelm.ok("weld", "near.obj", "-o", "near.stl").stderr
+
+
+def test_what_is_too_large_for_single_precision_is_refused(qelm):
+    qelm.write("huge.obj", shapes.obj(([(1e40 * c for c in p) for p in GRID[0]], GRID[1])))
+    message = qelm.fails(4, "weld", "huge.obj", "-o", "huge.stl")
+    assert "vertex 1 (1e+40, 0, 0): too large for STL, which holds single precision; write .ply or .obj" in message
 
 
 def test_what_a_solve_would_refuse_is_noted(qelm):
     flat = [(0, 0, 0), (1, 0, 0), (2, 0, 0), (0, 1, 0)]
     qelm.write("m.obj", shapes.obj((flat, [(0, 1, 3), (0, 1, 2)])))
     done = qelm.ok("weld", "m.obj", "-o", "w.obj")
-    assert "note: in the result, triangle 1 (0, 1, 2): zero area; remove such" in done.stderr
+    assert "note: the result will not work: triangle 1 (0, 1, 2): zero area; remove such" in done.stderr
 
 
 def test_refusals(qelm):
@@ -104,7 +125,7 @@ def test_refusals(qelm):
     qelm.write("nan.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])))
     cases = [
         (2, ["m.obj"], "--output is required"),
-        (2, ["m.obj", "-o", "w.step"], "-o w.step: give a name that ends in .obj, .ply or .stl"),
+        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .ply or .stl"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "-1"], "--tolerance -1: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),
@@ -131,8 +152,29 @@ def test_solve_welds_stl_files_by_itself_and_says_so(qelm):
     assert qelm.field() == pytest.approx([p[0] / 4 for p in qelm.points()], abs=1e-5)
 
 
-def test_a_soup_in_another_format_is_pointed_to_weld(qelm):
+def test_a_soup_in_another_format_is_recognised_by_every_command(qelm):
+    for jitter in (0, 1e-5):
+        qelm.write("soup.obj", shapes.obj(soup(GRID, jitter)))
+        runs = [["info"], ["check"], ["solve", "--fix", "vertex:0=1"], ["curves", "--fix", "vertex:0=1", "-o", "c.csv"]]
+        for command, *more in runs:
+            note = qelm.run(command, "soup.obj", *more).stderr
+            assert "soup.obj: this looks like a triangle soup: it has 24 parts, and 52 of 72 vertices lie" in note
+        remedy = re.search(r"join them with: qelm (weld soup.obj --tolerance \S+ -o welded.obj)\n", note)[1]
+        qelm.ok(*remedy.split())
+        done = qelm.ok("solve", "welded.obj", "--fix", "vertex:0=1")
+        assert "20 vertices, 24 triangles" in done.stderr and "soup" not in done.stderr
     qelm.write("soup.obj", shapes.obj(soup(GRID)))
-    message = qelm.fails(5, "solve", "soup.obj", "--fix", "vertex:0=1")
-    assert "has no fixed vertex (and 22 more)" in message
-    assert "or join the parts with 'qelm weld'" in message
+    done = qelm.run("solve", "soup.obj", "--fix", "vertex:0=1")
+    assert done.returncode == 5
+    assert "has no fixed vertex (and 22 more)" in done.stderr
+    assert "or join the parts with 'qelm weld'" in done.stderr
+
+
+def test_parts_that_do_not_touch_are_no_soup(qelm):
+    apart = shapes.joined(*(shapes.moved(shapes.SQUARE, (3 * k, 0, 0)) for k in range(20)))
+    qelm.write("many.obj", shapes.obj(apart))
+    assert "soup" not in qelm.ok("check", "many.obj").stderr
+    # One vertex in common of each two: a few of many.
+    chain = shapes.joined(*(shapes.moved(shapes.SQUARE, (k, k, 0)) for k in range(20)))
+    qelm.write("chain.obj", shapes.obj(chain))
+    assert "soup" not in qelm.ok("check", "chain.obj").stderr

@@ -99,3 +99,54 @@ def test_a_part_without_a_condition_is_a_singular_system(qelm):
     qelm.write("two.obj", shapes.obj(two))
     message = qelm.fails(5, "solve", "two.obj", "--fix", "vertex:0=1")
     assert "the connected part with vertex 20 (9, 0, 0), 20 vertices in all, has no fixed vertex" in message
+
+
+def test_near_says_which_vertex_it_took_and_how_far_away_that_is(qelm, grid):
+    done = qelm.ok("solve", grid, "--fix", "near:1.25,2,0=5", "--fix", "vertex:0=1")
+    assert "         near:1.25,2,0 = 5: vertex 11 (1, 2, 0), 0.25 away\n" in done.stderr
+    assert "note" not in done.stderr
+    fix = qelm.json("solve", grid, "--fix", "near:1.25,2,0=5", "--fix", "vertex:0=1")["fix"]
+    assert (fix[0]["vertex"], fix[0]["distance"]) == (11, 0.25)
+    assert "vertex" not in fix[1]
+
+
+@pytest.mark.parametrize("x, is_far", [(8.9, False), (9.1, True), (-5.1, True), (1e300, True)])
+def test_near_a_point_that_is_nowhere_near_is_noted(qelm, grid, x, is_far):
+    # The box is 4 x 3: its diagonal is 5.
+    done = qelm.ok("check", grid, "--fix", f"near:{x!r},1,0=5")
+    assert ("outside of the mesh's box, whose diagonal is 5; is it in another unit" in done.stderr) == is_far
+
+
+def test_a_condition_that_takes_the_whole_mesh_is_noted(qelm, grid):
+    done = qelm.ok("solve", grid, "--fix", "box:-9,-9,-9,9,9,9=1")
+    note = "note: --fix box:-9,-9,-9,9,9,9 takes every vertex of the mesh: nothing is left to solve\n"
+    assert note in done.stderr
+    assert "every vertex" not in qelm.ok("solve", grid, "--fix", "boundary=1").stderr
+    qelm.write("all.csv", "".join(f"{v},1\n" for v in range(len(GRID[0]))))
+    done = qelm.ok("solve", grid, "--fix-file", "all.csv", "--fix", "vertex:0=1")
+    assert "note: every vertex of the mesh is fixed: nothing is left to solve\n" in done.stderr
+    points, faces = GRID
+    soup = [points[v] for face in faces for v in face], [(3 * k, 3 * k + 1, 3 * k + 2) for k in range(len(faces))]
+    qelm.write("soup.obj", shapes.obj(soup))
+    done = qelm.ok("solve", "soup.obj", "--fix", "boundary=1")
+    assert "--fix boundary takes every vertex of the mesh: nothing is left to solve; it has 24 boundary loops" in done.stderr
+
+
+def test_a_printed_box_can_be_pasted(qelm):
+    far = [(6.5e6 + x / 10, 4.9e6 + y / 3, 1 / 7) for x, y, _ in GRID[0]]
+    qelm.write("far.obj", shapes.obj((far, GRID[1])))
+    line = next(line for line in qelm.ok("info", "far.obj").stdout.splitlines() if line.startswith("box"))
+    low, high = line.split()[1], line.split()[3]
+    fix = qelm.json("solve", "far.obj", "--fix", f"box:{low},{high}=1")["fix"]
+    assert fix[0]["vertices"] == len(far)
+    message = qelm.fails(2, "solve", "far.obj", "--fix", "box:0,0,0,1,1,1=1")
+    assert f"the mesh spans {low} to {high}" in message
+
+
+def test_neighbouring_vertices_are_told_apart(qelm):
+    far = [(6.5e6 + x / 1000, y, 0) for x, y, _ in GRID[0]]
+    qelm.write("far.obj", shapes.obj((far, GRID[1])))
+    done = qelm.ok("solve", "far.obj", "--fix", "box:0,0,0,6500000.001,9,0=1000000.25", "--fix",
+                   "box:6500000.003,0,0,9e6,9,0=1000000.125")
+    assert "minimum  1000000.125 at vertex 3 (6500000.003, 0, 0)" in done.stderr
+    assert "maximum  1000000.25 at vertex 0 (6500000, 0, 0)" in done.stderr

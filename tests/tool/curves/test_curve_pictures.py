@@ -83,6 +83,13 @@ def test_the_scale_tells_levels_and_range(draw):
     assert picture.texts("labels") == ["0.25", "0.25", "0.5", "0.5", "0.75", "0.75"]
 
 
+def test_the_scale_tells_the_ends_of_a_narrow_range_apart(draw):
+    fix = ["--fix", "box:0,0,0,0,9,0=1000000.125", "--fix", "box:4,0,0,4,9,0=1000000.25"]
+    texts = draw(shapes.grid(4, 3), fix, "--levels", "1").texts("scale")
+    assert texts[:2] == ["max 1000000.25", "min 1000000.125"]
+    assert 1000000.125 < float(texts[2]) < 1000000.25
+
+
 def test_labels_of_many_levels_keep_apart(draw):
     picture = draw(shapes.grid(4, 3), LEFT_RIGHT, "--levels", "99")
     texts = [t for t in picture.groups["scale"].findall(SVG + "text")]

@@ -105,6 +105,33 @@ def test_even_levels_between_round_values_are_round(qelm, grid):
     assert summary["levels"] == [-15, -10, -5, 0, 5, 10, 15, 20, 25]
 
 
+ROUND = {
+    "nothing": ([], 0, 1, [k / 10 for k in range(1, 10)]),
+    "nothing_but_round": (["--round"], -3, 47, [0, 5, 10, 15, 20, 25, 30, 35, 40, 45]),
+    "five": (["--levels", "5", "--round"], 0, 1, [0.2, 0.4, 0.6, 0.8]),
+    "four_of_large": (["--levels", "4", "--round"], 1e6, 1e6 + 1, [1e6 + k / 5 for k in range(1, 5)]),
+    "one": (["--levels", "1", "--round"], 0.3, 0.9, [0.5]),
+    "tiny": (["--levels", "3", "--round"], 0, 1e-300, [2e-301, 4e-301, 6e-301, 8e-301]),
+}
+
+
+@pytest.mark.parametrize("case", ROUND)
+def test_round_levels_are_the_nearest_decimal_numbers(qelm, grid, case):
+    arguments, low, high, expected = ROUND[case]
+    fix = ["--fix", f"box:0,0,0,0,9,0={low!r}", "--fix", f"box:4,0,0,4,9,0={high!r}"]
+    assert qelm.json("curves", grid, *fix, *arguments, "-o", "c.csv")["levels"] == expected
+
+
+def test_a_field_without_a_round_number_inside_is_cut_evenly(qelm, grid):
+    import math
+
+    low = 1.0
+    high = math.nextafter(math.nextafter(low, 2), 2)
+    fix = ["--fix", f"box:0,0,0,0,9,0={low!r}", "--fix", f"box:4,0,0,4,9,0={high!r}"]
+    message = qelm.fails(2, "curves", grid, *fix, "-o", "c.csv")
+    assert "so there is no range to cut" in message
+
+
 def test_steps_count_from_zero(qelm, grid):
     fix = ["--fix", "box:0,0,0,0,9,0=-0.75", "--fix", "box:4,0,0,4,9,0=1"]
     qelm.ok("curves", grid, *fix, "--every", "0.5", "-o", "c.obj")
@@ -162,7 +189,7 @@ def test_refusals(qelm, grid):
     level = ["--levels", "3"]
     out = ["-o", "c.obj"]
     cases = [
-        (2, [*LEFT_RIGHT, *out], "no levels; give --levels N, --at V,V,... or --every STEP"),
+        (2, [*LEFT_RIGHT, "--every", "1", "--round", *out], "--round is for --levels; --at and --every say exactly"),
         (2, [*LEFT_RIGHT, *level, "--at", "1", *out], "give only one of --levels, --at and --every"),
         (2, [*LEFT_RIGHT, "--levels", "0", *out], "--levels 0: a whole number from 1 to 10000"),
         (2, [*LEFT_RIGHT, "--levels", "99999999999", *out], "a whole number from 1 to 10000"),
@@ -172,10 +199,10 @@ def test_refusals(qelm, grid):
         (2, [*LEFT_RIGHT, "--every", "1e-300", *out], "more than 10000 levels between 0 and 1"),
         (2, [*LEFT_RIGHT, "--every", "7", *out], "no multiple of it lies between 0 and 1; use a"),
         (2, [*LEFT_RIGHT, *level], "--output is required"),
-        (2, [*LEFT_RIGHT, *level, "-o", "c.step"], "a name that ends in .obj, .json, .svg or .csv"),
+        (2, [*LEFT_RIGHT, *level, "-o", "c.step"], ".step is not written here; 'curves' writes .obj, .json, .csv and .svg"),
         (2, [*LEFT_RIGHT, *level, *out, "--format", "dxf"], "or --format obj and so on"),
         (2, [*LEFT_RIGHT, *level, *out, *out], "-o c.obj: given twice"),
-        (2, [*LEFT_RIGHT, *level, "-o", "grid.obj"], "-o would overwrite the mesh grid.obj"),
+        (2, [*LEFT_RIGHT, *level, "-o", "grid.obj"], "-o grid.obj would overwrite grid.obj"),
         (2, [*LEFT_RIGHT, *level, "--json", "-o", "-"], "not both"),
         (2, [*LEFT_RIGHT, *level, *out, "--view", "top"], "--view top: give best, x, y, z, -x"),
         (2, [*LEFT_RIGHT, *level, *out, "--view", "0,0,0"], "--view 0,0,0: give best"),

@@ -83,6 +83,6 @@ def test_a_folder_that_cannot_be_written_to_is_named(qelm, target):
         cwd=qelm.folder, capture_output=True, encoding="utf-8",
     )  # fmt: skip
     assert done.returncode == 1, done.stderr
-    assert f"closed{'' if target == 'out' else '/' + target}: cannot be written" in done.stderr
+    assert f"closed/{target}{'.obj' if target == 'out' else ''}: cannot be written" in done.stderr
     assert "Permission denied" in done.stderr
     assert list(closed.iterdir()) == []

@@ -1,4 +1,4 @@
-"""--help: the grammar, the exit codes, and examples that run as they stand."""
+"""--help and help: short, nothing said twice, and examples that run as they stand."""
 
 import re
 import shlex
@@ -44,23 +44,48 @@ def test_every_example_runs(qelm, helps, command):
         qelm.ok(*example)
 
 
-@pytest.mark.parametrize("command", ["solve", "heatmap", "curves", "view"])
-def test_every_command_with_a_field_shows_the_same_grammar(helps, command):
-    text = helps[command].stdout
-    for form in (
-        "--fix SELECTOR=VALUE[:TAG]", "--fix-file FILE.csv", "--load FILE.csv", "vertex:I[,I...]", "loop:K",
-        "boundary ", "near:X,Y,Z", "box:X0,Y0,Z0,X1,Y1,Z1", "from 0",
-    ):  # fmt: skip
-        assert form in text, form
+def topics_of(text):
+    """The topics that the end of a --help names."""
+    return re.search(r"^More: qelm help (.*)$", text, re.MULTILINE)[1].split(", ")
 
 
 @pytest.mark.parametrize("command", COMMANDS)
-def test_every_command_shows_the_exit_codes_and_fits_a_terminal(helps, command):
+def test_help_fits_a_screen_and_says_where_the_rest_is(qelm, helps, command):
     text = helps[command].stdout
-    section = text[text.index("Exit codes:") :]
-    assert re.findall(r"^  (\d)  ", section, re.MULTILINE) == list("012345")
-    long = [line for line in text.splitlines() if len(line) > 88 and not line.startswith("  qelm ")]
-    assert long == []
+    assert len(text.splitlines()) <= 30
+    assert [line for line in text.splitlines() if len(line) > 80] == []
+    for topic in topics_of(text):
+        assert qelm.ok("help", topic).stdout.startswith(topic + ": ")
+
+
+def test_every_topic_is_listed_and_named_by_a_command(qelm, helps):
+    listed = re.findall(r"^  qelm help (\w+) ", qelm.ok("help").stdout, re.MULTILINE)
+    assert listed == re.findall(r"^  qelm help (\w+) ", qelm.ok("--help").stdout, re.MULTILINE)
+    assert set(listed) == {topic for command in COMMANDS for topic in topics_of(helps[command].stdout)}
+    assert qelm.ok("help", "solve").stdout == helps["solve"].stdout
+    message = qelm.fails(2, "help", "weather")
+    assert "there is no help on 'weather'; name one of: conditions|" in message
+
+
+def test_nothing_is_said_twice(qelm, helps):
+    listed = re.findall(r"^  qelm help (\w+) ", qelm.ok("help").stdout, re.MULTILINE)
+    texts = [qelm.ok("help", topic).stdout for topic in listed]
+    texts += [helps[command].stdout.partition("Examples:")[2].partition("More:")[0] for command in COMMANDS]
+    lines = [line for text in texts for line in set(text.splitlines()) if len(line) > 20]
+    assert sorted(lines) == sorted(set(lines))
+    assert [line for line in lines if len(line) > 88] == []
+
+
+def test_the_grammar_of_conditions_and_the_exit_codes_are_topics(qelm):
+    text = qelm.ok("help", "conditions").stdout
+    for form in (
+        "--fix SELECTOR=VALUE[:TAG]", "--fix-file FILE.csv", "vertex:I[,I...]", "loop:K",
+        "boundary ", "near:X,Y,Z", "box:X0,Y0,Z0,X1,Y1,Z1", "from 0",
+    ):  # fmt: skip
+        assert form in text, form
+    assert "K u + g = 0" in qelm.ok("help", "loads").stdout
+    section = qelm.ok("help", "output").stdout.partition("Exit codes:")[2]
+    assert re.findall(r"^    (\d)  ", section, re.MULTILINE) == list("012345")
 
 
 @pytest.mark.parametrize("page", ["boundary-conditions.md", "tool.md"])
@@ -71,15 +96,15 @@ def test_examples_in_the_documents_run(qelm, page):
         qelm.ok(*shlex.split(line)[1:])
 
 
-def test_documents_name_every_command_selector_and_exit_code(helps):
+def test_documents_name_every_command_selector_and_exit_code(qelm):
     tool = (built.SOURCE / "docs" / "tool.md").read_text()
-    for command in (*COMMANDS, "completion", "manual"):
+    for command in (*COMMANDS, "completion", "manual", "help"):
         assert f"| `{command}` |" in tool
-    help_text = helps["solve"].stdout
-    codes = re.findall(r"^  (\d)  (.*(?:\n     .*)*)", help_text, re.MULTILINE)
+    codes = re.findall(r"^    (\d)  (.*(?:\n       .*)*)", qelm.ok("help", "output").stdout, re.MULTILINE)
     assert len(codes) == 6
     for code, meaning in codes:
         assert f"| {code} | {' '.join(meaning.split())} |" in tool
     conditions = (built.SOURCE / "docs" / "boundary-conditions.md").read_text()
+    help_text = qelm.ok("help", "conditions").stdout
     for selector in re.findall(r"^    ([a-z]+(?::\S+)?)  ", help_text.split("Selectors:")[1], re.MULTILINE)[:5]:
         assert f"| `{selector}` |" in conditions, selector

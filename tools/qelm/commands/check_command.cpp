@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "fields/verdict.h"
 #include "files/output_file.h"
+#include "mesh/delaunay.h"
 #include "mesh/mesh_checks.h"
 #include "mesh_files/load_mesh.h"
 #include "qelm.h"
@@ -29,6 +30,15 @@ struct Line {
   const char* advice;  ///< empty for what is no defect
 };
 
+/// A defect where the mesh will not work, else for information.
+constexpr Line kThin = {
+    "nearZeroArea",
+    &QelmMeshReport::nearZeroArea,
+    Element::triangle,
+    "triangle has no area, or too little for its size and place",
+    "triangles have no area, or too little for their size and place",
+    "remove such triangles or merge their corners; move a mesh that is far away to the origin"};
+
 constexpr Line kDefects[] = {
     {"indexOutOfRange", &QelmMeshReport::indexOutOfRange, Element::triangle,
      "triangle names a vertex that does not exist", "triangles name a vertex that does not exist",
@@ -40,10 +50,7 @@ constexpr Line kDefects[] = {
     {"notFinite", &QelmMeshReport::notFinite, Element::vertex,
      "vertex has a coordinate that is not finite", "vertices have a coordinate that is not finite",
      "repair the file"},
-    {"nearZeroArea", &QelmMeshReport::nearZeroArea, Element::triangle,
-     "triangle has no area, or too little for its size and place",
-     "triangles have no area, or too little for their size and place",
-     "remove such triangles or merge their corners; move a mesh that is far away to the origin"},
+    kThin,
     {"sizeOutOfRange", &QelmMeshReport::sizeOutOfRange, Element::triangle,
      "triangle is too small or too large to compute with",
      "triangles are too small or too large to compute with", "choose another unit"},
@@ -72,13 +79,16 @@ struct Check {
   Mesh mesh;
   std::optional<Prescribed> prescribed;
   QelmMeshReport report = {};
-  int code = 0;
+  int code = 0;  ///< of the report's first defect
+  NotDelaunay notDelaunay;
+  Verdict verdict;
+
+  bool works() const { return verdict.grade != Grade::kWillNotWork; }
 };
 
-/// Without conditions every vertex counts as fixed, so that no part lacks one.
+/// Without conditions one vertex of every part counts as fixed, so that no part lacks one.
 std::vector<int> tagsOf(const Check& check) {
-  if (check.prescribed) return check.prescribed->tags;
-  return std::vector<int>(static_cast<std::size_t>(check.mesh.vertexCount()), 1);
+  return check.prescribed ? check.prescribed->tags : leastTags(check.mesh);
 }
 
 Check checkFile(const CheckOptions& options, const Console& console) {
@@ -92,9 +102,11 @@ Check checkFile(const CheckOptions& options, const Console& console) {
     check.prescribed =
         naming(options.mesh, [&] { return prescribe(check.mesh, conditions, fromFile); });
   const std::vector<int> tags = tagsOf(check);
-  check.code = qelmcheckTagged(check.mesh.vertexCount(), check.mesh.vertices.data(),
-                               check.mesh.triangleCount(), check.mesh.triangles.data(), tags.data(),
-                               &check.report);
+  check.report = reportOn(check.mesh, tags, &check.code);
+  check.notDelaunay = notDelaunay(check.mesh, tags);
+  check.verdict = verdictOn(check.mesh, tags, check.report);
+  // What works is no defect, whatever the report says.
+  if (check.works()) check.code = 0;
   return check;
 }
 
@@ -116,36 +128,48 @@ std::string describe(const Check& check, const Line& line) {
   return text + "\n";
 }
 
-/// The library says what the arithmetic leaves of a triangle; in digits that is clearer.
-std::string describeWorst(const Check& check) {
-  if (check.report.worstTriangle < 0) return "";
-  const double rounding = std::numeric_limits<double>::epsilon() / check.report.worstQuality;
-  return fmt::format("          worst for rounding: {}, {}\n",
-                     describeTriangle(check.mesh, static_cast<int>(check.report.worstTriangle)),
-                     rounding < 1 ? fmt::format("about {:.0e} of the field", rounding)
-                                  : std::string("which leaves nothing of the field"));
+/// Which edges let a field leave the range of its fixed values, and whether they can.
+std::string describeNotDelaunay(const Check& check) {
+  const NotDelaunay& found = check.notDelaunay;
+  std::string text =
+      fmt::format("{:>9} {}", found.count,
+                  found.count == 1 ? "edge that is not Delaunay" : "edges that are not Delaunay");
+  if (found.count == 0) return text + ": a field without load stays within its fixed values\n";
+  text += fmt::format("; the first: {} to {}\n", found.first[0], found.first[1]);
+  if (found.free == 0)
+    return text +
+           "          both ends of each are fixed: a field without load stays within "
+           "its fixed values\n";
+  return text + "          near them a field may leave the range of its fixed values a little\n";
 }
 
-std::string verdict(const Check& check) {
-  if (check.code != 0) return fmt::format("cannot be solved on: {}", qelmstatustext(check.code));
-  return check.prescribed ? "every solve on it with these --fix is well posed"
-                          : "can be solved on, once every part has a fixed vertex";
+std::string describeWorst(const Check& check) {
+  if (check.report.worstTriangle < 0) return "";
+  return fmt::format("          the thinnest for its size and place: {}\n",
+                     describeTriangle(check.mesh, static_cast<int>(check.report.worstTriangle)));
+}
+
+std::string describeVerdict(const Check& check) {
+  const bool isOpen = !check.prescribed && check.works();
+  return check.verdict.text + (isOpen ? ", once every part has a fixed vertex" : "");
 }
 
 std::string reportText(const Check& check, const std::string& name) {
   std::string text = fmt::format("{}: {} vertices, {} triangles\n", name, check.mesh.vertexCount(),
                                  check.mesh.triangleCount());
-  text += check.code == 0 ? "Defects: none\n" : "Defects\n";
+  text += check.works() ? "Defects: none\n" : "Defects\n";
   for (const Line& line : kDefects) {
-    if ((check.report.*line.finding).count == 0) continue;
+    if (check.works() || (check.report.*line.finding).count == 0) continue;
     text += describe(check, line) + fmt::format("          {}\n", line.advice);
   }
   text += "For information\n";
   for (const Line& line : kInformation) text += describe(check, line);
+  if (check.works() && check.report.nearZeroArea.count > 0) text += describe(check, kThin);
+  text += describeNotDelaunay(check);
   if (check.prescribed)
     text += fmt::format("{:>9} fixed {}\n", check.prescribed->fixedCount,
                         check.prescribed->fixedCount == 1 ? "vertex" : "vertices");
-  return text + describeWorst(check) + "Verdict: " + verdict(check) + "\n";
+  return text + describeWorst(check) + "Verdict: " + describeVerdict(check) + "\n";
 }
 
 Json findingJson(const Check& check, const Line& line) {
@@ -159,17 +183,29 @@ Json findingJson(const Check& check, const Line& line) {
   return json;
 }
 
+const char* gradeName(Grade grade) {
+  if (grade == Grade::kFine) return "fine";
+  return grade == Grade::kWithError ? "will work, but with an error" : "will not work";
+}
+
 Json reportJson(const Check& check, const std::string& name) {
   Json json = {{"mesh", name},
                {"vertices", check.mesh.vertexCount()},
                {"triangles", check.mesh.triangleCount()},
                {"code", check.code},
-               {"verdict", qelmstatustext(check.code)},
+               {"grade", gradeName(check.verdict.grade)},
+               {"verdict", check.verdict.text},
+               {"error", check.verdict.error},
                {"defects", Json::object()},
                {"information", Json::object()}};
-  for (const Line& line : kDefects) json["defects"][line.key] = findingJson(check, line);
+  for (const Line& line : kDefects) {
+    const bool isDefect = line.finding != kThin.finding || !check.works();
+    json[isDefect ? "defects" : "information"][line.key] = findingJson(check, line);
+  }
   if (!check.prescribed) json["defects"].erase("untaggedPart");
   for (const Line& line : kInformation) json["information"][line.key] = findingJson(check, line);
+  json["information"]["notDelaunayEdge"] = {{"count", check.notDelaunay.count},
+                                            {"canMatter", check.notDelaunay.free > 0}};
   if (check.prescribed) json["information"]["fixedVertices"] = check.prescribed->fixedCount;
   json["information"]["worstTriangle"] = nullptr;
   json["information"]["worstQuality"] = nullptr;
@@ -191,8 +227,7 @@ int runCheck(const CheckOptions& options, const OutputOptions& output) {
     printJson(reportJson(check, options.mesh));
   else if (!output.quiet)
     printData(reportText(check, options.mesh));
-  if (check.code == 0) return kExitOk;
-  return check.code == QELM_CHECK_UNTAGGED_PART ? kExitSingular : kExitBadMesh;
+  return check.verdict.exitCode;
 }
 
 }  // namespace qelm::tool

@@ -15,9 +15,8 @@ struct CheckOptions {
   std::string fixFile;
 };
 
-/// Prints the report on the standard output. Returns kExitOk when the mesh constructs
-/// and every solve on it is well posed, kExitSingular when only fixed vertices are
-/// missing, else kExitBadMesh.
+/// Prints the report on the standard output. Returns what a solve with these conditions would
+/// end with; without conditions, with one fixed vertex in every part.
 int runCheck(const CheckOptions& options, const OutputOptions& output);
 
 }  // namespace qelm::tool

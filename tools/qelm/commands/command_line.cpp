@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 #include <sstream>
 
 #include "commands/check_command.h"
@@ -12,6 +14,7 @@
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
 #include "files/output_file.h"
+#include "files/result_name.h"
 #include "terminal/completion.h"
 #include "terminal/console.h"
 #include "terminal/help_texts.h"
@@ -29,7 +32,7 @@ void addOutputOptions(CLI::App& command, OutputOptions& output) {
 }
 
 void addMesh(CLI::App& command, std::string& mesh) {
-  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl, text or binary")
+  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl")
       ->type_name("MESH")
       ->required();
 }
@@ -51,8 +54,36 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
 
 void addLevels(CLI::App& command, LevelOptions& levels) {
   command.add_option("--levels", levels.count, "Cut at N levels, evenly spaced")->type_name("N");
+  command.add_flag("--round", levels.round, "Take round levels, about as many");
   command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
   command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
+}
+
+/// Compact: what an option takes, and in words whether it must be given.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() { column_width(kColumn); }
+
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
+    return " " + option->get_type_name();
+  }
+  std::string make_option_desc(const CLI::Option* option) const override {
+    return option->get_description() +
+           (option->get_required() && !option->get_positional() ? " (required)" : "");
+  }
+
+ private:
+  static constexpr std::size_t kColumn = 30;
+};
+
+/// All that the command line says, but where results go: what of it is a file may be read.
+InputNames inputsOf(const CLI::App& command) {
+  InputNames names;
+  for (const CLI::Option* option : command.get_options())
+    if (!option->check_lname("output"))
+      for (const std::string& value : option->results()) names.push_back(value);
+  return names;
 }
 
 class CommandLine {
@@ -65,7 +96,9 @@ class CommandLine {
                           "Print the version and exit");
     app_.set_help_flag("-h,--help", "Print this help and exit");
     app_.require_subcommand(1);
-    app_.footer(sections({kTourHelp, kStreamsHelp, kExitHelp}));
+    app_.formatter(std::make_shared<HelpFormatter>());
+    app_.footer(topicList() +
+                "\nWhere to begin:\n  qelm info MESH      shows the boundary loops of a mesh\n");
     addInfo();
     addCheck();
     addSolve();
@@ -75,6 +108,7 @@ class CommandLine {
     addWeld();
     addCompletion();
     addManual();
+    addHelp();
   }
 
   int run(std::vector<std::string> arguments) {
@@ -89,18 +123,27 @@ class CommandLine {
   }
 
  private:
+  /// Every command's: what it reads is known to all that write files.
+  template <class Run>
+  void onRun(CLI::App& command, Run run) {
+    command.callback([this, &command, run] {
+      output_.inputs = inputsOf(command);
+      run();
+    });
+  }
+
   void addInfo() {
     CLI::App& command =
         *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
     addMesh(command, info_.mesh);
     addOutputOptions(command, output_);
-    command.footer(sections({kInfoExamples, kInfoHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] { runInfo(info_, output_); });
+    command.footer(footer(kInfoExamples, "facts, files, output"));
+    onRun(command, [this] { runInfo(info_, output_); });
   }
 
   void addSolve() {
-    CLI::App& command = *app_.add_subcommand(
-        "solve", "Compute the smooth field between fixed values on a triangle mesh");
+    CLI::App& command =
+        *app_.add_subcommand("solve", "Compute the smooth field between fixed values");
     addFieldOptions(command, solve_.field);
     solve_.field.several = true;
     command
@@ -108,9 +151,8 @@ class CommandLine {
                     "Write the field as CSV; - is the standard output")
         ->type_name("FIELD.csv");
     addOutputOptions(command, output_);
-    command.footer(sections({kSolveExamples, kSolveHelp, kConditionHelp, kSeveralHelp, kFixFileHelp,
-                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    command.footer(footer(kSolveExamples, "conditions, loads, files, output"));
+    onRun(command, [this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
     });
@@ -122,24 +164,19 @@ class CommandLine {
     addMesh(command, check_.mesh);
     addFixes(command, check_.fixes, check_.fixFile);
     addOutputOptions(command, output_);
-    command.footer(sections({kCheckExamples, kCheckHelp, kConditionHelp, kFixFileHelp, kSoupHelp,
-                             kStreamsHelp, kExitHelp}));
-    command.callback([this] { outcome_ = runCheck(check_, output_); });
+    command.footer(footer(kCheckExamples, "checks, conditions, files, output"));
+    onRun(command, [this] { outcome_ = runCheck(check_, output_); });
   }
 
   void addHeatmap() {
-    CLI::App& command =
-        *app_.add_subcommand("heatmap", "Write a mesh with its field as a heat map for any viewer");
+    CLI::App& command = *app_.add_subcommand("heatmap", "Write a mesh with its field in colours");
     addFieldOptions(command, heatmap_.field);
-    command
-        .add_option("-o,--output", heatmap_.output,
-                    "Where the files go, without extension, or OUT.ply")
+    command.add_option("-o,--output", heatmap_.output, "PATH.obj and two more files, or OUT.ply")
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(sections({kHeatmapExamples, kHeatmapHelp, kConditionHelp, kFixFileHelp,
-                             kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    command.footer(footer(kHeatmapExamples, "conditions, loads, files, output"));
+    onRun(command, [this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
     });
@@ -150,9 +187,7 @@ class CommandLine {
         *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
     addFieldOptions(command, curves_.field);
     addLevels(command, curves_.levels);
-    command
-        .add_option("-o,--output", curves_.outputs,
-                    "Where the curves go: .obj, .json, .svg, .csv, or -")
+    command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .csv; or -")
         ->type_name("OUT")
         ->allow_extra_args(false)
         ->required();
@@ -163,21 +198,19 @@ class CommandLine {
     command.add_option("--up", curves_.up, "What points up in an .svg")->type_name("x|y|z|auto");
     command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")->type_name("TEXT");
     addOutputOptions(command, output_);
-    command.footer(sections({kCurvesExamples, kCurvesHelp, kPictureHelp, kConditionHelp,
-                             kFixFileHelp, kLoadHelp, kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    command.footer(footer(kCurvesExamples, "levels, conditions, loads, files, pictures, output"));
+    onRun(command, [this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
     });
   }
 
   void addView() {
-    CLI::App& command = *app_.add_subcommand(
-        "view", "Write a page that shows the field in a browser: turn, zoom, read values");
+    CLI::App& command =
+        *app_.add_subcommand("view", "Write a page that shows the field in a browser");
     addFieldOptions(command, view_.field);
     addLevels(command, view_.levels);
-    command
-        .add_option("-o,--output", view_.output, "Where the page goes; - is the standard output")
+    command.add_option("-o,--output", view_.output, "Where it goes; - is the standard output")
         ->type_name("PAGE.html")
         ->required();
     command.add_option("--page", view_.page, "Fill in this page, such as the live one")
@@ -187,9 +220,8 @@ class CommandLine {
     command.add_option("--up", view_.up, "What points up")->type_name("x|y|z|auto");
     command.add_option("--unit", view_.unit, "The values' unit")->type_name("TEXT");
     addOutputOptions(command, output_);
-    command.footer(sections({kViewExamples, kViewHelp, kConditionHelp, kFixFileHelp, kLoadHelp,
-                             kSoupHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] {
+    command.footer(footer(kViewExamples, "levels, conditions, loads, pictures, output"));
+    onRun(command, [this] {
       requireFixes(view_.field);
       runView(view_, output_);
     });
@@ -199,29 +231,44 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("weld", "Merge vertices that lie together, as in STL files");
     addMesh(command, weld_.mesh);
-    command
-        .add_option("-o,--output", weld_.output, "Where the mesh goes; - is the standard output")
+    command.add_option("-o,--output", weld_.output, "Where it goes; - is the standard output")
         ->type_name("OUT")
         ->required();
     command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
-    command.footer(sections({kWeldExamples, kWeldHelp, kStreamsHelp, kExitHelp}));
-    command.callback([this] { runWeld(weld_, output_); });
+    command.footer(footer(kWeldExamples, "welding, files, output"));
+    onRun(command, [this] { runWeld(weld_, output_); });
   }
 
   void addCompletion() {
     CLI::App& command = *app_.add_subcommand(
         "completion", "Print a script that completes command lines in a shell");
     command.add_option("shell", shell_, "The shell")->type_name("bash|zsh|fish")->required();
-    command.footer(sections({kCompletionExamples, kCompletionHelp}));
-    command.callback([this] { printData(completionScript(app_, shell_)); });
+    command.footer(footer(kCompletionExamples, ""));
+    onRun(command, [this] { printData(completionScript(app_, shell_)); });
   }
 
   void addManual() {
     CLI::App& command = *app_.add_subcommand("manual", "Print the manual page, for man");
-    command.footer(sections({kManualExamples}));
-    command.callback([this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
+    command.footer(footer(kManualExamples, ""));
+    onRun(command, [this] { printData(manualPage(app_, QELM_TOOL_VERSION)); });
+  }
+
+  void addHelp() {
+    CLI::App& command = *app_.add_subcommand("help", "Explain conditions, levels, files and so on");
+    command.add_option("topic", topic_, "What about; all topics unless given")
+        ->type_name(topicNames());
+    command.footer(footer(kHelpExamples, ""));
+    onRun(command, [this] { printData(helpOn(topic_)); });
+  }
+
+  /// A topic's text, or a command's own help.
+  std::string helpOn(const std::string& name) const {
+    if (name.empty()) return topicList();
+    for (const CLI::App* command : app_.get_subcommands({}))
+      if (command->get_name() == name) return command->help("qelm");
+    return topicText(name);
   }
 
   // CLI11 would only say that a subcommand is required.
@@ -257,6 +304,7 @@ class CommandLine {
   CLI::App app_{"Smooth fields between prescribed values on triangle meshes."};
   int outcome_ = kExitOk;
   std::string shell_;
+  std::string topic_;
   OutputOptions output_;
   CheckOptions check_;
   InfoOptions info_;

@@ -29,7 +29,10 @@ struct Target {
 
 CurveFormat formatOf(const std::string& name, const std::string& wanted) {
   if (name == "-" && wanted.empty()) return CurveFormat::kCsv;
-  const std::string extension = wanted.empty() ? lowerExtension(toPath(name)) : "." + wanted;
+  const std::string extension = wanted.empty()
+                                    ? promisedFormat(name, {".obj", ".json", ".svg", ".csv"},
+                                                     "'curves' writes .obj, .json, .csv and .svg")
+                                    : "." + wanted;
   if (extension == ".obj") return CurveFormat::kObj;
   if (extension == ".json") return CurveFormat::kJson;
   if (extension == ".svg") return CurveFormat::kSvg;
@@ -48,10 +51,10 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
     const auto isSame = [&name](const Target& target) { return target.name == name; };
     if (std::any_of(targets.begin(), targets.end(), isSame))
       throw UsageError(fmt::format("-o {}: given twice", name));
-    refuseToOverwrite(options.field.mesh, toPath(name));
     targets.push_back({name, formatOf(name, options.format), nullptr});
   }
-  for (Target& target : targets) target.file = std::make_unique<OutputFile>(target.name);
+  for (Target& target : targets)
+    target.file = std::make_unique<OutputFile>(target.name, output.inputs);
   return targets;
 }
 
@@ -84,7 +87,7 @@ ReportItem report(const CurveSet& curves) {
   std::size_t closed = 0;
   for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
   return {"curves",
-          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {:.6g} to {:.6g}",
+          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {} to {}",
                       curves.size(), closed, curves.size() - closed, curves.pointCount(),
                       levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
           {{"levels", levels},
@@ -113,7 +116,9 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
     const Projection projection =
         projectionFor(view, solved.mesh, upAxis(up, solved.meshName, solved.mesh));
     for (Target& target : targets) write(target, solved, curves, projection, options.unit);
-    for (Target& target : targets) target.file->commit();
+    std::vector<OutputFile*> files;
+    for (const Target& target : targets) files.push_back(target.file.get());
+    commitTogether(files);
   });
   for (const Target& target : targets)
     results.push_back(target.name == "-" ? "standard output" : target.name);

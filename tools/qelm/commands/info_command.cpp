@@ -46,14 +46,18 @@ std::string partsText(const Mesh& mesh, const MeshFacts& facts) {
 
 std::string loopsText(const Mesh& mesh, const MeshFacts& facts) {
   if (facts.loops.empty()) return "boundary   none: the mesh is closed\n";
+  // Nobody tells places of loops apart that are closer together.
+  constexpr double kStep = 1e-6;
+  const double step = kStep * length(facts.high - facts.low);
   std::string text =
       fmt::format("boundary   {}, longest first\n", plural(facts.loops.size(), "loop"));
   for (std::size_t k = 0; k < std::min(facts.loops.size(), kShown); ++k) {
     const BoundaryLoop& loop = facts.loops[k];
     const Point p = middle(mesh, loop.vertices);
-    text += fmt::format("  {:<9}{:.6g} long, {} vertices, round ({:.6g}, {:.6g}, {:.6g}){}\n",
-                        fmt::format("loop:{}", k), loop.length, loop.vertices.size(), p[0], p[1],
-                        p[2], loop.closed ? "" : ", open: it ends where three triangles meet");
+    text += fmt::format("  {:<9}{} long, {} vertices, round ({}, {}, {}){}\n",
+                        fmt::format("loop:{}", k), digits(loop.length), loop.vertices.size(),
+                        digits(p[0], step), digits(p[1], step), digits(p[2], step),
+                        loop.closed ? "" : ", open: it ends where three triangles meet");
   }
   return facts.loops.size() > kShown ? text + "  ...\n" : text;
 }
@@ -62,12 +66,13 @@ std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& f
   const Point size = facts.high - facts.low;
   std::string text = fmt::format(
       "{}\nvertices   {}\ntriangles  {}\n"
-      "box        {:.6g},{:.6g},{:.6g} to {:.6g},{:.6g},{:.6g}\n"
-      "size       {:.6g} x {:.6g} x {:.6g}\narea       {:.6g}\n"
-      "edges      {}, {:.6g} to {:.6g} long, {:.6g} on average\n",
+      "box        {},{},{} to {},{},{}\n"
+      "size       {} x {} x {}\narea       {}\n"
+      "edges      {}, {} to {} long, {} on average\n",
       name, mesh.vertexCount(), mesh.triangleCount(), facts.low[0], facts.low[1], facts.low[2],
-      facts.high[0], facts.high[1], facts.high[2], size[0], size[1], size[2], facts.area,
-      facts.edges.count, facts.edges.shortest, facts.edges.longest, facts.edges.mean);
+      facts.high[0], facts.high[1], facts.high[2], digits(size[0]), digits(size[1]),
+      digits(size[2]), digits(facts.area), facts.edges.count, digits(facts.edges.shortest),
+      digits(facts.edges.longest), digits(facts.edges.mean));
   if (!facts.unused.empty())
     text += fmt::format("unused     {}, the first is {}\n", facts.unused.size(),
                         describeVertex(mesh, facts.unused[0]));

@@ -21,14 +21,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kLevelsUnlessGiven = "12";
-
-LevelChoice levelChoice(LevelOptions options) {
-  if (options.count.empty() && options.at.empty() && options.every.empty())
-    options.count = kLevelsUnlessGiven;
-  return LevelChoice(options);
-}
-
 struct FirstView {
   ViewChoice choice;
   std::optional<std::size_t> up;
@@ -143,13 +135,13 @@ void writeFilled(std::string_view page,
 
 void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
-  const LevelChoice choice = levelChoice(options.levels);
+  const LevelChoice choice(options.levels);
   const FirstView view = {parseView(options.view), parseUp(options.up)};
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the page (-o -) or --json, not both");
-  refuseToOverwrite(options.field.mesh, toPath(options.output));
-  OutputFile file(options.output);
+  promisedFormat(options.output, {".html", ".htm"}, "'view' writes a page, .html");
+  OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
   const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
@@ -166,7 +158,7 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   });
   const ReportItem report = {
       "levels",
-      fmt::format("{}, {:.6g} to {:.6g}", levels.size(), levels.front(), levels.back()),
+      fmt::format("{}, {} to {}", levels.size(), levels.front(), levels.back()),
       {{"levels", levels}}};
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
               {report});

@@ -11,7 +11,7 @@ namespace qelm::tool {
 
 struct ViewOptions {
   FieldOptions field;
-  LevelOptions levels;  ///< none given: twelve
+  LevelOptions levels;  ///< none given: about ten round ones
   std::string output;
   std::string view = "best";
   std::string up = "auto";

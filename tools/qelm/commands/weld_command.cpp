@@ -6,6 +6,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "fields/verdict.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
@@ -30,6 +31,7 @@ struct WeldRun {
   Mesh before;
   Welded after;
   double tolerance = 0;
+  int lostToSinglePrecision = 0;
   Steps steps;
 };
 
@@ -46,6 +48,7 @@ void printJson(const WeldRun& run, const WeldOptions& options) {
                         {"after", countsJson(run.after.mesh)},
                         {"droppedTriangles", run.after.droppedTriangles},
                         {"droppedVertices", run.after.droppedVertices},
+                        {"lostToSinglePrecision", run.lostToSinglePrecision},
                         {"seconds", seconds},
                         {"results", Json::array({options.output})}};
   printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
@@ -54,9 +57,9 @@ void printJson(const WeldRun& run, const WeldOptions& options) {
 void printLines(const WeldRun& run, const WeldOptions& options, const Console& console) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", options.mesh,
                            run.before.vertexCount(), run.before.triangleCount()));
-  console.line(fmt::format("welded   {} vertices, {} triangles, within {:.6g}",
+  console.line(fmt::format("welded   {} vertices, {} triangles, within {}",
                            run.after.mesh.vertexCount(), run.after.mesh.triangleCount(),
-                           run.tolerance));
+                           digits(run.tolerance)));
   console.line(
       fmt::format("dropped  {} triangles that collapsed or were repeated, {} vertices in "
                   "no triangle",
@@ -67,11 +70,17 @@ void printLines(const WeldRun& run, const WeldOptions& options, const Console& c
 
 /// A welded mesh that cannot be solved on is still a result; better to know now.
 void noteProblems(const Mesh& mesh, const Console& console) {
-  try {
-    checkMesh(mesh);
-  } catch (const InputError& problem) {
-    console.note(fmt::format("in the result, {}", problem.what()));
-  }
+  const std::vector<int> tags = leastTags(mesh);
+  const Verdict verdict = verdictOn(mesh, tags, reportOn(mesh, tags));
+  if (verdict.grade != Grade::kFine) console.note("the result " + verdict.text);
+}
+
+void noteLosses(const WeldRun& run, const WeldOptions& options, const Console& console) {
+  if (run.lostToSinglePrecision == 0) return;
+  console.note(fmt::format(
+      "{}: STL holds single precision, in which neighbouring vertices fall together: {} of {} "
+      "triangles are lost; write .ply or .obj, or move the mesh to the origin",
+      options.output, run.lostToSinglePrecision, run.after.mesh.triangleCount()));
 }
 
 }  // namespace
@@ -84,7 +93,7 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
   WeldRun run;
   run.steps = Steps(console);
   if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
-  OutputFile file(options.output);
+  OutputFile file(options.output, output.inputs);
   run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });
   naming(options.mesh, [&] {
     run.steps.run("weld", [&] {
@@ -93,6 +102,11 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
       run.after = weld(run.before, run.tolerance);
     });
   });
+  if (format == MeshFormat::kStl) {
+    run.lostToSinglePrecision =
+        naming(options.mesh, [&] { return lostToSinglePrecision(run.after.mesh); });
+    noteLosses(run, options, console);
+  }
   run.steps.run("write", [&] {
     writeMesh(run.after.mesh, format, file);
     file.commit();

@@ -12,6 +12,7 @@
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace {
@@ -31,6 +32,16 @@ long double distance(const Point& a, const Point& b) {
   const int shift = std::ilogb(largest);
   for (double& part : d) part = std::scalbn(part, -shift);
   return std::scalbn(static_cast<long double>(length(d)), shift + exponent);
+}
+
+Box boxOf(const Mesh& mesh) {
+  Box box{mesh.point(0), mesh.point(0)};
+  for (int v = 1; v < mesh.vertexCount(); ++v)
+    for (std::size_t k = 0; k < 3; ++k) {
+      box.low[k] = std::min(box.low[k], mesh.point(v)[k]);
+      box.high[k] = std::max(box.high[k], mesh.point(v)[k]);
+    }
+  return box;
 }
 
 class Selection {
@@ -77,7 +88,8 @@ class Selection {
     std::string text = fmt::format("the mesh has {} boundary loop{}", loops_->size(),
                                    loops_->size() == 1 ? "" : "s");
     for (std::size_t k = 0; k < std::min(loops_->size(), kShown); ++k)
-      text += fmt::format("{} loop:{} ({:.6g} long)", k == 0 ? ":" : ",", k, (*loops_)[k].length);
+      text +=
+          fmt::format("{} loop:{} ({} long)", k == 0 ? ":" : ",", k, digits((*loops_)[k].length));
     return loops_->size() > kShown ? text + ", ..." : text;
   }
 
@@ -118,15 +130,9 @@ class Selection {
   }
 
   std::string describeExtent() const {
-    Point low = mesh_.point(0);
-    Point high = low;
-    for (int v = 1; v < mesh_.vertexCount(); ++v)
-      for (std::size_t k = 0; k < 3; ++k) {
-        low[k] = std::min(low[k], mesh_.point(v)[k]);
-        high[k] = std::max(high[k], mesh_.point(v)[k]);
-      }
-    return fmt::format("the mesh spans {:.6g},{:.6g},{:.6g} to {:.6g},{:.6g},{:.6g}", low[0],
-                       low[1], low[2], high[0], high[1], high[2]);
+    const Box box = boxOf(mesh_);
+    return fmt::format("the mesh spans {},{},{} to {},{},{}", box.low[0], box.low[1], box.low[2],
+                       box.high[0], box.high[1], box.high[2]);
   }
 
   const Mesh& mesh_;
@@ -174,6 +180,34 @@ std::vector<int> fix(Prescribed& prescribed, const std::vector<int>& vertices,
   return changed;
 }
 
+/// The vertex that near: took, with a note where the point is far from the whole mesh.
+Nearest nearestOf(const Mesh& mesh, const Condition& condition, int vertex,
+                  std::vector<std::string>& notes) {
+  const Point& target = std::get<NearestTo>(condition.selector).point;
+  const Box box = boxOf(mesh);
+  Point inside;
+  for (std::size_t k = 0; k < 3; ++k) inside[k] = std::clamp(target[k], box.low[k], box.high[k]);
+  const long double outside = distance(target, inside);
+  const long double diagonal = distance(box.low, box.high);
+  if (outside > diagonal)
+    notes.push_back(fmt::format(
+        "--fix {}: the point lies {:.6g} outside of the mesh's box, whose diagonal is {:.6g}; is "
+        "it in another unit, or from another mesh?",
+        condition.text, static_cast<double>(outside), static_cast<double>(diagonal)));
+  return {vertex, static_cast<double>(distance(target, mesh.point(vertex)))};
+}
+
+/// A condition that leaves nothing to solve for is rarely meant.
+void noteWhole(const Mesh& mesh, const Condition& condition, std::size_t selected,
+               std::size_t loops, std::vector<std::string>& notes) {
+  if (selected != static_cast<std::size_t>(mesh.vertexCount())) return;
+  std::string note = fmt::format(
+      "--fix {} takes every vertex of the mesh: nothing is left to solve", condition.text);
+  if (std::holds_alternative<WholeBoundary>(condition.selector) && loops > 1)
+    note += fmt::format("; it has {} boundary loops, as a mesh that is not welded", loops);
+  notes.push_back(note);
+}
+
 }  // namespace
 
 Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
@@ -190,6 +224,10 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
     const auto number = static_cast<int>(prescribed.selected.size());
     prescribed.selected.push_back(static_cast<int>(vertices.size()));
+    prescribed.nearest.emplace_back();
+    if (std::holds_alternative<NearestTo>(condition.selector))
+      prescribed.nearest.back() = nearestOf(mesh, condition, vertices[0], prescribed.notes);
+    noteWhole(mesh, condition, vertices.size(), loops ? loops->size() : 0, prescribed.notes);
     const std::vector<int> changed = fix(prescribed, vertices, condition, number);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
@@ -197,6 +235,12 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
           describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }
+  const bool isWhole = prescribed.fixedCount == mesh.vertexCount();
+  const bool isOneCondition =
+      std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
+                  [&mesh](int count) { return count == mesh.vertexCount(); });
+  if (isWhole && !isOneCondition)
+    prescribed.notes.push_back("every vertex of the mesh is fixed: nothing is left to solve");
   return prescribed;
 }
 

@@ -3,6 +3,7 @@
 #define QELM_TOOLS_SELECTION_H
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -13,14 +14,20 @@
 
 namespace qelm::tool {
 
+struct Nearest {  ///< what near:X,Y,Z took
+  int vertex;
+  double distance;
+};
+
 struct Prescribed {
-  std::vector<int> tags;           ///< n; 1, 2 or 3 at fixed vertices, else 0
-  std::size_t fieldCount = 1;      ///< c
-  std::vector<double> values;      ///< c * n, field after field; 0 at free vertices
-  std::vector<int> heldBy;         ///< n; 0 at free vertices, 1 where a file holds, 2 + k where
-                                   ///< condition k does
-  std::vector<int> selected;       ///< for each condition how many vertices it selects
-  std::vector<std::string> notes;  ///< for the user, such as conditions that overlap
+  std::vector<int> tags;       ///< n; 1, 2 or 3 at fixed vertices, else 0
+  std::size_t fieldCount = 1;  ///< c
+  std::vector<double> values;  ///< c * n, field after field; 0 at free vertices
+  std::vector<int> heldBy;     ///< n; 0 at free vertices, 1 where a file holds, 2 + k where
+                               ///< condition k does
+  std::vector<int> selected;   ///< for each condition how many vertices it selects
+  std::vector<std::optional<Nearest>> nearest;  ///< for each condition, of near:
+  std::vector<std::string> notes;               ///< for the user, such as conditions that overlap
   int fixedCount = 0;
 };
 

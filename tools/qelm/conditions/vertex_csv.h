@@ -8,7 +8,7 @@
 
 namespace qelm::tool {
 
-/// Reads one load per vertex from a CSV file, see kLoadHelp for its forms.
+/// Reads one load per vertex from a CSV file, see the topic "loads" of the help for its forms.
 /// Throws FileError that names the file and the line.
 std::vector<double> readLoad(const std::string& name, int vertexCount);
 
@@ -18,8 +18,8 @@ struct FixedVertex {
   int tag;
 };
 
-/// Reads values to hold, see kFixFileHelp; every vertex at most once, in the file's
-/// order. Throws FileError that names the file and the line.
+/// Reads values to hold, see the topic "conditions" of the help; every vertex at most once, in the
+/// file's order. Throws FileError that names the file and the line.
 std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount);
 
 /// The same for the text of a file that is called `name`.

@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <numbers>
 #include <numeric>
 #include <optional>
@@ -110,8 +109,8 @@ class Placer {
 
 }  // namespace
 
-std::vector<std::string> levelTexts(const std::vector<double>& levels) {
-  double gap = std::numeric_limits<double>::infinity();
+std::vector<std::string> levelTexts(const std::vector<double>& levels, double span) {
+  double gap = span;
   for (std::size_t k = 1; k < levels.size(); ++k) gap = std::min(gap, levels[k] - levels[k - 1]);
   int digits = kFewestDigits;
   const auto isClose = [&](double level) {

@@ -18,8 +18,9 @@ struct CurveLabel {
 
 inline constexpr double kLabelSize = 11;  ///< the font's size, in pixels
 
-/// The levels with as few digits as tell them apart well, at least three.
-std::vector<std::string> levelTexts(const std::vector<double>& levels);
+/// The levels with as few digits as tell them apart well, and a single one from places that are
+/// `span` away; at least three.
+std::vector<std::string> levelTexts(const std::vector<double>& levels, double span);
 
 /// At most one label for each level, on its longest visible curve that is long and
 /// straight enough there; labels keep clear of each other.

@@ -11,6 +11,7 @@
 #include "colours/viridis.h"
 #include "curves/curve_labels.h"
 #include "curves/curve_picture.h"
+#include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -60,7 +61,7 @@ class SvgWriter {
       : drawing_(drawing),
         picture_(picture),
         levels_(drawing.curves.levels()),
-        texts_(levelTexts(levels_)),
+        texts_(levelTexts(levels_, drawing.high - drawing.low)),
         isFine_(levels_.size() > kManyLevels),
         block_(file) {}
 
@@ -203,10 +204,12 @@ class SvgWriter {
   }
 
   void ends(double height) {
+    // Half a thousandth of the bar is less than a pixel.
+    const double step = (drawing_.high - drawing_.low) / 1000;
     block_.text(
-        "<g fill=\"#595959\"><text y=\"-8\">max {:.4g}{}</text>\n"
-        "<text y=\"{:.2f}\">min {:.4g}{}</text></g>\n",
-        drawing_.high, unit(), height + 18, drawing_.low, unit());
+        "<g fill=\"#595959\"><text y=\"-8\">max {}{}</text>\n"
+        "<text y=\"{:.2f}\">min {}{}</text></g>\n",
+        digits(drawing_.high, step), unit(), height + 18, digits(drawing_.low, step), unit());
   }
 
   void ticks(double height) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "text/error.h"
 #include "text/text.h"
@@ -14,6 +15,8 @@ namespace {
 
 // More curves than anyone can look at, and few enough to be cut in a moment.
 constexpr int kMostLevels = 10000;
+// Of a field that nobody has looked at yet: enough to see its shape, few enough to label.
+constexpr int kLevelsUnlessGiven = 10;
 
 int parsedCount(const std::string& text) {
   const auto count = parseInteger(trimmed(text));
@@ -45,26 +48,74 @@ std::vector<double> parsedList(const std::string& text) {
   return list;
 }
 
+struct RoundStep {
+  int digit;  ///< 1, 2 or 5
+  int power;  ///< of ten
+};
+
+/// The step's multiples strictly between low and high, each the double nearest to the decimal
+/// number: 0.3, not 3 * 0.1. None where they cannot be counted. A level so near to an end that
+/// rounding alone may have put it inside does not count: the noise there has no shape.
+std::vector<double> multiplesOf(RoundStep step, double low, double high) {
+  constexpr double kNoise = 1e-9;        // of the range
+  constexpr double kMostCounted = 1e18;  // fits 64 bits, five times as well
+  const double size = *parseDouble(fmt::format("{}e{}", step.digit, step.power));
+  const double margin = kNoise * (high - low);
+  std::vector<double> levels;
+  const double first = std::floor(low / size);
+  if (!(std::abs(first) < kMostCounted) || !(std::ceil(high / size) - first <= kMostLevels))
+    return levels;
+  // The quotients are rounded: one more on either side.
+  for (auto i = static_cast<long long>(first) - 1;; ++i) {
+    const double level = *parseDouble(fmt::format("{}e{}", step.digit * i, step.power));
+    if (level >= high - margin) return levels;
+    if (level > low + margin && (levels.empty() || level > levels.back()))
+      levels.push_back(level + 0.0);
+  }
+}
+
 }  // namespace
 
 LevelChoice::LevelChoice(const LevelOptions& options) {
   const int given = !options.count.empty() + !options.at.empty() + !options.every.empty();
-  if (given != 1)
-    throw UsageError(given == 0 ? "no levels; give --levels N, --at V,V,... or --every STEP"
-                                : "give only one of --levels, --at and --every");
+  if (given > 1) throw UsageError("give only one of --levels, --at and --every");
+  if (options.round && given == 1 && options.count.empty())
+    throw UsageError("--round is for --levels; --at and --every say exactly which levels");
+  round_ = options.round || given == 0;
+  count_ = given == 0 ? kLevelsUnlessGiven : 0;
   if (!options.count.empty()) count_ = parsedCount(options.count);
   if (!options.at.empty()) list_ = parsedList(options.at);
   if (!options.every.empty()) step_ = parsedStep(options.every);
 }
 
 std::vector<double> LevelChoice::levels(double low, double high, const Console& console) const {
+  if (round_) return round(low, high);
   if (count_ > 0) return even(low, high);
   if (step_ > 0) return multiples(low, high);
   for (const double level : list_)
     if (level < low || level > high)
-      console.note(fmt::format("the level {} is outside of the field, {:.6g} to {:.6g}: no curve",
-                               level, low, high));
+      console.note(fmt::format("the level {} is outside of the field, {} to {}: no curve", level,
+                               low, high));
   return list_;
+}
+
+std::vector<double> LevelChoice::round(double low, double high) const {
+  // Halves: the whole range may be too large for a double.
+  const double rough = 2 * (high / 2 - low / 2) / (count_ + 1);
+  if (!(rough > 0)) return even(low, high);
+  const int power = std::isfinite(rough) ? static_cast<int>(std::floor(std::log10(rough)))
+                                         : std::numeric_limits<double>::max_exponent10;
+  std::vector<double> best;
+  const auto distance = [this](const std::vector<double>& levels) {
+    return std::abs(static_cast<double>(levels.size()) - count_);
+  };
+  for (const RoundStep step :
+       {RoundStep{2, power + 1}, {1, power + 1}, {5, power}, {2, power}, {1, power}}) {
+    std::vector<double> levels = multiplesOf(step, low, high);
+    if (!levels.empty() && (best.empty() || distance(levels) < distance(best)))
+      best = std::move(levels);
+  }
+  return best.empty() ? even(low, high) : best;
 }
 
 std::vector<double> LevelChoice::even(double low, double high) const {
@@ -88,8 +139,8 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
   const double first = std::floor(low / step_);
   const double last = std::ceil(high / step_);
   if (!(last - first <= kMostLevels))
-    throw RequestError(fmt::format("--every {}: more than {} levels between {:.6g} and {:.6g}",
-                                   step_, kMostLevels, low, high));
+    throw RequestError(fmt::format("--every {}: more than {} levels between {} and {}", step_,
+                                   kMostLevels, low, high));
   std::vector<double> levels;
   // Far from 0 the next whole number is no double any more: one added to k would stand
   // still, and several k are the same.
@@ -99,9 +150,9 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
       levels.push_back(level + 0.0);
   }
   if (levels.empty())
-    throw RequestError(fmt::format(
-        "--every {}: no multiple of it lies between {:.6g} and {:.6g}; use a smaller step", step_,
-        low, high));
+    throw RequestError(
+        fmt::format("--every {}: no multiple of it lies between {} and {}; use a smaller step",
+                    step_, low, high));
   return levels;
 }
 

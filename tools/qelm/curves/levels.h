@@ -9,11 +9,12 @@
 
 namespace qelm::tool {
 
-/// As on the command line; exactly one is not empty.
+/// As on the command line; of the texts one is not empty at most.
 struct LevelOptions {
-  std::string count;  ///< --levels
-  std::string at;     ///< --at
-  std::string every;  ///< --every
+  std::string count;   ///< --levels
+  std::string at;      ///< --at
+  std::string every;   ///< --every
+  bool round = false;  ///< --round
 };
 
 class LevelChoice {
@@ -23,16 +24,21 @@ class LevelChoice {
 
   /// The levels for a field from `low` to `high`, in increasing order, each once:
   ///  - a count N: low + k (high - low) / (N + 1) for k = 1 .. N;
+  ///  - a count N and --round, or nothing: the multiples of 1, 2 or 5 times a power of ten
+  ///    strictly between low and high, with the step that gives nearest to N of them, or to
+  ///    ten; evenly spaced ones where there is none;
   ///  - a step: all its multiples strictly between low and high;
   ///  - a list: as given, with a note about those outside.
   /// Throws RequestError when nothing lies between.
   std::vector<double> levels(double low, double high, const Console& console) const;
 
  private:
+  std::vector<double> round(double low, double high) const;
   std::vector<double> even(double low, double high) const;
   std::vector<double> multiples(double low, double high) const;
 
   int count_ = 0;
+  bool round_ = false;
   double step_ = 0;
   std::vector<double> list_;
 };

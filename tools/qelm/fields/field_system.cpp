@@ -4,11 +4,17 @@
 
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
 
 namespace qelm::tool {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+}  // namespace
 
 FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags) {
   int status = -1;
@@ -45,6 +51,19 @@ std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double>
                       "triangles and for values that are too large",
                       describeVertex(mesh, static_cast<int>(i % n))));
   return fields;
+}
+
+double FieldSystem::constantError(std::size_t vertexCount) const {
+  const std::vector<double> ones(vertexCount, 1.0);
+  std::vector<double> field(vertexCount);
+  int status = -1;
+  qelmsolveTagged(handle(), ones.data(), field.data(), &status);
+  double largest = 0;
+  for (const double value : field) {
+    const double error = std::abs(value - 1);
+    if (!(error <= largest)) largest = std::isfinite(error) ? error : kInfinity;
+  }
+  return largest;
 }
 
 }  // namespace qelm::tool

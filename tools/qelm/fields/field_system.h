@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_FIELD_SYSTEM_H
 #define QELM_TOOLS_FIELD_SYSTEM_H
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <vector>
@@ -21,6 +22,11 @@ class FieldSystem {
   /// value is not finite: qelminfo() alone does not see that.
   std::vector<double> solve(const Mesh& mesh, std::span<const double> values,
                             std::span<const double> load) const;
+
+  /// What rounding does on this mesh: the largest deviation of the field that should be 1
+  /// everywhere, so an error as a part of a field's largest value. Infinite where such a
+  /// field is not finite.
+  double constantError(std::size_t vertexCount) const;
 
   const MeshSystem* handle() const { return handle_.get(); }
 

@@ -9,9 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "conditions/vertex_csv.h"
+#include "fields/overshoot.h"
+#include "fields/verdict.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh_files/load_mesh.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace {
@@ -40,11 +43,23 @@ Json vertexJson(const SolvedField& solved, std::size_t field, int vertex) {
           {"point", solved.mesh.point(vertex)}};
 }
 
-/// {"min": ..., "max": ...}
+/// Only where there is no load: with one, a field goes where it is pushed.
+std::optional<Overshoot> overshootOf(const SolvedField& solved, std::size_t k) {
+  if (!solved.load.empty()) return {};
+  return overshootOf(solved.field(k), solved.prescribed, k);
+}
+
+/// {"min": ..., "max": ..., "outside": ...}
 Json rangeJson(const SolvedField& solved, std::size_t field) {
   const Extremes extremes = extremesOf(solved.field(field));
-  return {{"min", vertexJson(solved, field, extremes.lowest)},
-          {"max", vertexJson(solved, field, extremes.highest)}};
+  Json json = {{"min", vertexJson(solved, field, extremes.lowest)},
+               {"max", vertexJson(solved, field, extremes.highest)},
+               {"outside", nullptr}};
+  if (const auto overshoot = overshootOf(solved, field)) {
+    json["outside"] = vertexJson(solved, field, overshoot->vertex);
+    json["outside"]["by"] = overshoot->by;
+  }
+  return json;
 }
 
 /// {"value": 1} of a condition for one field or for all, else {"values": [1, 2]}.
@@ -66,6 +81,10 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
   for (std::size_t k = 0; k < solved.conditions.size(); ++k) {
     fixes.push_back(conditionJson(solved.conditions[k]));
     fixes.back()["vertices"] = solved.prescribed.selected[k];
+    if (const auto& nearest = solved.prescribed.nearest[k]) {
+      fixes.back()["vertex"] = nearest->vertex;
+      fixes.back()["distance"] = nearest->distance;
+    }
   }
   Json summary = {{"mesh", solved.meshName},
                   {"vertices", solved.mesh.vertexCount()},
@@ -80,6 +99,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
   }
+  summary["error"] = solved.error;
   for (const ReportItem& item : more) summary.update(item.members);
   summary["seconds"] = Json::object();
   for (const Step& step : solved.steps.list()) summary["seconds"][step.name] = step.seconds;
@@ -90,8 +110,16 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
 namespace {
 
 std::string describeValue(const SolvedField& solved, std::size_t field, int vertex) {
-  return fmt::format("{:.6g} at {}", valueAt(solved, field, vertex),
+  return fmt::format("{} at {}", valueAt(solved, field, vertex),
                      describeVertex(solved.mesh, vertex));
+}
+
+/// How many vertices a condition holds; of near: which one, and how far away.
+std::string describeSelected(const SolvedField& solved, std::size_t k) {
+  const auto& nearest = solved.prescribed.nearest[k];
+  if (!nearest) return fmt::format("{}", solved.prescribed.selected[k]);
+  return fmt::format("{}, {:.6g} away", describeVertex(solved.mesh, nearest->vertex),
+                     nearest->distance);
 }
 
 void printRanges(const SolvedField& solved, const Console& console) {
@@ -111,7 +139,7 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
   if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
-                             describeValues(solved.conditions[k]), solved.prescribed.selected[k]));
+                             describeValues(solved.conditions[k]), describeSelected(solved, k)));
   printRanges(solved, console);
   for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
   console.line("time     " + describeTimes(solved.steps));
@@ -133,6 +161,17 @@ std::string describeTimes(const Steps& steps) {
   return fmt::format("{}", fmt::join(times, ", "));
 }
 
+namespace {
+
+void noteOvershoots(const SolvedField& solved, const Console& console) {
+  for (std::size_t k = 0; k < solved.fieldCount(); ++k)
+    if (const auto overshoot = overshootOf(solved, k))
+      console.note((solved.fieldCount() > 1 ? fmt::format("field {}: ", k + 1) : "") +
+                   describeOvershoot(*overshoot, solved.mesh));
+}
+
+}  // namespace
+
 SolvedField solveField(const FieldOptions& options, const Console& console) {
   SolvedField solved;
   solved.meshName = options.mesh;
@@ -149,17 +188,24 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   std::vector<FixedVertex> fromFile;
   if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
   solved.fromFile = static_cast<int>(fromFile.size());
-  naming(options.mesh, [&] {
-    steps.run("check", [&] {
-      checkMesh(mesh);
-      solved.prescribed = prescribe(mesh, solved.conditions, fromFile);
-      checkEveryPartIsFixed(mesh, solved.prescribed.tags);
-    });
-    for (const std::string& note : solved.prescribed.notes) console.note(note);
-    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
-    solved.fields = steps.run(
-        "solve", [&] { return solved.system->solve(mesh, solved.prescribed.values, solved.load); });
+  const std::string notWorking = options.mesh + ": will not work";
+  steps.run("check", [&] {
+    naming(notWorking, [&] { checkMesh(mesh); });
+    solved.prescribed =
+        naming(options.mesh, [&] { return prescribe(mesh, solved.conditions, fromFile); });
+    naming(notWorking, [&] { checkEveryPartIsFixed(mesh, solved.prescribed.tags); });
   });
+  for (const std::string& note : solved.prescribed.notes) console.note(note);
+  naming(notWorking, [&] {
+    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags); });
+    solved.fields = steps.run("solve", [&] {
+      solved.error = measuredError(*solved.system, mesh);
+      return solved.system->solve(mesh, solved.prescribed.values, solved.load);
+    });
+  });
+  if (solved.error > 0)
+    console.note(fmt::format("{}: {}", options.mesh, describeError(solved.error, mesh)));
+  noteOvershoots(solved, console);
   return solved;
 }
 
@@ -169,9 +215,9 @@ void requireRange(const SolvedField& solved, const char* use) {
   const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
   if (*high - *low <= kConstant * std::max(std::abs(*low), std::abs(*high)))
     throw RequestError(fmt::format(
-        "{}: the field is {:.6g} everywhere, so there is no range to {}; fix vertices at two "
+        "{}: the field is {} everywhere, so there is no range to {}; fix vertices at two "
         "different values at least",
-        solved.meshName, *low, use));
+        solved.meshName, digits(*low), use));
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,

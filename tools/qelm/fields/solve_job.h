@@ -35,6 +35,7 @@ struct SolvedField {
   Prescribed prescribed;
   std::vector<double> load;  ///< n, or none
   std::optional<FieldSystem> system;
+  double error = 0;            ///< that rounding leaves, see measuredError()
   std::vector<double> fields;  ///< one after another, in the mesh's order
   Steps steps;
 

@@ -39,13 +39,14 @@ std::FILE* binaryStandardOutput() {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& target) : name_(target) {
+OutputFile::OutputFile(const std::string& target, const InputNames& inputs) : name_(target) {
   if (target == "-") {
     name_ = "standard output";
     file_ = binaryStandardOutput();
     return;
   }
   target_ = toPath(target);
+  refuseToOverwrite(inputs, target_);
   std::error_code error;
   // A link stays a link; what it points at is replaced.
   if (fs::is_symlink(target_, error)) {
@@ -101,12 +102,17 @@ void OutputFile::write(std::string_view bytes) {
   if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) fail("writing failed");
 }
 
-void OutputFile::commit() {
+void OutputFile::finish() {
+  if (file_ == nullptr) return;
   errno = 0;
   std::FILE* const file = file_;
   if (std::fflush(file) != 0) fail("writing failed");
   file_ = nullptr;
   if (file != stdout && std::fclose(file) != 0) fail("writing failed");
+}
+
+void OutputFile::commit() {
+  finish();
   if (temporary_.empty()) return;
   std::error_code error;
   fs::rename(temporary_, target_, error);
@@ -115,14 +121,13 @@ void OutputFile::commit() {
   removal_.release();
 }
 
-void refuseToOverwrite(const std::string& mesh, const std::filesystem::path& target) {
-  std::error_code ignored;
-  if (std::filesystem::equivalent(toPath(mesh), target, ignored))
-    throw UsageError(fmt::format("-o would overwrite the mesh {}; choose another name", mesh));
+void commitTogether(const std::vector<OutputFile*>& files) {
+  for (OutputFile* file : files) file->finish();
+  for (OutputFile* file : files) file->commit();
 }
 
 void printData(std::string_view text) {
-  OutputFile file("-");
+  OutputFile file("-", {});
   file.write(text);
   file.commit();
 }

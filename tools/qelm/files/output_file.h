@@ -6,8 +6,10 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "files/cleanup.h"
+#include "files/result_name.h"
 #include "text/byte_sink.h"
 
 namespace qelm::tool {
@@ -16,16 +18,20 @@ namespace qelm::tool {
 /// commit() nothing is left and a file of that name stays as it was. Devices and
 /// pipes are written to directly; "-" is the standard output.
 ///
-/// Opening, writing and committing throw InputError that names the target.
+/// Opening, writing and committing throw InputError that names the target. Opening throws
+/// UsageError when the target is one of `inputs`: every command has them in its
+/// OutputOptions.
 class OutputFile : public ByteSink {
  public:
-  explicit OutputFile(const std::string& target);
+  OutputFile(const std::string& target, const InputNames& inputs);
   ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
   void write(std::string_view bytes) override;
   void commit();
+  /// commit() without the renaming: what could still fail has been tried then.
+  void finish();
 
  private:
   [[noreturn]] void fail(const char* what) const;
@@ -38,8 +44,8 @@ class OutputFile : public ByteSink {
   std::FILE* file_ = nullptr;
 };
 
-/// Throws UsageError when `target` is the file that the mesh was read from.
-void refuseToOverwrite(const std::string& mesh, const std::filesystem::path& target);
+/// Commits several files: first finishes all, then renames them in this order.
+void commitTogether(const std::vector<OutputFile*>& files);
 
 /// Writes to the standard output. Throws InputError when that fails.
 void printData(std::string_view text);

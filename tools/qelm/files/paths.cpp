@@ -10,7 +10,6 @@
 
 #ifdef _WIN32
 #include <process.h>
-#include <windows.h>
 #else
 #include <unistd.h>
 #endif
@@ -28,26 +27,8 @@ std::string toUtf8(const fs::path& path) {
 }
 
 #ifdef _WIN32
-std::string toNarrow(const fs::path& path) {
-  const std::wstring wide = path.wstring();
-  const int wideSize = static_cast<int>(wide.size());
-  BOOL lossy = FALSE;
-  const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, nullptr,
-                                       0, nullptr, &lossy);
-  std::string narrow(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), wideSize, narrow.data(), size,
-                      nullptr, nullptr);
-  if (lossy)
-    throw OutputError(
-        fmt::format("{}: the name has characters outside the system's code page; choose another",
-                    toUtf8(path)));
-  return narrow;
-}
-
 int processNumber() { return _getpid(); }
 #else
-std::string toNarrow(const fs::path& path) { return path.string(); }
-
 int processNumber() { return getpid(); }
 #endif
 

@@ -12,10 +12,6 @@ namespace qelm::tool {
 std::filesystem::path toPath(std::string_view utf8);
 std::string toUtf8(const std::filesystem::path& path);
 
-/// The name as the library's narrow paths want it: on Windows in the system's
-/// code page. Throws InputError when that cannot hold it.
-std::string toNarrow(const std::filesystem::path& path);
-
 /// Distinguishes temporary names of processes that run at the same time.
 int processNumber();
 

@@ -20,6 +20,10 @@ namespace {
 // the differences that make its height add some more.
 constexpr double kFlatRoundings = 8;
 
+// As QelmMeshReport has it: the assembly forms fourth powers of lengths.
+constexpr double kShortestLongestEdge = 1e-60;
+constexpr double kLongestLongestEdge = 1e60;
+
 /// Calls `bad(element)` for every element and throws a message about the first
 /// for which it is true; `describe` makes that message's beginning and `advice` its end.
 template <class Error = MeshError, class Bad, class Describe>
@@ -51,12 +55,26 @@ double largestCoordinate(const Point& p) {
   return std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
 }
 
+double longestEdge(const Mesh& mesh, int triangle) {
+  const auto c = mesh.corners(triangle);
+  const Point p = mesh.point(c[0]);
+  const Point q = mesh.point(c[1]);
+  const Point r = mesh.point(c[2]);
+  return std::max({length(q - p), length(r - q), length(p - r)});
+}
+
+/// Three corners at one place have no size, but also no area, which says more.
+bool hasBadSize(const Mesh& mesh, int triangle) {
+  const double longest = longestEdge(mesh, triangle);
+  return longest > 0 && !(longest >= kShortestLongestEdge && longest <= kLongestLongestEdge);
+}
+
 bool hasNoArea(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
   const Point p = mesh.point(c[0]);
   const Point q = mesh.point(c[1]);
   const Point r = mesh.point(c[2]);
-  const double longest = std::max({length(q - p), length(r - q), length(p - r)});
+  const double longest = longestEdge(mesh, triangle);
   const double magnitude =
       std::max({largestCoordinate(p), largestCoordinate(q), largestCoordinate(r)});
   const double twiceArea = length(cross(q - p, r - p));
@@ -105,7 +123,7 @@ std::string describeTriangle(const Mesh& mesh, int triangle) {
 
 std::string describeVertex(const Mesh& mesh, int vertex) {
   const Point p = mesh.point(vertex);
-  return fmt::format("vertex {} ({:.6g}, {:.6g}, {:.6g})", vertex, p[0], p[1], p[2]);
+  return fmt::format("vertex {} ({}, {}, {})", vertex, p[0], p[1], p[2]);
 }
 
 void checkFinite(const Mesh& mesh) {
@@ -129,6 +147,12 @@ void checkMesh(const Mesh& mesh) {
       [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
       "remove such vertices");
   checkFinite(mesh);
+  refuseFirst(
+      mesh.triangleCount(), [&](int t) { return hasBadSize(mesh, t); },
+      [&](int t) {
+        return fmt::format("{}: too small or too large to compute with", describeTriangle(mesh, t));
+      },
+      "choose another unit");
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return hasNoArea(mesh, t); },
       [&](int t) { return fmt::format("{}: zero area", describeTriangle(mesh, t)); },

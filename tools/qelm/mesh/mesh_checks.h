@@ -13,7 +13,7 @@ namespace qelm::tool {
 
 /// Throws InputError that names the first triangle or vertex, in this order: a
 /// triangle that names a vertex twice, a vertex in no triangle, a coordinate
-/// that is not finite, a triangle without area.
+/// that is not finite, a triangle too small or too large to compute with, one without area.
 void checkMesh(const Mesh& mesh);
 
 /// Throws InputError that names the first vertex with a coordinate that is not finite.

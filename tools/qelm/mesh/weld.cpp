@@ -64,8 +64,8 @@ Welded weld(const Mesh& mesh, double tolerance) {
   if (status != QELM_STATUS_OK)
     throw MeshError(fmt::format("the library refuses to weld with status {}", status));
   if (triangleCount == 0)
-    throw MeshError(fmt::format("welding within {:.6g} leaves no triangle; use a smaller tolerance",
-                                tolerance));
+    throw MeshError(
+        fmt::format("welding within {} leaves no triangle; use a smaller tolerance", tolerance));
   welded.mesh.vertices.resize(3 * static_cast<std::size_t>(vertexCount));
   welded.mesh.triangles.resize(3 * static_cast<std::size_t>(triangleCount));
   welded.droppedTriangles = mesh.triangleCount() - triangleCount;

@@ -2,9 +2,11 @@
 
 #include "files/paths.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/soup.h"
 #include "mesh/weld.h"
 #include "mesh_files/mesh_reader.h"
 #include "mesh_files/triangulate.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace {
@@ -27,11 +29,8 @@ Loaded load(const std::string& name, const Console& console) {
   return {std::move(result.mesh), false};
 }
 
-}  // namespace
-
-Mesh loadMesh(const std::string& name, const Console& console) { return load(name, console).mesh; }
-
-Mesh loadWeldedMesh(const std::string& name, const Console& console) {
+/// Formats in which every facet has its own corners are welded.
+Mesh weldedIfSoup(const std::string& name, const Console& console) {
   Loaded loaded = load(name, console);
   if (!loaded.isSoup) return std::move(loaded.mesh);
   const Mesh& soup = loaded.mesh;
@@ -42,11 +41,27 @@ Mesh loadWeldedMesh(const std::string& name, const Console& console) {
     return weld(soup, tolerance);
   });
   console.note(fmt::format(
-      "{}: welded within {:.3g}: {} vertices became {}, {} triangles became {}; 'qelm weld' takes "
+      "{}: welded within {}: {} vertices became {}, {} triangles became {}; 'qelm weld' takes "
       "another tolerance",
-      name, tolerance, soup.vertexCount(), welded.mesh.vertexCount(), soup.triangleCount(),
-      welded.mesh.triangleCount()));
+      name, digits(tolerance, tolerance / 100), soup.vertexCount(), welded.mesh.vertexCount(),
+      soup.triangleCount(), welded.mesh.triangleCount()));
   return std::move(welded.mesh);
+}
+
+}  // namespace
+
+Mesh loadMesh(const std::string& name, const Console& console) { return load(name, console).mesh; }
+
+Mesh loadWeldedMesh(const std::string& name, const Console& console) {
+  Mesh mesh = weldedIfSoup(name, console);
+  naming(name, [&] {
+    if (const auto soup = findSoup(mesh))
+      console.note(fmt::format(
+          "{}: this looks like a triangle soup: it has {} parts, and {} of {} vertices lie on "
+          "another one; join them with: qelm weld {} --tolerance {:.0e} -o welded.obj",
+          name, soup->parts, soup->merged, mesh.vertexCount(), name, soup->tolerance));
+  });
+  return mesh;
 }
 
 }  // namespace qelm::tool

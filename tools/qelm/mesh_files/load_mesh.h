@@ -26,7 +26,8 @@ auto naming(const std::string& file, Action action) {
 /// facet has its own corners give three vertices per triangle.
 Mesh loadMesh(const std::string& name, const Console& console);
 
-/// The same, but such soups are welded, with a note.
+/// The same, but such soups are welded, with a note; another one points out what looks like a
+/// soup all the same.
 Mesh loadWeldedMesh(const std::string& name, const Console& console);
 
 }  // namespace qelm::tool

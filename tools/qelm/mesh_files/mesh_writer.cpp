@@ -2,10 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 
-#include "files/paths.h"
+#include "files/result_name.h"
+#include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
 #include "text/text_block.h"
@@ -62,11 +66,35 @@ void writeStl(const Mesh& mesh, TextBlock& block) {
 
 MeshFormat writableFormat(const std::string& name) {
   if (name == "-") return MeshFormat::kObj;
-  const std::string extension = lowerExtension(toPath(name));
+  const std::string extension =
+      promisedFormat(name, {".obj", ".ply", ".stl"}, "meshes are written as .obj, .ply or .stl");
   if (extension == ".obj") return MeshFormat::kObj;
   if (extension == ".ply") return MeshFormat::kPly;
   if (extension == ".stl") return MeshFormat::kStl;
   throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .ply or .stl", name));
+}
+
+int lostToSinglePrecision(const Mesh& mesh) {
+  const auto rounded = [&mesh](int v) {
+    const Point p = mesh.point(v);
+    return std::array{static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2])};
+  };
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    for (const double coordinate : mesh.point(v))
+      if (std::abs(coordinate) > kLargest)
+        throw MeshError(
+            fmt::format("{}: too large for STL, which holds single precision; write .ply or .obj",
+                        describeVertex(mesh, v)));
+  int lost = 0;
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    const auto p = rounded(c[0]);
+    const auto q = rounded(c[1]);
+    const auto r = rounded(c[2]);
+    if (p == q || q == r || p == r) ++lost;
+  }
+  return lost;
 }
 
 void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {

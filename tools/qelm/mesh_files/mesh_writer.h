@@ -19,6 +19,10 @@ enum class MeshFormat {
 /// them; the standard output ("-") is OBJ.
 MeshFormat writableFormat(const std::string& name);
 
+/// How many triangles lose their area because corners become the same point in single
+/// precision, which STL holds. Throws MeshError that names a vertex too large for it.
+int lostToSinglePrecision(const Mesh& mesh);
+
 void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file);
 
 }  // namespace qelm::tool

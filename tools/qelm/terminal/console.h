@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qelm::tool {
 
@@ -13,6 +14,8 @@ struct OutputOptions {
   bool quiet = false;
   bool verbose = false;
   bool json = false;
+  /// Every other name on the command line: results may not take the place of what is read.
+  std::vector<std::string> inputs;
 };
 
 class Console {

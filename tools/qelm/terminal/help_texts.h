@@ -1,33 +1,14 @@
-// What --help says below the options, in sections: a title on a line of its own,
-// ending in a colon, and indented lines. The manual page is made of the same ones.
+// The help beside the options: two examples for each command, and everything else in topics
+// ('qelm help TOPIC'), each thing in one place. The manual page is made of the same texts.
 #ifndef QELM_TOOLS_HELP_TEXTS_H
 #define QELM_TOOLS_HELP_TEXTS_H
 
-#include <initializer_list>
+#include <span>
 #include <string>
 
 namespace qelm::tool {
 
-extern const char* const kTourHelp;
-extern const char* const kConditionHelp;
-extern const char* const kFixFileHelp;
-extern const char* const kLoadHelp;
-extern const char* const kSoupHelp;
-extern const char* const kStreamsHelp;
-extern const char* const kExitHelp;
-
-extern const char* const kInfoHelp;
-extern const char* const kCheckHelp;
-extern const char* const kSolveHelp;
-extern const char* const kSeveralHelp;
-extern const char* const kHeatmapHelp;
-extern const char* const kCurvesHelp;
-extern const char* const kPictureHelp;
-extern const char* const kViewHelp;
-extern const char* const kWeldHelp;
-extern const char* const kCompletionHelp;
-
-/// Every line that begins with "  qelm " is run by a test.
+/// Two lines each. Every line that begins with "  qelm " is run by a test.
 extern const char* const kInfoExamples;
 extern const char* const kCheckExamples;
 extern const char* const kSolveExamples;
@@ -37,9 +18,26 @@ extern const char* const kViewExamples;
 extern const char* const kWeldExamples;
 extern const char* const kCompletionExamples;
 extern const char* const kManualExamples;
+extern const char* const kHelpExamples;
 
-/// The sections with an empty line between each two.
-std::string sections(std::initializer_list<const char*> texts);
+struct HelpTopic {
+  const char* name;     ///< "conditions"
+  const char* summary;  ///< half a line
+  const char* text;     ///< lines that begin with two blanks
+};
+
+/// In the order in which a newcomer needs them.
+std::span<const HelpTopic> helpTopics();
+
+/// "conditions|levels|...".
+std::string topicNames();
+
+/// What `qelm help` prints: all topics, or one. Throws UsageError that lists them.
+std::string topicList();
+std::string topicText(const std::string& name);
+
+/// The end of a command's --help: its examples, and which topics say more.
+std::string footer(const char* examples, const std::string& topics);
 
 }  // namespace qelm::tool
 

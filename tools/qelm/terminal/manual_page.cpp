@@ -4,37 +4,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
 #include <string_view>
 #include <vector>
 
-#include "text/text.h"
+#include "terminal/help_texts.h"
 
 namespace qelm::tool {
 namespace {
-
-/// A title that ends in a colon, and lines.
-struct Section {
-  std::string title;
-  std::string body;
-};
-
-std::vector<Section> sectionsOf(const CLI::App& app) {
-  std::vector<Section> sections;
-  const std::string footer = app.get_footer();
-  LineReader lines(footer);
-  while (lines.next()) {
-    const std::string_view line = lines.line();
-    if (line.empty()) continue;
-    if (line[0] != ' ') {
-      sections.push_back({std::string(line.substr(0, line.find(':'))), ""});
-    } else if (!sections.empty()) {
-      sections.back().body += line;
-      sections.back().body += '\n';
-    }
-  }
-  return sections;
-}
 
 std::string escaped(std::string_view text) {
   std::string result;
@@ -63,10 +39,7 @@ std::string literal(const std::string& body) { return ".nf\n" + escaped(body) + 
 
 class PageWriter {
  public:
-  PageWriter(const CLI::App& app, const std::string& version) : app_(app), version_(version) {
-    for (const CLI::App* command : app.get_subcommands({}))
-      for (const Section& section : sectionsOf(*command)) ++uses_[section.body];
-  }
+  PageWriter(const CLI::App& app, const std::string& version) : app_(app), version_(version) {}
 
   std::string run() {
     page_ = fmt::format(".TH QELM 1 \"\" \"qelm {}\" \"User Commands\"\n", escaped(version_));
@@ -76,7 +49,7 @@ class PageWriter {
     options(app_);
     page_ += ".SH COMMANDS\n";
     for (const CLI::App* command : app_.get_subcommands({})) this->command(*command);
-    sharedSections();
+    topics();
     return std::move(page_);
   }
 
@@ -87,9 +60,8 @@ class PageWriter {
       if (option->get_positional()) page_ += " " + escaped(option->get_type_name());
     page_ += "\n" + escaped(command.get_description()) + ".\n";
     options(command);
-    for (const Section& section : sectionsOf(command))
-      if (uses_[section.body] == 1)
-        page_ += fmt::format(".PP\n.B {}\n", escaped(section.title)) + literal(section.body);
+    const std::string footer = command.get_footer();
+    page_ += literal(footer.substr(0, footer.find("\nMore:")));
   }
 
   void options(const CLI::App& app) {
@@ -104,25 +76,13 @@ class PageWriter {
     }
   }
 
-  void sharedSections() {
-    std::vector<Section> sections;
-    for (const CLI::App* command : app_.get_subcommands({}))
-      for (const Section& section : sectionsOf(*command))
-        if (uses_[section.body] > 1) sections.push_back(section);
-    // In the order in which they are met first, with the exit codes at the end.
-    std::map<std::string, bool> done;
-    for (const bool last : {false, true})
-      for (const Section& section : sections) {
-        const bool isLast = section.title == "Exit codes";
-        if (isLast != last || std::exchange(done[section.title], true)) continue;
-        page_ += fmt::format(".SH {}\n", isLast ? "EXIT STATUS" : escaped(upper(section.title)));
-        page_ += literal(section.body);
-      }
+  void topics() {
+    for (const HelpTopic& topic : helpTopics())
+      page_ += fmt::format(".SH {}\n", upper(topic.name)) + literal(topic.text);
   }
 
   const CLI::App& app_;
   const std::string& version_;
-  std::map<std::string, int> uses_;  ///< of a section's body
   std::string page_;
 };
 

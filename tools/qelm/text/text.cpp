@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -59,6 +60,18 @@ std::optional<long long> parseInteger(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (end != text.data() + text.size() || error != std::errc{}) return {};
   return value;
+}
+
+std::string digits(double value) { return fmt::format("{:.9g}", value); }
+
+std::string digits(double value, double step) {
+  constexpr int kMost = 17;
+  for (int count = 1; count < kMost; ++count) {
+    const std::string text = fmt::format("{:.{}g}", value, count);
+    // Less than half a step away, so that neighbours stay apart.
+    if (std::abs(*parseDouble(text) - value) < step / 2) return text;
+  }
+  return fmt::format("{}", value);
 }
 
 std::vector<std::string_view> splitAt(std::string_view text, char separator) {

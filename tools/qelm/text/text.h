@@ -17,6 +17,13 @@ std::optional<double> parseDouble(std::string_view text);
 /// The whole of `text` as a decimal integer.
 std::optional<long long> parseInteger(std::string_view text);
 
+/// A number that was measured, in nine digits at most. What was read or is in a result is
+/// written with {}: the shortest digits that read back as the same double.
+std::string digits(double value);
+
+/// In as few digits as tell it from numbers that are `step` away.
+std::string digits(double value, double step);
+
 std::vector<std::string_view> splitAt(std::string_view text, char separator);
 std::vector<std::string_view> splitAtBlanks(std::string_view text);
 std::string_view trimmed(std::string_view text);

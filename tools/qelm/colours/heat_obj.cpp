@@ -1,0 +1,60 @@
+#include "colours/heat_obj.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "text/text_block.h"
+
+namespace qelm::tool {
+namespace {
+
+/// For each place in the library's order the mesh's vertex.
+std::vector<int> systemOrder(std::span<const int> tags) {
+  std::vector<int> order(tags.size());
+  std::size_t front = 0;
+  std::size_t back = tags.size();
+  for (std::size_t i = 0; i < tags.size(); ++i)
+    order[tags[i] != 0 ? front++ : --back] = static_cast<int>(i);
+  return order;
+}
+
+}  // namespace
+
+void writeHeatObj(const Mesh& mesh, std::span<const double> field, std::span<const int> tags,
+                  const std::string& material, ByteSink& file) {
+  const std::vector<int> order = systemOrder(tags);
+  TextBlock block(file);
+  block.text("mtllib {}\nusemtl Heat\n", material);
+  for (const int v : order) {
+    const Point p = mesh.point(v);
+    block.text("v {} {} {}\n", p[0], p[1], p[2]);
+  }
+  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  for (const int v : order)
+    block.text("vt {} 0.5\n", 1 - (field[static_cast<std::size_t>(v)] - *low) / (*high - *low));
+  std::vector<int> number(order.size());  // from 1
+  for (std::size_t k = 0; k < order.size(); ++k)
+    number[static_cast<std::size_t>(order[k])] = static_cast<int>(k) + 1;
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    const auto at = [&](std::size_t k) { return number[static_cast<std::size_t>(c[k])]; };
+    block.text("f {0}/{0} {1}/{1} {2}/{2}\n", at(0), at(1), at(2));
+  }
+  block.flush();
+}
+
+// The blanks and tabs at the ends belong to the lines.
+void writeHeatMtl(ByteSink& file) {
+  file.write(
+      "newmtl Heat \n"
+      "Kd 1 1 1             \n"
+      "Ns 96.0784\t\t\t \n"
+      "d 1\t\t\t\t\t \n"
+      "illum 1\t\t\t\t \n"
+      "Ka 0 0 0\t\t\t \n"
+      "Ks 1 1 1\t\t\t \n"
+      "map_Kd viridis.PNG\n");
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,78 @@
+#include "fields/verdict.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+#include "mesh/mesh_checks.h"
+
+namespace qelm::tool {
+namespace {
+
+// Six digits of a field are more than its mesh is good for.
+constexpr double kNoError = 1e-6;
+// One digit left is none.
+constexpr double kNothingLeft = 0.1;
+
+/// The report's bound on the error, rounding over quality, was never below what was measured:
+/// where it is small enough nothing need be built.
+bool isBeyondDoubt(const QelmMeshReport& report) {
+  return std::numeric_limits<double>::epsilon() / report.worstQuality <= kNoError;
+}
+
+std::string describeWorst(const Mesh& mesh) {
+  const std::vector<int> tags(static_cast<std::size_t>(mesh.vertexCount()), 0);
+  return describeTriangle(mesh, static_cast<int>(reportOn(mesh, tags).worstTriangle));
+}
+
+}  // namespace
+
+QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code) {
+  QelmMeshReport report = {};
+  const int status = qelmcheckTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                                     mesh.triangles.data(), tags.data(), &report);
+  if (code != nullptr) *code = status;
+  return report;
+}
+
+double measuredError(const FieldSystem& system, const Mesh& mesh) {
+  const double error = system.constantError(static_cast<std::size_t>(mesh.vertexCount()));
+  if (!(error < kNothingLeft))
+    throw SingularError(
+        fmt::format("rounding leaves nothing of a field here: {} is the worst; merge the corners "
+                    "of such triangles, or move a mesh that is far away to the origin",
+                    describeWorst(mesh)));
+  return error > kNoError ? error : 0;
+}
+
+std::string describeError(double error, const Mesh& mesh) {
+  return fmt::format(
+      "will work, but with an error of about {:.0e} of the largest value: {} is too thin, or too "
+      "small for its distance from the origin",
+      error, describeWorst(mesh));
+}
+
+Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report) {
+  try {
+    checkMesh(mesh);
+    checkEveryPartIsFixed(mesh, tags);
+    const double error = isBeyondDoubt(report) ? 0 : measuredError(FieldSystem(mesh, tags), mesh);
+    if (error == 0) return {Grade::kFine, "fine", 0, kExitOk};
+    return {Grade::kWithError, describeError(error, mesh), error, kExitOk};
+  } catch (const InputError& problem) {
+    return {Grade::kWillNotWork, fmt::format("will not work: {}", problem.what()), 0,
+            problem.code()};
+  }
+}
+
+std::vector<int> leastTags(const Mesh& mesh) {
+  const std::vector<int> lowest = lowestOfPart(mesh);
+  std::vector<int> tags(lowest.size(), 0);
+  for (const int v : lowest) tags[static_cast<std::size_t>(v)] = 1;
+  return tags;
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,50 @@
+// How well a mesh can be solved on: one judgement, which 'check' prints and every command
+// that solves acts on.
+#ifndef QELM_TOOLS_VERDICT_H
+#define QELM_TOOLS_VERDICT_H
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "fields/field_system.h"
+#include "mesh/mesh.h"
+#include "qelm.h"
+#include "text/error.h"
+
+namespace qelm::tool {
+
+/// The library's report, and its status in `code` if wanted. The last word on what it calls an
+/// area near zero is measuredError()'s.
+QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code = nullptr);
+
+/// The error that rounding leaves in a field on this mesh, as a part of its largest value, where
+/// it is worth a word; else 0. Costs one solve. Throws SingularError when nothing of the field is
+/// left.
+///
+/// Why a measurement: one needle in a good mesh does no harm, many do, and the shape of the worst
+/// triangle cannot tell which. A constant field has a known solution; on strips of slivers, single
+/// needles and meshes far from the origin it was off by about as much as a linear one, or more.
+double measuredError(const FieldSystem& system, const Mesh& mesh);
+
+/// "will work, but with an error of about 4e-05 of the largest value: ...".
+std::string describeError(double error, const Mesh& mesh);
+
+enum class Grade { kFine, kWithError, kWillNotWork };
+
+struct Verdict {
+  Grade grade = Grade::kFine;
+  std::string text;  ///< "fine", "will work, but ...", "will not work: ..."
+  double error = 0;  ///< see measuredError()
+  ExitCode exitCode = kExitOk;
+};
+
+/// What a solve with these tags would say. Builds the system where the report leaves it open.
+Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report);
+
+/// One fixed vertex in every part: the tags of a mesh without conditions.
+std::vector<int> leastTags(const Mesh& mesh);
+
+}  // namespace qelm::tool
+
+#endif
