@@ -1,13 +1,20 @@
 // The pure functions of the page: level lines, levels, normals, edges, what a page holds.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { levelSegments } from '../../tools/page/src/contours.js';
+import { lengthOf, nearestCurve, segmentsOf, traceCurves } from '../../tools/page/src/curves.js';
 import { bytesFromBase64, decodeMesh } from '../../tools/page/src/decode.js';
-import { edgesOf, fixedMarks } from '../../tools/page/src/edges.js';
-import { evenLevels, levelsInSteps, niceTicks, rangeOf, readable } from '../../tools/page/src/levels.js';
+import { edgesOf, fixedMarks, outlineEdges } from '../../tools/page/src/edges.js';
+import { freeRectangles, outermost } from '../../tools/page/src/fit.js';
+import { splitVertices } from '../../tools/page/src/geometry.js';
+import { evenLevels, levelsInSteps, levelTexts, niceTicks, rangeOf, readable, stepIn } from '../../tools/page/src/levels.js';
 import { normalise } from '../../tools/page/src/normalise.js';
 import { cornerNormals } from '../../tools/page/src/normals.js';
-import { sheet } from './shapes.mjs';
+import { DepthPicture, visibleParts } from '../../tools/page/src/raster.js';
+import { gapsOf, rankOf } from '../../tools/page/src/spacing.js';
+import { firstView, namedView } from '../../tools/page/src/views.js';
+import { ball, bracket, sheet } from './shapes.mjs';
+
+const levelSegments = (mesh, field, levels) => segmentsOf(traceCurves(mesh, field, levels));
 
 const fieldOf = ({ positions }, f) =>
   Float64Array.from({ length: positions.length / 3 }, (_, v) =>
@@ -81,13 +88,27 @@ test('steps of levels go on beyond the first range', () => {
   assert.equal(levelsInSteps(0, 1e-9, 0, 1).length, 100);
 });
 
+test('no level lies at rounding distance from an end of the range', () => {
+  const levels = evenLevels(0, 1, 19);
+  assert.deepEqual(levelsInSteps(levels[0], levels[1] - levels[0], -1e-17, 1 + 2e-16).length, 19);
+});
+
 test('numbers are short and keep their digits', () => {
   const texts = [0, 0.1 + 0.2, -1.5, 1234567, 1e-9, 123.456789, 20].map((v) => readable(v));
   assert.deepEqual(texts, ['0', '0.3', '−1.5', '1.23457e6', '1e−9', '123.457', '20']);
-  assert.deepEqual([1e-17, -0.4e-6, 0.123456789, -2e-6, 7e-7].map((v) => readable(v, 1)), ['0', '0', '0.123457', '−2e−6', '0']);
-  assert.deepEqual([1e6 + 0.25, 1e6 + 3].map((v) => readable(v, 1e3)), ['1e6', '1e6']);
+  const inOne = (v) => readable(v, stepIn(1));
+  assert.deepEqual([1e-17, -0.4e-6, 0.123456789, -2e-6, 7e-7].map(inOne), ['0', '0', '0.123457', '−2e−6', '0']);
   assert.deepEqual(niceTicks(0, 1, 5).map((v) => readable(v)), ['0', '0.2', '0.4', '0.6', '0.8', '1']);
   assert.ok(niceTicks(-3.7, 1234, 6).length <= 8);
+});
+
+test('numbers far from zero have the digits that tell neighbours apart', () => {
+  assert.deepEqual([6512000.75, 6512000.8].map((v) => readable(v, 0.01)), ['6512000.75', '6512000.8']);
+  assert.deepEqual([1e6 + 0.25, 1e6 + 3].map((v) => readable(v, 0.1)), ['1000000.3', '1000003']);
+  assert.deepEqual(levelTexts([1e6, 1e6 + 0.5, 1e6 + 1]), ['1000000', '1000000.5', '1000001']);
+  assert.deepEqual(levelTexts([1 / 7, 2 / 7, 3 / 7]), ['0.14', '0.29', '0.43']);
+  assert.deepEqual(levelTexts([-123456.789]), ['−123457']);
+  assert.deepEqual(levelTexts([]), []);
 });
 
 test('meshes of any size and place fill the same ball', () => {
@@ -147,22 +168,125 @@ test('fixed vertices are marked by lines, by rims of patches, or by dots', () =>
 });
 
 test('a damaged page is refused with its reason', () => {
-  const head = new Uint8Array(20 + 24 * 3 + 8 * 3 + 768 + 3 + 3);
+  const head = new Uint8Array(24 + 24 * 3 + 8 * 3 + 768 + 4 + 3);
   const view = new DataView(head.buffer);
-  [0x4d4c4551, 1, 3, 1].forEach((word, k) => view.setUint32(4 * k, word, true));
+  [0x4d4c4551, 2, 3, 1, 0, 1].forEach((word, k) => view.setUint32(4 * k, word, true));
+  head.set([2, 0, 1, 5], head.length - 7); // two vertices free, one held by the fifth
   head.set([0, 2, 2], head.length - 3); // corners 0, 1, 2
   const mesh = decodeMesh(head);
   assert.deepEqual([...mesh.triangles], [0, 1, 2]);
+  assert.deepEqual([...mesh.fixedBy], [0, 0, 5]);
   assert.throws(() => decodeMesh(head.slice(0, head.length - 1)), /cut short/);
   assert.throws(() => decodeMesh(head.slice(0, 40)), /cut short/);
   assert.throws(() => decodeMesh(new Uint8Array(5)), /holds no mesh/);
   head[head.length - 1] = 8; // 1 + 4
   assert.throws(() => decodeMesh(head), /corner 2 names no vertex/);
-  view.setUint32(4, 2, true);
+  head[head.length - 7] = 4; // more vertices than there are
+  assert.throws(() => decodeMesh(head), /damaged/);
+  view.setUint32(4, 1, true);
   assert.throws(() => decodeMesh(head), /another version/);
   assert.deepEqual([...bytesFromBase64(' AP+A\n')], [0, 255, 128]);
 });
 
 test('the range of a field is its smallest and largest value', () => {
   assert.deepEqual(rangeOf(Float64Array.of(3, -1, 2)), { low: -1, high: 3 });
+});
+
+test('a curve is one polyline, closed or open, and as long as it is', () => {
+  const mesh = sheet(40, 40, [-1, 1, -1, 1]);
+  const field = fieldOf(mesh, (x, y) => Math.hypot(x, y));
+  const curves = traceCurves(mesh, field, [0.5, 1.2]);
+  assert.deepEqual(curves.levels, [0, 1, 1, 1, 1], 'a circle, and an arc in each corner');
+  assert.deepEqual(curves.closed, [1, 0, 0, 0, 0]);
+  assert.ok(Math.abs(lengthOf(curves, 0) / Math.PI - 1) < 0.01, `${lengthOf(curves, 0)}`);
+  curves.triangles.forEach((t) => assert.ok(t < mesh.triangles.length / 3));
+  const segments = segmentsOf(curves);
+  assert.equal(segments.curveOf.filter((c) => c === 0).length, curves.starts[1], 'the circle closes');
+  const near = (x, y, shown = () => true) => nearestCurve(segments, [x, y, 0], 0.05, shown);
+  assert.equal(near(0.52, 0), 0);
+  assert.ok(near(0.85, 0.85) > 0);
+  assert.equal(near(0.52, 0, (l) => l !== 0), null, 'not what is hidden');
+  assert.equal(near(0, 0), null);
+});
+
+test('curves on a closed surface close, also where they pass through vertices', () => {
+  const mesh = ball(12, 16, () => 1);
+  const field = fieldOf(mesh, (x, y, z) => Math.round(z * 1e6) / 1e6);
+  const { closed } = traceCurves(mesh, field, [field[1 + 16 * 8], 0, 0.33]);
+  assert.deepEqual(closed, [1, 1, 1]);
+});
+
+test('curves of a linear field are as far apart as they are', () => {
+  const mesh = sheet(10, 10, [0, 1, 0, 1]);
+  const field = fieldOf(mesh, (x) => 2 * x);
+  const levels = [0.5, 1, 1.5];
+  const gaps = gapsOf(mesh, field, levels, traceCurves(mesh, field, levels));
+  for (let k = 0; k < gaps.length; k += 4)
+    [1, 0, 0, 0.25].forEach((wanted, c) => assert.ok(Math.abs(gaps[k + c] - wanted) < 1e-6, `${gaps.slice(k, k + 4)}`));
+  assert.deepEqual([1, 2, 3, 4, 12].map(rankOf), [1, 2, 1, 4, 4]);
+  assert.ok(rankOf(0) > 1000);
+});
+
+test('shared vertices of the surface are split at sharp edges only', () => {
+  assert.equal(splitVertices(sheet(5, 4, [0, 1, 0, 1])).vertexOf.length, 30);
+  const fold = splitVertices(sheet(2, 1, [-1, 1, 0, 1], (x) => Math.abs(x)));
+  assert.equal(fold.vertexOf.length, 8, 'two vertices lie on the fold');
+  assert.equal(Math.max(...fold.index), 7);
+});
+
+test('what is free between cards is found', () => {
+  const cards = [
+    { left: 0, right: 300, top: 0, bottom: 100 },
+    { left: 900, right: 1000, top: 0, bottom: 400 },
+  ];
+  const free = freeRectangles(1000, 600, cards).map((r) => [r.left, r.top, r.right, r.bottom].join());
+  assert.deepEqual(free.sort(), ['0,100,900,600', '0,400,1000,600', '300,0,900,600']);
+  assert.deepEqual(freeRectangles(10, 10, []), [{ left: 0, top: 0, right: 10, bottom: 10 }]);
+});
+
+test('few vertices say how large a mesh looks', () => {
+  const { positions } = ball(200, 200, () => 1);
+  const few = outermost(positions);
+  assert.ok(few.length < positions.length / 4);
+  for (let c = 0; c < 3; ++c) {
+    const highest = few.reduce((most, p, k) => (k % 3 === c ? Math.max(most, p) : most), -1);
+    assert.ok(highest > 0.995, `${highest}`);
+  }
+});
+
+test('views are the same sides whatever is up', () => {
+  assert.deepEqual(namedView('front', 'z').toward.toArray(), [0, -1, 0]);
+  assert.deepEqual(namedView('front', 'y').toward.toArray().map(Math.abs), [0, 0, 1]);
+  assert.ok(namedView('front', 'y').toward.z > 0);
+  assert.deepEqual(namedView('right', 'x').toward.toArray(), [0, 1, 0]);
+  for (const up of ['x', 'y', 'z']) {
+    const [front, right, top] = ['front', 'right', 'top'].map((name) => namedView(name, up).toward);
+    assert.ok(right.clone().cross(front).dot(top) < -0.99, `${up}: right-handed`);
+    // From above, what is in front is at the bottom.
+    const flat = firstView({ up }, 'xyz'.split('').map((axis) => (axis === up ? 0 : 2)));
+    assert.deepEqual(flat.up.clone().negate().toArray().map((c) => c || 0), front.toArray().map((c) => c || 0));
+  }
+  const roof = firstView({ up: 'z' }, [10, 8, 2]).toward.normalize();
+  assert.ok(roof.z > 0.68, 'roofs are seen from above');
+  assert.ok(firstView({ up: 'z' }, [10, 8, 9]).toward.normalize().z < 0.55);
+});
+
+test('without a graphics card the nearer triangle covers, and lines end where they pass behind', () => {
+  const depth = new DepthPicture(20, 20);
+  const put = [];
+  depth.add(Float32Array.of(0, 0, 0.5, 20, 0, 0.5, 0, 20, 0.5), 0, 3, 6, (at) => put.push(at));
+  assert.ok(put.length > 180 && put.length < 220, `${put.length}`);
+  depth.add(Float32Array.of(0, 0, 0.25, 20, 0, 0.25, 0, 20, 0.25), 0, 3, 6, () => assert.fail('farther'));
+  const parts = visibleParts(depth, Float32Array.of(1, 5, 0.25, 19, 5, 0.25), 0, 2, false);
+  assert.equal(parts.length, 1);
+  assert.ok(parts[0][0] > 12 && parts[0].at(-2) === 19, `${parts[0]}`);
+});
+
+test('an outline is where the mesh ends or turns away', () => {
+  const flat = sheet(3, 3, [0, 3, 0, 3]);
+  assert.equal(outlineEdges(flat, flat.positions).length, 12);
+  const block = bracket();
+  // Seen along its bore: both rims of the bore and the outer one twice, nothing else turns away.
+  const across = Float64Array.from(block.positions, (_, k) => block.positions[k - (k % 3) + [0, 2, 1][k % 3]]);
+  assert.ok(outlineEdges(block, across).length >= 128);
 });

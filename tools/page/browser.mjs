@@ -34,10 +34,16 @@ export async function startBrowser() {
 }
 
 /**
- * Opens a page's file and waits for its first picture. `page.complaints` lists what the
+ * Opens a page's file and waits for its first picture. `touch` makes the window a phone's, with two
+ * dots for each pixel; `fragment` begins with #; the function `before` runs before the page's
+ * script; `patience` is in milliseconds. `page.complaints` lists what the
  * console and the network had to say about it: nothing, if all is well.
  */
-export async function openPage(browser, file, { width = 1200, height = 800, theme = 'light' } = {}) {
+export async function openPage(
+  browser,
+  file,
+  { width = 1200, height = 800, theme = 'light', touch = false, fragment = '', before = null, patience = 30000 } = {},
+) {
   const page = await browser.newPage();
   page.complaints = [];
   page.on('console', (message) => {
@@ -50,9 +56,10 @@ export async function openPage(browser, file, { width = 1200, height = 800, them
     if (!/^(file|data|blob):/.test(url)) page.complaints.push(`asked for ${url}`);
   });
   await page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: theme }]);
-  await page.setViewport({ width, height });
-  await page.goto(pathToFileURL(file).href);
-  await page.waitForFunction(() => window.qelmPage?.surface.drawn > 0);
+  await page.setViewport({ width, height, hasTouch: touch, isMobile: touch, deviceScaleFactor: touch ? 2 : 1 });
+  if (before) await page.evaluateOnNewDocument(before);
+  await page.goto(pathToFileURL(file).href + fragment, { timeout: patience });
+  await page.waitForFunction(() => window.qelmPage?.surface.drawn > 0, { timeout: patience });
   return page;
 }
 

@@ -1,7 +1,8 @@
 // usage: node screenshot.mjs PAGE.html PICTURE.png [--theme light|dark] [--size WxH]
-//   [--whole] [--pointer X,Y] [--run SCRIPT]
-// A picture of a page of `qelm view`, as its "Save picture" makes it, or, with --whole, with all
-// that is on the page and the pointer at X, Y. SCRIPT runs on the page before.
+//   [--whole] [--touch] [--pointer X,Y] [--click X,Y] [--run SCRIPT]
+// A picture of a page of `qelm view`, as its "Save picture" makes it with the panels folded away, or,
+// with --whole, with all that is on the page, after a click and with the pointer at X, Y. --touch:
+// as on a phone. SCRIPT runs on the page before.
 import { writeFile } from 'node:fs/promises';
 import path from 'node:path';
 import { parseArgs } from 'node:util';
@@ -13,7 +14,9 @@ const { values, positionals } = parseArgs({
     theme: { type: 'string', default: 'light' },
     size: { type: 'string', default: '1080x720' },
     whole: { type: 'boolean', default: false },
+    touch: { type: 'boolean', default: false },
     pointer: { type: 'string' },
+    click: { type: 'string' },
     run: { type: 'string', default: '' },
   },
 });
@@ -21,9 +24,13 @@ const [file, target] = positionals;
 const [width, height] = values.size.split('x').map(Number);
 const { browser, close } = await startBrowser();
 try {
-  const page = await openPage(browser, path.resolve(file), { width, height, theme: values.theme });
+  const { theme, touch } = values;
+  const page = await openPage(browser, path.resolve(file), { width, height, theme, touch });
+  if (!values.whole) await page.evaluate(() => qelmPage.panels.fold());
   if (values.run) await page.evaluate(values.run);
-  if (values.pointer) await page.mouse.move(...values.pointer.split(',').map(Number));
+  const at = (place) => place.split(',').map(Number);
+  if (values.click) await (touch ? page.touchscreen.tap(...at(values.click)) : page.mouse.click(...at(values.click)));
+  if (values.pointer) await page.mouse.move(...at(values.pointer));
   // Two frames later all that was asked for is drawn.
   await page.evaluate(
     () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))),

@@ -35,9 +35,9 @@ after(async () => {
   rmSync(folder, { recursive: true });
 });
 
-async function open(words) {
+async function open(words, options) {
   qelm('view', ...words, '--page', process.env.QELM_LIVE_PAGE, '-o', 'live.html', '-q');
-  page = await openPage(chromium.browser, file('live.html'));
+  page = await openPage(chromium.browser, file('live.html'), options);
 }
 
 async function closed() {
@@ -150,6 +150,70 @@ test('keys and the number box move values, and the button brings them back', asy
   await page.click('#reset-values');
   await page.waitForFunction(() => qelmPage.awaited === undefined && qelmPage.surface.range.high < 7);
   await sameField(withPoint(0.5));
+  await closed();
+});
+
+test('--levels 19 gives 19 levels, whatever the solve rounds', async () => {
+  for (const [low, high] of [[0, 1], [0.1, 0.7], [-3, 1e-3]]) {
+    await open(['hills.obj', '--fix', `box:-2,-9,-9,-2,9,9=${low}`, '--fix', `box:2,-9,-9,2,9,9=${high}`, '--levels', '19']);
+    assert.equal(await page.evaluate(() => qelmPage.levels.length), 19, `${low} to ${high}`);
+    await closed();
+  }
+});
+
+test('moves can be undone, and so can going back to what was prescribed', async () => {
+  await open([...withPoint(1.5), '--levels', '9']);
+  const values = () => page.evaluate(() => qelmPage.current);
+  assert.equal(await page.$eval('#undo', (button) => button.disabled), true);
+  const put = async (value) => {
+    await page.click('input[type=number][aria-label^="Value of near"]', { count: 3 });
+    await page.keyboard.type(String(value));
+    await page.keyboard.press('Enter');
+    await page.waitForFunction(() => qelmPage.awaited === undefined);
+  };
+  await put(0.75);
+  await put(-0.25);
+  await page.click('#undo');
+  assert.deepEqual(await values(), [0, 1, 0.75]);
+  await page.waitForFunction(() => qelmPage.awaited === undefined);
+  await sameField(withPoint(0.75));
+  await page.click('#reset-values');
+  assert.deepEqual(await values(), [0, 1, 1.5]);
+  await page.focus('#canvas');
+  await page.keyboard.down('Control');
+  await page.keyboard.press('z');
+  await page.keyboard.press('z');
+  await page.keyboard.up('Control');
+  assert.deepEqual(await values(), [0, 1, 1.5], 'both moves are undone');
+  assert.equal(await page.$eval('#undo', (button) => button.disabled), true);
+  await closed();
+});
+
+test('a link has the values, too', async () => {
+  await open([...withPoint(1.5), '--levels', '9']);
+  await moveSlider('near:0.3,0.2,0', -0.4);
+  await page.evaluate(() => (qelmPage.moved(), qelmPage.setLevelCount(5)));
+  await page.waitForFunction(() => location.hash.includes('values='));
+  const [fragment, levels] = await page.evaluate(() => [location.hash, qelmPage.levels]);
+  const value = await page.evaluate(() => qelmPage.current[2]);
+  await closed();
+  await open([...withPoint(1.5), '--levels', '9'], { fragment });
+  await page.waitForFunction((wanted) => qelmPage.current[2] === wanted, {}, value);
+  await sameField(withPoint(value));
+  assert.deepEqual(await page.evaluate(() => qelmPage.levels), levels);
+  await closed();
+});
+
+test('sliders can be reached on a phone, and fingers move them', async () => {
+  await open([...withPoint(1.5), '--levels', '9'], { width: 390, height: 844, touch: true });
+  await page.tap('#tabs [data-tab=facts]');
+  const slider = await page.$('input[type=range][aria-label^="Value of near"]');
+  const box = await slider.boundingBox();
+  assert.ok(box.width > 200 && box.height >= 40 && box.x >= 0 && box.x + box.width <= 390 && box.y + box.height < 800, JSON.stringify(box));
+  const before = await page.evaluate(() => qelmPage.current[2]);
+  await page.touchscreen.tap(box.x + 0.2 * box.width, box.y + box.height / 2);
+  await page.waitForFunction((was) => qelmPage.current[2] < was - 0.3 && qelmPage.awaited === undefined, {}, before);
+  await sameField(withPoint(await page.evaluate(() => qelmPage.current[2])));
   await closed();
 });
 

@@ -190,3 +190,30 @@ def test_a_renderer_shows_the_curves_in_their_colours(qelm, draw):
         wanted = tuple(int(colour[k : k + 2], 16) for k in (1, 3, 5))
         assert any(math.dist(wanted, pixel[:3]) < 12 for pixel in shown), colour
     assert image.pixel(3, 3)[:3] == (255, 255, 255)
+
+
+def test_up_says_which_axis_points_up(draw, qelm):
+    points, faces = shapes.grid(4, 3)
+    standing = [(0, a, b) for a, b, _ in points], faces
+    fixes = ["--fix", "box:0,0,0,0,0,9=0", "--fix", "box:0,4,0,0,4,9=1"]
+
+    def extents(*arguments):
+        _, drawn = draw(standing, fixes, "--at", "0.5", *arguments).levels()[0.5]
+        return [max(p[k] for p in drawn) - min(p[k] for p in drawn) for k in (0, 1)]
+
+    # The curve is parallel to z.
+    across, high = extents("--up", "z")
+    assert high > 100 and across == pytest.approx(0, abs=0.01)
+    across, high = extents("--up", "y")
+    assert across > 100 and high == pytest.approx(0, abs=0.01)
+    assert extents() == extents("--up", "z")
+
+
+def test_from_above_is_along_what_points_up(draw):
+    points, faces = shapes.grid(4, 3)
+    lying = [(a, 0.0, -b) for a, b, _ in points], faces
+    fixes = ["--fix", "box:0,0,-9,0,0,9=0", "--fix", "box:4,0,-9,4,0,9=1"]
+    picture = draw(lying, fixes, "--levels", "3", "--up", "y", "--unit", "<mm>")
+    texts = [text.text for text in picture.root.iter(SVG + "text")]
+    assert any("seen from +y" in text for text in texts)
+    assert "max 1 <mm>" in texts and any("0.25 to 0.75 <mm>" in text for text in texts)

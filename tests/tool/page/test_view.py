@@ -3,6 +3,7 @@
 import base64
 import html
 import json
+import math
 import re
 import struct
 
@@ -23,14 +24,19 @@ class Page:
         self.title = html.unescape(re.search(r"<title>(.*)</title>", self.text)[1])
         self.facts = json.loads(self.script("page-facts"))
         self.block = base64.b64decode(self.script("page-mesh"), validate=True)
-        magic, version, n, m, loads = struct.unpack_from("<4s4I", self.block)
-        assert (magic, version) == (b"QELM", 1) and loads in (0, n)
-        self.place = 20
-        self.points = list(zip(*[iter(self.take(f"<{3 * n}d"))] * 3))
+        magic, version, n, m, loads, exact = struct.unpack_from("<4s5I", self.block)
+        assert (magic, version) == (b"QELM", 2) and loads in (0, n) and exact in (0, 1)
+        self.place = 24
+        numbers = self.take(f"<{3 * n}d") if exact else self.fractions(3 * n)
+        self.points = list(zip(*[iter(numbers)] * 3))
+        self.is_exact = exact == 1
         self.field = list(self.take(f"<{n}d"))
         self.load = list(self.take(f"<{loads}d"))
         self.colours = list(zip(*[iter(self.take("<768B"))] * 3))
-        self.fixed_by = [self.varint() for _ in range(n)]
+        self.fixed_by = []
+        while len(self.fixed_by) < n:
+            length = self.varint()
+            self.fixed_by += [self.varint()] * length
         corners = self.corners(3 * m)
         self.triangles = list(zip(*[iter(corners)] * 3))
         assert self.place == len(self.block), "nothing comes after the corners"
@@ -42,6 +48,11 @@ class Page:
         values = struct.unpack_from(form, self.block, self.place)
         self.place += struct.calcsize(form)
         return values
+
+    def fractions(self, count):
+        box = self.take("<6d")
+        steps = [int.from_bytes(bytes(self.take("<3B")), "little") for _ in range(count)]
+        return [box[k % 3] + box[3 + k % 3] * s / 0xFFFFFF for k, s in enumerate(steps)]
 
     def varint(self):
         value = shift = 0
@@ -87,7 +98,78 @@ def test_corners_far_apart_survive_their_packing(qelm):
     qelm.write("grid.obj", shapes.obj((points, faces)))
     page = view(qelm, "grid.obj", "--fix", "vertex:0=0", "--fix", "vertex:17160=1")
     assert page.triangles == faces
-    assert len(page.block) < 20 + 32 * len(points) + 768 + len(points) + 2 * 3 * len(faces)
+    assert len(page.block) < 24 + 32 * len(points) + 768 + 20 + 2 * 3 * len(faces)
+
+
+@with_page
+def test_large_pages_round_places_to_what_a_screen_shows_and_keep_values(qelm):
+    points, faces = shapes.moved(shapes.grid(400, 250), (6.5e6, 0.1, -3))
+    qelm.write("grid.obj", shapes.obj((points, faces)))
+    fixes = ["--fix", "vertex:0=0", "--fix", "vertex:100650=1"]
+    page = view(qelm, "grid.obj", *fixes)
+    assert len(page.points) == 100651 and not page.is_exact
+    assert len(page.text) < 5e6, "200,000 triangles; five times as many stay below 25 MB"
+    assert page.triangles == faces
+    # Half a step of 24 bits across 400, and what a double of 6.5e6 is off by.
+    worst = max(abs(a - b) for p, q in zip(page.points, points) for a, b in zip(p, q))
+    assert worst <= 400 / 2**25 + 1e-9
+    qelm.ok("solve", "grid.obj", *fixes, "-o", "field.csv")
+    assert page.field == qelm.field()
+    qelm.write("own.html", "@QELM_TITLE@@QELM_FACTS@|@QELM_MESH@|")
+    qelm.ok("view", "grid.obj", *fixes, "--page", "own.html", "-o", "filled.html")
+    block = base64.b64decode((qelm.folder / "filled.html").read_text().split("|")[1])
+    assert struct.unpack_from("<I", block, 20)[0] == 1, "who solves has all digits"
+
+
+def four_legged():
+    """Boxes for a body, a tail, a head and four legs, y up."""
+    def box(x, y, z, dx, dy, dz):
+        corners = [(x + i * dx, y + j * dy, z + k * dz) for k in (0, 1) for j in (0, 1) for i in (0, 1)]
+        sides = [(0, 2, 3, 1), (4, 5, 7, 6), (0, 1, 5, 4), (2, 6, 7, 3), (0, 4, 6, 2), (1, 3, 7, 5)]
+        return corners, [t for a, b, c, d in sides for t in ((a, b, c), (a, c, d))]
+
+    legs = [box(x, 0, z, 0.2, 1.2, 0.2) for x in (0, 0.8) for z in (0, 1.8)]
+    body, tail = box(0, 1.2, 0, 1, 1, 2), box(0.45, 1.8, -0.4, 0.1, 0.1, 0.4)
+    head_with_ears = box(-0.2, 1.9, 2, 1.4, 0.5, 0.6)
+    return shapes.joined(*legs, body, tail, head_with_ears)
+
+
+def turned(mesh, turn):
+    return [turn(*p) for p in mesh[0]], mesh[1]
+
+
+@with_page
+def test_an_obj_file_stands_on_its_firmest_base(qelm):
+    mesh = four_legged()
+    one_of_each = [f"--fix=vertex:{8 * k},{8 * k + 1}={k}" for k in range(7)]
+    for axis, turn in {
+        "y": lambda x, y, z: (x, y, z),
+        "z": lambda x, y, z: (x, -z, y),
+        "x": lambda x, y, z: (y, z, x),
+    }.items():
+        qelm.write("animal.obj", shapes.obj(turned(mesh, turn)))
+        assert view(qelm, "animal.obj", *one_of_each).facts["up"] == axis
+        assert view(qelm, "animal.obj", *one_of_each, "--up", "x").facts["up"] == "x"
+    qelm.write("animal.off", shapes.off(mesh))
+    assert view(qelm, "animal.off", *one_of_each).facts["up"] == "z", "as the format has it"
+    qelm.write("roof.obj", shapes.obj(shapes.grid(4, 3)))
+    assert view(qelm, "roof.obj", *LEFT_RIGHT).facts["up"] == "z"
+    points, faces = shapes.grid(20, 15)
+    hills = [(x, y, 1.5 * math.sin(x / 2) * math.cos(y / 2)) for x, y, _ in points], faces
+    ends = ["--fix", "vertex:0=0", "--fix", "vertex:9=1"]
+    qelm.write("hills.obj", shapes.obj(hills))
+    assert view(qelm, "hills.obj", *ends).facts["up"] == "z"
+    qelm.write("hills.obj", shapes.obj(turned(hills, lambda x, y, z: (x, z, -y))))
+    assert view(qelm, "hills.obj", *ends).facts["up"] == "y"
+    text = qelm.fails(2, "view", "roof.obj", *LEFT_RIGHT, "--up", "-z", "-o", "no.html")
+    assert "--up -z: give x, y, z or auto" in text
+
+
+@with_page
+def test_the_units_text_is_on_the_page(qelm):
+    qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
+    assert view(qelm, "grid.obj", *LEFT_RIGHT, "--unit", "°C").facts["unit"] == "°C"
+    assert view(qelm, "grid.obj", *LEFT_RIGHT).facts["unit"] == ""
 
 
 @with_page

@@ -60,3 +60,19 @@ export function fixedMarks({ positions, triangles }, fixedBy) {
   fixedBy.forEach((condition, v) => condition > 0 && !met.has(v) && dots.push(v));
   return { lines, dots };
 }
+
+/**
+ * The edges [v, w] of which a picture's outline may consist: where the mesh ends, and where a triangle
+ * that faces the viewer meets one that does not. points: x, y, anything of each vertex on the picture.
+ */
+export function outlineEdges({ positions, triangles }, points) {
+  const faces = (k) => {
+    const [a, b, c] = [3 * triangles[k], 3 * triangles[k + 1], 3 * triangles[k + 2]];
+    return (points[b] - points[a]) * (points[c + 1] - points[a + 1]) > (points[b + 1] - points[a + 1]) * (points[c] - points[a]);
+  };
+  const edges = [];
+  forEveryEdge(positions.length / 3, triangles, (v, w, firsts) => {
+    if (firsts.length === 1 || firsts.some((k) => faces(k) !== faces(firsts[0]))) edges.push([v, w]);
+  });
+  return edges;
+}

@@ -23,18 +23,6 @@ function check(library, status) {
 const doublesAt = (library, place, count) => library.HEAPF64.subarray(place >> 3, (place >> 3) + count);
 const intsAt = (library, place, count) => library.HEAP32.subarray(place >> 2, (place >> 2) + count);
 
-/** A record QelmCurves: two 64-bit counts, then four pointers. */
-function readCurves(library, record) {
-  const [curveCount, , pointCount, , points, starts, levels, closed] = intsAt(library, record, 8);
-  return {
-    points: doublesAt(library, points, 3 * pointCount).slice(),
-    // 64-bit numbers, of which a 32-bit heap needs the lower halves.
-    starts: intsAt(library, starts, curveCount === 0 ? 0 : 2 * (curveCount + 1)).filter((_, k) => k % 2 === 0),
-    levels: intsAt(library, levels, curveCount).slice(),
-    closed: intsAt(library, closed, curveCount).slice(),
-  };
-}
-
 /** A mesh with its factorised system. */
 export class MeshSystem {
   /**
@@ -78,44 +66,8 @@ export class MeshSystem {
     });
   }
 
-  /**
-   * Level curves: {points: Float64Array(3p), starts: c + 1 places in points, levels: c indices,
-   * closed: c flags}.
-   */
-  curves(field, levels) {
-    const { library, vertexCount: n } = this;
-    return withRoom(library, [8 * n, 8 * levels.length, 4, 4], (values, wanted, out, status) => {
-      doublesAt(library, values, n).set(field);
-      doublesAt(library, wanted, levels.length).set(levels);
-      library._qelmcurvesTagged(this.handle, values, levels.length, wanted, out, status);
-      check(library, intsAt(library, status, 1)[0]);
-      const record = intsAt(library, out, 1)[0];
-      const curves = readCurves(library, record);
-      library._qelmfreecurves(record);
-      return curves;
-    });
-  }
-
   free() {
     this.library._qelmfree(this.handle);
     this.handle = 0;
   }
-}
-
-/** The curves' straight pieces, as levelSegments() has them; `place` as normalise() has it. */
-export function segmentsOf({ points, starts, levels, closed }, { centre, radius }) {
-  const count = levels.reduce((sum, _, c) => sum + starts[c + 1] - starts[c] - (closed[c] ? 0 : 1), 0);
-  const local = Float32Array.from(points, (p, k) => (p - centre[k % 3]) / radius);
-  const segments = { points: new Float32Array(6 * count), levelOf: new Uint16Array(count) };
-  let next = 0;
-  levels.forEach((level, c) => {
-    const [begin, end] = [starts[c], starts[c + 1]];
-    for (let p = begin; p < end - (closed[c] ? 0 : 1); ++p) {
-      const q = p + 1 < end ? p + 1 : begin;
-      segments.points.set(local.subarray(3 * p, 3 * p + 3), 6 * next);
-      segments.points.set(local.subarray(3 * q, 3 * q + 3), 6 * next + 3);
-      segments.levelOf[next++] = level;
-    }
-  });
-  return segments;
 }

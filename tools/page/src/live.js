@@ -1,13 +1,15 @@
 // Entry of the live page: the view page, with the library in it and a slider for every
 // condition. Each move solves again with the stored factorisation and cuts the curves again.
 import makeLibrary from 'qelm-library';
-import { bytesFromBase64, decodeMesh } from './decode.js';
 import { levelsInSteps, rangeOf } from './levels.js';
-import { MeshSystem, segmentsOf } from './library.js';
+import { MeshSystem } from './library.js';
 import { Page } from './page.js';
-import { runPage, textOf } from './start.js';
+import { runPage } from './start.js';
 
 const kSliderSteps = 240;
+const kMostUndone = 200;
+
+const byId = (id) => document.getElementById(id);
 
 /** From where to where a slider goes: half as far again as the prescribed values do. */
 function reachOf(conditions) {
@@ -30,32 +32,54 @@ class LivePage extends Page {
   constructor(facts, data, library) {
     super(facts, data);
     this.values = data.field.slice();
+    this.prescribed = facts.conditions.map(({ value }) => value);
+    this.current = [...this.prescribed]; // one for each condition, undefined for a file
+    this.undone = []; // values before each move, the last one at the end
     const tags = Int32Array.from(data.fixedBy, (condition) => (condition > 0 ? 1 : 0));
     const began = performance.now();
     this.system = new MeshSystem(library, data.positions, data.triangles, tags);
     this.times = { construct: performance.now() - began };
     this.rule = ruleOf(facts.levels);
-    this.surface.cutter = (field, levels) =>
-      segmentsOf(this.system.curves(field, levels), this.surface.place);
-    this.#addResetButton();
+    this.#addButtons();
     this.fitWindow();
     this.solve();
   }
 
-  /** Besides, the sliders: what one moves ought to be seen. */
-  covered() {
-    const covered = super.covered();
-    const { right } = document.getElementById('facts').getBoundingClientRect();
-    return covered.right && window.innerWidth > 2 * right ? { ...covered, left: right } : covered;
-  }
-
   /** Holds the vertices of a condition, by number, at another value; draws soon after. */
   prescribe(number, value) {
+    this.before ??= [...this.current];
+    this.current[number] = value;
     this.data.fixedBy.forEach((condition, v) => {
       if (condition === number + 1) this.values[v] = value;
     });
     this.sliders[number]?.show(value);
     this.awaited ??= requestAnimationFrame(() => this.solve());
+  }
+
+  /** A move has ended: what was before it can come back. */
+  moved() {
+    if (this.before?.some((value, k) => value !== this.current[k])) this.undone.push(this.before);
+    if (this.undone.length > kMostUndone) this.undone.shift();
+    this.before = undefined;
+    byId('undo').disabled = this.undone.length === 0;
+    this.changed();
+  }
+
+  undo() {
+    const before = this.undone.pop();
+    if (before) this.#take(before);
+    this.before = undefined;
+    this.moved();
+  }
+
+  /** All values as the command line had them; that can be undone. */
+  resetValues() {
+    this.#take(this.prescribed);
+    this.moved();
+  }
+
+  #take(values) {
+    values.forEach((value, k) => value !== undefined && value !== this.current[k] && this.prescribe(k, value));
   }
 
   solve() {
@@ -68,18 +92,31 @@ class LivePage extends Page {
     this.setField(field, this.rule(low, high));
     this.times.solve = solved - began;
     this.times.cut = this.surface.cutTime;
-    this.sayTimes();
+    this.#sayTimes();
   }
 
-  setLevelCount(count) {
-    super.setLevelCount(count);
-    this.rule = ruleOf(this.levels);
+  setLevels(levels) {
+    super.setLevels(levels);
+    this.rule = ruleOf(levels);
   }
 
-  sayTimes() {
+  ownState() {
+    const isMoved = this.current?.some((value, k) => value !== this.prescribed[k]);
+    return isMoved ? { values: this.current.map((value) => value ?? '').join() } : {};
+  }
+
+  takeOwnState(state) {
+    const values = (state.get('values') ?? '').split(',');
+    if (values.length !== this.current.length) return;
+    this.#take(values.map((text) => (text !== '' && Number.isFinite(Number(text)) ? Number(text) : undefined)));
+    this.solve(); // what comes after it in the address is about this field
+    this.moved();
+  }
+
+  #sayTimes() {
     const said = (time) => `${time.toFixed(1)} ms`;
     const { solve, cut } = this.times;
-    document.getElementById('times').textContent = `Solved in ${said(solve)}, cut in ${said(cut)}`;
+    byId('times').textContent = `Solved in ${said(solve)}, cut in ${said(cut)}`;
   }
 
   conditionItem(condition, number) {
@@ -103,9 +140,11 @@ class LivePage extends Page {
       item.querySelector('.swatch').style.background = this.surface.colourOf(value).getStyle();
     };
     slider.addEventListener('input', () => this.prescribe(number, slider.valueAsNumber));
+    slider.addEventListener('change', () => this.moved());
     box.addEventListener('change', () => {
       if (Number.isFinite(box.valueAsNumber)) this.prescribe(number, box.valueAsNumber);
-      else show(this.values[this.data.fixedBy.indexOf(number + 1)]);
+      else show(this.current[number]);
+      this.moved();
     });
     this.sliders[number] = { show, slider, box };
     show(condition.value);
@@ -117,29 +156,33 @@ class LivePage extends Page {
   /** Swatches follow the scale, which changes with every field. */
   setField(field, levels) {
     super.setField(field, levels);
-    this.sliders.forEach(({ show }, k) => show(this.values?.[this.#firstOf(k)] ?? this.facts.conditions[k].value));
+    this.sliders?.forEach(({ show }, k) => show(this.current?.[k] ?? this.facts.conditions[k].value));
   }
 
-  #firstOf(number) {
-    return this.data.fixedBy.indexOf(number + 1);
-  }
-
-  #addResetButton() {
-    const button = document.createElement('button');
-    button.type = 'button';
-    button.id = 'reset-values';
-    button.textContent = 'Values as they were';
-    button.addEventListener('click', () => {
-      this.facts.conditions.forEach(({ value }, k) => value !== undefined && this.prescribe(k, value));
-    });
+  #addButtons() {
+    const button = (id, text, click) => {
+      const made = document.createElement('button');
+      Object.assign(made, { type: 'button', id, textContent: text });
+      made.addEventListener('click', click);
+      return made;
+    };
+    const buttons = document.createElement('div');
+    buttons.className = 'buttons';
+    buttons.append(
+      button('undo', 'Undo', () => this.undo()),
+      button('reset-values', 'Reset to prescribed', () => this.resetValues()),
+    );
+    buttons.firstChild.disabled = true;
     const times = document.createElement('p');
     times.id = 'times';
-    document.getElementById('facts').append(button, times);
+    byId('values').append(buttons, times);
+    document.addEventListener('keydown', (event) => {
+      const isUndo = event.key.toLowerCase() === 'z' && (event.ctrlKey || event.metaKey) && !event.shiftKey;
+      if (!isUndo || event.target.type === 'number') return;
+      event.preventDefault();
+      this.undo();
+    });
   }
 }
 
-runPage(async () => {
-  const facts = JSON.parse(textOf('page-facts'));
-  const data = decodeMesh(bytesFromBase64(textOf('page-mesh')));
-  return new LivePage(facts, data, await makeLibrary());
-});
+runPage(async (facts, data) => new LivePage(facts, data, await makeLibrary()));

@@ -1,67 +1,82 @@
 // Turning, moving and zooming, by pointer and by keys.
 import { Spherical, Vector3 } from 'three';
 import { OrbitControls } from 'three/addons/controls/OrbitControls.js';
+import { firstView, namedView, toThree } from './views.js';
 
 const kTurn = Math.PI / 24;
 const kStep = 0.08; // of the distance
 const kZoom = 1.15;
-const kFlat = 1e-3;
-
-/** From where a mesh of these extents is best seen, and what is up then. */
-function startFor(facts, size) {
-  const up = new Vector3(0, 0, 1);
-  if (facts.toward) {
-    const toward = new Vector3(...facts.toward);
-    return { toward, up: Math.abs(toward.z) < 0.999 ? up : new Vector3(0, 1, 0) };
-  }
-  // A drawing in a plane is looked at straight, not across.
-  const flat = [2, 1, 0].find((axis) => size[axis] < kFlat * Math.max(...size));
-  if (flat === 2) return { toward: new Vector3(0, 0, 1), up: new Vector3(0, 1, 0) };
-  if (flat === 1) return { toward: new Vector3(0, -1, 0), up };
-  if (flat === 0) return { toward: new Vector3(1, 0, 0), up };
-  return { toward: new Vector3(0.55, -1, 0.62), up };
-}
+const kMuchNearer = 0.92; // from there the mesh looks so much larger that another side may be shown
+const kViewKeys = { 1: 'front', 2: 'back', 3: 'left', 4: 'right', 5: 'top', 6: 'iso' };
 
 export class Navigation {
-  /** surface: a SurfaceScene; facts.toward: a direction to begin with, or nothing. */
-  constructor(surface, facts) {
+  /** surface: a SurfaceScene; facts: {up, toward}; `changed()` after every move. */
+  constructor(surface, facts, changed) {
     this.surface = surface;
-    this.start = startFor(facts, surface.place.size);
-    surface.camera.up.copy(this.start.up);
-    this.controls = new OrbitControls(surface.camera, surface.canvas);
-    this.controls.zoomToCursor = true;
-    this.controls.minDistance = 0.01;
-    this.controls.maxDistance = 20;
-    this.controls.addEventListener('change', () => surface.draw());
-    this.controls.addEventListener('start', () => (this.fresh = false));
+    this.changed = changed;
+    this.upAxis = facts.up ?? 'z';
+    this.start = firstView(facts, surface.place.size);
+    surface.canvas.addEventListener('wheel', () => (this.fresh = false), { passive: true });
     this.reset();
   }
 
   reset() {
-    this.controls.target.copy(this.surface.lookFrom(this.start.toward, this.start.up));
-    this.controls.update();
+    this.chosen = null;
+    this.#look(this.start);
     this.fresh = true;
+    this.changed();
   }
 
-  /** After the window changed: all of the mesh again, unless someone has chosen a view. */
+  /** 'front', 'top' and so on: all of the mesh from there. */
+  lookFrom(name) {
+    this.chosen = namedView(name, this.upAxis);
+    this.#look(this.chosen);
+    this.fresh = true;
+    this.changed();
+  }
+
+  /** After the window changed: all of the mesh again, unless someone has turned it. */
   resized() {
-    if (this.fresh) this.reset();
+    if (this.fresh) this.#look(this.chosen ?? this.start);
+  }
+
+  /** Camera, target and what is up, nine numbers; null as the page begins. */
+  state() {
+    if (this.fresh && !this.chosen) return null;
+    const { camera } = this.surface;
+    return [...camera.position, ...this.controls.target, ...camera.up];
+  }
+
+  take(state) {
+    const [position, target, up] = [0, 3, 6].map((k) => new Vector3().fromArray(state, k));
+    if (position.distanceTo(target) === 0 || up.length() === 0) return;
+    this.#standOn(up.normalize());
+    this.surface.camera.position.copy(position);
+    this.controls.target.copy(target);
+    this.fresh = false;
+    this.controls.update();
+    this.surface.draw();
+    this.changed();
+  }
+
+  /** Whether the pointer turns the mesh. */
+  suspend(isSuspended) {
+    this.controls.enabled = !isSuspended;
   }
 
   /** Handles a key of the canvas; false when it means nothing here. */
   key(event) {
     const action = this.#actionFor(event);
     if (!action) return false;
-    this.fresh = false;
     action();
-    this.controls.update();
-    this.surface.draw();
     return true;
   }
 
   #actionFor({ key, shiftKey }) {
     const move = shiftKey ? (x, y) => this.#pan(x, y) : (x, y) => this.#turn(x, y);
-    return {
+    if (key in kViewKeys) return () => this.lookFrom(kViewKeys[key]);
+    if (key === 'Home' || key === '0') return () => this.reset();
+    const step = {
       ArrowLeft: () => move(-1, 0),
       ArrowRight: () => move(1, 0),
       ArrowUp: () => move(0, 1),
@@ -69,9 +84,46 @@ export class Navigation {
       '+': () => this.#zoom(1 / kZoom),
       '=': () => this.#zoom(1 / kZoom),
       '-': () => this.#zoom(kZoom),
-      Home: () => this.reset(),
-      0: () => this.reset(),
     }[key];
+    return step && (() => this.#moveBy(step));
+  }
+
+  #moveBy(step) {
+    this.fresh = false;
+    this.surface.motion.stir();
+    step();
+    this.controls.update();
+    this.surface.draw();
+    this.changed();
+  }
+
+  #look({ toward, or, up }) {
+    this.#standOn(up);
+    if (or && this.surface.lookDistance(or, up) < kMuchNearer * this.surface.lookDistance(toward, up)) toward = or;
+    this.controls.target.copy(this.surface.lookFrom(toward, up));
+    this.controls.update();
+  }
+
+  /** The controls take what is up once: another direction needs new ones. */
+  #standOn(up) {
+    const { camera, canvas } = this.surface;
+    if (this.controls && camera.up.distanceTo(up) === 0) return;
+    this.controls?.dispose();
+    camera.up.copy(up);
+    this.controls = new OrbitControls(camera, canvas);
+    canvas.style.touchAction = 'none';
+    this.controls.zoomToCursor = true;
+    this.controls.minDistance = 0.01;
+    this.controls.maxDistance = 20;
+    // A click is a start and an end without a change between.
+    let isHeld = false;
+    this.controls.addEventListener('start', () => (isHeld = true));
+    this.controls.addEventListener('end', () => ((isHeld = false), this.changed()));
+    this.controls.addEventListener('change', () => {
+      if (isHeld) this.fresh = false;
+      if (isHeld) this.surface.motion.stir();
+      this.surface.draw();
+    });
   }
 
   get #offset() {
@@ -80,13 +132,13 @@ export class Navigation {
 
   #turn(x, y) {
     const { camera } = this.surface;
-    const toUp = camera.up.y === 1 ? (v) => v : (v) => v.set(v.x, v.z, -v.y);
-    const back = camera.up.y === 1 ? (v) => v : (v) => v.set(v.x, -v.z, v.y);
-    const place = new Spherical().setFromVector3(toUp(this.#offset));
+    const turned = toThree(camera.up);
+    const place = new Spherical().setFromVector3(this.#offset.applyQuaternion(turned));
     place.theta -= x * kTurn;
     place.phi -= y * kTurn;
     place.makeSafe();
-    camera.position.copy(back(new Vector3().setFromSpherical(place))).add(this.controls.target);
+    const offset = new Vector3().setFromSpherical(place).applyQuaternion(turned.invert());
+    camera.position.copy(offset).add(this.controls.target);
   }
 
   #pan(x, y) {

@@ -1,33 +1,26 @@
-// The view as a picture file, with its scale.
+// The view as a picture, with its scale: to be saved, and to be printed.
 
 // What the page's style sheet gives to parts of the scale.
-const kLooks = [
-  'fill',
-  'stroke',
-  'stroke-width',
-  'font-family',
-  'font-size',
-  'font-weight',
-  'font-variant-numeric',
-  'visibility',
-];
+const kLooks = ['fill', 'stroke', 'stroke-width', 'font-family', 'font-size', 'font-weight', 'font-variant-numeric', 'visibility'];
 
-/** Draws the legend, an SVG element, with the colours that it has on the page. */
-async function legendImage(svg) {
+/** A copy of the legend, an SVG element, that looks as it does on the page without its style sheet. */
+export function styledLegend(svg) {
   const copy = svg.cloneNode(true);
-  const style = (element) => {
-    const computed = getComputedStyle(element);
-    return kLooks.map((look) => `${look}:${computed.getPropertyValue(look)}`).join(';');
-  };
   const originals = svg.querySelectorAll('text, line, path');
   copy.querySelectorAll('text, line, path').forEach((element, k) => {
-    element.setAttribute('style', style(originals[k]));
+    const computed = getComputedStyle(originals[k]);
+    element.setAttribute('style', kLooks.map((look) => `${look}:${computed.getPropertyValue(look)}`).join(';'));
   });
+  copy.removeAttribute('style');
   copy.setAttribute('xmlns', 'http://www.w3.org/2000/svg');
   copy.setAttribute('width', svg.clientWidth);
   copy.setAttribute('height', svg.clientHeight);
+  return copy;
+}
+
+async function legendImage(svg) {
   const image = new Image();
-  image.src = `data:image/svg+xml,${encodeURIComponent(new XMLSerializer().serializeToString(copy))}`;
+  image.src = `data:image/svg+xml,${encodeURIComponent(new XMLSerializer().serializeToString(styledLegend(svg)))}`;
   await image.decode();
   return image;
 }
@@ -50,16 +43,36 @@ export async function pictureOf(page) {
   context.fillRect(0, 0, picture.width, picture.height);
   page.surface.drawNow(); // a drawn canvas can be read until the next frame only
   context.drawImage(canvas, 0, 0);
+  context.drawImage(page.labels.canvas, 0, 0, picture.width, picture.height);
   const { left, top, width, height } = svg.getBoundingClientRect();
   context.drawImage(legend, left * scale, top * scale, width * scale, height * scale);
   return picture;
 }
 
-/** Offers the picture as a file named after the mesh. */
-export async function savePicture(page) {
-  const picture = await pictureOf(page);
-  const link = document.createElement('a');
-  link.download = `${page.facts.name.replace(/\.[^.]*$/, '')}.png`;
-  link.href = picture.toDataURL('image/png');
-  link.click();
+/** What is on paper: the mesh as it is seen now, on white, large; style sheets do the rest. */
+export function followPrinting(page) {
+  const print = document.createElement('canvas');
+  print.id = 'print';
+  document.getElementById('page').append(print);
+  let theme;
+  window.addEventListener('beforeprint', () => {
+    theme = page.theme;
+    page.setTheme('light');
+    page.surface.drawNow();
+    const { canvas } = page;
+    const ratio = canvas.width / canvas.clientWidth;
+    const { left, top, right, bottom } = page.surface.extent();
+    const [width, height] = [(right - left) * ratio, (bottom - top) * ratio];
+    Object.assign(print, { width: Math.max(1, width), height: Math.max(1, height) });
+    for (const source of [canvas, page.labels.canvas])
+      print.getContext('2d').drawImage(source, left * ratio, top * ratio, width, height, 0, 0, width, height);
+    // The scale is drawn for the size that it has on the screen.
+    const card = document.getElementById('scale-card');
+    card.style.width = `${card.offsetWidth}px`;
+    card.style.height = `${card.offsetHeight}px`;
+  });
+  window.addEventListener('afterprint', () => {
+    document.getElementById('scale-card').removeAttribute('style');
+    page.setTheme(theme);
+  });
 }

@@ -200,6 +200,8 @@ class CommandLine {
         ->type_name("obj|json|svg|csv");
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+    command.add_option("--up", curves_.up, "What points up in an .svg")->type_name("x|y|z|auto");
+    command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")->type_name("TEXT");
     addOutputOptions(command, output_);
     command.footer(
         footer(kCurvesExamples, "levels, conditions, loads, robust, files, pictures, output"));
@@ -221,6 +223,8 @@ class CommandLine {
         ->type_name("TEMPLATE.html");
     command.add_option("--view", view_.view, "From where the page looks at first")
         ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+    command.add_option("--up", view_.up, "What points up")->type_name("x|y|z|auto");
+    command.add_option("--unit", view_.unit, "The values' unit")->type_name("TEXT");
     addOutputOptions(command, output_);
     command.footer(footer(kViewExamples, "levels, conditions, loads, robust, pictures, output"));
     onRun(command, [this] {

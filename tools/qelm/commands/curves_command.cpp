@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "curves/curve_files.h"
 #include "curves/curve_set.h"
 #include "curves/curve_svg.h"
 #include "curves/projection.h"
+#include "curves/upright.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh_files/load_mesh.h"
@@ -66,16 +68,15 @@ Range rangeOf(const SolvedField& solved) {
 }
 
 void write(Target& target, const SolvedField& solved, const CurveSet& curves,
-           const ViewChoice& view) {
+           const Projection& projection, const std::string& unit) {
   OutputFile& file = *target.file;
   if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
   if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
   if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
   if (target.format == CurveFormat::kSvg) {
-    const Projection projection = projectionFor(view, solved.mesh);
     const Range range = rangeOf(solved);
     writeCurvesSvg({solved.mesh, curves, projection, toUtf8(toPath(solved.meshName).filename()),
-                    range.low, range.high},
+                    range.low, range.high, unit},
                    file);
   }
 }
@@ -101,6 +102,7 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice(options.levels);
   const ViewChoice view = parseView(options.view);
+  const std::optional<std::size_t> up = parseUp(options.up);
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
@@ -111,7 +113,9 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
       solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
-    for (Target& target : targets) write(target, solved, curves, view);
+    const Projection projection =
+        projectionFor(view, solved.mesh, upAxis(up, solved.meshName, solved.mesh));
+    for (Target& target : targets) write(target, solved, curves, projection, options.unit);
     std::vector<OutputFile*> files;
     for (const Target& target : targets) files.push_back(target.file.get());
     commitTogether(files);

@@ -16,6 +16,8 @@ struct CurvesOptions {
   std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
   std::string format;                ///< instead of the extensions'; empty: none
   std::string view = "best";         ///< for pictures
+  std::string up = "auto";           ///< for pictures
+  std::string unit;                  ///< of the values, for pictures; empty: none
 };
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output);

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string_view>
 
 #include "curves/projection.h"
+#include "curves/upright.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh_files/load_mesh.h"
@@ -19,10 +21,15 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+struct FirstView {
+  ViewChoice choice;
+  std::optional<std::size_t> up;
+};
+
 std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
 
 /// What the page writes into its corner, and what it begins with.
-Json pageFacts(const SolvedField& solved, const ViewOptions& options, const ViewChoice& view,
+Json pageFacts(const SolvedField& solved, const ViewOptions& options, const FirstView& view,
                const std::vector<double>& levels) {
   Json conditions = Json::array();
   if (solved.fromFile > 0)
@@ -38,8 +45,12 @@ Json pageFacts(const SolvedField& solved, const ViewOptions& options, const View
                 {"load", !options.field.load.empty()},
                 {"conditions", conditions},
                 {"levels", levels},
+                {"unit", options.unit},
+                {"up", nullptr},
                 {"toward", nullptr}};
-  if (view.direction) facts["toward"] = projectionFor(view, solved.mesh).toward;
+  const std::size_t up = upAxis(view.up, solved.meshName, solved.mesh);
+  facts["up"] = std::string(1, "xyz"[up]);
+  if (view.choice.direction) facts["toward"] = projectionFor(view.choice, solved.mesh, up).toward;
   return facts;
 }
 
@@ -50,6 +61,15 @@ std::vector<int> fixedBy(const SolvedField& solved) {
   const int shift = solved.fromFile > 0 ? 0 : 1;
   for (int& place : places) place = place == 0 ? 0 : place - shift;
   return places;
+}
+
+// From so many vertices on, positions on a page that only shows them are rounded to what a
+// screen can show: 24 bits across the mesh, nine bytes a vertex instead of 24.
+constexpr int kMostExact = 100'000;
+
+/// A page of the caller's own may solve with the positions.
+bool isExact(const SolvedField& solved, const ViewOptions& options) {
+  return !options.page.empty() || solved.mesh.vertexCount() <= kMostExact;
 }
 
 /// In a script element nothing may look like its end.
@@ -116,7 +136,7 @@ void writeFilled(std::string_view page,
 void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice(options.levels);
-  const ViewChoice view = parseView(options.view);
+  const FirstView view = {parseView(options.view), parseUp(options.up)};
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the page (-o -) or --json, not both");
@@ -128,12 +148,12 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   const std::vector<double> levels =
       naming(solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
   solved.steps.run("write", [&] {
-    writeFilled(
-        page,
-        {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
-         {kFactsMark, inScript(pageFacts(solved, options, view, levels))},
-         {kMeshMark, base64(pageData(solved.mesh, solved.field(), solved.load, fixedBy(solved)))}},
-        file);
+    writeFilled(page,
+                {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
+                 {kFactsMark, inScript(pageFacts(solved, options, view, levels))},
+                 {kMeshMark, base64(pageData({solved.mesh, solved.field(), solved.load,
+                                              fixedBy(solved), isExact(solved, options)}))}},
+                file);
     file.commit();
   });
   const ReportItem report = {

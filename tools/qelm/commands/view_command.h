@@ -14,6 +14,8 @@ struct ViewOptions {
   LevelOptions levels;  ///< none given: about ten round ones
   std::string output;
   std::string view = "best";
+  std::string up = "auto";
+  std::string unit;  ///< of the values; empty: none
   std::string page;  ///< a page to fill in instead of the built-in one; empty: none
 };
 

@@ -87,6 +87,9 @@ class SvgWriter {
   double part(double level) const {
     return std::clamp((level - drawing_.low) / (drawing_.high - drawing_.low), 0.0, 1.0);
   }
+  std::string unit() const {
+    return drawing_.unit.empty() ? "" : fmt::format(" {}", escaped(drawing_.unit));
+  }
   std::string colourOf(double level) const { return hex(viridis(part(level))); }
 
   void open() {
@@ -102,9 +105,10 @@ class SvgWriter {
     std::string what = fmt::format("{} level curve{}", drawing_.curves.size(),
                                    drawing_.curves.size() == 1 ? "" : "s");
     if (levels_.size() > 1)
-      what += fmt::format(" at {} levels, {} to {}", levels_.size(), texts_.front(), texts_.back());
+      what += fmt::format(" at {} levels, {} to {}{}", levels_.size(), texts_.front(),
+                          texts_.back(), unit());
     else if (!levels_.empty())
-      what += " at " + texts_.front();
+      what += " at " + texts_.front() + unit();
     block_.text(
         "<text x=\"{0:.0f}\" y=\"36\" font-size=\"18\" font-weight=\"bold\">{1}</text>\n"
         "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}</text>\n",
@@ -203,9 +207,9 @@ class SvgWriter {
     // Half a thousandth of the bar is less than a pixel.
     const double step = (drawing_.high - drawing_.low) / 1000;
     block_.text(
-        "<g fill=\"#595959\"><text y=\"-8\">max {}</text>\n"
-        "<text y=\"{:.2f}\">min {}</text></g>\n",
-        digits(drawing_.high, step), height + 18, digits(drawing_.low, step));
+        "<g fill=\"#595959\"><text y=\"-8\">max {}{}</text>\n"
+        "<text y=\"{:.2f}\">min {}{}</text></g>\n",
+        digits(drawing_.high, step), unit(), height + 18, digits(drawing_.low, step), unit());
   }
 
   void ticks(double height) {

@@ -17,6 +17,7 @@ struct CurveDrawing {
   const Projection& projection;
   std::string title;
   double low, high;  ///< the field's range, which the colours span
+  std::string unit;  ///< of the values; empty: none
 };
 
 /// An SVG with the curves in viridis' colours on white, what the mesh hides

@@ -16,12 +16,12 @@
 namespace qelm::tool {
 namespace {
 
-// Bodies about as flat along z as across their best plane are looked at from
+// Bodies about as flat along what is up as across their best plane are looked at from
 // above: a picture in a known direction is worth more than a slightly larger one.
 constexpr double kFlatEnough = 1.1;
 
-// Closer to the z axis than about 8 degrees, "z points up" says too little.
-constexpr double kAlongZ = 0.99;
+// Closer to the upright axis than about 8 degrees, "it points up" says too little.
+constexpr double kAlongUp = 0.99;
 
 Point scaled(const Point& p, double factor) {
   return {p[0] * factor, p[1] * factor, p[2] * factor};
@@ -32,6 +32,19 @@ Point unit(const Point& p) {
   const double largest = std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
   const Point q = scaled(p, 1 / largest);
   return scaled(q, 1 / length(q));
+}
+
+/// What is above, in front and at the right of a mesh that stands along an axis.
+struct Standing {
+  Point above, front, right;
+};
+
+/// With z up the front is at -y, as on drawings; x, y and z take turns for another axis up, and
+/// so does the front but for y up, where it is at +z, as that convention has it.
+Standing standingAlong(std::size_t upAxis) {
+  if (upAxis == 0) return {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}};
+  if (upAxis == 1) return {{0, 1, 0}, {0, 0, 1}, {1, 0, 0}};
+  return {{0, 0, 1}, {0, -1, 0}, {1, 0, 0}};
 }
 
 /// Covariance of the vertices, in units of the mesh's diagonal.
@@ -51,21 +64,21 @@ Eigen::Matrix3d covariance(const Mesh& mesh) {
   return sum / mesh.vertexCount();
 }
 
-/// From +z, -y or +x, by whichever axis the direction is nearest to.
-Point facingTheViewer(const Point& normal) {
-  constexpr Point kSigns = {1, -1, 1};
-  std::size_t main = 2;
-  for (const std::size_t k : {1U, 0U})
-    if (std::abs(normal[k]) > std::abs(normal[main])) main = k;
-  return scaled(normal, normal[main] * kSigns[main] < 0 ? -1 : 1);
+/// From above, from the front or from the right, by whichever direction this one is nearest to.
+Point facingTheViewer(const Point& direction, const Standing& standing) {
+  Point nearest = standing.above;
+  for (const Point& side : {standing.front, standing.right})
+    if (std::abs(dot(direction, side)) > std::abs(dot(direction, nearest))) nearest = side;
+  return scaled(direction, dot(direction, nearest) < 0 ? -1 : 1);
 }
 
-Point bestDirection(const Mesh& mesh) {
+Point bestDirection(const Mesh& mesh, const Standing& standing) {
   const Eigen::Matrix3d spread = covariance(mesh);
   const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(spread);
-  if (spread(2, 2) <= kFlatEnough * solver.eigenvalues()[0]) return {0, 0, 1};
+  const Eigen::Vector3d above(standing.above[0], standing.above[1], standing.above[2]);
+  if (above.dot(spread * above) <= kFlatEnough * solver.eigenvalues()[0]) return standing.above;
   const Eigen::Vector3d normal = solver.eigenvectors().col(0);
-  return facingTheViewer({normal[0], normal[1], normal[2]});
+  return facingTheViewer({normal[0], normal[1], normal[2]}, standing);
 }
 
 Point parsedDirection(const std::string& text) {
@@ -102,15 +115,16 @@ ViewChoice parseView(const std::string& text) {
   return {parsedDirection(text), text};
 }
 
-Projection projectionFor(const ViewChoice& choice, const Mesh& mesh) {
+Projection projectionFor(const ViewChoice& choice, const Mesh& mesh, std::size_t upAxis) {
+  const Standing standing = standingAlong(upAxis);
   Projection result;
-  result.toward = unit(choice.direction ? *choice.direction : bestDirection(mesh));
-  const Point upright = std::abs(result.toward[2]) > kAlongZ ? Point{0, 1, 0} : Point{0, 0, 1};
+  result.toward = unit(choice.direction ? *choice.direction : bestDirection(mesh, standing));
+  const bool isAlongUp = std::abs(dot(result.toward, standing.above)) > kAlongUp;
+  const Point upright = isAlongUp ? scaled(standing.front, -1) : standing.above;
   result.right = unit(cross(upright, result.toward));
   result.up = cross(result.toward, result.right);
-  constexpr Point kAbove = {0, 0, 1};
-  const bool fromAbove = result.toward == kAbove;
-  result.description = fromAbove          ? "seen from +z"
+  const bool fromAbove = result.toward == standing.above;
+  result.description = fromAbove          ? fmt::format("seen from +{}", "xyz"[upAxis])
                        : choice.direction ? fmt::format("seen from {}", choice.text)
                                           : "seen across its best plane";
   return result;

@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_PROJECTION_H
 #define QELM_TOOLS_PROJECTION_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -29,9 +30,10 @@ ViewChoice parseView(const std::string& text);
 
 /// Towards the viewer along the choice's direction or, for the best plane, across
 /// the plane that fits the vertices best (least squares): from above rather than
-/// from below, from the front (-y) rather than from behind. z points up in the
-/// picture, or y where the viewer looks along z. Requires finite coordinates.
-Projection projectionFor(const ViewChoice& choice, const Mesh& mesh);
+/// from below, from the front rather than from behind. The axis `upAxis` (0, 1, 2) points up in
+/// the picture, or what is behind where the viewer looks along it. The front is at -y when z
+/// is up, at +z when y is, at -z when x is. Requires finite coordinates.
+Projection projectionFor(const ViewChoice& choice, const Mesh& mesh, std::size_t upAxis);
 
 }  // namespace qelm::tool
 

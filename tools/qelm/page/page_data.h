@@ -11,11 +11,17 @@
 
 namespace qelm::tool {
 
-/// One block of bytes, little-endian; decode.js has the layout. `load` has n values or none,
-/// `fixedBy` one number for each vertex: 0 where it is free, else the condition's place in the
-/// page's list, from 1. Compact: a corner of a mesh in a natural order takes one or two bytes.
-std::string pageData(const Mesh& mesh, std::span<const double> field, std::span<const double> load,
-                     const std::vector<int>& fixedBy);
+struct PageContent {
+  const Mesh& mesh;
+  std::span<const double> field;
+  std::span<const double> load;  ///< n values, or none
+  std::vector<int> fixedBy;  ///< n; 0: free, else the condition's place in the page's list, from 1
+  bool isExact;              ///< positions in full, not as 24-bit fractions of the box
+};
+
+/// One block of bytes, little-endian; decode.js has the layout. Compact: a corner of a mesh in a
+/// natural order takes one or two bytes.
+std::string pageData(const PageContent& content);
 
 /// In the alphabet of RFC 4648, padded.
 std::string base64(std::string_view bytes);

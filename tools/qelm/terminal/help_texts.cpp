@@ -87,16 +87,26 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  view     .html, see 'qelm help pictures'\n"
      "  weld     .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
      "           OBJ on the standard output\n"},
-    {"pictures", "what --view says, and what is on a page",
-     "  --view says from where an .svg looks at the mesh: along an axis (x, -x, y, -y, z,\n"
-     "  -z), along X,Y,Z towards the viewer, or across the best-fitting plane (best). z\n"
-     "  points up, or y when the view is along z. What the mesh hides is drawn faintly.\n"
+    {"pictures", "what --view, --up and --unit say, and what is on a page",
+     "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
+     "  an axis (x, -x, y, -y, z, -z), along X,Y,Z towards the viewer, or across the\n"
+     "  best-fitting plane (best; a page chooses for itself). In an .svg what the mesh\n"
+     "  hides is drawn faintly.\n"
      "\n"
-     "  The page that 'qelm view' writes is one HTML file that needs nothing else, not even a\n"
-     "  network: the mesh with its heat map and level curves, a scale, and the value under\n"
-     "  the pointer. Drag to turn, drag with the right button to move, scroll to zoom; 'Keys'\n"
-     "  on the page lists what the keyboard does. It begins with the levels of the command\n"
-     "  line; their number can be changed on the page.\n"},
+     "  --up says which axis points up. auto is z, but y for glTF, and for OBJ files\n"
+     "  the axis that the mesh stands on most firmly; roofs and terrains keep z. The\n"
+     "  front is at -y with z up, at z with y up.\n"
+     "\n"
+     "  --unit TEXT is written behind the values of an .svg or a page.\n"
+     "\n"
+     "  The page that 'qelm view' writes is one HTML file that needs nothing else, not\n"
+     "  even a network: the mesh with its heat map and level curves, a scale, and the\n"
+     "  value under the pointer. Drag to turn, drag with the right button to move,\n"
+     "  scroll to zoom; 'Keys' on the page lists what the keyboard does. It begins\n"
+     "  with the levels of the command line; their number can be changed on the page.\n"
+     "  Click or tap a curve for its level and length; the address keeps what is\n"
+     "  shown. Above 100,000 vertices the page has positions to 24 bits; values are\n"
+     "  always exact.\n"},
     {"facts", "what info says",
      "  On the standard output: counts, bounding box, area, lengths of edges, connected parts,\n"
      "  and the boundary loops by the numbers that loop:K takes. --json has every part and\n"
@@ -198,7 +208,7 @@ std::string topicText(const std::string& name) {
 
 std::string footer(const char* examples, const std::string& topics) {
   std::string text = fmt::format("Examples:\n{}", examples);
-  if (!topics.empty()) text += fmt::format("\nMore: qelm help {}\n", topics);
+  if (!topics.empty()) text += fmt::format("\nMore: qelm help {}", topics);
   return text;
 }
 

@@ -1,0 +1,67 @@
+// A coarse form of a large mesh and its curves, for while somebody turns them.
+
+const kCells = 12000; // that the surface is divided into, about; each becomes two triangles
+export const kFewTriangles = 150000; // meshes up to this size need no coarse form
+const kSegments = 3000; // of all curves together
+
+function areaOf(positions, index) {
+  let area = 0;
+  for (let k = 0; k < index.length; k += 3) {
+    const [a, b, c] = [3 * index[k], 3 * index[k + 1], 3 * index[k + 2]];
+    const [ux, uy, uz] = [positions[b] - positions[a], positions[b + 1] - positions[a + 1], positions[b + 2] - positions[a + 2]];
+    const [vx, vy, vz] = [positions[c] - positions[a], positions[c + 1] - positions[a + 1], positions[c + 2] - positions[a + 2]];
+    area += Math.hypot(uy * vz - uz * vy, uz * vx - ux * vz, ux * vy - uy * vx) / 2;
+  }
+  return area;
+}
+
+/**
+ * Fewer triangles over the same vertices (vertex clustering): of all vertices in one cell of a grid
+ * the first one stands for all; what has no three corners left goes, and so does what is there
+ * already. Positions and index as graphics cards have them; returns Uint32Array.
+ */
+export function coarseIndex(positions, index, cells = kCells) {
+  const size = Math.sqrt(areaOf(positions, index) / cells) || 1;
+  const across = Math.ceil(2 / size) + 2;
+  const vertexCount = positions.length / 3;
+  const standsFor = new Uint32Array(vertexCount);
+  const first = new Map();
+  for (let v = 0; v < vertexCount; ++v) {
+    const [x, y, z] = [0, 1, 2].map((c) => Math.floor((positions[3 * v + c] + 1) / size) + 1);
+    const cell = (x * across + y) * across + z;
+    if (!first.has(cell)) first.set(cell, v);
+    standsFor[v] = first.get(cell);
+  }
+  const coarse = [];
+  const seen = new Set();
+  for (let k = 0; k < index.length; k += 3) {
+    const [a, b, c] = [standsFor[index[k]], standsFor[index[k + 1]], standsFor[index[k + 2]]];
+    if (a === b || b === c || c === a) continue;
+    const low = Math.min(a, b, c);
+    const high = Math.max(a, b, c);
+    const name = `${low} ${a + b + c - low - high} ${high}`;
+    if (seen.has(name)) continue;
+    seen.add(name);
+    coarse.push(a, b, c);
+  }
+  return Uint32Array.from(coarse);
+}
+
+/** Curves as traceCurves() has them with fewer points, both ends of open ones among them. */
+export function coarseCurves({ points, starts, levels, closed, triangles }, most = kSegments) {
+  const stride = Math.ceil(points.length / 3 / most);
+  const kept = [];
+  const thin = { starts: [0], levels, closed: [] };
+  for (let c = 0; c < levels.length; ++c) {
+    for (let p = starts[c]; p < starts[c + 1]; p += stride) kept.push(p);
+    if ((starts[c + 1] - 1 - starts[c]) % stride > 0) kept.push(starts[c + 1] - 1);
+    thin.starts.push(kept.length);
+    thin.closed.push(closed[c]);
+  }
+  return {
+    ...thin,
+    points: Float64Array.from({ length: 3 * kept.length }, (_, k) => points[3 * kept[(k / 3) | 0] + (k % 3)]),
+    triangles: Uint32Array.from(kept, (p) => triangles[p]),
+    pointOf: kept,
+  };
+}
