@@ -63,6 +63,7 @@ test('levels can be added where one points, hidden, and shown again', async () =
   assert.equal((await levels()).length, 5);
   await page.evaluate(() => qelmPage.setLevelCount(3));
   await page.click('#level-details summary');
+  await page.waitForSelector('#level-list label');
   const list = await page.$$eval('#level-list label', (all) => all.map((label) => label.innerText.replace(/\s+/g, ' ')));
   assert.deepEqual(list, ['0.25 mm 2 long', '0.5 mm 2 long', '0.75 mm 2 long']);
   const at = await session.onScreen([0, 0.3, 0]);

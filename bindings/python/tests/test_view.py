@@ -20,14 +20,34 @@ def system():
     return qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
 
 
+def runs(block, count):
+    """Numbers in runs, length and value as integers of seven bits a byte, the lowest first."""
+    numbers, at = [], 0
+    while len(numbers) < count:
+        pair = []
+        for _ in range(2):
+            value, shift = 0, 0
+            while True:
+                byte = block[at]
+                at += 1
+                value |= (byte & 127) << shift
+                shift += 7
+                if byte < 128:
+                    break
+            pair.append(value)
+        numbers += pair[0] * [pair[1]]
+    return np.array(numbers)
+
+
 def data_of(page):
     """Vertices, field, load, and for each vertex by which condition it is held, from the page's block."""
     (text,) = [found for found in re.findall(r">\s*([A-Za-z0-9+/=]{400,})\s*<", page.html)]
     block = base64.b64decode(text)
     assert block[:4] == b"QELM"
-    n, _, loads = np.frombuffer(block, "<u4", 3, 8)
-    numbers = np.frombuffer(block, "<f8", 4 * n + loads, 20)
-    held = np.frombuffer(block, "u1", n, 20 + 8 * (4 * n + loads) + 768)
+    n, _, loads, exact = np.frombuffer(block, "<u4", 4, 8)
+    assert exact == 1
+    numbers = np.frombuffer(block, "<f8", 4 * n + loads, 24)
+    held = runs(block[24 + 8 * (4 * n + loads) + 768 :], n)
     return numbers[: 3 * n].reshape(-1, 3), numbers[3 * n : 4 * n], numbers[4 * n :], held
 
 

@@ -141,8 +141,9 @@ TARGETS = {
 @pytest.mark.parametrize("command", TARGETS)
 def test_a_run_that_is_killed_while_writing_leaves_the_result_as_it_was(qelm, command):
     arguments, target = TARGETS[command]
-    qelm.write("grid.obj", shapes.obj(shapes.grid(150, 150)))
-    line = [command, "grid.obj", "--fix", "box:0,0,0,0,999,0=0", "--fix", "box:150,0,0,150,999,0=1", *arguments]
+    # Large enough that writing takes a while.
+    qelm.write("grid.obj", shapes.obj(shapes.grid(300, 300)))
+    line = [command, "grid.obj", "--fix", "box:0,0,0,0,999,0=0", "--fix", "box:300,0,0,300,999,0=1", *arguments]
     qelm.ok(*line)
     complete = (qelm.folder / target).read_bytes()
     assert temporary_files(qelm.folder) == []

@@ -50,8 +50,7 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
-  command.add_flag("--robust", field.robust,
-                   "Keep fields in range on bad triangles; auto: if need be");
+  command.add_flag("--robust", field.robust, "In range on bad triangles, too; auto: if needed");
 }
 
 void addLevels(CLI::App& command, LevelOptions& levels) {
@@ -199,7 +198,7 @@ class CommandLine {
     command.add_option("--format", curves_.format, "Whatever OUT is called")
         ->type_name("obj|json|svg|csv");
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
-        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+        ->type_name("best|AXIS|X,Y,Z");
     command.add_option("--up", curves_.up, "What points up in an .svg")->type_name("x|y|z|auto");
     command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")->type_name("TEXT");
     addOutputOptions(command, output_);
@@ -222,7 +221,7 @@ class CommandLine {
     command.add_option("--page", view_.page, "Fill in this page, such as the live one")
         ->type_name("TEMPLATE.html");
     command.add_option("--view", view_.view, "From where the page looks at first")
-        ->type_name("best|x|-x|y|-y|z|-z|X,Y,Z");
+        ->type_name("best|AXIS|X,Y,Z");
     command.add_option("--up", view_.up, "What points up")->type_name("x|y|z|auto");
     command.add_option("--unit", view_.unit, "The values' unit")->type_name("TEXT");
     addOutputOptions(command, output_);
