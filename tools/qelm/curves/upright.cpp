@@ -67,11 +67,11 @@ double hullArea(std::vector<PlanPoint> points) {
   return twice / 2;
 }
 
-struct Box {
+struct Bounds {
   Point low, size;
 };
 
-Box boxOf(const Mesh& mesh) {
+Bounds boundsOf(const Mesh& mesh) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   Point low = {kInfinity, kInfinity, kInfinity};
   Point high = {-kInfinity, -kInfinity, -kInfinity};
@@ -85,7 +85,7 @@ Box boxOf(const Mesh& mesh) {
 
 /// The foot's part of the plan, 0 to 1; the plan in fractions of its sides, so that no product
 /// overflows.
-double support(const Mesh& mesh, const Box& box, std::size_t up) {
+double support(const Mesh& mesh, const Bounds& box, std::size_t up) {
   const std::array<std::size_t, 2> across = {(up + 1) % 3, (up + 2) % 3};
   if (!(box.size[across[0]] > 0 && box.size[across[1]] > 0)) return 0;
   std::vector<PlanPoint> foot;
@@ -118,7 +118,7 @@ std::size_t upAxis(std::optional<std::size_t> choice, const std::string& meshNam
 }
 
 std::size_t bestSupportedAxis(const Mesh& mesh) {
-  const Box box = boxOf(mesh);
+  const Bounds box = boundsOf(mesh);
   const auto& [x, y, z] = box.size;
   // What ends somewhere is a surface rather than a body, and may be steeper.
   const double roof = boundaryLoops(mesh).empty() ? kRoof : kOpenRoof;
