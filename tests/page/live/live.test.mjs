@@ -25,6 +25,14 @@ before(async () => {
   writeFileSync(file('hills.obj'), obj(sheet(60, 40, [-2, 2, -1, 1], hills)));
   // 20,301 vertices
   writeFileSync(file('large.obj'), obj(sheet(200, 100, [-2, 2, -1, 1], hills)));
+  // Every triangle has an angle of 166 degrees.
+  const square = sheet(24, 24, [0, 4, 0, 1]);
+  const leaning = square.positions.map((c, k) => (k % 3 === 0 ? c + 4 * square.positions[k + 1] : c));
+  writeFileSync(file('obtuse.obj'), obj({ ...square, positions: leaning }));
+  // A triangle without area: its corners lie on a line.
+  const flat = sheet(4, 4, [0, 4, 0, 1]);
+  const more = { positions: Float64Array.of(...flat.positions, 5, 0, 0, 6, 0, 0), triangles: Uint32Array.of(...flat.triangles, 4, 25, 26) };
+  writeFileSync(file('flat.obj'), obj(more));
   writeFileSync(file('load.csv'), Array.from({ length: 41 * 61 }, (_, v) => `${Math.sin(v) / 500}\n`).join(''));
   writeFileSync(file('fixed.csv'), '5,0.25\n77,0.75\n');
   chromium = await startBrowser();
@@ -224,6 +232,102 @@ test('loads and the values of a file are kept', async () => {
   await sameField(words(1));
   const value = await moveSlider('box:2,-9,-9,2,9,9', 0.8);
   await sameField(words(value));
+  await closed();
+});
+
+const kObtuse = ['obtuse.obj', '--fix', 'boundary=0', '--fix', 'near:4,0.5,0=1'];
+const isDrawn = () => page.waitForFunction(() => qelmPage.awaited === undefined);
+const robustState = () => page.evaluate(() => [qelmPage.isRobust, document.getElementById('robust').checked]);
+
+test('a switch builds robustly or plainly, and keeps the conditions', async (t) => {
+  await open([...kObtuse, '--levels', '9']);
+  assert.deepEqual(await robustState(), [false, false]);
+  const plain = await sameField(kObtuse);
+  assert.ok(plain.range[0] < -0.005, `plain range ${plain.range}`);
+  const plainField = await page.evaluate(() => [...qelmPage.surface.field]);
+  await page.click('#robust');
+  await isDrawn();
+  assert.deepEqual(await robustState(), [true, true]);
+  const robust = await sameField([...kObtuse, '--robust']);
+  const field = await page.evaluate(() => [...qelmPage.surface.field]);
+  assert.ok(Math.min(...field) >= -1e-12 && Math.max(...field) <= 1 + 1e-12, `range ${robust.range}`);
+  const most = Math.max(...field.map((value, v) => Math.abs(value - plainField[v])));
+  assert.ok(most > 1e-3, `differs by ${most}`);
+  t.diagnostic(`plain ${plain.range}, robust ${robust.range}, differ by ${most}`);
+
+  const moved = kObtuse.map((word) => word.replace('=1', '=0.2'));
+  await page.click('input[type=number][aria-label^="Value of near:4"]', { count: 3 });
+  await page.keyboard.type('0.2');
+  await page.keyboard.press('Enter');
+  await isDrawn();
+  await sameField([...moved, '--robust']);
+  await page.focus('#robust');
+  await page.keyboard.press('Space');
+  await isDrawn();
+  assert.deepEqual(await robustState(), [false, false]);
+  await sameField(moved);
+
+  await page.click('#undo');
+  await isDrawn();
+  assert.deepEqual(await robustState(), [true, true]);
+  await sameField([...moved, '--robust']);
+  await page.click('#undo');
+  await page.click('#undo');
+  await isDrawn();
+  assert.deepEqual(await robustState(), [false, false]);
+  assert.equal(await page.$eval('#undo', (button) => button.disabled), true);
+  await sameField(kObtuse);
+  await closed();
+});
+
+test('a link says whether construction is robust', async () => {
+  await open([...kObtuse, '--levels', '9']);
+  await page.click('#robust');
+  await page.waitForFunction(() => location.hash.includes('robust=1'));
+  const fragment = await page.evaluate(() => location.hash);
+  await page.click('#robust');
+  await page.waitForFunction(() => !location.hash.includes('robust'));
+  await closed();
+  await open([...kObtuse, '--levels', '9'], { fragment });
+  await page.waitForFunction(() => qelmPage.isRobust);
+  assert.deepEqual(await robustState(), [true, true]);
+  await sameField([...kObtuse, '--robust']);
+  await closed();
+});
+
+test('a mesh that needs robust construction has it, and says why it stays', async () => {
+  const words = ['flat.obj', '--fix', 'near:0,0,0=0', '--fix', 'near:4,1,0=1', '--robust'];
+  await open(words);
+  assert.deepEqual(await robustState(), [true, true]);
+  await sameField(words);
+  await page.click('#robust');
+  assert.deepEqual(await robustState(), [true, true]);
+  assert.match(await page.$eval('#times', (line) => line.textContent), /^Robust stays on: ./);
+  assert.equal(await page.$eval('#undo', (button) => button.disabled), true);
+  await sameField(words);
+  await closed();
+});
+
+test('the switch has a name, a role, and room for a finger', async () => {
+  await open(kObtuse, { width: 390, height: 844, touch: true });
+  await page.tap('#tabs [data-tab=facts]');
+  const toggle = await page.$('#robust');
+  const { role, name, description } = await page.evaluate(() => {
+    const element = document.getElementById('robust');
+    return {
+      role: element.role,
+      name: element.labels[0].textContent,
+      description: document.getElementById(element.getAttribute('aria-describedby')).textContent,
+    };
+  });
+  assert.equal(role, 'switch');
+  assert.equal(name, 'Robust');
+  assert.match(description, /triangles/);
+  const box = await toggle.boundingBox();
+  assert.ok(box.width >= 40 && box.height >= 40 && box.x >= 0 && box.y + box.height < 800, JSON.stringify(box));
+  await page.touchscreen.tap(box.x + box.width / 2, box.y + box.height / 2);
+  await page.waitForFunction(() => qelmPage.isRobust && qelmPage.awaited === undefined);
+  await sameField([...kObtuse, '--robust']);
   await closed();
 });
 

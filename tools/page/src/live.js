@@ -1,5 +1,6 @@
 // Entry of the live page: the view page, with the library in it and a slider for every
-// condition. Each move solves again with the stored factorisation and cuts the curves again.
+// condition. Each move solves again with the stored factorisation and cuts the curves again. A
+// switch builds the system anew, with robust construction or without.
 import makeLibrary from 'qelm-library';
 import { levelsInSteps, rangeOf } from './levels.js';
 import { MeshSystem } from './library.js';
@@ -34,20 +35,69 @@ class LivePage extends Page {
     this.values = data.field.slice();
     this.prescribed = facts.conditions.map(({ value }) => value);
     this.current = [...this.prescribed]; // one for each condition, undefined for a file
-    this.undone = []; // values before each move, the last one at the end
-    const tags = Int32Array.from(data.fixedBy, (condition) => (condition > 0 ? 1 : 0));
-    const began = performance.now();
-    this.system = new MeshSystem(library, data.positions, data.triangles, tags);
-    this.times = { construct: performance.now() - began };
+    this.undone = []; // what #kept() says before each move, the last one at the end
+    this.library = library;
+    this.times = {};
     this.rule = ruleOf(facts.levels);
+    this.#addSwitch();
     this.#addButtons();
+    this.#buildFirst();
     this.fitWindow();
     this.solve();
   }
 
+  /**
+   * Builds the system with robust construction or without. Throws Error and keeps the system
+   * that was there when the mesh has no field that way.
+   */
+  #build(isRobust) {
+    const { positions, triangles, fixedBy, load } = this.data;
+    const tags = Int32Array.from(fixedBy, (condition) => (condition > 0 ? 1 : 0));
+    const began = performance.now();
+    const system = new MeshSystem(this.library, positions, triangles, tags, { robust: isRobust });
+    this.times.construct = performance.now() - began;
+    if (!system.solve(this.values, load).every(Number.isFinite)) {
+      system.free();
+      throw new Error('the field is not finite');
+    }
+    this.system?.free();
+    this.system = system;
+    this.isRobust = isRobust;
+    this.toggle.checked = isRobust;
+  }
+
+  /** Without robust construction, unless the mesh needs it. */
+  #buildFirst() {
+    try {
+      this.#build(false);
+    } catch {
+      this.#build(true);
+    }
+  }
+
+  /** Switches robust construction on or off; draws soon after. Values and conditions stay. */
+  setRobust(isRobust) {
+    if (isRobust === this.isRobust) return;
+    this.before ??= this.#kept();
+    try {
+      this.#build(isRobust);
+      this.awaited ??= requestAnimationFrame(() => this.solve());
+    } catch (error) {
+      this.toggle.checked = this.isRobust;
+      const text = `Robust stays ${this.isRobust ? 'on' : 'off'}: ${error.message}.`;
+      byId('times').textContent = text;
+      this.announce(text);
+    }
+  }
+
+  /** What a move changes and undoing brings back. */
+  #kept() {
+    return { values: [...this.current], isRobust: this.isRobust };
+  }
+
   /** Holds the vertices of a condition, by number, at another value; draws soon after. */
   prescribe(number, value) {
-    this.before ??= [...this.current];
+    this.before ??= this.#kept();
     this.current[number] = value;
     this.data.fixedBy.forEach((condition, v) => {
       if (condition === number + 1) this.values[v] = value;
@@ -58,7 +108,9 @@ class LivePage extends Page {
 
   /** A move has ended: what was before it can come back. */
   moved() {
-    if (this.before?.some((value, k) => value !== this.current[k])) this.undone.push(this.before);
+    const { values, isRobust } = this.before ?? this.#kept();
+    const isMoved = isRobust !== this.isRobust || values.some((value, k) => value !== this.current[k]);
+    if (isMoved) this.undone.push({ values, isRobust });
     if (this.undone.length > kMostUndone) this.undone.shift();
     this.before = undefined;
     byId('undo').disabled = this.undone.length === 0;
@@ -67,7 +119,10 @@ class LivePage extends Page {
 
   undo() {
     const before = this.undone.pop();
-    if (before) this.#take(before);
+    if (before) {
+      this.#take(before.values);
+      this.setRobust(before.isRobust);
+    }
     this.before = undefined;
     this.moved();
   }
@@ -102,13 +157,16 @@ class LivePage extends Page {
 
   ownState() {
     const isMoved = this.current?.some((value, k) => value !== this.prescribed[k]);
-    return isMoved ? { values: this.current.map((value) => value ?? '').join() } : {};
+    const values = isMoved ? { values: this.current.map((value) => value ?? '').join() } : {};
+    return { robust: this.isRobust ? 1 : 0, ...values };
   }
 
   takeOwnState(state) {
     const values = (state.get('values') ?? '').split(',');
-    if (values.length !== this.current.length) return;
-    this.#take(values.map((text) => (text !== '' && Number.isFinite(Number(text)) ? Number(text) : undefined)));
+    if (values.length === this.current.length)
+      this.#take(values.map((text) => (text !== '' && Number.isFinite(Number(text)) ? Number(text) : undefined)));
+    if (state.has('robust')) this.setRobust(state.get('robust') === '1');
+    if (this.awaited === undefined) return;
     this.solve(); // what comes after it in the address is about this field
     this.moved();
   }
@@ -157,6 +215,22 @@ class LivePage extends Page {
   setField(field, levels) {
     super.setField(field, levels);
     this.sliders?.forEach(({ show }, k) => show(this.current?.[k] ?? this.facts.conditions[k].value));
+  }
+
+  #addSwitch() {
+    const construction = document.createElement('fieldset');
+    construction.id = 'construction';
+    construction.className = 'toggles';
+    construction.innerHTML =
+      '<legend class="unseen">Construction</legend>' +
+      '<label><input type="checkbox" role="switch" id="robust" aria-describedby="robust-use"><span>Robust</span></label>' +
+      '<p id="robust-use">for slivers and other bad triangles</p>';
+    byId('values').append(construction);
+    this.toggle = byId('robust');
+    this.toggle.addEventListener('change', () => {
+      this.setRobust(this.toggle.checked);
+      this.moved();
+    });
   }
 
   #addButtons() {
