@@ -4,6 +4,7 @@ import base64
 import csv
 import hashlib
 import os
+import pathlib
 import re
 import shutil
 import stat
@@ -12,6 +13,7 @@ import zipfile
 
 import pytest
 from built import BUILD, SOURCE, run
+from packages import ZIP
 
 CONSUMER = SOURCE / "tests/consumer"
 # Works on what is installed, given the interpreter.
@@ -190,9 +192,8 @@ def test_programs_are_executable_and_nothing_else_is(linux_wheel, windows_wheel)
 
 
 def test_the_wheels_hold_the_libraries_of_the_other_packages(linux, windows, packages):
-    (zip_file,) = packages.glob("qelm-*.zip")
-    archive = zipfile.ZipFile(zip_file)
-    top = zip_file.stem
+    archive = zipfile.ZipFile(packages / ZIP)
+    top = pathlib.Path(ZIP).stem
     (shared,) = [name for name in archive.namelist() if re.search(r"/libqelm\.so\.\d+\.\d+\.\d+$", name)]
     assert (linux / "qelm/native/lib/libqelm.so.0").read_bytes() == archive.read(shared)
     assert (windows / "qelm/native/bin/qelm.dll").read_bytes() == archive.read(f"{top}/windows-x64/bin/qelm.dll")
