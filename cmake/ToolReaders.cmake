@@ -30,14 +30,21 @@ else()
 endif()
 
 add_library(qelm_tool_readers OBJECT
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/along_curve.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/expression.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/mesh_index.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/polyline_file.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selected.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selection.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selectors.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/vertex_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/fields/field_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/paths.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/feature_edges.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
@@ -51,6 +58,8 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/text/text.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
 target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt)
+# Its headers, for the vertices along a curve.
+target_link_libraries(qelm_tool_readers PRIVATE nanoflann::nanoflann)
 if(QELM_QUICK_BUILD)
   set_target_properties(qelm_tool_readers PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 9)
 endif()

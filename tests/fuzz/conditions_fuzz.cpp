@@ -4,13 +4,17 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "conditions/selection.h"
 #include "fuzz/input.h"
 #include "fuzz/tool_checks.h"
+#include "mesh/feature_edges.h"
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
 
@@ -20,16 +24,27 @@ using qelm::fuzz::require;
 using qelm::tool::Condition;
 using qelm::tool::Mesh;
 using qelm::tool::Point;
+using qelm::tool::SelectorTree;
+
+bool sameValues(const Condition& a, const Condition& b) {
+  return std::ranges::equal(a.values, b.values, [](const auto& one, const auto& other) {
+    return one.isNumber() == other.isNumber() &&
+           (one.isNumber() ? std::bit_cast<std::uint64_t>(one.number) ==
+                                 std::bit_cast<std::uint64_t>(other.number)
+                           : one.text == other.text);
+  });
+}
 
 void requireGoodCondition(const Condition& condition) {
   require(!condition.values.empty(), "a value");
-  for (const double value : condition.values) require(std::isfinite(value), "finite values");
+  for (const auto& value : condition.values)
+    require(!value.isNumber() || std::isfinite(value.number), "finite values");
   require(condition.tag >= 1 && condition.tag <= 3, "tags from 1 to 3");
   const Condition again = qelm::tool::parseCondition(
       fmt::format("{}={}:{}", condition.text, describeValues(condition), condition.tag));
   require(again.text == condition.text && again.tag == condition.tag &&
-              qelm::fuzz::sameBits(again.values, condition.values) &&
-              again.selector.index() == condition.selector.index(),
+              sameValues(again, condition) && again.selectors.kind == condition.selectors.kind &&
+              again.selectors.selector.index() == condition.selectors.selector.index(),
           "what is written is read");
 }
 
@@ -37,8 +52,10 @@ std::vector<Condition> parsed(std::string_view text) {
   std::vector<Condition> conditions;
   for (const std::string_view line : qelm::tool::splitAt(text, '\n')) {
     try {
-      conditions.push_back(qelm::tool::parseCondition(std::string(line)));
-      requireGoodCondition(conditions.back());
+      const Condition condition = qelm::tool::parseCondition(std::string(line));
+      requireGoodCondition(condition);
+      // A file of that name is none of this machine's business; see polyline_file_fuzz.cpp.
+      if (filesOf(condition).empty()) conditions.push_back(condition);
     } catch (const qelm::tool::UsageError& error) {
       require(std::string_view(error.what()).starts_with("--fix "), "the option is named");
     }
@@ -78,29 +95,54 @@ std::set<int> plainBoundary(const Mesh& mesh) {
   return vertices;
 }
 
-struct Judge {
+/// What each selector means, in plain words. None where that is more than a few words.
+struct Plain {
   const Mesh& mesh;
-  const std::set<int>& selected;
 
-  void operator()(const qelm::tool::VertexList& list) const {
-    require(selected == std::set<int>(list.vertices.begin(), list.vertices.end()), "the list");
+  using Vertices = std::optional<std::set<int>>;
+
+  template <class Holds>
+  Vertices where(const Holds& holds) const {
+    std::set<int> vertices;
+    for (int v = 0; v < mesh.vertexCount(); ++v)
+      if (holds(v, mesh.point(v))) vertices.insert(v);
+    return vertices;
   }
-  void operator()(const qelm::tool::LoopNumber&) const {
-    require(std::ranges::includes(plainBoundary(mesh), selected), "a loop lies on the boundary");
+
+  Vertices operator()(const qelm::tool::VertexList& list) const {
+    return where([&list](int v, const Point&) {
+      return std::ranges::any_of(list.ranges,
+                                 [v](const auto& r) { return r.first <= v && v <= r.last; });
+    });
   }
-  void operator()(const qelm::tool::WholeBoundary&) const {
-    require(selected == plainBoundary(mesh), "the whole boundary");
+  Vertices operator()(const qelm::tool::WholeBoundary&) const { return plainBoundary(mesh); }
+  Vertices operator()(const qelm::tool::Box& box) const {
+    return where([&box](int, const Point& p) {
+      return box.low[0] <= p[0] && p[0] <= box.high[0] && box.low[1] <= p[1] &&
+             p[1] <= box.high[1] && box.low[2] <= p[2] && p[2] <= box.high[2];
+    });
   }
-  void operator()(const qelm::tool::NearestTo& near) const {
-    requireNearest(mesh, near.point, selected);
+  Vertices operator()(const qelm::tool::FeatureAngle& feature) const {
+    const std::vector<int> found = featureVertices(mesh, feature.degrees);
+    return std::set<int>(found.begin(), found.end());
   }
-  void operator()(const qelm::tool::Box& box) const {
-    for (int v = 0; v < mesh.vertexCount(); ++v) {
-      const Point p = mesh.point(v);
-      const bool inside = box.low[0] <= p[0] && p[0] <= box.high[0] && box.low[1] <= p[1] &&
-                          p[1] <= box.high[1] && box.low[2] <= p[2] && p[2] <= box.high[2];
-      require(inside == selected.contains(v), "what lies in the box, no more and no less");
-    }
+  template <class Other>
+  Vertices operator()(const Other&) const {
+    return {};
+  }
+
+  Vertices of(const SelectorTree& tree) const {
+    if (tree.kind == SelectorTree::Kind::leaf) return std::visit(*this, tree.selector);
+    std::vector<Vertices> parts;
+    for (const SelectorTree& part : tree.parts) parts.push_back(of(part));
+    if (!std::ranges::all_of(parts, [](const Vertices& part) { return part.has_value(); }))
+      return {};
+    const auto isIn = [](int v) { return [v](const Vertices& part) { return part->contains(v); }; };
+    return where([&](int v, const Point&) {
+      if (tree.kind == SelectorTree::Kind::none) return !parts[0]->contains(v);
+      return tree.kind == SelectorTree::Kind::all ? std::ranges::all_of(parts, isIn(v))
+                                                  : std::ranges::any_of(parts, isIn(v));
+    });
   }
 };
 
@@ -112,10 +154,20 @@ void requireGoodSelection(const Mesh& mesh, const Condition& condition) {
     require((prescribed.tags[i] != 0) == (prescribed.heldBy[i] == 2), "fixed where it selects");
     if (prescribed.tags[i] != 0) selected.insert(v);
   }
+  for (const double value : prescribed.values) require(std::isfinite(value), "finite values");
   require(!selected.empty() && prescribed.fixedCount == prescribed.selected[0] &&
               static_cast<int>(selected.size()) == prescribed.fixedCount,
           "each vertex is counted once");
-  std::visit(Judge{mesh, selected}, condition.selector);
+  const Plain plain{mesh};
+  if (const auto expected = plain.of(condition.selectors))
+    require(selected == *expected, "what the selectors mean, no more and no less");
+  if (condition.selectors.kind != SelectorTree::Kind::leaf) return;
+  const auto& selector = condition.selectors.selector;
+  if (const auto* near = std::get_if<qelm::tool::NearestTo>(&selector))
+    requireNearest(mesh, near->point, selected);
+  if (std::holds_alternative<qelm::tool::LoopNumber>(selector) ||
+      std::holds_alternative<qelm::tool::LoopNear>(selector))
+    require(std::ranges::includes(plainBoundary(mesh), selected), "a loop lies on the boundary");
 }
 
 template <class Action>
@@ -138,7 +190,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   qelm::fuzz::Input input(data + cut, size - cut);
   input.take<std::uint8_t>();
   const qelm::fuzz::FuzzMesh arrays = takeMesh(input);
-  const Mesh mesh{arrays.vertices, arrays.triangles, {}};
+  Mesh mesh{arrays.vertices, arrays.triangles, {}};
+  mesh.attributes.groups.push_back({"g", {0}});
+  mesh.attributes.arrays.push_back({"t", {}});
+  for (int v = 0; v < mesh.vertexCount(); ++v)
+    mesh.attributes.arrays[0].values.push_back(mesh.point(v)[0]);
   for (const Condition& condition : conditions)
     orRefuses([&] { requireGoodSelection(mesh, condition); });
   orRefuses([&] {

@@ -38,7 +38,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   qelm::tool::PolygonSoup soup;
   if (!qelm::fuzz::readsAs("a.obj", bytes, soup)) return 0;
   qelm::fuzz::requireFinite(soup);
-  requireSameAsText(soup, qelm::tool::plainObj(bytes, "a.obj"));
+  qelm::tool::Attributes attributes;
+  requireSameAsText(soup, qelm::tool::plainObj(bytes, "a.obj", attributes));
   qelm::fuzz::requireGoodSoup(soup);
   return 0;
 }

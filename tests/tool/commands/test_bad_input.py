@@ -124,7 +124,7 @@ BAD_USAGE = {
     "no_command": ([], "no command; name one of: info, check, solve"),
     "unknown_command": (["sove", "a.obj"], "there is no command 'sove'; name one of: info, check, solve"),
     "unknown_option": (["solve", "a.obj", *ONE_FIX, "--colour"], "--colour"),
-    "no_value": (["solve", "a.obj", "--fix", "vertex:0"], "--fix vertex:0: write vertex:I"),
+    "no_value": (["solve", "a.obj", "--fix", "vertex:0"], "--fix vertex:0: no value; write it behind the selector"),
     "empty_value": (["solve", "a.obj", "--fix", "vertex:0="], "'' is not a number"),
     "nan_value": (["solve", "a.obj", "--fix", "vertex:0=nan"], "--fix vertex:0=nan: 'nan' is not finite"),
     "infinite_value": (["solve", "a.obj", "--fix", "vertex:0=1e999"], "'1e999' is not finite"),

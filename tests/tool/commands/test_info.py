@@ -49,8 +49,8 @@ def test_parts_and_unused_vertices_are_counted_apart(qelm):
     qelm.write("m.obj", shapes.obj((points + [(0, 0, 7)], faces)))
     facts = qelm.json("info", "m.obj")
     assert facts["parts"] == [
-        {"lowestVertex": 0, "vertices": 20, "triangles": 24},
-        {"lowestVertex": 20, "vertices": 4, "triangles": 2},
+        {"selector": "part:0", "lowestVertex": 0, "vertices": 20, "triangles": 24},
+        {"selector": "part:1", "lowestVertex": 20, "vertices": 4, "triangles": 2},
     ]
     assert facts["unusedVertices"] == 1
     assert facts["box"] == {"min": [0, 0, 0], "max": [10, 3, 7]}
@@ -58,8 +58,22 @@ def test_parts_and_unused_vertices_are_counted_apart(qelm):
     assert facts["edges"]["count"] == 43 + 5
     assert (facts["edges"]["shortest"], facts["edges"]["longest"]) == (1, pytest.approx(2**0.5))
     text = qelm.ok("info", "m.obj").stdout
-    assert "parts      2\n  24 triangles, 20 vertices, with vertex 0 (0, 0, 0)\n" in text
+    assert "parts      2\n  part:0   24 triangles, 20 vertices, with vertex 0 (0, 0, 0)\n" in text
     assert "unused     1, the first is vertex 24 (0, 0, 7)\n" in text
+
+
+def test_what_the_file_names_is_listed_as_conditions_take_it(qelm):
+    qelm.write("m.obj", shapes.obj(shapes.SQUARE).replace("f 1", "g left\nusemtl red\nf 1", 1))
+    text = qelm.ok("info", "m.obj").stdout
+    assert "groups     1\n  group:left  4 vertices\nmaterials  1\n  material:red  4 vertices\n" in text
+    facts = qelm.json("info", "m.obj")
+    assert (facts["groups"], facts["properties"]) == ([{"name": "left", "vertices": 4}], [])
+    ply = shapes.ply_text(shapes.SQUARE).replace("double z\n", "double z\nproperty float t\n")
+    for k, point in enumerate(shapes.SQUARE[0]):
+        ply = ply.replace("\n%r %r %r\n" % point, "\n%r %r %r %d\n" % (*point, k - 1), 1)
+    qelm.write("m.ply", ply)
+    assert "properties 1\n  property:t  -1 to 2\n" in qelm.ok("info", "m.ply").stdout
+    assert qelm.json("info", "m.ply")["properties"] == [{"name": "t", "min": -1, "max": 2}]
 
 
 def test_a_closed_mesh_has_no_loop(qelm):

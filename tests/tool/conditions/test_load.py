@@ -106,3 +106,20 @@ def test_bad_loads_are_refused_with_their_line(qelm):
         assert message in qelm.fails(3, "solve", "strip.obj", *ENDS, "--load", "load.csv")
     missing = qelm.fails(3, "solve", "strip.obj", *ENDS, "--load", "none.csv")
     assert "none.csv: no such file" in missing
+
+
+def test_a_uniform_load_is_a_third_of_the_area_around_and_its_total_is_printed(qelm):
+    qelm.write("strip.obj", shapes.obj(STRIP))
+    done = qelm.ok("solve", "strip.obj", *ENDS, "--load", "uniform=-6", "-o", "u.csv")
+    assert "load     -6 per area, -18 in all\n" in done.stderr
+    # Of each vertex the triangles around it, half a unit large: thirds of six.
+    counts = [sum(v in face for face in STRIP[1]) for v in range(8)]
+    field_with(qelm, "\n".join(str(-count) for count in counts))
+    assert qelm.field("u.csv") == qelm.field("field.csv")
+    summary = qelm.json("solve", "strip.obj", *ENDS, "--load", "uniform=-6")
+    assert summary["load"] == {"perArea": -6, "total": -18}
+    for text in ("uniform=", "uniform=snow", "uniform=inf"):
+        message = qelm.fails(2, "solve", "strip.obj", *ENDS, "--load", text)
+        assert f"--load {text}: '{text[8:]}' is not a load per area; give a number, or the name" in message
+    qelm.write("uniform=1", "1\n" * 8)
+    assert "per area" not in qelm.ok("solve", "strip.obj", *ENDS, "--load", "./uniform=1").stderr

@@ -29,6 +29,15 @@ def write_example_files(qelm):
     qelm.write("roof.obj", shapes.obj(roof))
     qelm.write("part.stl", shapes.stl_text(shapes.grid(4, 3)))
     qelm.write("fixed.csv", "0,1\n12,0.5\n")
+    qelm.write("rail.csv", "1.2,-0.5,0\n1.8,0.5,0\n")
+    house = shapes.obj(shapes.grid(4, 3)).replace("f ", "g floor\nusemtl stone\nf ", 1).replace("f 2 ", "g rest\nf 2 ", 1)
+    qelm.write("house.obj", house)
+    points, faces = shapes.grid(4, 3)
+    lines = shapes.ply_text((points, faces)).replace("double z\n", "double z\nproperty double heated\n").split("\n")
+    body = lines.index("end_header") + 1
+    for k, point in enumerate(points):
+        lines[body + k] += f" {max(point[0] - 2, 0)}"
+    qelm.write("room.ply", "\n".join(lines))
     qelm.write("snow.csv", "0.01\n" * len(roof[0]))
 
 
@@ -79,9 +88,11 @@ def test_nothing_is_said_twice(qelm, helps):
 def test_the_grammar_of_conditions_and_the_exit_codes_are_topics(qelm):
     text = qelm.ok("help", "conditions").stdout
     for form in (
-        "--fix SELECTOR=VALUE[:TAG]", "--fix-file FILE.csv", "vertex:I[,I...]", "loop:K",
-        "boundary ", "near:X,Y,Z", "box:X0,Y0,Z0,X1,Y1,Z1", "from 0",
+        "--fix SELECTOR=VALUE[:TAG]", "--fix-file FILE.csv", "from 0",
     ):  # fmt: skip
+        assert form in text, form
+    text = qelm.ok("help", "selectors").stdout
+    for form in ("vertex:I[,I...]", "loop:K", "boundary ", "near:X,Y,Z", "box:X0,Y0,Z0,X1,Y1,Z1", "A & B", "cmd.exe"):
         assert form in text, form
     assert "K u + g = 0" in qelm.ok("help", "loads").stdout
     section = qelm.ok("help", "output").stdout.partition("Exit codes:")[2]
@@ -105,6 +116,10 @@ def test_documents_name_every_command_selector_and_exit_code(qelm):
     for code, meaning in codes:
         assert f"| {code} | {' '.join(meaning.split())} |" in tool
     conditions = (built.SOURCE / "docs" / "boundary-conditions.md").read_text()
-    help_text = qelm.ok("help", "conditions").stdout
-    for selector in re.findall(r"^    ([a-z]+(?::\S+)?)  ", help_text.split("Selectors:")[1], re.MULTILINE)[:5]:
+    selectors = re.findall(r"^  ([a-z]+(?::\S+)?)(?:  |$)", qelm.ok("help", "selectors").stdout, re.MULTILINE)
+    assert len(selectors) == 17
+    for selector in selectors:
         assert f"| `{selector}` |" in conditions, selector
+    values = qelm.ok("help", "conditions").stdout
+    for name in re.search(r"Functions: `([^`]+)`", conditions)[1].split(", "):
+        assert re.search(rf"\b{name}\b", values), name

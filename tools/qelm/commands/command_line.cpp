@@ -48,7 +48,7 @@ void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& f
 void addFieldOptions(CLI::App& command, FieldOptions& field) {
   addMesh(command, field.mesh);
   addFixes(command, field.fixes, field.fixFile);
-  command.add_option("--load", field.load, "Add a load, one value per vertex")
+  command.add_option("--load", field.load, "Add a load: by vertex, or uniform=Q by area")
       ->type_name("FILE.csv");
   command.add_flag("--robust", field.robust, "In range on bad triangles, too; auto: if needed");
 }
@@ -69,6 +69,16 @@ class HelpFormatter : public CLI::Formatter {
     if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
     return " " + option->get_type_name();
   }
+  /// Options of a group that has a topic of its own take one line together: with all of them
+  /// --help would not fit a screen. The topic, the manual page and completion have them in full.
+  std::string make_group(std::string group, bool isPositional,
+                         std::vector<const CLI::Option*> options) const override {
+    if (group.rfind("qelm help ", 0) != 0)
+      return CLI::Formatter::make_group(std::move(group), isPositional, std::move(options));
+    std::string line = "\n ";
+    for (const CLI::Option* option : options) line += " --" + option->get_lnames()[0];
+    return line + "\n" + std::string(kColumn, ' ') + "See '" + group + "'\n";
+  }
   std::string make_option_desc(const CLI::Option* option) const override {
     return option->get_description() +
            (option->get_required() && !option->get_positional() ? " (required)" : "");
@@ -78,12 +88,23 @@ class HelpFormatter : public CLI::Formatter {
   static constexpr std::size_t kColumn = 30;
 };
 
+/// What is wrong with a condition is said when it is its turn.
+void addFilesOf(const std::string& condition, InputNames& names) {
+  try {
+    for (std::string& file : filesOf(parseCondition(condition))) names.push_back(std::move(file));
+  } catch (const UsageError&) {
+  }
+}
+
 /// All that the command line says, but where results go: what of it is a file may be read.
 InputNames inputsOf(const CLI::App& command) {
   InputNames names;
   for (const CLI::Option* option : command.get_options())
     if (!option->check_lname("output"))
-      for (const std::string& value : option->results()) names.push_back(value);
+      for (const std::string& value : option->results()) {
+        names.push_back(value);
+        if (option->check_lname("fix")) addFilesOf(value, names);
+      }
   return names;
 }
 
@@ -155,7 +176,7 @@ class CommandLine {
     command.add_flag("--compare-plain", solve_.comparePlain,
                      "With --robust, say how far the plain field is off");
     addOutputOptions(command, output_);
-    command.footer(footer(kSolveExamples, "conditions, loads, robust, files, output"));
+    command.footer(footer(kSolveExamples, "conditions, selectors, loads, robust, files, output"));
     onRun(command, [this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
@@ -168,7 +189,7 @@ class CommandLine {
     addMesh(command, check_.mesh);
     addFixes(command, check_.fixes, check_.fixFile);
     addOutputOptions(command, output_);
-    command.footer(footer(kCheckExamples, "checks, conditions, files, output"));
+    command.footer(footer(kCheckExamples, "checks, conditions, selectors, files, output"));
     onRun(command, [this] { outcome_ = runCheck(check_, output_); });
   }
 
@@ -179,7 +200,7 @@ class CommandLine {
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(footer(kHeatmapExamples, "conditions, loads, robust, files, output"));
+    command.footer(footer(kHeatmapExamples, "conditions, selectors, loads, robust, files, output"));
     onRun(command, [this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);

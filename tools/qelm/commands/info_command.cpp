@@ -38,8 +38,8 @@ std::string partsText(const Mesh& mesh, const MeshFacts& facts) {
   if (facts.parts.size() < 2) return text;
   for (std::size_t k = 0; k < std::min(facts.parts.size(), kShown); ++k) {
     const MeshPart& part = facts.parts[k];
-    text += fmt::format("  {} triangles, {} vertices, with {}\n", part.triangleCount,
-                        part.vertexCount, describeVertex(mesh, part.vertex));
+    text += fmt::format("  {:<9}{} triangles, {} vertices, with {}\n", fmt::format("part:{}", k),
+                        part.triangleCount, part.vertexCount, describeVertex(mesh, part.vertex));
   }
   return facts.parts.size() > kShown ? text + "  ...\n" : text;
 }
@@ -62,6 +62,28 @@ std::string loopsText(const Mesh& mesh, const MeshFacts& facts) {
   return facts.loops.size() > kShown ? text + "  ...\n" : text;
 }
 
+/// What the file itself names: a line for each, as the selector is written.
+std::string namesText(const Attributes& attributes) {
+  std::string text;
+  const auto add = [&text](const char* title, const auto& list, const char* kind, auto describe) {
+    if (list.empty()) return;
+    text += fmt::format("{:<11}{}\n", title, list.size());
+    for (std::size_t k = 0; k < std::min(list.size(), kShown); ++k)
+      text += fmt::format("  {}:{}  {}\n", kind, list[k].name, describe(list[k]));
+    if (list.size() > kShown) text += "  ...\n";
+  };
+  const auto count = [](const VertexSet& set) {
+    return fmt::format("{} vertices", set.vertices.size());
+  };
+  add("groups", attributes.groups, "group", count);
+  add("materials", attributes.materials, "material", count);
+  add("properties", attributes.arrays, "property", [](const VertexArray& array) {
+    const auto [low, high] = std::minmax_element(array.values.begin(), array.values.end());
+    return fmt::format("{} to {}", *low, *high);
+  });
+  return text;
+}
+
 std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
   const Point size = facts.high - facts.low;
   std::string text = fmt::format(
@@ -76,7 +98,7 @@ std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& f
   if (!facts.unused.empty())
     text += fmt::format("unused     {}, the first is {}\n", facts.unused.size(),
                         describeVertex(mesh, facts.unused[0]));
-  return text + partsText(mesh, facts) + loopsText(mesh, facts);
+  return text + partsText(mesh, facts) + loopsText(mesh, facts) + namesText(mesh.attributes);
 }
 
 Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
@@ -92,17 +114,29 @@ Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
                  {"mean", facts.edges.mean}}},
                {"unusedVertices", facts.unused.size()},
                {"parts", Json::array()},
-               {"loops", Json::array()}};
-  for (const MeshPart& part : facts.parts)
-    json["parts"].push_back({{"lowestVertex", part.vertex},
-                             {"vertices", part.vertexCount},
-                             {"triangles", part.triangleCount}});
+               {"loops", Json::array()},
+               {"groups", Json::array()},
+               {"materials", Json::array()},
+               {"properties", Json::array()}};
+  for (std::size_t k = 0; k < facts.parts.size(); ++k)
+    json["parts"].push_back({{"selector", fmt::format("part:{}", k)},
+                             {"lowestVertex", facts.parts[k].vertex},
+                             {"vertices", facts.parts[k].vertexCount},
+                             {"triangles", facts.parts[k].triangleCount}});
   for (std::size_t k = 0; k < facts.loops.size(); ++k)
     json["loops"].push_back({{"selector", fmt::format("loop:{}", k)},
                              {"length", facts.loops[k].length},
                              {"vertices", facts.loops[k].vertices.size()},
                              {"closed", facts.loops[k].closed},
                              {"middle", middle(mesh, facts.loops[k].vertices)}});
+  for (const VertexSet& group : mesh.attributes.groups)
+    json["groups"].push_back({{"name", group.name}, {"vertices", group.vertices.size()}});
+  for (const VertexSet& material : mesh.attributes.materials)
+    json["materials"].push_back({{"name", material.name}, {"vertices", material.vertices.size()}});
+  for (const VertexArray& array : mesh.attributes.arrays) {
+    const auto [low, high] = std::minmax_element(array.values.begin(), array.values.end());
+    json["properties"].push_back({{"name", array.name}, {"min", *low}, {"max", *high}});
+  }
   return json;
 }
 

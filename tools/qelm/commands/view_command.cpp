@@ -28,6 +28,14 @@ struct FirstView {
 
 std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
 
+/// A value that differs from vertex to vertex belongs to the text: the page could not show it as
+/// a number, nor change it.
+Json conditionFacts(const Condition& condition, int vertices) {
+  if (!condition.values[0].isNumber())
+    return {{"text", condition.text + "=" + describeValues(condition)}, {"vertices", vertices}};
+  return {{"text", condition.text}, {"value", condition.values[0].number}, {"vertices", vertices}};
+}
+
 /// What the page writes into its corner, and what it begins with.
 Json pageFacts(const SolvedField& solved, const ViewOptions& options, const FirstView& view,
                const std::vector<double>& levels) {
@@ -36,9 +44,7 @@ Json pageFacts(const SolvedField& solved, const ViewOptions& options, const Firs
     conditions.push_back({{"text", toUtf8(toPath(options.field.fixFile).filename())},
                           {"vertices", solved.fromFile}});
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
-    conditions.push_back({{"text", solved.conditions[k].text},
-                          {"value", solved.conditions[k].values[0]},
-                          {"vertices", solved.prescribed.selected[k]}});
+    conditions.push_back(conditionFacts(solved.conditions[k], solved.prescribed.selected[k]));
   Json facts = {{"name", nameOf(solved)},
                 {"vertices", solved.mesh.vertexCount()},
                 {"triangles", solved.mesh.triangleCount()},

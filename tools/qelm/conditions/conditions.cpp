@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
-#include <cmath>
 #include <string_view>
 
 #include "text/error.h"
@@ -18,68 +16,65 @@ namespace {
   throw UsageError(fmt::format("--fix {}: {}", text, why));
 }
 
-constexpr const char* kForms =
-    "write vertex:I[,I...]=VALUE, loop:K=VALUE, boundary=VALUE, near:X,Y,Z=VALUE or "
-    "box:X0,Y0,Z0,X1,Y1,Z1=VALUE; a tag may follow, as in loop:0=1:2";
-
-double finiteNumber(std::string_view word, std::string_view text) {
-  const auto value = parseDouble(trimmed(word));
-  if (!value) fail(text, fmt::format("'{}' is not a number", word));
-  if (!std::isfinite(*value)) fail(text, fmt::format("'{}' is not finite", word));
-  return *value;
-}
-
-std::vector<double> numbers(std::string_view list, std::size_t count, std::string_view text) {
-  std::vector<double> values;
-  for (const std::string_view word : splitAt(list, ',')) values.push_back(finiteNumber(word, text));
-  if (values.size() != count)
-    fail(text, fmt::format("{} numbers are needed here, {} given", count, values.size()));
-  return values;
-}
-
-long long wholeNumber(std::string_view word, std::string_view text) {
-  const auto value = parseInteger(trimmed(word));
-  if (!value || *value < 0) fail(text, fmt::format("'{}' is not a number counted from 0", word));
-  return *value;
-}
-
-VertexList parseVertices(std::string_view list, std::string_view text) {
-  VertexList result;
-  for (const std::string_view word : splitAt(list, ','))
-    result.vertices.push_back(wholeNumber(word, text));
-  return result;
-}
-
-Box parseBox(std::string_view list, std::string_view text) {
-  const std::vector<double> v = numbers(list, 6, text);
-  Box box{};
-  for (std::size_t k = 0; k < 3; ++k) {
-    box.low[k] = std::min(v[k], v[k + 3]);
-    box.high[k] = std::max(v[k], v[k + 3]);
+/// The first of `sign` that is in no brackets and no double quotes; npos if there is none.
+std::size_t outside(std::string_view text, char sign) {
+  int depth = 0;
+  bool quoted = false;
+  for (std::size_t k = 0; k < text.size(); ++k) {
+    if (text[k] == sign && depth <= 0 && !quoted) return k;
+    if (text[k] == '"') quoted = !quoted;
+    if (!quoted && text[k] == '(') ++depth;
+    if (!quoted && text[k] == ')') --depth;
   }
-  return box;
+  return std::string_view::npos;
 }
 
-Selector parseSelector(std::string_view selector, std::string_view text) {
-  if (selector == "boundary") return WholeBoundary{};
-  const std::size_t colon = selector.find(':');
-  if (colon == std::string_view::npos) fail(text, kForms);
-  const std::string_view kind = selector.substr(0, colon);
-  const std::string_view rest = selector.substr(colon + 1);
-  if (kind == "vertex") return parseVertices(rest, text);
-  if (kind == "loop") return LoopNumber{wholeNumber(rest, text)};
-  if (kind == "near") {
-    const std::vector<double> v = numbers(rest, 3, text);
-    return NearestTo{{v[0], v[1], v[2]}};
+Value parseValue(std::string_view word, std::string_view text) {
+  const std::string_view plain = trimmed(word);
+  Value value;
+  value.text = plain;
+  if (parseDouble(plain) || plain.empty()) {
+    value.number = finiteNumber(word, text);
+  } else if (plain == "*") {
+    value.ofProperty = true;
+  } else {
+    try {
+      value.expression.emplace(plain);
+    } catch (const ExpressionError& error) {
+      fail(text, fmt::format("'{}' is not a number, nor an expression: {}", word, error.what()));
+    }
   }
-  if (kind == "box") return parseBox(rest, text);
-  fail(text, fmt::format("no selector '{}'; {}", kind, kForms));
+  return value;
 }
 
-std::vector<double> parseValues(std::string_view list, std::string_view text) {
-  std::vector<double> values;
-  for (const std::string_view word : splitAt(list, ',')) values.push_back(finiteNumber(word, text));
-  return values;
+std::vector<Value> parseValues(std::string_view list, std::string_view text) {
+  std::vector<Value> values;
+  while (true) {
+    const std::size_t comma = outside(list, ',');
+    values.push_back(parseValue(list.substr(0, comma), text));
+    if (comma == list.npos) return values;
+    list.remove_prefix(comma + 1);
+  }
+}
+
+/// `*` needs one property: whose values these are; s needs something that has a length.
+void checkValues(const Condition& condition, std::string_view text) {
+  int properties = 0;
+  int lines = 0;
+  forEachSelector(condition.selectors, [&](const SelectorTree& leaf) {
+    properties += std::holds_alternative<PropertyName>(leaf.selector) ? 1 : 0;
+    lines += std::holds_alternative<LoopNumber>(leaf.selector) ||
+                     std::holds_alternative<LoopNear>(leaf.selector) ||
+                     std::holds_alternative<AlongCurve>(leaf.selector)
+                 ? 1
+                 : 0;
+  });
+  for (const Value& value : condition.values) {
+    if (value.ofProperty && properties != 1)
+      fail(text, "the value * is that of a property; name one, as in property:NAME=*");
+    if (value.expression && value.expression->usesArc() && lines == 0)
+      fail(text, "s is the way along a loop: or a curve:, and there is none here");
+  }
 }
 
 int wantedTag(std::string_view word, std::string_view text) {
@@ -91,7 +86,10 @@ int wantedTag(std::string_view word, std::string_view text) {
 }  // namespace
 
 std::string describeValues(const Condition& condition) {
-  return fmt::format("{}", fmt::join(condition.values, ","));
+  std::vector<std::string> texts;
+  for (const Value& value : condition.values)
+    texts.push_back(value.isNumber() ? fmt::format("{}", value.number) : value.text);
+  return fmt::format("{}", fmt::join(texts, ","));
 }
 
 std::size_t fieldCount(const std::vector<Condition>& conditions) {
@@ -118,15 +116,27 @@ std::optional<int> parseTag(std::string_view text) {
 
 Condition parseCondition(const std::string& text) {
   const std::string_view view = text;
-  const std::size_t equals = view.rfind('=');
-  if (equals == std::string_view::npos) fail(text, kForms);
-  const std::string_view selector = trimmed(view.substr(0, equals));
+  // The first one: an expression may compare. A name with = in it stands in quotes.
+  std::size_t equals = 0;
+  bool quoted = false;
+  while (equals < view.size() && (quoted || view[equals] != '=')) quoted ^= view[equals++] == '"';
+  const std::string_view selectors = trimmed(view.substr(0, equals));
+  Condition condition{std::string(selectors), parseSelectors(selectors, text), {}};
+  if (equals == view.size()) fail(text, "no value; write it behind the selector, as in loop:0=1");
   const std::string_view rest = view.substr(equals + 1);
-  const std::size_t colon = rest.find(':');
-  Condition condition{std::string(selector), parseSelector(selector, text),
-                      parseValues(rest.substr(0, colon), text)};
-  if (colon != std::string_view::npos) condition.tag = wantedTag(rest.substr(colon + 1), text);
+  const std::size_t colon = outside(rest, ':');
+  condition.values = parseValues(rest.substr(0, colon), text);
+  if (colon != rest.npos) condition.tag = wantedTag(rest.substr(colon + 1), text);
+  checkValues(condition, text);
   return condition;
+}
+
+std::vector<std::string> filesOf(const Condition& condition) {
+  std::vector<std::string> files;
+  forEachSelector(condition.selectors, [&files](const SelectorTree& leaf) {
+    if (const auto* curve = std::get_if<AlongCurve>(&leaf.selector)) files.push_back(curve->file);
+  });
+  return files;
 }
 
 }  // namespace qelm::tool

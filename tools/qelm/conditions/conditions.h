@@ -1,4 +1,4 @@
-// The grammar of boundary conditions: SELECTOR=VALUE[,VALUE...][:TAG].
+// The grammar of boundary conditions: SELECTORS=VALUE[,VALUE...][:TAG].
 #ifndef QELM_TOOLS_CONDITIONS_H
 #define QELM_TOOLS_CONDITIONS_H
 
@@ -6,33 +6,28 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "mesh/mesh.h"
+#include "conditions/expression.h"
+#include "conditions/selectors.h"
 
 namespace qelm::tool {
 
-struct VertexList {  ///< vertex:I[,I...]
-  std::vector<long long> vertices;
+/// What vertices are held at.
+struct Value {
+  std::string text;                      ///< as written
+  double number = 0;                     ///< unless one of the following says otherwise
+  std::optional<Expression> expression;  ///< in x, y, z and s
+  bool ofProperty = false;               ///< *: the values of the condition's property
+
+  bool isNumber() const { return !expression && !ofProperty; }
 };
-struct LoopNumber {  ///< loop:K
-  long long number;
-};
-struct WholeBoundary {};  ///< boundary
-struct NearestTo {        ///< near:X,Y,Z
-  Point point;
-};
-struct Box {  ///< box:X0,Y0,Z0,X1,Y1,Z1, any two opposite corners
-  Point low, high;
-};
-using Selector = std::variant<VertexList, LoopNumber, WholeBoundary, NearestTo, Box>;
 
 struct Condition {
-  std::string text;  ///< the selector as written, for messages
-  Selector selector;
-  std::vector<double> values;  ///< one for each field; a single one is for all
-  int tag = 1;                 ///< 1, 2 or 3: the library treats all alike
+  std::string text;  ///< the selectors as written, for messages
+  SelectorTree selectors;
+  std::vector<Value> values;  ///< one for each field; a single one is for all
+  int tag = 1;                ///< 1, 2 or 3: the library treats all alike
 };
 
 /// "0,1" as it would be written.
@@ -46,6 +41,9 @@ std::optional<int> parseTag(std::string_view text);
 
 /// Throws UsageError that quotes `text`.
 Condition parseCondition(const std::string& text);
+
+/// The files that its selectors read.
+std::vector<std::string> filesOf(const Condition& condition);
 
 }  // namespace qelm::tool
 

@@ -9,15 +9,11 @@
 #include <vector>
 
 #include "conditions/conditions.h"
+#include "conditions/selected.h"
 #include "conditions/vertex_csv.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
-
-struct Nearest {  ///< what near:X,Y,Z took
-  int vertex;
-  double distance;
-};
 
 struct Prescribed {
   std::vector<int> tags;       ///< n; 1, 2 or 3 at fixed vertices, else 0
@@ -26,8 +22,9 @@ struct Prescribed {
   std::vector<int> heldBy;     ///< n; 0 at free vertices, 1 where a file holds, 2 + k where
                                ///< condition k does
   std::vector<int> selected;   ///< for each condition how many vertices it selects
-  std::vector<std::optional<Nearest>> nearest;  ///< for each condition, of near:
-  std::vector<std::string> notes;               ///< for the user, such as conditions that overlap
+  std::vector<std::optional<Nearest>> nearest;    ///< for each condition, of near: alone
+  std::vector<std::vector<std::string>> details;  ///< for each condition what its selectors found
+  std::vector<std::string> notes;                 ///< for the user, such as conditions that overlap
   int fixedCount = 0;
 };
 
@@ -35,7 +32,8 @@ struct Prescribed {
 /// values the later one holds and a note names the first such vertex.
 ///
 /// Throws RequestError when a condition names what the mesh has not, or selects
-/// nothing; UsageError when the conditions disagree about the number of fields.
+/// nothing, or when a value is not finite at a vertex; UsageError when the conditions disagree
+/// about the number of fields.
 Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
                      std::span<const FixedVertex> fromFile = {});
 

@@ -7,9 +7,11 @@
 #include <cmath>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <numeric>
 
 #include "conditions/vertex_csv.h"
 #include "fields/overshoot.h"
+#include "fields/uniform_load.h"
 #include "fields/verdict.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
@@ -62,13 +64,25 @@ Json rangeJson(const SolvedField& solved, std::size_t field) {
   return json;
 }
 
+double totalLoad(const SolvedField& solved) {
+  return std::accumulate(solved.load.begin(), solved.load.end(), 0.0);
+}
+
+/// A number, or the text of an expression or of *.
+Json valueJson(const Value& value) {
+  if (value.isNumber()) return value.number;
+  return value.text;
+}
+
 /// {"value": 1} of a condition for one field or for all, else {"values": [1, 2]}.
 Json conditionJson(const Condition& condition) {
   Json json = {{"selector", condition.text}};
-  if (condition.values.size() == 1)
-    json["value"] = condition.values[0];
-  else
-    json["values"] = condition.values;
+  if (condition.values.size() == 1) {
+    json["value"] = valueJson(condition.values[0]);
+  } else {
+    json["values"] = Json::array();
+    for (const Value& value : condition.values) json["values"].push_back(valueJson(value));
+  }
   json["tag"] = condition.tag;
   return json;
 }
@@ -85,6 +99,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
       fixes.back()["vertex"] = nearest->vertex;
       fixes.back()["distance"] = nearest->distance;
     }
+    if (!solved.prescribed.details[k].empty()) fixes.back()["found"] = solved.prescribed.details[k];
   }
   Json summary = {{"mesh", solved.meshName},
                   {"vertices", solved.mesh.vertexCount()},
@@ -99,6 +114,8 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
   }
+  if (solved.loadPerArea)
+    summary["load"] = {{"perArea", *solved.loadPerArea}, {"total", totalLoad(solved)}};
   if (solved.robust) summary["robust"] = robustJson(*solved.robust);
   summary["error"] = solved.error;
   for (const ReportItem& item : more) summary.update(item.members);
@@ -118,7 +135,11 @@ std::string describeValue(const SolvedField& solved, std::size_t field, int vert
 /// How many vertices a condition holds; of near: which one, and how far away.
 std::string describeSelected(const SolvedField& solved, std::size_t k) {
   const auto& nearest = solved.prescribed.nearest[k];
-  if (!nearest) return fmt::format("{}", solved.prescribed.selected[k]);
+  if (!nearest) {
+    const auto& details = solved.prescribed.details[k];
+    return fmt::format("{}{}", solved.prescribed.selected[k],
+                       details.empty() ? "" : fmt::format(" ({})", fmt::join(details, "; ")));
+  }
   return fmt::format("{}, {:.6g} away", describeVertex(solved.mesh, nearest->vertex),
                      nearest->distance);
 }
@@ -141,6 +162,9 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
                              describeValues(solved.conditions[k]), describeSelected(solved, k)));
+  if (solved.loadPerArea)
+    console.line(fmt::format("load     {} per area, {} in all", *solved.loadPerArea,
+                             digits(totalLoad(solved))));
   printRanges(solved, console);
   if (solved.robust)
     console.line("matrix   " + (solved.robust->changed != 0
@@ -196,10 +220,15 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
         "a --fix has several values, but this command takes one field; 'qelm solve' "
         "takes several");
   const Construction construction = parseConstruction(options.robust);
+  const std::optional<double> perArea = parseUniformLoad(options.load);
   Steps& steps = solved.steps;
   solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
   const Mesh& mesh = solved.mesh;
-  if (!options.load.empty()) solved.load = readLoad(options.load, mesh.vertexCount());
+  solved.loadPerArea = perArea;
+  if (perArea)
+    solved.load = uniformLoad(mesh, *perArea);
+  else if (!options.load.empty())
+    solved.load = readLoad(options.load, mesh.vertexCount());
   std::vector<FixedVertex> fromFile;
   if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
   solved.fromFile = static_cast<int>(fromFile.size());

@@ -24,7 +24,7 @@ struct FieldOptions {
   std::string mesh;
   std::vector<std::string> fixes;
   std::string fixFile;   ///< a CSV file; empty: none
-  std::string load;      ///< a CSV file; empty: no load
+  std::string load;      ///< a CSV file, or uniform=Q; empty: no load
   std::string robust;    ///< see parseConstruction()
   bool several = false;  ///< whether conditions may have several values, one for each field
 };
@@ -36,6 +36,7 @@ struct SolvedField {
   int fromFile = 0;  ///< vertices that --fix-file fixes
   Prescribed prescribed;
   std::vector<double> load;                ///< n, or none
+  std::optional<double> loadPerArea;       ///< of --load uniform=Q
   std::optional<QelmRobustReport> robust;  ///< unless construction was plain on request
   std::optional<FieldSystem> system;
   double error = 0;            ///< that rounding leaves, see measuredError()

@@ -5,11 +5,31 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace qelm::tool {
 
 using Point = std::array<double, 3>;
+
+/// A number for each vertex, as a file names it.
+struct VertexArray {
+  std::string name;
+  std::vector<double> values;  ///< n
+};
+
+/// The vertices of a file's faces that have a name in common.
+struct VertexSet {
+  std::string name;
+  std::vector<int> vertices;  ///< in increasing order, each once
+};
+
+/// What a file says about its vertices besides their places.
+struct Attributes {
+  std::vector<VertexArray> arrays;
+  std::vector<VertexSet> groups;
+  std::vector<VertexSet> materials;
+};
 
 /// What a file holds: points and polygons over them, nothing checked but that
 /// every index is in range.
@@ -18,6 +38,7 @@ struct PolygonSoup {
   std::vector<std::vector<int>> faces;
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
+  Attributes attributes;
 };
 
 /// A triangle mesh in the layout that the library takes.
@@ -27,6 +48,7 @@ struct Mesh {
   /// For each triangle the face of the file that it is part of; empty when
   /// triangle and face are the same everywhere.
   std::vector<int> faceOfTriangle;
+  Attributes attributes = {};
 
   int vertexCount() const { return static_cast<int>(vertices.size() / 3); }
   int triangleCount() const { return static_cast<int>(triangles.size() / 3); }

@@ -17,8 +17,10 @@ struct Loaded {
 };
 
 Loaded load(const std::string& name, const Console& console) {
-  const PolygonSoup soup = readPolygonSoup(toPath(name));
+  PolygonSoup soup = readPolygonSoup(toPath(name));
   Triangulation result = naming(name, [&] { return triangulate(soup); });
+  // Vertices stay what they are.
+  result.mesh.attributes = std::move(soup.attributes);
   if (result.splitFaceCount > 0)
     console.note(
         fmt::format("{}: {} of {} faces have more than three corners and were split into "

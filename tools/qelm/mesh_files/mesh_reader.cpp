@@ -60,9 +60,12 @@ PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) 
 
 PolygonSoup readObj(std::string bytes, const std::string& name) {
   ReaderSoup soup;
-  std::istringstream stream(plainObj(bytes, name));
+  Attributes attributes;
+  std::istringstream stream(plainObj(bytes, name, attributes));
   const bool isRead = CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
-  return taken(soup, isRead, name);
+  PolygonSoup result = taken(soup, isRead, name);
+  result.attributes = std::move(attributes);
+  return result;
 }
 
 PolygonSoup readStl(std::string bytes, const std::string& name) {

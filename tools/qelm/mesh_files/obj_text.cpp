@@ -2,8 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "text/error.h"
@@ -18,13 +22,46 @@ struct HighestIndex {
   std::size_t line = 0;
 };
 
+// A face may be in several groups, but not in so many that a short file takes much memory.
+constexpr std::size_t kMostGroupsOfAFace = 8;
+
+/// The vertices of the faces under each name. Faces that follow each other mostly have the same
+/// names, so those are looked up where they change.
+class NamedFaces {
+ public:
+  void name(std::span<const std::string_view> names) {
+    current_.clear();
+    for (const std::string_view name : names) {
+      const auto [at, isNew] = places_.try_emplace(std::string(name), sets_.size());
+      if (isNew) sets_.push_back({std::string(name), {}});
+      current_.push_back(at->second);
+    }
+  }
+  void add(int vertex) {
+    for (const std::size_t place : current_) sets_[place].vertices.push_back(vertex);
+  }
+  std::vector<VertexSet> sets() {
+    std::erase_if(sets_, [](const VertexSet& set) { return set.vertices.empty(); });
+    for (VertexSet& set : sets_) {
+      std::sort(set.vertices.begin(), set.vertices.end());
+      set.vertices.erase(std::unique(set.vertices.begin(), set.vertices.end()), set.vertices.end());
+    }
+    return std::move(sets_);
+  }
+
+ private:
+  std::vector<VertexSet> sets_;
+  std::unordered_map<std::string, std::size_t> places_;
+  std::vector<std::size_t> current_;
+};
+
 class ObjPass {
  public:
   ObjPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {
     plain_.reserve(text.size());
   }
 
-  std::string run() {
+  std::string run(Attributes& attributes) {
     std::string joined;
     while (lines_.next()) {
       std::string_view line = lines_.line();
@@ -34,6 +71,11 @@ class ObjPass {
       statement(line.substr(0, line.find('#')), first);
     }
     checkHighest();
+    attributes.groups = groups_.sets();
+    std::vector<VertexSet> objects = objects_.sets();
+    attributes.groups.insert(attributes.groups.end(), std::make_move_iterator(objects.begin()),
+                             std::make_move_iterator(objects.end()));
+    attributes.materials = materials_.sets();
     return std::move(plain_);
   }
 
@@ -60,6 +102,21 @@ class ObjPass {
     if (words.empty()) return;
     if (words[0] == "v") vertex(words, number);
     if (words[0] == "f" || words[0] == "fo") face(words, number);
+    if (words[0] == "g") group(words, number);
+    // These take one name, which may have blanks in it.
+    if (words[0] == "o") nameFaces(objects_, line, words[0]);
+    if (words[0] == "usemtl") nameFaces(materials_, line, words[0]);
+  }
+
+  void group(const std::vector<std::string_view>& words, std::size_t line) {
+    if (words.size() > 1 + kMostGroupsOfAFace)
+      fail(line, fmt::format("more than {} groups for a face", kMostGroupsOfAFace));
+    groups_.name(std::span(words).subspan(1));
+  }
+
+  static void nameFaces(NamedFaces& faces, std::string_view line, std::string_view keyword) {
+    const std::string_view name = trimmed(trimmed(line).substr(keyword.size()));
+    faces.name(std::span(&name, name.empty() ? 0 : 1));
   }
 
   void vertex(const std::vector<std::string_view>& words, std::size_t line) {
@@ -78,8 +135,13 @@ class ObjPass {
   void face(const std::vector<std::string_view>& words, std::size_t line) {
     if (words.size() < 4) fail(line, "a face needs at least three corners");
     plain_ += 'f';
-    for (std::size_t k = 1; k < words.size(); ++k)
-      fmt::format_to(std::back_inserter(plain_), " {}", cornerIndex(words[k], line));
+    for (std::size_t k = 1; k < words.size(); ++k) {
+      const long long index = cornerIndex(words[k], line);
+      fmt::format_to(std::back_inserter(plain_), " {}", index);
+      if (index > std::numeric_limits<int>::max()) continue;  // out of range, as is said later
+      for (NamedFaces* faces : {&groups_, &objects_, &materials_})
+        faces->add(static_cast<int>(index) - 1);
+    }
     plain_ += '\n';
     ++faceCount_;
   }
@@ -115,12 +177,13 @@ class ObjPass {
   long long vertexCount_ = 0;
   long long faceCount_ = 0;
   HighestIndex highest_;
+  NamedFaces groups_, objects_, materials_;
 };
 
 }  // namespace
 
-std::string plainObj(std::string_view text, const std::string& name) {
-  return ObjPass(text, name).run();
+std::string plainObj(std::string_view text, const std::string& name, Attributes& attributes) {
+  return ObjPass(text, name).run(attributes);
 }
 
 }  // namespace qelm::tool

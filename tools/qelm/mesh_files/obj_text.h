@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "mesh/mesh.h"
+
 namespace qelm::tool {
 
 /// The same mesh as an OBJ text of nothing but "v x y z" and "f a b c ..." lines
@@ -16,8 +18,9 @@ namespace qelm::tool {
 /// that it does not know. So faces are read here, whatever is wrong is said with
 /// its line, and everything that carries no surface is left out.
 ///
+/// `attributes` gets the faces' groups (g, and objects, o) and materials (usemtl).
 /// Throws InputError; `name` stands in its messages.
-std::string plainObj(std::string_view text, const std::string& name);
+std::string plainObj(std::string_view text, const std::string& name, Attributes& attributes);
 
 }  // namespace qelm::tool
 

@@ -121,7 +121,8 @@ class PlyReader {
       : header_(header), numbers_(header, name) {}
 
   PolygonSoup run() {
-    for (const PlyElement& element : header_.elements)
+    for (const PlyElement& element : header_.elements) {
+      if (isVertexElement(element.name)) findArrays(element);
       for (std::size_t k = 0; k < element.count; ++k) {
         numbers_.beginItem(element.name, k);
         if (isVertexElement(element.name))
@@ -131,18 +132,38 @@ class PlyReader {
         else
           passOver(element);
       }
+    }
+    // Only of a file that announces vertices, or a property of theirs, twice.
+    std::erase_if(soup_.attributes.arrays, [this](const VertexArray& array) {
+      return array.values.size() != soup_.points.size();
+    });
     return std::move(soup_);
   }
 
  private:
+  static constexpr std::size_t kNoArray = static_cast<std::size_t>(-1);
+
+  /// Where each property's values go: single numbers besides the place.
+  void findArrays(const PlyElement& element) {
+    arrayOf_.clear();
+    std::vector<VertexArray>& arrays = soup_.attributes.arrays;
+    for (const PlyProperty& property : element.properties) {
+      const bool isPlace = property.name == "x" || property.name == "y" || property.name == "z";
+      arrayOf_.push_back(isPlace || property.countType ? kNoArray : arrays.size());
+      if (arrayOf_.back() != kNoArray) arrays.push_back({std::string(property.name), {}});
+    }
+  }
+
   void vertex(const PlyElement& element) {
     Point point{};
-    for (const PlyProperty& property : element.properties) {
+    for (std::size_t k = 0; k < element.properties.size(); ++k) {
+      const PlyProperty& property = element.properties[k];
       if (property.countType) {
         list(property, nullptr);
         continue;
       }
       const double value = numbers_.next(property.type);
+      if (arrayOf_[k] != kNoArray) soup_.attributes.arrays[arrayOf_[k]].values.push_back(value);
       if (property.name == "x") point[0] = value;
       if (property.name == "y") point[1] = value;
       if (property.name == "z") point[2] = value;
@@ -184,6 +205,7 @@ class PlyReader {
   const PlyHeader& header_;
   PlyNumbers numbers_;
   PolygonSoup soup_;
+  std::vector<std::size_t> arrayOf_;
 };
 
 }  // namespace

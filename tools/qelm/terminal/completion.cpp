@@ -13,7 +13,9 @@
 namespace qelm::tool {
 namespace {
 
-constexpr const char* kSelectors = "vertex: loop: boundary= near: box:";
+constexpr const char* kSelectors =
+    "vertex: loop: loop:near: boundary= near: box: sphere: plane: above: below: xmin= xmax= ymin= "
+    "ymax= zmin= zmax= part: part:near: group: material: property: feature: curve:";
 
 /// What an option takes, as its name for the value tells.
 enum class Value { kNone, kMesh, kCsv, kSelector, kWords, kFile, kOther };
@@ -129,6 +131,12 @@ std::string bashScript(const CLI::App& app) {
 
 // ---- zsh ----
 
+std::string escapedColons(std::string_view text) {
+  std::string result;
+  for (const char c : text) result += c == ':' ? std::string("\\:") : std::string(1, c);
+  return result;
+}
+
 std::string zshAction(const CLI::Option& option) {
   switch (valueOf(option)) {
     case Value::kNone:
@@ -138,7 +146,7 @@ std::string zshAction(const CLI::Option& option) {
     case Value::kCsv:
       return ":file:_files -g \"*.csv\"";
     case Value::kSelector:
-      return ":condition:(vertex\\: loop\\: boundary= near\\: box\\:)";
+      return fmt::format(":condition:({})", escapedColons(kSelectors));
     case Value::kWords:
       return fmt::format(":word:({})", fmt::join(wordsOf(option.get_type_name()), " "));
     case Value::kFile:

@@ -12,14 +12,20 @@ namespace qelm::tool {
 namespace {
 
 constexpr auto kTopics = std::to_array<HelpTopic>({
-    {"conditions", "what --fix and --fix-file hold, and where",
-     "  --fix SELECTOR=VALUE[:TAG] holds the selected vertices at VALUE. Selectors:\n"
-     "    vertex:I[,I...]         vertices by number\n"
-     "    loop:K                  the K-th boundary loop, the longest is loop:0\n"
-     "    boundary                every vertex of every boundary loop\n"
-     "    near:X,Y,Z              the vertex nearest to a point\n"
-     "    box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
-     "  Vertices, triangles, faces and loops are numbered from 0 (files in which the\n"
+    {"conditions", "what --fix and --fix-file hold, and at which values",
+     "  --fix SELECTOR=VALUE[:TAG] holds the selected vertices at VALUE; 'qelm help selectors'\n"
+     "  has the selectors, 'qelm info MESH' what they can name in a mesh. VALUE is one of\n"
+     "    a number                0.5\n"
+     "    an expression           in x, y, z and s, such as 'sin(2*pi*s)' or '10*(z>1)': the\n"
+     "                            value at the vertex's place; s is the way along a loop: or\n"
+     "                            curve:, from 0 to 1. + - * / ^, comparisons (1 or 0), pi, e\n"
+     "                            and the functions\n"
+     "                              abs, acos, asin, atan, cbrt, ceil, cos, cosh, exp,\n"
+     "                              floor, log, log10, round, sign, sin, sinh, sqrt, tan,\n"
+     "                              tanh, atan2(a, b), hypot(a, b), max(a, b), min(a, b),\n"
+     "                              mod(a, b), pow(a, b), if(condition, then, else)\n"
+     "    *                       with property:NAME, the property's own values\n"
+     "  Vertices, triangles, faces, loops and parts are numbered from 0 (files in which the\n"
      "  first vertex is 1, such as OBJ, too). TAG is the mark 1, 2 or 3 that the vertices\n"
      "  get in the library, 1 unless given; all three hold. The conditions of --fix-file\n"
      "  come first, then every --fix in order. Where several select the same vertex,\n"
@@ -36,6 +42,37 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    a header line       with the columns vertex and value, and tag if wanted, among\n"
      "                        others, as in the files that solve -o writes\n"
      "  Empty lines and what follows a # are left out.\n"},
+    {"selectors", "which vertices a condition means",
+     "  vertex:I[,I...]         vertices by number; a range is written 10-20\n"
+     "  loop:K                  the K-th boundary loop, the longest is loop:0\n"
+     "  loop:near:X,Y,Z         the boundary loop nearest to a point\n"
+     "  boundary                every vertex of every boundary loop\n"
+     "  near:X,Y,Z              the vertex nearest to a point\n"
+     "  box:X0,Y0,Z0,X1,Y1,Z1   every vertex in a box, its sides included\n"
+     "  sphere:X,Y,Z,R          every vertex in a sphere, its surface included\n"
+     "  plane:X,Y,Z,NX,NY,NZ[,T]\n"
+     "                          within T of the plane through X,Y,Z across NX,NY,NZ\n"
+     "  above:X,Y,Z,NX,NY,NZ    on that plane and on the side to which NX,NY,NZ points\n"
+     "  below:X,Y,Z,NX,NY,NZ    on that plane and on the other side\n"
+     "  xmin, xmax, ymin, ymax, zmin, zmax\n"
+     "                          at this end of the mesh's box\n"
+     "  part:K                  the K-th connected part, by its lowest vertex\n"
+     "  part:near:X,Y,Z         the part of the vertex nearest to a point\n"
+     "  group:NAME              the faces of an OBJ file's group (g) or object (o)\n"
+     "  material:NAME           the faces of an OBJ file's material (usemtl)\n"
+     "  property:NAME           where a vertex property of the file is not 0; with the\n"
+     "                          value *, where it is a number\n"
+     "  feature:ANGLE           edges whose triangles bend by more than ANGLE degrees\n"
+     "  curve:FILE              along the polylines of an .obj, or of CSV points X,Y,Z: the\n"
+     "                          nearest vertices, joined along edges\n"
+     "  Planes and ends have a tolerance of a millionth of the box's diagonal unless T says\n"
+     "  otherwise; the summary prints it.\n"
+     "\n"
+     "  A & B is where both select, A | B where one does, !A where A does not; ! binds first,\n"
+     "  then &, then |, and brackets group. A name with & | ( ) or = in it stands in double\n"
+     "  quotes. The shell needs quotes round all of it:\n"
+     "    sh, PowerShell   --fix 'loop:0 & !xmin=0'    --fix 'group:\"a & b\"=1'\n"
+     "    cmd.exe          --fix \"loop:0 & !xmin=0\"\n"},
     {"loads", "what --load adds",
      "  --load FILE.csv adds a load g, so that K u + g = 0 at every free vertex, with K\n"
      "  the surface's stiffness matrix (rows sum to 0, positive diagonal): a positive load\n"
@@ -44,7 +81,10 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    VALUE               on each line, one line per vertex, in order\n"
      "    VERTEX,VALUE        on each line; vertices that are not named have load 0\n"
      "    a header line       with the columns vertex and value among others\n"
-     "  Lines as in 'qelm help conditions'.\n"},
+     "  Lines as in 'qelm help conditions'.\n"
+     "\n"
+     "  --load uniform=Q is a load of Q per area: each triangle's, in thirds at its corners.\n"
+     "  The summary prints the total. (A file of such a name is ./uniform=Q.)\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
      "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"

@@ -37,6 +37,13 @@ std::string upper(std::string text) {
 
 std::string literal(const std::string& body) { return ".nf\n" + escaped(body) + ".fi\n"; }
 
+/// Many words to choose from may go over the end of a line.
+std::string breakable(const std::string& words) {
+  std::string result;
+  for (const char c : words) result += c == '|' ? " | " : std::string(1, c);
+  return result;
+}
+
 class PageWriter {
  public:
   PageWriter(const CLI::App& app, const std::string& version) : app_(app), version_(version) {}
@@ -69,7 +76,8 @@ class PageWriter {
       const bool isPositional = option->get_positional();
       const std::string name =
           isPositional ? option->get_type_name() : option->get_name(false, true);
-      page_ += fmt::format(".TP\n\\fB{}\\fR", escaped(name));
+      page_ +=
+          fmt::format(".TP\n\\fB{}\\fR", isPositional ? breakable(escaped(name)) : escaped(name));
       if (!isPositional && option->get_items_expected_max() > 0)
         page_ += fmt::format(" \\fI{}\\fR", escaped(option->get_type_name()));
       page_ += "\n" + escaped(option->get_description()) + ".\n";

@@ -1,0 +1,81 @@
+#include "conditions/mesh_index.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+#include "mesh/mesh_checks.h"
+#include "mesh/vec3.h"
+
+namespace qelm::tool {
+
+// A power of two is taken out of the differences before they are squared.
+long double distance(const Point& a, const Point& b) {
+  int exponent = 0;
+  Point d = a - b;
+  double largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+  if (std::isinf(largest)) {
+    for (std::size_t k = 0; k < 3; ++k) d[k] = a[k] / 2 - b[k] / 2;
+    largest = std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
+    exponent = 1;
+  }
+  if (!(largest > 0) || std::isinf(largest)) return length(d);
+  const int shift = std::ilogb(largest);
+  for (double& part : d) part = std::scalbn(part, -shift);
+  return std::scalbn(static_cast<long double>(length(d)), shift + exponent);
+}
+
+int nearestVertex(const Mesh& mesh, const Point& point) {
+  int nearest = 0;
+  long double least = std::numeric_limits<long double>::infinity();
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    const long double here = distance(mesh.point(v), point);
+    if (here < least) {
+      nearest = v;
+      least = here;
+    }
+  }
+  return nearest;
+}
+
+const Box& MeshIndex::box() {
+  if (box_) return *box_;
+  box_ = Box{mesh_.point(0), mesh_.point(0)};
+  for (int v = 1; v < mesh_.vertexCount(); ++v)
+    for (std::size_t k = 0; k < 3; ++k) {
+      box_->low[k] = std::min(box_->low[k], mesh_.point(v)[k]);
+      box_->high[k] = std::max(box_->high[k], mesh_.point(v)[k]);
+    }
+  return *box_;
+}
+
+double MeshIndex::tolerance() {
+  // As for welding: room for coordinates in single precision, far below any detail.
+  constexpr double kPart = 1e-6;
+  return static_cast<double>(kPart * distance(box().low, box().high));
+}
+
+const std::vector<BoundaryLoop>& MeshIndex::loops() {
+  if (!loops_) loops_ = boundaryLoops(mesh_);
+  return *loops_;
+}
+
+const std::vector<int>& MeshIndex::parts() {
+  if (parts_) return *parts_;
+  std::vector<int> lowest = lowestOfPart(mesh_);
+  std::vector<int> number(lowest.size(), -1);
+  for (const int v : mesh_.triangles)
+    number[static_cast<std::size_t>(lowest[static_cast<std::size_t>(v)])] = 0;
+  for (int& part : number)
+    if (part == 0) part = partCount_++;
+  for (int& part : lowest) part = number[static_cast<std::size_t>(part)];
+  return parts_.emplace(std::move(lowest));
+}
+
+int MeshIndex::partCount() {
+  parts();
+  return partCount_;
+}
+
+}  // namespace qelm::tool

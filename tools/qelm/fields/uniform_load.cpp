@@ -1,0 +1,38 @@
+#include "fields/uniform_load.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstddef>
+
+#include "mesh/vec3.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+
+std::optional<double> parseUniformLoad(const std::string& text) {
+  constexpr std::string_view kForm = "uniform=";
+  if (!text.starts_with(kForm)) return {};
+  const std::string_view word = std::string_view(text).substr(kForm.size());
+  const auto value = parseDouble(trimmed(word));
+  if (!value || !std::isfinite(*value))
+    throw UsageError(
+        fmt::format("--load {}: '{}' is not a load per area; give a number, or the "
+                    "name of a file as ./{}",
+                    text, word, text));
+  return value;
+}
+
+std::vector<double> uniformLoad(const Mesh& mesh, double perArea) {
+  std::vector<double> load(static_cast<std::size_t>(mesh.vertexCount()), 0.0);
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    const Point p = mesh.point(c[0]);
+    const double twice = length(cross(mesh.point(c[1]) - p, mesh.point(c[2]) - p));
+    for (const int v : c) load[static_cast<std::size_t>(v)] += perArea * twice / 6;
+  }
+  return load;
+}
+
+}  // namespace qelm::tool
