@@ -55,7 +55,8 @@ def test_every_example_runs(qelm, helps, command):
 
 def topics_of(text):
     """The topics that the end of a --help names."""
-    return re.search(r"^More: qelm help (.*)$", text, re.MULTILINE)[1].split(", ")
+    named = re.search(r"^More: qelm help (.*)$", text, re.MULTILINE)[1].split(", ")
+    return named + re.findall(r"^  --.* See 'qelm help (\w+)'$", text, re.MULTILINE)
 
 
 @pytest.mark.parametrize("command", COMMANDS)

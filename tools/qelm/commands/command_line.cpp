@@ -13,6 +13,7 @@
 #include "commands/solve_command.h"
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
+#include "conditions/field_file.h"
 #include "files/output_file.h"
 #include "files/result_name.h"
 #include "terminal/completion.h"
@@ -53,12 +54,23 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
   command.add_flag("--robust", field.robust, "In range on bad triangles, too; auto: if needed");
 }
 
+void addGivenField(CLI::App& command, FieldOptions& field) {
+  command.add_option("--field", field.field, "Take the field from .csv, .npy or .ply instead")
+      ->type_name("FILE[:COLUMN]");
+}
+
 void addLevels(CLI::App& command, LevelOptions& levels) {
   command.add_option("--levels", levels.count, "Cut at N levels, evenly spaced")->type_name("N");
   command.add_flag("--round", levels.round, "Take round levels, about as many");
   command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
   command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
+  command
+      .add_option("--through", levels.through, "Cut through the surface's point nearest to this")
+      ->type_name("near:X,Y,Z")
+      ->allow_extra_args(false);
 }
+
+constexpr const char* kPictures = "qelm help pictures";
 
 /// Compact: what an option takes, and in words whether it must be given.
 class HelpFormatter : public CLI::Formatter {
@@ -69,15 +81,24 @@ class HelpFormatter : public CLI::Formatter {
     if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
     return " " + option->get_type_name();
   }
-  /// Options of a group that has a topic of its own take one line together: with all of them
-  /// --help would not fit a screen. The topic, the manual page and completion have them in full.
+  /// Options of a group that is named after a topic take one line together: with all of them in
+  /// full --help would not fit a screen. The manual page and completion have them in full.
   std::string make_group(std::string group, bool isPositional,
                          std::vector<const CLI::Option*> options) const override {
     if (group.rfind("qelm help ", 0) != 0)
       return CLI::Formatter::make_group(std::move(group), isPositional, std::move(options));
-    std::string line = "\n ";
-    for (const CLI::Option* option : options) line += " --" + option->get_lnames()[0];
-    return line + "\n" + std::string(kColumn, ' ') + "See '" + group + "'\n";
+    std::string names = " ";
+    for (const CLI::Option* option : options) names += " --" + option->get_lnames()[0];
+    names.resize(std::max(names.size() + 2, get_column_width()), ' ');
+    return names + "See '" + group + "'\n";
+  }
+  /// Such lines follow the others without a gap.
+  std::string make_help(const CLI::App* app, std::string name,
+                        CLI::AppFormatMode mode) const override {
+    std::string text = CLI::Formatter::make_help(app, std::move(name), mode);
+    for (std::size_t at = text.find("\n\n  --"); at != text.npos; at = text.find("\n\n  --"))
+      text.erase(at, 1);
+    return text;
   }
   std::string make_option_desc(const CLI::Option* option) const override {
     return option->get_description() +
@@ -104,6 +125,7 @@ InputNames inputsOf(const CLI::App& command) {
       for (const std::string& value : option->results()) {
         names.push_back(value);
         if (option->check_lname("fix")) addFilesOf(value, names);
+        if (option->check_lname("field")) names.push_back(parseFieldSource(value).file);
       }
   return names;
 }
@@ -169,9 +191,7 @@ class CommandLine {
         *app_.add_subcommand("solve", "Compute the smooth field between fixed values");
     addFieldOptions(command, solve_.field);
     solve_.field.several = true;
-    command
-        .add_option("-o,--output", solve_.output,
-                    "Write the field as CSV; - is the standard output")
+    command.add_option("-o,--output", solve_.output, "Write the field; - is the standard output")
         ->type_name("FIELD.csv");
     command.add_flag("--compare-plain", solve_.comparePlain,
                      "With --robust, say how far the plain field is off");
@@ -196,11 +216,12 @@ class CommandLine {
   void addHeatmap() {
     CLI::App& command = *app_.add_subcommand("heatmap", "Write a mesh with its field in colours");
     addFieldOptions(command, heatmap_.field);
+    addGivenField(command, heatmap_.field);
     command.add_option("-o,--output", heatmap_.output, "PATH.obj and two more files, or OUT.ply")
         ->type_name("PATH")
         ->required();
     addOutputOptions(command, output_);
-    command.footer(footer(kHeatmapExamples, "conditions, selectors, loads, robust, files, output"));
+    command.footer(footer(kHeatmapExamples, "conditions, fields, loads, robust, files, output"));
     onRun(command, [this] {
       requireFixes(heatmap_.field);
       runHeatmap(heatmap_, output_);
@@ -211,6 +232,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
     addFieldOptions(command, curves_.field);
+    addGivenField(command, curves_.field);
     addLevels(command, curves_.levels);
     command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .csv; or -")
         ->type_name("OUT")
@@ -219,12 +241,17 @@ class CommandLine {
     command.add_option("--format", curves_.format, "Whatever OUT is called")
         ->type_name("obj|json|svg|csv");
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
-        ->type_name("best|AXIS|X,Y,Z");
-    command.add_option("--up", curves_.up, "What points up in an .svg")->type_name("x|y|z|auto");
-    command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")->type_name("TEXT");
+        ->type_name("best|AXIS|X,Y,Z")
+        ->group(kPictures);
+    command.add_option("--up", curves_.up, "What points up in an .svg")
+        ->type_name("x|y|z|auto")
+        ->group(kPictures);
+    command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")
+        ->type_name("TEXT")
+        ->group(kPictures);
     addOutputOptions(command, output_);
     command.footer(
-        footer(kCurvesExamples, "levels, conditions, loads, robust, files, pictures, output"));
+        footer(kCurvesExamples, "levels, conditions, fields, loads, robust, files, output"));
     onRun(command, [this] {
       requireFixes(curves_.field);
       runCurves(curves_, output_);
@@ -235,6 +262,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("view", "Write a page that shows the field in a browser");
     addFieldOptions(command, view_.field);
+    addGivenField(command, view_.field);
     addLevels(command, view_.levels);
     command.add_option("-o,--output", view_.output, "Where it goes; - is the standard output")
         ->type_name("PAGE.html")
@@ -242,11 +270,16 @@ class CommandLine {
     command.add_option("--page", view_.page, "Fill in this page, such as the live one")
         ->type_name("TEMPLATE.html");
     command.add_option("--view", view_.view, "From where the page looks at first")
-        ->type_name("best|AXIS|X,Y,Z");
-    command.add_option("--up", view_.up, "What points up")->type_name("x|y|z|auto");
-    command.add_option("--unit", view_.unit, "The values' unit")->type_name("TEXT");
+        ->type_name("best|AXIS|X,Y,Z")
+        ->group(kPictures);
+    command.add_option("--up", view_.up, "What points up")
+        ->type_name("x|y|z|auto")
+        ->group(kPictures);
+    command.add_option("--unit", view_.unit, "The values' unit")
+        ->type_name("TEXT")
+        ->group(kPictures);
     addOutputOptions(command, output_);
-    command.footer(footer(kViewExamples, "levels, conditions, loads, robust, pictures, output"));
+    command.footer(footer(kViewExamples, "levels, conditions, fields, loads, robust, output"));
     onRun(command, [this] {
       requireFixes(view_.field);
       runView(view_, output_);
@@ -319,7 +352,7 @@ class CommandLine {
   }
 
   static void requireFixes(const FieldOptions& field) {
-    if (field.fixes.empty() && field.fixFile.empty())
+    if (field.fixes.empty() && field.fixFile.empty() && field.field.empty())
       throw UsageError(
           "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
   }

@@ -9,6 +9,7 @@
 #include "curves/curve_files.h"
 #include "curves/curve_set.h"
 #include "curves/curve_svg.h"
+#include "curves/field_levels.h"
 #include "curves/projection.h"
 #include "curves/upright.h"
 #include "files/output_file.h"
@@ -106,9 +107,7 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
-  const Range range = rangeOf(solved);
-  const std::vector<double> levels =
-      naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
+  const std::vector<double> levels = levelsOf(choice, solved, console);
   const CurveSet curves =
       solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
   std::vector<std::string> results;

@@ -6,8 +6,10 @@
 #include <cmath>
 #include <optional>
 
+#include "conditions/npy_array.h"
 #include "fields/field_csv.h"
 #include "files/output_file.h"
+#include "files/paths.h"
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
 
@@ -62,7 +64,8 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   if (options.comparePlain && options.field.robust.empty())
     throw UsageError("--compare-plain needs --robust to compare with");
   const Console console(output);
-  promisedFormat(options.output, {".csv", ".txt", ".dat"}, "'solve' writes the field as .csv");
+  promisedFormat(options.output, {".csv", ".txt", ".dat", ".npy"},
+                 "'solve' writes the field as .csv or .npy");
   // Opened first: a long solve must not end with a folder that is not there.
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output, output.inputs);
@@ -70,7 +73,10 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   std::vector<std::string> results;
   if (file) {
     solved.steps.run("write", [&] {
-      writeFieldCsv(solved.mesh, solved.fields, *file);
+      if (lowerExtension(toPath(options.output)) == ".npy")
+        writeNpy(solved.fields, static_cast<std::size_t>(solved.mesh.vertexCount()), *file);
+      else
+        writeFieldCsv(solved.mesh, solved.fields, *file);
       file->commit();
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);

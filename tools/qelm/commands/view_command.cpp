@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "curves/field_levels.h"
 #include "curves/projection.h"
 #include "curves/upright.h"
 #include "files/output_file.h"
@@ -143,6 +144,8 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice(options.levels);
   const FirstView view = {parseView(options.view), parseUp(options.up)};
+  if (!options.field.field.empty() && !options.page.empty())
+    throw UsageError("--page fills in a page that solves, for which --field has nothing");
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the page (-o -) or --json, not both");
@@ -150,9 +153,7 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
-  const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  const std::vector<double> levels =
-      naming(solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
+  const std::vector<double> levels = levelsOf(choice, solved, console);
   solved.steps.run("write", [&] {
     writeFilled(page,
                 {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "conditions/conditions.h"
+#include "conditions/npy_array.h"
 #include "files/paths.h"
 #include "text/error.h"
 #include "text/text.h"
@@ -155,12 +156,43 @@ std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& na
   return fixes;
 }
 
+namespace {
+
+bool isNpy(const std::string& name) { return lowerExtension(toPath(name)) == ".npy"; }
+
+/// One for each vertex.
+std::vector<double> npyColumn(const std::string& name, int vertexCount) {
+  const NpyArray array = parseNpy(readFile(toPath(name)), name);
+  if (array.rows != static_cast<std::size_t>(vertexCount) || array.columns != 1)
+    throw FileError(
+        fmt::format("{}: an array of {} by {}; {} by 1 is needed, a value for each "
+                    "vertex",
+                    name, array.rows, array.columns, vertexCount));
+  return array.values;
+}
+
+}  // namespace
+
 std::vector<double> readLoad(const std::string& name, int vertexCount) {
-  return parseLoad(readFile(toPath(name)), name, vertexCount);
+  if (!isNpy(name)) return parseLoad(readFile(toPath(name)), name, vertexCount);
+  std::vector<double> load = npyColumn(name, vertexCount);
+  for (std::size_t v = 0; v < load.size(); ++v)
+    if (!std::isfinite(load[v]))
+      throw FileError(fmt::format("{}: vertex {}: the load {} is not finite", name, v, load[v]));
+  return load;
 }
 
 std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount) {
-  return parseFixes(readFile(toPath(name)), name, vertexCount);
+  if (!isNpy(name)) return parseFixes(readFile(toPath(name)), name, vertexCount);
+  const std::vector<double> values = npyColumn(name, vertexCount);
+  std::vector<FixedVertex> fixes;
+  for (std::size_t v = 0; v < values.size(); ++v) {
+    if (std::isinf(values[v]))
+      throw FileError(fmt::format("{}: vertex {}: the value {} is not finite", name, v, values[v]));
+    if (!std::isnan(values[v])) fixes.push_back({static_cast<int>(v), values[v], 1});
+  }
+  if (fixes.empty()) throw FileError(fmt::format("{}: no vertex to fix: all values are nan", name));
+  return fixes;
 }
 
 }  // namespace qelm::tool

@@ -9,7 +9,8 @@
 namespace qelm::tool {
 
 /// Reads one load per vertex from a CSV file, see the topic "loads" of the help for its forms.
-/// Throws FileError that names the file and the line.
+/// A name that ends in .npy is an array with a load for each vertex. Throws FileError that names
+/// the file and the line.
 std::vector<double> readLoad(const std::string& name, int vertexCount);
 
 struct FixedVertex {
@@ -19,7 +20,8 @@ struct FixedVertex {
 };
 
 /// Reads values to hold, see the topic "conditions" of the help; every vertex at most once, in the
-/// file's order. Throws FileError that names the file and the line.
+/// file's order. A name that ends in .npy is an array with a value for each vertex, NaN for a free
+/// one. Throws FileError that names the file and the line.
 std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount);
 
 /// The same for the text of a file that is called `name`.

@@ -48,6 +48,21 @@ std::vector<double> parsedList(const std::string& text) {
   return list;
 }
 
+Point parsedPoint(const std::string& text) {
+  constexpr std::string_view kForm = "near:";
+  const std::vector<std::string_view> words =
+      splitAt(std::string_view(text).substr(text.starts_with(kForm) ? kForm.size() : 0), ',');
+  Point point{};
+  bool isGood = text.starts_with(kForm) && words.size() == 3;
+  for (std::size_t k = 0; isGood && k < 3; ++k) {
+    const auto value = parseDouble(trimmed(words[k]));
+    isGood = value && std::isfinite(*value);
+    if (isGood) point[k] = *value;
+  }
+  if (!isGood) throw UsageError(fmt::format("--through {}: write a place as near:X,Y,Z", text));
+  return point;
+}
+
 struct RoundStep {
   int digit;  ///< 1, 2 or 5
   int power;  ///< of ten
@@ -86,9 +101,21 @@ LevelChoice::LevelChoice(const LevelOptions& options) {
   if (!options.count.empty()) count_ = parsedCount(options.count);
   if (!options.at.empty()) list_ = parsedList(options.at);
   if (!options.every.empty()) step_ = parsedStep(options.every);
+  for (const std::string& text : options.through) through_.push_back(parsedPoint(text));
+  onlyThrough_ = !through_.empty() && given == 0 && !options.round;
 }
 
-std::vector<double> LevelChoice::levels(double low, double high, const Console& console) const {
+std::vector<double> LevelChoice::levels(double low, double high, const Console& console,
+                                        std::span<const double> through) const {
+  std::vector<double> all;
+  if (!onlyThrough_) all = chosen(low, high, console);
+  for (const double level : through) all.push_back(level + 0.0);
+  std::sort(all.begin(), all.end());
+  all.erase(std::unique(all.begin(), all.end()), all.end());
+  return all;
+}
+
+std::vector<double> LevelChoice::chosen(double low, double high, const Console& console) const {
   if (round_) return round(low, high);
   if (count_ > 0) return even(low, high);
   if (step_ > 0) return multiples(low, high);

@@ -2,19 +2,22 @@
 #ifndef QELM_TOOLS_LEVELS_H
 #define QELM_TOOLS_LEVELS_H
 
+#include <span>
 #include <string>
 #include <vector>
 
+#include "mesh/mesh.h"
 #include "terminal/console.h"
 
 namespace qelm::tool {
 
-/// As on the command line; of the texts one is not empty at most.
+/// As on the command line; of the first three texts one is not empty at most.
 struct LevelOptions {
-  std::string count;   ///< --levels
-  std::string at;      ///< --at
-  std::string every;   ///< --every
-  bool round = false;  ///< --round
+  std::string count;                 ///< --levels
+  std::string at;                    ///< --at
+  std::string every;                 ///< --every
+  bool round = false;                ///< --round
+  std::vector<std::string> through;  ///< --through; with any of the others or alone
 };
 
 class LevelChoice {
@@ -28,11 +31,17 @@ class LevelChoice {
   ///    strictly between low and high, with the step that gives nearest to N of them, or to
   ///    ten; evenly spaced ones where there is none;
   ///  - a step: all its multiples strictly between low and high;
-  ///  - a list: as given, with a note about those outside.
+  ///  - a list: as given, with a note about those outside;
+  ///  - `through`, the values at the points of through(), beside these or alone.
   /// Throws RequestError when nothing lies between.
-  std::vector<double> levels(double low, double high, const Console& console) const;
+  std::vector<double> levels(double low, double high, const Console& console,
+                             std::span<const double> through = {}) const;
+
+  /// The points that --through names.
+  const std::vector<Point>& through() const { return through_; }
 
  private:
+  std::vector<double> chosen(double low, double high, const Console& console) const;
   std::vector<double> round(double low, double high) const;
   std::vector<double> even(double low, double high) const;
   std::vector<double> multiples(double low, double high) const;
@@ -41,6 +50,8 @@ class LevelChoice {
   bool round_ = false;
   double step_ = 0;
   std::vector<double> list_;
+  std::vector<Point> through_;
+  bool onlyThrough_ = false;
 };
 
 }  // namespace qelm::tool

@@ -10,6 +10,7 @@
 #include <numeric>
 
 #include "conditions/vertex_csv.h"
+#include "fields/given_field.h"
 #include "fields/overshoot.h"
 #include "fields/uniform_load.h"
 #include "fields/verdict.h"
@@ -45,9 +46,9 @@ Json vertexJson(const SolvedField& solved, std::size_t field, int vertex) {
           {"point", solved.mesh.point(vertex)}};
 }
 
-/// Only where there is no load: with one, a field goes where it is pushed.
+/// Only of a field that was solved for, without load: with one, a field goes where it is pushed.
 std::optional<Overshoot> overshootOf(const SolvedField& solved, std::size_t k) {
-  if (!solved.load.empty()) return {};
+  if (!solved.load.empty() || !solved.given.empty()) return {};
   return overshootOf(solved.field(k), solved.prescribed, k);
 }
 
@@ -114,6 +115,7 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
   }
+  if (!solved.given.empty()) summary["field"] = solved.given;
   if (solved.loadPerArea)
     summary["load"] = {{"perArea", *solved.loadPerArea}, {"total", totalLoad(solved)}};
   if (solved.robust) summary["robust"] = robustJson(*solved.robust);
@@ -157,7 +159,10 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
                 const Console& console, const std::vector<ReportItem>& more) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
                            solved.mesh.vertexCount(), solved.mesh.triangleCount()));
-  console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
+  if (!solved.given.empty())
+    console.line("field    " + solved.given);
+  else
+    console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
   if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     console.line(fmt::format("         {} = {}: {}", solved.conditions[k].text,
@@ -211,6 +216,7 @@ void noteOvershoots(const SolvedField& solved, const Console& console) {
 }  // namespace
 
 SolvedField solveField(const FieldOptions& options, const Console& console) {
+  if (!options.field.empty()) return givenField(options, console);
   SolvedField solved;
   solved.meshName = options.mesh;
   solved.steps = Steps(console);
@@ -262,10 +268,10 @@ void requireRange(const SolvedField& solved, const char* use) {
   constexpr double kConstant = 1e-12;
   const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
   if (*high - *low <= kConstant * std::max(std::abs(*low), std::abs(*high)))
-    throw RequestError(fmt::format(
-        "{}: the field is {} everywhere, so there is no range to {}; fix vertices at two "
-        "different values at least",
-        solved.meshName, digits(*low), use));
+    throw RequestError(
+        fmt::format("{}: the field is {} everywhere, so there is no range to {}{}", solved.meshName,
+                    digits(*low), use,
+                    solved.given.empty() ? "; fix vertices at two different values at least" : ""));
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,

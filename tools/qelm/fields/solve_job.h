@@ -26,11 +26,13 @@ struct FieldOptions {
   std::string fixFile;   ///< a CSV file; empty: none
   std::string load;      ///< a CSV file, or uniform=Q; empty: no load
   std::string robust;    ///< see parseConstruction()
+  std::string field;     ///< FILE[:COLUMN] in place of all these; empty: none
   bool several = false;  ///< whether conditions may have several values, one for each field
 };
 
 struct SolvedField {
   std::string meshName;
+  std::string given;  ///< of --field; empty where the field was solved for
   Mesh mesh;
   std::vector<Condition> conditions;
   int fromFile = 0;  ///< vertices that --fix-file fixes
@@ -50,7 +52,8 @@ struct SolvedField {
   }
 };
 
-/// Parses, reads, checks, constructs and solves. Throws UsageError, InputError.
+/// Parses, reads, checks, constructs and solves, or takes the field of --field. Throws UsageError,
+/// InputError.
 SolvedField solveField(const FieldOptions& options, const Console& console);
 
 /// Throws RequestError when the field is the same everywhere, but for the rounding of

@@ -85,6 +85,15 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "\n"
      "  --load uniform=Q is a load of Q per area: each triangle's, in thirds at its corners.\n"
      "  The summary prints the total. (A file of such a name is ./uniform=Q.)\n"},
+    {"fields", "what --field takes",
+     "  --field FILE[:COLUMN] cuts and colours any number per vertex, in place of a solve:\n"
+     "    .csv, or another name   a value on each line, in the mesh's order; with a header\n"
+     "                            line the column COLUMN (value unless given), in any order\n"
+     "                            where there is a column vertex. Without a header line,\n"
+     "                            COLUMN is a number from 0\n"
+     "    .npy                    a numpy array with a row per vertex; COLUMN as a number\n"
+     "    .ply                    the vertex property COLUMN (value unless given)\n"
+     "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
      "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"
@@ -100,6 +109,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                the step that gives nearest to N of them\n"
      "  --at V,V,...  these levels\n"
      "  --every STEP  all multiples of STEP strictly inside\n"
+     "  --through near:X,Y,Z\n"
+     "                the value at the place on the surface nearest to a point; may be given\n"
+     "                often, and with any of the others\n"
      "  Without any of them there are about ten round levels.\n"
      "  A value at or above a level counts as above it. Higher values lie at the left of a\n"
      "  curve, seen from where triangles are counter-clockwise.\n"},
@@ -111,6 +123,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "\n"
      "  solve    .csv: the header line vertex,x,y,z,value, then for each vertex its number,\n"
      "           place and value, with the shortest digits that read back as the same doubles\n"
+     "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields.\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
      "           yellow, the smallest dark blue. Files of those names are replaced. Vertices\n"
      "           come in the library's order (fixed ones first), not in the mesh's.\n"

@@ -1,0 +1,27 @@
+#include "curves/field_levels.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "curves/through.h"
+#include "mesh_files/load_mesh.h"
+
+namespace qelm::tool {
+
+std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved,
+                             const Console& console) {
+  std::vector<double> through;
+  for (const Point& p : choice.through()) {
+    const PlaceOnMesh place = nearestPlace(solved.mesh, solved.field(), p);
+    through.push_back(place.value);
+    console.line(fmt::format("through  near:{},{},{} = {}, {:.6g} away", p[0], p[1], p[2],
+                             place.value, place.distance));
+  }
+  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  return naming(solved.meshName, [&, least = *low, most = *high] {
+    return choice.levels(least, most, console, through);
+  });
+}
+
+}  // namespace qelm::tool

@@ -1,0 +1,22 @@
+// --through: the value of a field at the place of the surface that is nearest to a point.
+#ifndef QELM_TOOLS_THROUGH_H
+#define QELM_TOOLS_THROUGH_H
+
+#include <span>
+
+#include "mesh/mesh.h"
+
+namespace qelm::tool {
+
+struct PlaceOnMesh {
+  double distance;  ///< from the point
+  double value;     ///< linear between the triangle's corners
+};
+
+/// The nearest place on all triangles; of equally near ones that of the first triangle. Requires
+/// finite coordinates and a triangle.
+PlaceOnMesh nearestPlace(const Mesh& mesh, std::span<const double> field, const Point& point);
+
+}  // namespace qelm::tool
+
+#endif
