@@ -58,6 +58,7 @@ void requireRoundTrips(const Mesh& mesh) {
   requireSameMesh(readBack(mesh, MeshFormat::kPly, "again.ply"), mesh);
   if (!allWithin(mesh, std::numeric_limits<double>::max())) return;  // the others refuse it
   requireSameMesh(readBack(mesh, MeshFormat::kObj, "again.obj"), mesh);
+  requireSameMesh(readBack(mesh, MeshFormat::kOff, "again.off"), mesh);
   if (allWithin(mesh, std::numeric_limits<float>::max()))
     requireRounded(readBack(mesh, MeshFormat::kStl, "again.stl"), mesh);
 }

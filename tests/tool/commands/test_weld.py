@@ -125,7 +125,7 @@ def test_refusals(qelm):
     qelm.write("nan.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])))
     cases = [
         (2, ["m.obj"], "--output is required"),
-        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .ply or .stl"),
+        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .off, .ply or .stl"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "-1"], "--tolerance -1: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),
@@ -178,3 +178,15 @@ def test_parts_that_do_not_touch_are_no_soup(qelm):
     chain = shapes.joined(*(shapes.moved(shapes.SQUARE, (k, k, 0)) for k in range(20)))
     qelm.write("chain.obj", shapes.obj(chain))
     assert "soup" not in qelm.ok("check", "chain.obj").stderr
+
+
+def test_off_keeps_every_bit_and_is_read_by_another_program(qelm):
+    meshio = pytest.importorskip("meshio")
+    points = [(x / 3 + 6.5e6, y * 1e-7, 1e-300) for x, y, _ in GRID[0]]
+    qelm.write("m.obj", shapes.obj((points, GRID[1])))
+    qelm.ok("weld", "m.obj", "--tolerance", "0", "-o", "m.off")
+    other = meshio.read(qelm.folder / "m.off")
+    assert [tuple(point) for point in other.points.tolist()] == points
+    assert [tuple(face) for face in other.cells_dict["triangle"].tolist()] == GRID[1]
+    qelm.ok("weld", "m.off", "--tolerance", "0", "-o", "again.obj")
+    assert read_obj(qelm.folder / "again.obj") == (points, GRID[1])

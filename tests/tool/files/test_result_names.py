@@ -92,7 +92,7 @@ def test_the_files_beside_a_heat_map_do_not_replace_inputs(qelm, square):
         ("heatmap", "h.glb", ".obj (with .mtl and viridis.PNG beside it) or .ply"),
         ("heatmap", "h.3mf", ".obj (with .mtl and viridis.PNG beside it) or .ply"),
         ("curves", "c.dxf", ".obj, .json, .csv and .svg"),
-        ("weld", "w.off", ".obj, .ply or .stl"),
+        ("weld", "w.vtk", ".obj, .off, .ply or .stl"),
     ],
 )
 def test_a_name_that_promises_another_format_is_refused_before_the_mesh_is_read(qelm, command, name, writes):

@@ -30,6 +30,18 @@ void writeObj(const Mesh& mesh, TextBlock& block) {
   }
 }
 
+void writeOff(const Mesh& mesh, TextBlock& block) {
+  block.text("OFF\n{} {} 0\n", mesh.vertexCount(), mesh.triangleCount());
+  for (int v = 0; v < mesh.vertexCount(); ++v) {
+    const Point p = mesh.point(v);
+    block.text("{} {} {}\n", p[0], p[1], p[2]);
+  }
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    block.text("3 {} {} {}\n", c[0], c[1], c[2]);
+  }
+}
+
 void writePly(const Mesh& mesh, TextBlock& block) {
   block.text(
       "ply\nformat binary_little_endian 1.0\nelement vertex {}\nproperty double x\n"
@@ -66,12 +78,13 @@ void writeStl(const Mesh& mesh, TextBlock& block) {
 
 MeshFormat writableFormat(const std::string& name) {
   if (name == "-") return MeshFormat::kObj;
-  const std::string extension =
-      promisedFormat(name, {".obj", ".ply", ".stl"}, "meshes are written as .obj, .ply or .stl");
+  const std::string extension = promisedFormat(name, {".obj", ".off", ".ply", ".stl"},
+                                               "meshes are written as .obj, .off, .ply or .stl");
   if (extension == ".obj") return MeshFormat::kObj;
+  if (extension == ".off") return MeshFormat::kOff;
   if (extension == ".ply") return MeshFormat::kPly;
   if (extension == ".stl") return MeshFormat::kStl;
-  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .ply or .stl", name));
+  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .off, .ply or .stl", name));
 }
 
 int lostToSinglePrecision(const Mesh& mesh) {
@@ -100,6 +113,7 @@ int lostToSinglePrecision(const Mesh& mesh) {
 void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   TextBlock block(file);
   if (format == MeshFormat::kObj) writeObj(mesh, block);
+  if (format == MeshFormat::kOff) writeOff(mesh, block);
   if (format == MeshFormat::kPly) writePly(mesh, block);
   if (format == MeshFormat::kStl) writeStl(mesh, block);
   block.flush();

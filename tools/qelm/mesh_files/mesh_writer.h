@@ -11,6 +11,7 @@ namespace qelm::tool {
 
 enum class MeshFormat {
   kObj,  ///< text, every double kept
+  kOff,  ///< text, every double kept
   kPly,  ///< binary, every double kept
   kStl   ///< binary, coordinates rounded to single precision
 };

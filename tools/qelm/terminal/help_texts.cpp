@@ -138,7 +138,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           .csv   curve,level,value,closed,x,y,z for each point; also what -o - writes\n"
      "           .svg   a picture with a scale, see 'qelm help pictures'\n"
      "  view     .html, see 'qelm help pictures'\n"
-     "  weld     .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
+     "  weld     .obj, .off and .ply keep every double, .stl has single precision; - is\n"
      "           OBJ on the standard output\n"},
     {"pictures", "what --view, --up and --unit say, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
