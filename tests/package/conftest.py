@@ -15,6 +15,7 @@ from packages import (  # noqa: E402
     WINDOWS,
     ZIP,
     build_packages,
+    ready_tree,
 )
 
 
@@ -28,7 +29,8 @@ def unpack(package, folder):
 def packages(tmp_path_factory):
     """Everything that scripts/package makes; or, while one works on these tests, a folder with it."""
     ready = os.environ.get("QELM_PACKAGES")
-    return pathlib.Path(ready) if ready else build_packages(tmp_path_factory.mktemp("first"))
+    return pathlib.Path(ready) if ready else build_packages(
+        tmp_path_factory.mktemp("first"), *ready_tree("windows-x64", "windows-release"))
 
 
 @pytest.fixture(scope="session")
