@@ -66,5 +66,11 @@ def debian(packages, tmp_path_factory):
 
 
 @pytest.fixture(scope="session")
+def wheel(packages, tmp_path_factory):
+    (file,) = packages.glob("*manylinux*.whl")
+    return unpack(file, tmp_path_factory.mktemp("wheel"))
+
+
+@pytest.fixture(scope="session")
 def sources(packages, tmp_path_factory):
     return unpack(packages / SOURCE_ARCHIVE, tmp_path_factory.mktemp("source")) / f"qelm-{VERSION}"
