@@ -10,15 +10,12 @@
 
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
+#include "peers/cholmod.h"
 #include "qelm.h"
 #include "robust/flips.h"
 #include "robust/robust_system.h"
 #include "support/contender.h"
 #include "support/plain_assembly.h"
-
-#if defined(QELM_HAVE_CHOLMOD)
-#include <Eigen/CholmodSupport>
-#endif
 
 namespace {
 
@@ -216,10 +213,13 @@ int main(int argumentCount, char** arguments) {
   addContender("construct", "eigen_analysis", eigenAnalysis);
   addContender("construct", "eigen_ordering", eigenOrdering);
 #if defined(QELM_HAVE_CHOLMOD)
-  addContender("construct", "cholmod_simplicial",
-               compute<Eigen::CholmodSimplicialLDLT<SparseBlock>>, qelm::bench::upTo(300'000));
-  addContender("construct", "cholmod_supernodal", compute<Eigen::CholmodSupernodalLLT<SparseBlock>>,
-               qelm::bench::upTo(1'000'000));
+  addContender("construct", "cholmod_simplicial", compute<qelm::bench::CholmodSimplicial>,
+               qelm::bench::upTo(300'000));
+  const auto upToAMillion = qelm::bench::upTo(1'000'000);
+  addContender("construct", "cholmod_supernodal", compute<qelm::bench::CholmodSupernodal>,
+               upToAMillion);
+  addContender("construct", "cholmod_supernodal_own_order",
+               compute<qelm::bench::CholmodSupernodalOwnOrder>, upToAMillion);
 #endif
   return qelm::bench::runContenders(argumentCount, arguments);
 }
