@@ -117,6 +117,17 @@ Run kept(const Case& c) {
   };
 }
 
+/// What it would take.
+Run predicted(const Case& c) {
+  return [work = workOf(c)] {
+    const Mesh& mesh = work->mesh;
+    QelmPrediction prediction = {};
+    qelmpredictTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                      mesh.triangles.data(), mesh.tags.data(), 0, &prediction);
+    return static_cast<std::size_t>(prediction.factorEntries);
+  };
+}
+
 /// What Eigen is given: a copy of the block.
 Run block(const Case& c) {
   return [work = workOf(c)] {
@@ -204,6 +215,7 @@ int main(int argumentCount, char** arguments) {
   using qelm::bench::addContender;
   addContender("construct", "qelm", whole);
   addContender("construct", "assembly", assembly);
+  addContender("construct", "predicted", predicted);
   addContender("construct", "robust", robustAssembly);
   addContender("construct", "robust_sheared", robustSheared);
   addContender("construct", "block", block);
