@@ -1,12 +1,9 @@
 #include "factor/solver.h"
 
-#include <cstdint>
-#include <limits>
-#include <new>
-
 #include "factor/blocked_factor.h"
 #include "factor/supernodes.h"
 #include "factor/symbolic.h"
+#include "interface/indexable.h"
 
 namespace qelm::factor {
 
@@ -14,12 +11,6 @@ Method fastestMethod() { return {panelKernels().front(), 56}; }
 
 bool blocksPay(const EliminationTree& tree, const Method& method) {
   return tree.multiplicationCount() >= method.leastReuse * static_cast<double>(tree.entryCount());
-}
-
-int indexableEntryCount(const EliminationTree& tree) {
-  const std::int64_t count = tree.entryCount();
-  if (count > std::numeric_limits<int>::max()) throw std::bad_alloc();
-  return static_cast<int>(count);
 }
 
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
@@ -40,7 +31,7 @@ Solver::Solver(const Sparse& matrix, const Method& method, const CostReview& rev
 
 /// What analyzePattern() does.
 void Solver::keepPattern(const EliminationTree& tree) {
-  const int entryCount = indexableEntryCount(tree);
+  const int entryCount = indexable(tree.entryCount());
   const Eigen::Index n = tree.parent.size();
   m_matrix.resize(n, n);
   int* const starts = m_matrix.outerIndexPtr();

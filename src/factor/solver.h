@@ -29,10 +29,6 @@ Method fastestMethod();
 /// Whether a factorisation by this method takes blocks.
 bool blocksPay(const EliminationTree& tree, const Method& method);
 
-/// The entries of L below the diagonal. Throws std::bad_alloc if an int cannot count them: Eigen
-/// indexes them by int, and would go on with a number that wrapped around.
-int indexableEntryCount(const EliminationTree& tree);
-
 /// Told what the numeric phase will take before it begins; may throw.
 using CostReview = std::function<void(const Cost&)>;
 

@@ -9,6 +9,7 @@
 
 #include "factor/panel_kernel.h"
 #include "factor/supernodes.h"
+#include "interface/indexable.h"
 
 namespace qelm::factor {
 namespace {
@@ -20,10 +21,15 @@ std::int64_t bytesOfColumns(std::int64_t columns, std::int64_t entries) {
   return kInt * (columns + 1) + (kInt + kDouble) * entries;
 }
 
+/// Of AMD's copy, which Eigen counts in int.
+int roomyEntryCount(std::int64_t n, std::int64_t entries) {
+  return indexable(entries + entries / 5 + 2 * n);
+}
+
 /// AMD's copy, with a fifth and two entries for each column as elbow room: while it grows, there is
 /// the one without; then there are nine numbers for each column.
 std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
-  return bytesOfColumns(n, entries + entries / 5 + 2 * n) +
+  return bytesOfColumns(n, roomyEntryCount(n, entries)) +
          std::max((kInt + kDouble) * entries, 9 * kInt * n);
 }
 
@@ -54,6 +60,7 @@ std::int64_t plainBytes(std::int64_t n) { return (kDouble + 2 * kInt) * n; }
 /// What AMDOrdering does, but without making the matrix symmetric, which it is: a third of the
 /// time at 100 thousand unknowns.
 Permutation amdOrder(const Sparse& matrix) {
+  roomyEntryCount(matrix.cols(), matrix.nonZeros());
   Permutation order;
   Sparse pattern;
   pattern = matrix;  // not in one line: Eigen's copy constructor leaks if memory runs out halfway
