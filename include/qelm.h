@@ -910,6 +910,89 @@ QELM_API int qelmcheckRobustTagged(int vertexCount, const double* vertices, int 
                                    const int* triangles, const int* tags,
                                    QelmRobustReport* reportOut);
 
+/** What construction within a limit says besides. */
+enum {
+  /** The system would take more bytes than it may, or its factor has more entries than
+      the 2^31 - 1 that can be indexed. */
+  QELM_STATUS_TOO_LARGE = 107
+};
+
+/** What constructing a mesh system takes. */
+typedef struct QelmPrediction {
+  int64_t factorEntries;  /**< of the factor L, below its diagonal */
+  int64_t handleBytes;    /**< what the handle keeps */
+  int64_t peakBytes;      /**< the most that is allocated at once while it is constructed,
+                               the handle included */
+  double multiplications; /**< of the factorisation; most of the time is theirs */
+} QelmPrediction;
+
+/**
+ * Says what qelmctorTagged() or qelmctorRobustTagged() would take: constructs as they do,
+ * up to where nothing has been allocated yet that grows faster than the mesh. On a
+ * surface the factor has some 20 to 100 entries for each vertex; where triangles join
+ * vertices at random it can have thousands, and take hours.
+ *
+ * factorEntries and multiplications are those of the factorisation that would be made,
+ * exactly. The bytes are those that are asked of the heap, to 1 % from 20 thousand
+ * vertices on, to some percent on smaller meshes. With robust set, what is held before
+ * the factorisation may be more, see there.
+ *
+ * @param[in]  vertexCount    n.
+ * @param[in]  vertices       double[3n], packed xyz, any values.
+ * @param[in]  triangleCount  m.
+ * @param[in]  triangles      int[3m], any values.
+ * @param[in]  tags           int[n], any values; 1, 2 and 3 mean "prescribed".
+ * @param[in]  robust         0 for qelmctorTagged(), else for qelmctorRobustTagged().
+ * @param[out] predictionOut  May be null; receives the figures, all 0 unless the result is 0.
+ * @return What the constructor's status would be, or 101.
+ *
+ * Status:    1 vertexCount < 1; 24 triangleCount < 1; 25 a null array; 101 an index
+ *            out of range; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle; with robust set, 102 a coordinate not finite; 106 endless flips.
+ *            Checked in this order, the first one wins.
+ * Ownership: the caller owns everything; no pointer is kept.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    some 330 bytes for each vertex of a surface, a third of what construction
+ *            takes, and an eighth to a third of its time. Exhaustion leaves as
+ *            std::bad_alloc, with predictionOut unwritten.
+ * Since:     0.2.0
+ */
+QELM_API int qelmpredictTagged(int vertexCount, const double* vertices, int triangleCount,
+                               const int* triangles, const int* tags, int robust,
+                               QelmPrediction* predictionOut);
+
+/**
+ * Builds a mesh system as qelmctorTagged() or qelmctorRobustTagged() does, unless it
+ * would take too much memory: then it ends where that is known, before anything large is
+ * allocated. Costs nothing over them. For callers into whom no std::bad_alloc may be
+ * thrown, and for those who would rather be told than wait.
+ *
+ * @param[in]  vertexCount     As there, and so on to tags.
+ * @param[in]  vertices        As there.
+ * @param[in]  triangleCount   As there.
+ * @param[in]  triangles       As there.
+ * @param[in]  tags            As there.
+ * @param[in]  robust          0 for qelmctorTagged(), else for qelmctorRobustTagged().
+ * @param[in]  mostBytes       The most that may be allocated at once, see peakBytes of
+ *                             QelmPrediction; what is free on the machine, say.
+ * @param[out] predictionOut   May be null; receives what qelmpredictTagged() says.
+ * @param[out] taggedCountOut  As there.
+ * @param[out] status          As there, and 107.
+ * @param[out] handleOut       As there.
+ * @return Always 1, on success and on failure alike. Look at status.
+ *
+ * Status:    as of these two, then 107: peakBytes is above mostBytes, or factorEntries
+ *            above 2^31 - 1.
+ * Ownership: as of these two.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    as of these two. With status 107, what qelmpredictTagged() takes.
+ * Since:     0.2.0
+ */
+QELM_API int qelmctorLimitedTagged(int vertexCount, const double* vertices, int triangleCount,
+                                   const int* triangles, const int* tags, int robust,
+                                   int64_t mostBytes, QelmPrediction* predictionOut,
+                                   int* taggedCountOut, int* status, MeshSystem** handleOut);
+
 /**
  * The version of the library that is loaded, which need not be that of this header.
  *
@@ -925,8 +1008,8 @@ QELM_API const char* qelmversion(void);
 
 /**
  * Says in English what a code means that a status out-parameter, qelmWeld(),
- * qelmcheckTagged(), qelmcheckRobustTagged() or encode_integer_to_sphere() gave. Not for the
- * results of qelminfo() and doPoshModal(), whose numbers mean other things.
+ * qelmcheckTagged(), qelmcheckRobustTagged(), qelmpredictTagged() or encode_integer_to_sphere()
+ * gave. Not for the results of qelminfo() and doPoshModal(), whose numbers mean other things.
  *
  * @param[in] status  Any number.
  * @return One line of ASCII without a full stop, zero-terminated, never null; for a

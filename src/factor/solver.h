@@ -5,9 +5,11 @@
 
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseCholesky>
+#include <functional>
 
 #include "factor/elimination_tree.h"
 #include "factor/panel_kernel.h"
+#include "factor/symbolic.h"
 
 namespace qelm::factor {
 
@@ -24,9 +26,11 @@ struct Method {
 /// For this processor, as measured.
 Method fastestMethod();
 
-/// The entries of L below the diagonal. Throws std::bad_alloc if an int cannot count them: Eigen
-/// indexes them by int, and would go on with a number that wrapped around.
-int indexableEntryCount(const EliminationTree& tree);
+/// Whether a factorisation by this method takes blocks.
+bool blocksPay(const EliminationTree& tree, const Method& method);
+
+/// Told what the numeric phase will take before it begins; may throw.
+using CostReview = std::function<void(const Cost&)>;
 
 using Ldlt = Eigen::SimplicialLDLT<Sparse, Eigen::Lower, Eigen::AMDOrdering<int>>;
 
@@ -36,13 +40,14 @@ class Solver : public Ldlt {
  public:
   /// Factorises a symmetric matrix both of whose triangles are stored, rows ascending within
   /// columns; values are read from the lower one. How it ended is in info().
+  /// `review`, if there is one, is called once.
   ///
   /// Throws std::bad_alloc before anything large is allocated if L has more entries than an int
   /// can count, as well as when memory runs out.
-  explicit Solver(const Sparse& matrix, const Method& method = fastestMethod());
+  explicit Solver(const Sparse& matrix, const Method& method = fastestMethod(),
+                  const CostReview& review = {});
 
  private:
-  void order(const Sparse& matrix);
   void keepPattern(const EliminationTree& tree);
   bool tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method);
   void factorizePlainly(const Sparse& upper);
