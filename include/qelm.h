@@ -955,7 +955,7 @@ typedef struct QelmPrediction {
  * Memory:    some 330 bytes for each vertex of a surface, a third of what construction
  *            takes, and an eighth to a third of its time. Exhaustion leaves as
  *            std::bad_alloc, with predictionOut unwritten.
- * Since:     0.2.0
+ * Since:     1.0.0
  */
 QELM_API int qelmpredictTagged(int vertexCount, const double* vertices, int triangleCount,
                                const int* triangles, const int* tags, int robust,
@@ -986,7 +986,7 @@ QELM_API int qelmpredictTagged(int vertexCount, const double* vertices, int tria
  * Ownership: as of these two.
  * Threads:   may run at the same time as any other call.
  * Memory:    as of these two. With status 107, what qelmpredictTagged() takes.
- * Since:     0.2.0
+ * Since:     1.0.0
  */
 QELM_API int qelmctorLimitedTagged(int vertexCount, const double* vertices, int triangleCount,
                                    const int* triangles, const int* tags, int robust,
