@@ -39,6 +39,8 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/used_part.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ear_clipping.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"

@@ -94,7 +94,9 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
   run.steps = Steps(console);
   if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
   OutputFile file(options.output, output.inputs);
-  run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });
+  run.before = run.steps.run("read", [&] {
+    return loadMesh({options.mesh, options.strict}, console);
+  });
   naming(options.mesh, [&] {
     run.steps.run("weld", [&] {
       checkFinite(run.before);

@@ -38,11 +38,9 @@ struct Form {
 
 class VertexCsv {
  public:
-  VertexCsv(std::string_view text, const std::string& name, int vertexCount, const Form& form)
-      : lines_(text),
-        name_(name),
-        form_(form),
-        given_(static_cast<std::size_t>(vertexCount), false) {}
+  VertexCsv(std::string_view text, const std::string& name, const std::vector<bool>& used,
+            const Form& form)
+      : lines_(text), name_(name), form_(form), used_(used), given_(used.size(), false) {}
 
   std::vector<Row> run() {
     while (lines_.next()) {
@@ -101,6 +99,8 @@ class VertexCsv {
                        form_.what));
     if (given_[vertex]) fail(fmt::format("vertex {} has a {} already", vertex, form_.what));
     given_[vertex] = true;
+    // As fields are written: a vertex in no triangle has no value.
+    if (!used_[vertex] && trimmed(fields[columns_->value]).empty()) return;
     rows_.push_back({vertex, valueIn(fields[columns_->value]),
                      columns_->tag ? tagIn(fields[*columns_->tag]) : 1});
   }
@@ -129,6 +129,7 @@ class VertexCsv {
   LineReader lines_;
   const std::string& name_;
   const Form& form_;
+  const std::vector<bool>& used_;
   std::vector<bool> given_;
   std::vector<Row> rows_;
   std::optional<Columns> columns_;
@@ -136,31 +137,31 @@ class VertexCsv {
 
 }  // namespace
 
-std::vector<double> parseLoad(std::string_view text, const std::string& name, int vertexCount) {
-  std::vector<double> load(static_cast<std::size_t>(vertexCount), 0.0);
+std::vector<double> parseLoad(std::string_view text, const std::string& name,
+                              const std::vector<bool>& used) {
+  std::vector<double> load(used.size(), 0.0);
   const Form form{"load", true, false};
-  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
-    load[row.vertex] = row.value;
+  for (const Row& row : VertexCsv(text, name, used, form).run()) load[row.vertex] = row.value;
   return load;
 }
 
 std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& name,
-                                    int vertexCount) {
+                                    const std::vector<bool>& used) {
   std::vector<FixedVertex> fixes;
   const Form form{"value", false, true};
-  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
+  for (const Row& row : VertexCsv(text, name, used, form).run())
     fixes.push_back({static_cast<int>(row.vertex), row.value, row.tag});
   if (fixes.empty())
     throw FileError(fmt::format("{}: no vertex to fix; give lines of VERTEX,VALUE", name));
   return fixes;
 }
 
-std::vector<double> readLoad(const std::string& name, int vertexCount) {
-  return parseLoad(readFile(toPath(name)), name, vertexCount);
+std::vector<double> readLoad(const std::string& name, const std::vector<bool>& used) {
+  return parseLoad(readFile(toPath(name)), name, used);
 }
 
-std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount) {
-  return parseFixes(readFile(toPath(name)), name, vertexCount);
+std::vector<FixedVertex> readFixes(const std::string& name, const std::vector<bool>& used) {
+  return parseFixes(readFile(toPath(name)), name, used);
 }
 
 }  // namespace qelm::tool

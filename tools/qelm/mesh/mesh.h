@@ -27,6 +27,7 @@ struct Mesh {
   /// For each triangle the face of the file that it is part of; empty when
   /// triangle and face are the same everywhere.
   std::vector<int> faceOfTriangle;
+  int leftOutFaces = 0;  ///< faces of the file that had fewer than three different corners
 
   int vertexCount() const { return static_cast<int>(vertices.size() / 3); }
   int triangleCount() const { return static_cast<int>(triangles.size() / 3); }
