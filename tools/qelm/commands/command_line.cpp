@@ -10,6 +10,7 @@
 #include "commands/curves_command.h"
 #include "commands/heatmap_command.h"
 #include "commands/info_command.h"
+#include "commands/repair_command.h"
 #include "commands/solve_command.h"
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
@@ -117,6 +118,7 @@ class CommandLine {
     addCurves();
     addView();
     addWeld();
+    addRepair();
     addCompletion();
     addManual();
     addHelp();
@@ -256,6 +258,21 @@ class CommandLine {
     onRun(command, [this] { runWeld(weld_, output_); });
   }
 
+  void addRepair() {
+    CLI::App& command =
+        *app_.add_subcommand("repair", "Make a mesh that can be solved on of one that cannot");
+    addMesh(command, repair_.mesh, repair_.strict);
+    command.add_option("-o,--output", repair_.output, "Where it goes; - is the standard output")
+        ->type_name("OUT")
+        ->required();
+    command
+        .add_option("--tolerance", repair_.tolerance, "What is smaller than this counts as none")
+        ->type_name("DISTANCE");
+    addOutputOptions(command, output_);
+    command.footer(footer(kRepairExamples, "mending, welding, files, output"));
+    onRun(command, [this] { runRepair(repair_, output_); });
+  }
+
   void addCompletion() {
     CLI::App& command = *app_.add_subcommand(
         "completion", "Print a script that completes command lines in a shell");
@@ -337,6 +354,7 @@ class CommandLine {
   CurvesOptions curves_;
   ViewOptions view_;
   WeldOptions weld_;
+  RepairOptions repair_;
 };
 
 }  // namespace

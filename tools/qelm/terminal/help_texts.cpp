@@ -90,7 +90,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           .csv   curve,level,value,closed,x,y,z for each point; also what -o - writes\n"
      "           .svg   a picture with a scale, see 'qelm help pictures'\n"
      "  view     .html, see 'qelm help pictures'\n"
-     "  weld     .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
+     "  weld, repair\n"
+     "           .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
      "           OBJ on the standard output\n"},
     {"pictures", "what --view, --up and --unit say, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
@@ -131,6 +132,15 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  collapse or repeat an earlier one are dropped, then vertices that no triangle uses.\n"
      "  Every corner of an STL facet counts as a vertex. --tolerance is a millionth of the\n"
      "  mesh's diagonal unless given; 0 merges nothing.\n"},
+    {"mending", "what repair does, and in which order",
+     "  In this order: vertices closer together than the tolerance become one, as 'weld' has\n"
+     "  it. Triangles lower than the tolerance go without leaving a hole: of a needle the\n"
+     "  short side collapses; where a corner lies on the opposite side, the neighbour at that\n"
+     "  side is split there. Vertices on a boundary side that passes them are set into it\n"
+     "  (T-joints). Of triangles with the same corners the first stays; vertices that nothing\n"
+     "  uses are dropped. Neighbours are oriented alike where that is possible. The summary\n"
+     "  counts each, and a note says what the result is not good for. --tolerance is a\n"
+     "  millionth of the mesh's diagonal unless given; no vertex moves by much more.\n"},
     {"output", "streams, terminals and exit codes",
      "  Data goes to the standard output, messages go to the standard error stream. A\n"
      "  result's file appears when it is complete, never before. On a terminal, a line\n"
@@ -175,6 +185,10 @@ const char* const kViewExamples =
 const char* const kWeldExamples =
     "  qelm weld part.stl -o part.obj --tolerance 1e-4\n"
     "  qelm weld part.stl -o part.ply --json\n";
+
+const char* const kRepairExamples =
+    "  qelm repair part.stl -o part.obj\n"
+    "  qelm repair part.stl -o part.ply --tolerance 1e-3 --json\n";
 
 const char* const kCompletionExamples =
     "  qelm completion bash\n"
