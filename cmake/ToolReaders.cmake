@@ -31,6 +31,7 @@ endif()
 
 add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/csv_dialect.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selection.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/vertex_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"

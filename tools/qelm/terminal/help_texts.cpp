@@ -35,7 +35,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    VERTEX,VALUE,TAG    on each line\n"
      "    a header line       with the columns vertex and value, and tag if wanted, among\n"
      "                        others, as in the files that solve -o writes\n"
-     "  Empty lines and what follows a # are left out.\n"},
+     "  Empty lines and what follows a # are left out, but the last comment may be the\n"
+     "  header. Commas, semicolons, tabs or blanks separate, as the first line has it; but\n"
+     "  between commas, 0,5 is 0.5. The text is UTF-8, or UTF-16 with its mark.\n"},
     {"loads", "what --load adds",
      "  --load FILE.csv adds a load g, so that K u + g = 0 at every free vertex, with K\n"
      "  the surface's stiffness matrix (rows sum to 0, positive diagonal): a positive load\n"
