@@ -1,7 +1,11 @@
 #include "mesh_files/load_mesh.h"
 
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <cstddef>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "files/paths.h"
@@ -19,6 +23,7 @@ namespace {
 struct Loaded {
   Mesh mesh;
   bool isSoup;
+  std::set<std::string> passedOver;
 };
 
 /// "face 17 does", or "3 faces (the first is 17) do".
@@ -82,8 +87,8 @@ Loaded load(const MeshSource& source, const Console& console) {
   noteSplits(name, result, soup.faces.size(), console);
   noteLeftOut(name, result, console);
   // The reader has merged corners that are exactly equal; the file has not.
-  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true};
-  return {std::move(result.mesh), false};
+  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true, soup.passedOver};
+  return {std::move(result.mesh), false, soup.passedOver};
 }
 
 /// Formats in which every facet has its own corners are welded.
@@ -109,7 +114,11 @@ Mesh weldedIfSoup(const MeshSource& source, const Console& console) {
 }  // namespace
 
 Mesh loadMesh(const MeshSource& source, const Console& console) {
-  return load(source, console).mesh;
+  Loaded loaded = load(source, console);
+  if (!loaded.passedOver.empty())
+    console.note(
+        fmt::format("{}: not carried over: {}", source.name, fmt::join(loaded.passedOver, ", ")));
+  return std::move(loaded.mesh);
 }
 
 Mesh loadWeldedMesh(const MeshSource& source, const Console& console) {

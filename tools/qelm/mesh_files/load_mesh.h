@@ -29,7 +29,8 @@ struct MeshSource {
 };
 
 /// Reads a file, splits its polygons and leaves out what is no triangle, with notes. Formats in
-/// which every facet has its own corners give three vertices per triangle.
+/// which every facet has its own corners give three vertices per triangle. For commands that write
+/// a mesh: a note says what of the file they do not carry over.
 Mesh loadMesh(const MeshSource& source, const Console& console);
 
 /// The same, but such soups are welded, with a note; others point out what looks like a soup all
