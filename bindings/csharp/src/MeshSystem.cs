@@ -74,7 +74,7 @@ namespace Qelm
         /// names the first vertex or triangle at fault. <see cref="BuildRobust(double[], int[], int[], bool)"/> takes
         /// triangles without area.</exception>
         /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
-        /// failed.</exception>
+        /// failed, or rounding leaves nothing of a field.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
         /// looked for.</exception>
         public static MeshSystem Build(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
