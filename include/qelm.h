@@ -457,7 +457,8 @@ QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
  * Memory:    exhaustion leaves as std::bad_alloc; files may be incomplete then.
  * Note:      the line that names the MTL file holds the whole path as given, with
  *            its folders. Six significant digits. Text mode: line ends are those of
- *            the platform. A field of equal values gives texture coordinates "nan".
+ *            the platform. A field of equal values gives texture coordinates 0/0, not
+ *            a number, as the platform writes it: "-nan" with glibc on x86-64.
  * Since:     1.0.0
  */
 QELM_API void wobj(const MeshSystem* handle, const double* field, const char* path);

@@ -90,7 +90,17 @@ namespace Qelm
 
             QelmMeshReport report;
             int code = NativeMethods.qelmcheckTagged(vertexCount, vertices, triangleCount, triangles, tags, &report);
-            return new MeshReport(code, report, Works(code, vertices, vertexCount, triangles, triangleCount, tags));
+            bool works = Works(code, vertices, vertexCount, triangles, triangleCount, tags);
+            double error = works && MayHaveError(report.worstQuality)
+                ? MeshSystem.ErrorOf(vertices, coordinateCount, triangles, indexCount, tags, tagCount) : 0;
+            return new MeshReport(code, report, works && error < MeshSystem.NothingLeft, error);
+        }
+
+        // The report's bound on the error, rounding over quality, was never below what was measured.
+        private static bool MayHaveError(double worstQuality)
+        {
+            const double Rounding = 1.0 / (1L << 52);
+            return !(Rounding / worstQuality <= MeshReport.NoError);
         }
 
         // Thin triangles may work all the same; whether they do is what Build asks as well.

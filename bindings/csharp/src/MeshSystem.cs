@@ -74,7 +74,7 @@ namespace Qelm
         /// names the first vertex or triangle at fault. <see cref="BuildRobust(double[], int[], int[], bool)"/> takes
         /// triangles without area.</exception>
         /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
-        /// failed.</exception>
+        /// failed, or rounding leaves nothing of a field.</exception>
         /// <exception cref="InsufficientMemoryException">The system would take more memory than the machine has free, or
         /// more than the library can index; the message has the figures.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -33,10 +34,11 @@ std::string describeCount(std::int64_t count) {
 
 std::optional<QelmPrediction> forecast(const Mesh& mesh, std::span<const int> tags, bool robust) {
   if (mesh.vertexCount() < kSmall) return {};
+  const UsedPart part = usedPart(mesh);
   QelmPrediction prediction = {};
-  const int status =
-      qelmpredictTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                        mesh.triangles.data(), tags.data(), robust, &prediction);
+  const int status = qelmpredictTagged(
+      part.mesh.vertexCount(), part.mesh.vertices.data(), part.mesh.triangleCount(),
+      part.mesh.triangles.data(), part.of(tags).data(), robust, &prediction);
   if (status != QELM_STATUS_OK) return {};  // the constructor says why
   if (prediction.factorEntries > std::numeric_limits<std::int32_t>::max())
     throw InputError(
