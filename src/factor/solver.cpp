@@ -17,12 +17,45 @@ int indexableEntryCount(const EliminationTree& tree) {
   return static_cast<int>(count);
 }
 
+namespace {
+
+using Permutation = Eigen::PermutationMatrix<Eigen::Dynamic, Eigen::Dynamic, int>;
+
+/// The number of each unknown from the unknown of each number.
+Eigen::VectorXi numbersOf(std::span<const std::int32_t> unknowns) {
+  Eigen::VectorXi numbers(static_cast<Eigen::Index>(unknowns.size()));
+  for (std::size_t k = 0; k < unknowns.size(); ++k) numbers[unknowns[k]] = static_cast<int>(k);
+  return numbers;
+}
+
+/// Both triangles under other numbers. Permuting leaves the rows of a column in any order;
+/// transposing, of a symmetric matrix, does no more than put them in ascending order.
+Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
+  Sparse moved;
+  moved = matrix.twistedBy(numbers);
+  Sparse sorted;
+  sorted = moved.transpose();
+  return sorted;
+}
+
+}  // namespace
+
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
-Solver::Solver(const Sparse& matrix, const Method& method) : Ldlt(Sparse()) {
+Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first)
+    : Ldlt(Sparse()) {
   if (matrix.cols() == 0) return;
-  order(matrix);
-  Sparse upper(matrix.rows(), matrix.cols());
-  upper.selfadjointView<Eigen::Upper>() = matrix.selfadjointView<Eigen::Lower>().twistedBy(m_P);
+  Sparse upper;
+  if (first.empty()) {
+    order(matrix);
+    inOrder(matrix).swap(upper);
+  } else {
+    const Permutation numbering = Permutation(numbersOf(first));
+    const Sparse numbered = renumbered(matrix, numbering);
+    order(numbered);
+    inOrder(numbered).swap(upper);
+    m_P = m_P * numbering;
+    m_Pinv = m_P.inverse();
+  }
   const EliminationTree tree = eliminationTree(upper);
   keepPattern(tree);
   if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);
@@ -35,6 +68,13 @@ void Solver::order(const Sparse& matrix) {
   pattern = matrix;  // not in one line: Eigen's copy constructor leaks if memory runs out halfway
   Eigen::internal::minimum_degree_ordering(pattern, m_Pinv);
   m_P = m_Pinv.inverse();
+}
+
+/// The upper triangle under the permutation found.
+Sparse Solver::inOrder(const Sparse& matrix) const {
+  Sparse upper(matrix.rows(), matrix.cols());
+  upper.selfadjointView<Eigen::Upper>() = matrix.selfadjointView<Eigen::Lower>().twistedBy(m_P);
+  return upper;
 }
 
 /// What analyzePattern() does.

@@ -5,6 +5,8 @@
 
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseCholesky>
+#include <cstdint>
+#include <span>
 
 #include "factor/elimination_tree.h"
 #include "factor/panel_kernel.h"
@@ -37,12 +39,18 @@ class Solver : public Ldlt {
   /// Factorises a symmetric matrix both of whose triangles are stored, rows ascending within
   /// columns; values are read from the lower one. How it ended is in info().
   ///
+  /// With `first`, a permutation of the unknowns, it does so as if first[0], first[1], ... had
+  /// been numbered 0, 1, ...: factor and diagonal have the bits of that matrix, and the
+  /// permutation leads to them from the numbers as they are.
+  ///
   /// Throws std::bad_alloc before anything large is allocated if L has more entries than an int
   /// can count, as well as when memory runs out.
-  explicit Solver(const Sparse& matrix, const Method& method = fastestMethod());
+  explicit Solver(const Sparse& matrix, const Method& method = fastestMethod(),
+                  std::span<const std::int32_t> first = {});
 
  private:
   void order(const Sparse& matrix);
+  Sparse inOrder(const Sparse& matrix) const;
   void keepPattern(const EliminationTree& tree);
   bool tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method);
   void factorizePlainly(const Sparse& upper);

@@ -55,7 +55,8 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
 
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
-                                             FreeRowBlocks& blocks) {
+                                             FreeRowBlocks& blocks,
+                                             std::span<const std::int32_t> freeOrder) {
   auto system = std::make_unique<MeshSystem>();
   system->fixedCount = taggedCount;
   system->vertexCount = static_cast<std::int64_t>(coordinates.size() / 3);
@@ -63,7 +64,8 @@ std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double
   system->triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
   system->freeFreeBlock = shared(blocks.freeFree);
   system->freeFixedBlock = shared(blocks.freeFixed);
-  system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock);
+  system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock,
+                                                              factor::fastestMethod(), freeOrder);
   return system;
 }
 
