@@ -809,19 +809,26 @@ enum {
  * mesh as given; only the matrix, and so the solved fields, differ.
  *
  * What is promised:
- *  - Where the plain matrix is good, the handle has that matrix, bit for bit: where all
- *    its entries are finite and, in the rows of free vertices, none off the diagonal is
- *    above 1e-12 and none on it above 2^26. What follows is about the others.
- *  - In the rows of free vertices, no entry off the diagonal is positive, and the rows
- *    of K sum to zero but for the rounding of the sum.
+ *  - Where the plain matrix is good, the handle has that matrix, bit for bit: where, in the
+ *    rows of free vertices, all entries are finite and none off the diagonal is above 1e-12,
+ *    and no triangle with a free vertex is steep, having an angle below 1.8 or above 178.2
+ *    degrees (a cotangent above 32 in size).
+ *  - In the rows of free vertices, no entry off the diagonal is positive (of a good plain
+ *    matrix none is above 1e-12), and the rows of K sum to zero but for the rounding of the
+ *    sum.
  *  - Without a load, every field of finite values up to 1e280 is finite and lies within
  *    the range of the values prescribed in its connected part. That is exact, on good
  *    matrices as well: what rounding takes outside is moved to the nearest bound. If the
  *    factorisation failed, fields are 0.0 as on any handle.
- *  - Vertices and triangles may be numbered and oriented otherwise: fields change by
- *    rounding, the matrix by less than 1e-12 of each row's diagonal. (Unless triangles
- *    that are too flat, or edges of three, have vertices at exactly one place: nothing
- *    but their numbers tells them apart.)
+ *  - Vertices and triangles may be numbered and oriented otherwise: the matrix changes by
+ *    less than 1e-12 of each row's diagonal, and fields by less than 1e-12 of the largest
+ *    prescribed value. With a steep triangle the matrix does not change at all, and fields
+ *    by at most 2^-53 of that value for each term that the solve sums on one way through the
+ *    factor, however much the weights differ. Without one, weights round by 2^-52 of up to
+ *    32^2, and fields as those of any well-shaped mesh. (Measured: half a million random
+ *    heaps of 30 vertices, fields within 3e-14; meshes of up to 90 thousand vertices, 6e-14.
+ *    Vertices at exactly one place are told apart by nothing but their numbers: of meshes
+ *    that have them this is not promised.)
  *  - The matrix has the same bits on every system.
  *  - Edges with both ends prescribed stay edges: a prescribed curve is not torn.
  *  - On good and bad triangulations alike, errors fall with the square of the edges'

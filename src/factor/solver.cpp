@@ -13,20 +13,56 @@ bool blocksPay(const EliminationTree& tree, const Method& method) {
   return tree.multiplicationCount() >= method.leastReuse * static_cast<double>(tree.entryCount());
 }
 
+namespace {
+
+/// The number of each unknown from the unknown of each number.
+Eigen::VectorXi numbersOf(std::span<const std::int32_t> unknowns) {
+  Eigen::VectorXi numbers(static_cast<Eigen::Index>(unknowns.size()));
+  for (std::size_t k = 0; k < unknowns.size(); ++k) numbers[unknowns[k]] = static_cast<int>(k);
+  return numbers;
+}
+
+/// Both triangles under other numbers. Permuting leaves the rows of a column in any order;
+/// transposing, of a symmetric matrix, does no more than put them in ascending order.
+Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
+  Sparse moved;
+  moved = matrix.twistedBy(numbers);
+  Sparse sorted;
+  sorted = moved.transpose();
+  return sorted;
+}
+
+}  // namespace
+
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
-Solver::Solver(const Sparse& matrix, const Method& method, const CostReview& review)
+Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
+               const CostReview& review)
     : Ldlt(Sparse()) {
   if (matrix.cols() == 0) {
     if (review) review({});
     return;
   }
-  m_Pinv = amdOrder(matrix);
-  m_P = m_Pinv.inverse();
-  const Sparse upper = upperTriangle(matrix, m_P);
+  Sparse upper;
+  if (first.empty()) {
+    order(matrix);
+    upperTriangle(matrix, m_P).swap(upper);
+  } else {
+    const Permutation numbering = Permutation(numbersOf(first));
+    const Sparse numbered = renumbered(matrix, numbering);
+    order(numbered);
+    upperTriangle(numbered, m_P).swap(upper);
+    m_P = m_P * numbering;
+    m_Pinv = m_P.inverse();
+  }
   const EliminationTree tree = eliminationTree(upper);
   if (review) review(costOf(matrix.nonZeros(), upper.nonZeros(), tree, blocksPay(tree, method)));
   keepPattern(tree);
   if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);
+}
+
+void Solver::order(const Sparse& matrix) {
+  m_Pinv = amdOrder(matrix);
+  m_P = m_Pinv.inverse();
 }
 
 /// What analyzePattern() does.

@@ -5,7 +5,9 @@
 
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseCholesky>
+#include <cstdint>
 #include <functional>
+#include <span>
 
 #include "factor/elimination_tree.h"
 #include "factor/panel_kernel.h"
@@ -42,12 +44,17 @@ class Solver : public Ldlt {
   /// columns; values are read from the lower one. How it ended is in info().
   /// `review`, if there is one, is called once.
   ///
+  /// With `first`, a permutation of the unknowns, it does so as if first[0], first[1], ... had
+  /// been numbered 0, 1, ...: factor and diagonal have the bits of that matrix, and the
+  /// permutation leads to them from the numbers as they are.
+  ///
   /// Throws std::bad_alloc before anything large is allocated if L has more entries than an int
   /// can count, as well as when memory runs out.
   explicit Solver(const Sparse& matrix, const Method& method = fastestMethod(),
-                  const CostReview& review = {});
+                  std::span<const std::int32_t> first = {}, const CostReview& review = {});
 
  private:
+  void order(const Sparse& matrix);
   void keepPattern(const EliminationTree& tree);
   bool tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method);
   void factorizePlainly(const Sparse& upper);

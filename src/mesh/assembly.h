@@ -46,10 +46,13 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            SystemTriangles triangles, SizeLimit* limit,
                                            int& status);
 
-/// The system of such a mesh from the blocks of its matrix, which are empty afterwards.
+/// The system of such a mesh from the blocks of its matrix, which are empty afterwards. With an
+/// order of the free vertices, from 0, it is factorised in that order; `limit` may be null.
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
-                                             FreeRowBlocks& blocks, SizeLimit* limit);
+                                             FreeRowBlocks& blocks,
+                                             std::span<const std::int32_t> freeOrder,
+                                             SizeLimit* limit);
 
 }  // namespace qelm
 

@@ -170,6 +170,33 @@ TEST(FactorSolver, SolvesAsEigenDoes) {
   EXPECT_EQ(actual, expected);
 }
 
+// first[k] is the unknown that counts as number k.
+TEST(FactorSolver, FactorisesInAnotherOrderAsThoughItsUnknownsWereNumberedSo) {
+  Random random(14);
+  for (const int side : {3, 12, 90}) {
+    const int n = side * side;
+    const Sparse matrix = diagonallyDominant(n, gridGraph(side, side), random);
+    const auto first = permutation(random, n);
+    Eigen::PermutationMatrix<Eigen::Dynamic> numbers(n);
+    for (int k = 0; k < n; ++k) numbers.indices()[first[static_cast<std::size_t>(k)]] = k;
+    std::vector<Eigen::Triplet<double>> entries;
+    for (int column = 0; column < n; ++column) {
+      for (Sparse::InnerIterator entry(matrix, column); entry; ++entry) {
+        entries.emplace_back(numbers.indices()[entry.row()], numbers.indices()[column],
+                             entry.value());
+      }
+    }
+    Sparse renumbered(n, n);
+    renumbered.setFromTriplets(entries.begin(), entries.end());
+    const factor::Solver expected(renumbered);
+    const factor::Solver actual(matrix, factor::fastestMethod(), first);
+    EXPECT_EQ(actual.vectorD(), expected.vectorD());
+    const Eigen::VectorXd right = Eigen::VectorXd::LinSpaced(n, -1, 2);
+    const Eigen::VectorXd field = expected.solve(numbers * right);
+    EXPECT_EQ(actual.solve(right), numbers.transpose() * field) << side;
+  }
+}
+
 TEST(FactorSolver, TakesBlocksWhereTheyPayAndEigensLoopElsewhere) {
   const double least = factor::fastestMethod().leastReuse;
   EXPECT_GT(least, 0);
