@@ -32,6 +32,7 @@ endif()
 add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/along_curve.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/csv_dialect.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/expression.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/field_file.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/mesh_index.cpp"
@@ -48,6 +49,8 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/feature_edges.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/used_part.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ear_clipping.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"

@@ -16,6 +16,7 @@
 #include "fuzz/tool_checks.h"
 #include "mesh/feature_edges.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace {
@@ -76,8 +77,11 @@ long double distance(const Point& a, const Point& b) {
 void requireNearest(const Mesh& mesh, const Point& target, const std::set<int>& selected) {
   require(selected.size() == 1, "one vertex is nearest");
   const long double best = distance(mesh.point(*selected.begin()), target);
+  const std::vector<bool> used = usedVertices(mesh);
   for (int v = 0; v < mesh.vertexCount(); ++v)
-    require(!(distance(mesh.point(v), target) < best * (1 - 1e-13L)), "no vertex is nearer");
+    require(!used[static_cast<std::size_t>(v)] ||
+                !(distance(mesh.point(v), target) < best * (1 - 1e-13L)),
+            "no vertex is nearer");
 }
 
 /// Vertices of edges that have exactly one triangle.
@@ -104,8 +108,9 @@ struct Plain {
   template <class Holds>
   Vertices where(const Holds& holds) const {
     std::set<int> vertices;
+    const std::vector<bool> used = usedVertices(mesh);
     for (int v = 0; v < mesh.vertexCount(); ++v)
-      if (holds(v, mesh.point(v))) vertices.insert(v);
+      if (used[static_cast<std::size_t>(v)] && holds(v, mesh.point(v))) vertices.insert(v);
     return vertices;
   }
 

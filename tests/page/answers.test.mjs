@@ -195,6 +195,22 @@ test('field and curves are saved as the command line writes them', async () => {
   await session.closed();
 });
 
+test('vertices in no triangle are not shown, and keep their lines in the saved field', async () => {
+  const { positions, triangles } = sheet(4, 2, [-2, 2, -1, 1]);
+  // One in front of the others, two behind, far away.
+  const strays = { positions: [99, 0, 0, ...positions, 0, 99, 0, 0, 0, 99], triangles: triangles.map((v) => v + 1) };
+  session.make('strays', strays, ...kSides.slice(0), '--levels', '3');
+  session.qelm('solve', 'strays.obj', ...kSides, '-o', 'field.csv', '-q');
+  await session.open('strays');
+  const csv = await session.offered('save-csv');
+  const rows = (text) => text.trim().split('\n').slice(1).map((line) => line.split(',').map((word) => (word === '' ? '' : Number(word))));
+  assert.deepEqual(rows(csv.text), rows(readFileSync(session.file('field.csv'), 'utf8')));
+  assert.equal(csv.text.split('\n')[1], '0,99,0,0,');
+  const [left, right] = [await session.onScreen([-2, 0, 0]), await session.onScreen([2, 0, 0])];
+  assert.ok(right[0] - left[0] > 100, 'what is far away does not make the mesh small');
+  await session.closed();
+});
+
 test('without WebGL 2 there is a still picture, and a sentence', async () => {
   const before = () => {
     const { getContext } = HTMLCanvasElement.prototype;
@@ -221,17 +237,23 @@ test('a large mesh is coarse while it moves slowly, and whole at rest', async ()
   const { page } = session;
   const seen = await page.evaluate(() => {
     const { surface } = qelmPage;
-    const shown = () => [surface.surface.visible, surface.coarse?.visible ?? false];
+    const shown = () => [surface.surface, ...surface.coarse].filter((mesh) => mesh.visible).map((mesh) => mesh.geometry.index.count / 3);
     const states = [];
-    surface.motion.isCoarse = true; // as on a slow machine
-    surface.motion.stir();
-    states.push(shown(), surface.coarse.geometry.index.count / 3);
-    surface.motion.rest();
-    states.push(shown());
+    for (const coarseness of [1, 2]) {
+      surface.motion.coarseness = coarseness; // as on a slow machine
+      surface.motion.stir();
+      surface.drawNow();
+      states.push({ triangles: shown(), drawn: surface.renderer.info.render.triangles });
+      surface.motion.rest();
+      states.push({ triangles: shown() });
+    }
     return states;
   });
-  assert.deepEqual([seen[0], seen[2]], [[false, true], [true, false]]);
-  assert.ok(seen[1] > 8000 && seen[1] < 60000, `${seen[1]} triangles of 320000`);
+  for (const rest of [seen[1], seen[3]]) assert.deepEqual(rest.triangles, [320000]);
+  for (const [state, most] of [[seen[0], 60000], [seen[2], 20000]]) {
+    assert.equal(state.triangles.length, 1);
+    assert.ok(state.triangles[0] > most / 8 && state.drawn < most, `${JSON.stringify(state)} of 320000`);
+  }
   await session.closed();
 });
 

@@ -161,16 +161,20 @@ FieldSource parseFieldSource(const std::string& text) {
   return {text.substr(0, colon), text.substr(colon + 1)};
 }
 
-std::vector<double> parseField(const FieldSource& source, std::string bytes, int vertexCount) {
-  std::vector<double> values = valuesOf(source, std::move(bytes), vertexCount);
-  for (std::size_t v = 0; v < values.size(); ++v)
-    if (!std::isfinite(values[v]))
+std::vector<double> parseField(const FieldSource& source, std::string bytes,
+                               const std::vector<bool>& used) {
+  std::vector<double> values = valuesOf(source, std::move(bytes), static_cast<int>(used.size()));
+  for (std::size_t v = 0; v < values.size(); ++v) {
+    if (!used[v])
+      values[v] = std::nan("");
+    else if (!std::isfinite(values[v]))
       failSource(source, fmt::format("vertex {}: the value {} is not finite", v, values[v]));
+  }
   return values;
 }
 
-std::vector<double> readField(const FieldSource& source, int vertexCount) {
-  return parseField(source, readFile(toPath(source.file)), vertexCount);
+std::vector<double> readField(const FieldSource& source, const std::vector<bool>& used) {
+  return parseField(source, readFile(toPath(source.file)), used);
 }
 
 }  // namespace qelm::tool

@@ -21,11 +21,13 @@ FieldSource parseFieldSource(const std::string& text);
 /// Reads NPY (one axis, or a column of two), PLY (a property of its vertices, which are as many as
 /// the mesh's) or, by any other name, CSV: a line for each vertex in order, or in any order with a
 /// column "vertex"; a header line names the columns. Throws FileError that names the file, and the
-/// line or vertex where there is one, also for a value that is not finite.
-std::vector<double> readField(const FieldSource& source, int vertexCount);
+/// line or vertex where there is one, also for a value that is not finite
+/// at a vertex that is `used`; others get NaN.
+std::vector<double> readField(const FieldSource& source, const std::vector<bool>& used);
 
 /// The same from a file's bytes.
-std::vector<double> parseField(const FieldSource& source, std::string bytes, int vertexCount);
+std::vector<double> parseField(const FieldSource& source, std::string bytes,
+                               const std::vector<bool>& used);
 
 }  // namespace qelm::tool
 

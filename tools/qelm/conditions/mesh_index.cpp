@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh/vec3.h"
 
 namespace qelm::tool {
@@ -26,11 +27,17 @@ long double distance(const Point& a, const Point& b) {
   return std::scalbn(static_cast<long double>(length(d)), shift + exponent);
 }
 
-int nearestVertex(const Mesh& mesh, const Point& point) {
+const std::vector<bool>& MeshIndex::used() {
+  if (!used_) used_ = usedVertices(mesh_);
+  return *used_;
+}
+
+int MeshIndex::nearestVertex(const Point& point) {
   int nearest = 0;
   long double least = std::numeric_limits<long double>::infinity();
-  for (int v = 0; v < mesh.vertexCount(); ++v) {
-    const long double here = distance(mesh.point(v), point);
+  for (int v = 0; v < mesh_.vertexCount(); ++v) {
+    if (!used()[static_cast<std::size_t>(v)]) continue;
+    const long double here = distance(mesh_.point(v), point);
     if (here < least) {
       nearest = v;
       least = here;
@@ -41,12 +48,15 @@ int nearestVertex(const Mesh& mesh, const Point& point) {
 
 const Box& MeshIndex::box() {
   if (box_) return *box_;
-  box_ = Box{mesh_.point(0), mesh_.point(0)};
-  for (int v = 1; v < mesh_.vertexCount(); ++v)
+  for (int v = 0; v < mesh_.vertexCount(); ++v) {
+    if (!used()[static_cast<std::size_t>(v)]) continue;
+    if (!box_) box_ = Box{mesh_.point(v), mesh_.point(v)};
     for (std::size_t k = 0; k < 3; ++k) {
       box_->low[k] = std::min(box_->low[k], mesh_.point(v)[k]);
       box_->high[k] = std::max(box_->high[k], mesh_.point(v)[k]);
     }
+  }
+  if (!box_) box_ = Box{mesh_.point(0), mesh_.point(0)};
   return *box_;
 }
 

@@ -15,15 +15,16 @@ namespace qelm::tool {
 /// As length(a - b), bit for bit, wherever that neither overflows nor underflows.
 long double distance(const Point& a, const Point& b);
 
-/// The vertex nearest to a point; of equally near ones the one with the lowest number.
-int nearestVertex(const Mesh& mesh, const Point& point);
-
 class MeshIndex {
  public:
   /// Keeps a reference; the mesh has a vertex.
   explicit MeshIndex(const Mesh& mesh) : mesh_(mesh) {}
 
   const Mesh& mesh() const { return mesh_; }
+  /// For each vertex whether it is in some triangle; others cannot be selected.
+  const std::vector<bool>& used();
+  /// The used vertex nearest to a point; of equally near ones the one with the lowest number.
+  int nearestVertex(const Point& point);
   const Box& box();
   /// A millionth of the box's diagonal: what counts as on a plane.
   double tolerance();
@@ -36,6 +37,7 @@ class MeshIndex {
 
  private:
   const Mesh& mesh_;
+  std::optional<std::vector<bool>> used_;
   std::optional<Box> box_;
   std::optional<std::vector<BoundaryLoop>> loops_;
   std::optional<std::vector<int>> parts_;

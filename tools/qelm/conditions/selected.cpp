@@ -11,6 +11,7 @@
 #include "conditions/along_curve.h"
 #include "mesh/feature_edges.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
 #include "text/text.h"
@@ -57,6 +58,7 @@ class Selecting {
           std::visit([this](const auto& selector) { return select(selector); }, tree.selector);
       std::sort(vertices.begin(), vertices.end());
       vertices.erase(std::unique(vertices.begin(), vertices.end()), vertices.end());
+      std::erase_if(vertices, [this](int v) { return !isUsed(v); });
       return vertices;
     }
     std::vector<int> vertices = select(tree.parts[0]);
@@ -74,13 +76,15 @@ class Selecting {
     return vertices;
   }
 
+  bool isUsed(int vertex) const { return index_.used()[static_cast<std::size_t>(vertex)]; }
+
   std::vector<int> others(const std::vector<int>& vertices) const {
     std::vector<int> rest;
     auto next = vertices.begin();
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
       if (next != vertices.end() && *next == v)
         ++next;
-      else
+      else if (isUsed(v))
         rest.push_back(v);
     }
     return rest;
@@ -92,6 +96,9 @@ class Selecting {
       if (range.last >= mesh_.vertexCount())
         fail(fmt::format("there is no vertex {}; the mesh has {} vertices, numbered 0 to {}",
                          range.last, mesh_.vertexCount(), mesh_.vertexCount() - 1));
+      if (range.first == range.last && !isUsed(static_cast<int>(range.first)))
+        fail(fmt::format("vertex {} is in no triangle, so nothing depends on its value",
+                         range.first));
       for (long long v = range.first; v <= range.last; ++v) vertices.push_back(static_cast<int>(v));
     }
     return vertices;
@@ -163,7 +170,7 @@ class Selecting {
   }
 
   std::vector<int> select(const NearestTo& target) {
-    const int vertex = nearestVertex(mesh_, target.point);
+    const int vertex = index_.nearestVertex(target.point);
     const auto away = static_cast<double>(distance(target.point, mesh_.point(vertex)));
     if (condition_.selectors.kind == SelectorTree::Kind::leaf)
       result_.nearest = Nearest{vertex, away};
@@ -192,7 +199,7 @@ class Selecting {
   std::vector<int> where(const Holds& holds, const char* nothing) {
     std::vector<int> vertices;
     for (int v = 0; v < mesh_.vertexCount(); ++v)
-      if (holds(mesh_.point(v))) vertices.push_back(v);
+      if (isUsed(v) && holds(mesh_.point(v))) vertices.push_back(v);
     if (vertices.empty()) {
       const Box& box = index_.box();
       result_.notes.push_back(fmt::format("{}; the mesh spans {},{},{} to {},{},{}", nothing,
@@ -319,9 +326,11 @@ class Selecting {
     checkFinite(mesh_);
     std::vector<int> vertices;
     double farthest = 0;
-    for (const VertexOnCurve& found : verticesAlong(mesh_, readPolylines(curve.file))) {
-      vertices.push_back(found.vertex);
-      setArc(found.vertex, found.arc);
+    const UsedPart part = usedPart(mesh_);
+    for (const VertexOnCurve& found : verticesAlong(part.mesh, readPolylines(curve.file))) {
+      const int vertex = part.vertices[static_cast<std::size_t>(found.vertex)];
+      vertices.push_back(vertex);
+      setArc(vertex, found.arc);
       farthest = std::max(farthest, found.distance);
     }
     result_.details.push_back(fmt::format("at most {:.6g} away", farthest));

@@ -8,6 +8,7 @@
 
 #include "conditions/mesh_index.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -93,9 +94,9 @@ std::vector<int> fix(Prescribed& prescribed, const Mesh& mesh, const Selected& s
 }
 
 /// A condition that leaves nothing to solve for is rarely meant.
-void noteWhole(const Mesh& mesh, const Condition& condition, std::size_t selected,
-               std::size_t loops, std::vector<std::string>& notes) {
-  if (selected != static_cast<std::size_t>(mesh.vertexCount())) return;
+void noteWhole(int usedCount, const Condition& condition, std::size_t selected, std::size_t loops,
+               std::vector<std::string>& notes) {
+  if (selected != static_cast<std::size_t>(usedCount)) return;
   std::string note = fmt::format(
       "--fix {} takes every vertex of the mesh: nothing is left to solve", condition.text);
   const bool isBoundary = condition.selectors.kind == SelectorTree::Kind::leaf &&
@@ -115,7 +116,20 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
   prescribed.heldBy.assign(n, 0);
   prescribed.fieldCount = fieldCount(conditions);
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
-  for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
+  const std::vector<bool> used = usedVertices(mesh);
+  const auto usedCount = static_cast<int>(std::count(used.begin(), used.end(), true));
+  int onNothing = 0;
+  for (const FixedVertex& fixed : fromFile) {
+    if (used[static_cast<std::size_t>(fixed.vertex)])
+      fix(prescribed, fixed);
+    else
+      ++onNothing;
+  }
+  if (onNothing > 0)
+    prescribed.notes.push_back(
+        fmt::format("the file holds values at {} vertices that are in no triangle; nothing depends "
+                    "on them",
+                    onNothing));
   MeshIndex index(mesh);
   for (const Condition& condition : conditions) {
     Selected selected = select(index, condition);
@@ -125,7 +139,7 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
     prescribed.nearest.push_back(selected.nearest);
     prescribed.details.push_back(selected.details);
     prescribed.notes.insert(prescribed.notes.end(), selected.notes.begin(), selected.notes.end());
-    noteWhole(mesh, condition, count, index.loopCount(), prescribed.notes);
+    noteWhole(usedCount, condition, count, index.loopCount(), prescribed.notes);
     const std::vector<int> changed = fix(prescribed, mesh, selected, condition, number);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
@@ -133,10 +147,9 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
           describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }
-  const bool isWhole = prescribed.fixedCount == mesh.vertexCount();
-  const bool isOneCondition =
-      std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
-                  [&mesh](int count) { return count == mesh.vertexCount(); });
+  const bool isWhole = prescribed.fixedCount == usedCount;
+  const bool isOneCondition = std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
+                                          [usedCount](int count) { return count == usedCount; });
   if (isWhole && !isOneCondition)
     prescribed.notes.push_back("every vertex of the mesh is fixed: nothing is left to solve");
   return prescribed;

@@ -31,6 +31,8 @@ struct Prescribed {
 /// Applies first what a file holds, then the conditions in order; where they overlap with different
 /// values the later one holds and a note names the first such vertex.
 ///
+/// Vertices in no triangle are not selected, and a note counts those that the file fixes.
+///
 /// Throws RequestError when a condition names what the mesh has not, or selects
 /// nothing, or when a value is not finite at a vertex; UsageError when the conditions disagree
 /// about the number of fields.

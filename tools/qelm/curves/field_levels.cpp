@@ -2,9 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "curves/through.h"
+#include "fields/field_range.h"
 #include "mesh_files/load_mesh.h"
 
 namespace qelm::tool {
@@ -18,10 +17,9 @@ std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solve
     console.line(fmt::format("through  near:{},{},{} = {}, {:.6g} away", p[0], p[1], p[2],
                              place.value, place.distance));
   }
-  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  return naming(solved.meshName, [&, least = *low, most = *high] {
-    return choice.levels(least, most, console, through);
-  });
+  const FieldRange range = rangeOf(solved.fields);
+  return naming(solved.meshName,
+                [&] { return choice.levels(range.low, range.high, console, through); });
 }
 
 }  // namespace qelm::tool

@@ -4,6 +4,7 @@
 
 #include "conditions/field_file.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/error.h"
 
@@ -19,13 +20,16 @@ SolvedField givenField(const FieldOptions& options, const Console& console) {
   solved.given = options.field;
   solved.steps = Steps(console);
   Steps& steps = solved.steps;
-  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  solved.mesh = steps.run("read", [&] {
+    return loadWeldedMesh({options.mesh, options.strict}, console);
+  });
   const Mesh& mesh = solved.mesh;
-  solved.fields = readField(parseFieldSource(options.field), mesh.vertexCount());
+  solved.fields = readField(parseFieldSource(options.field), usedVertices(mesh));
   // Nothing is divided by an area: thin triangles do no harm.
   const bool isRobust = true;
-  naming(options.mesh + ": will not work",
-         [&] { steps.run("check", [&] { checkMesh(mesh, isRobust); }); });
+  naming(options.mesh + ": will not work", [&] {
+    steps.run("check", [&] { checkMesh(mesh, {isRobust, options.strict}); });
+  });
   solved.prescribed.heldBy.assign(static_cast<std::size_t>(mesh.vertexCount()), 0);
   // With every vertex fixed there is nothing to factorise.
   solved.prescribed.tags.assign(static_cast<std::size_t>(mesh.vertexCount()), 1);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -39,6 +40,8 @@ struct PolygonSoup {
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
   Attributes attributes;
+  /// What the file holds besides, as people call it: "normals", "colours".
+  std::set<std::string> passedOver;
 };
 
 /// A triangle mesh in the layout that the library takes.
@@ -49,6 +52,7 @@ struct Mesh {
   /// triangle and face are the same everywhere.
   std::vector<int> faceOfTriangle;
   Attributes attributes = {};
+  int leftOutFaces = 0;  ///< faces of the file that had fewer than three different corners
 
   int vertexCount() const { return static_cast<int>(vertices.size() / 3); }
   int triangleCount() const { return static_cast<int>(triangles.size() / 3); }

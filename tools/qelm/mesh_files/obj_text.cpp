@@ -8,6 +8,7 @@
 #include <limits>
 #include <span>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "text/error.h"
@@ -54,6 +55,10 @@ class NamedFaces {
   std::unordered_map<std::string, std::size_t> places_;
   std::vector<std::size_t> current_;
 };
+/// Statements that carry no surface, and what people call it.
+constexpr std::pair<std::string_view, const char*> kOthers[] = {
+    {"vt", "texture coordinates"}, {"vn", "normals"}, {"g", "groups"}, {"o", "groups"},
+    {"usemtl", "materials"},       {"l", "lines"},    {"p", "points"}, {"s", "smoothing groups"}};
 
 class ObjPass {
  public:
@@ -61,7 +66,7 @@ class ObjPass {
     plain_.reserve(text.size());
   }
 
-  std::string run(Attributes& attributes) {
+  std::string run(Attributes& attributes, std::set<std::string>* passedOver) {
     std::string joined;
     while (lines_.next()) {
       std::string_view line = lines_.line();
@@ -76,6 +81,7 @@ class ObjPass {
     attributes.groups.insert(attributes.groups.end(), std::make_move_iterator(objects.begin()),
                              std::make_move_iterator(objects.end()));
     attributes.materials = materials_.sets();
+    if (passedOver != nullptr) passedOver->merge(passedOver_);
     return std::move(plain_);
   }
 
@@ -102,6 +108,8 @@ class ObjPass {
     if (words.empty()) return;
     if (words[0] == "v") vertex(words, number);
     if (words[0] == "f" || words[0] == "fo") face(words, number);
+    for (const auto& [keyword, what] : kOthers)
+      if (words[0] == keyword) passedOver_.insert(what);
     if (words[0] == "g") group(words, number);
     // These take one name, which may have blanks in it.
     if (words[0] == "o") nameFaces(objects_, line, words[0]);
@@ -128,6 +136,8 @@ class ObjPass {
         failMesh(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
                                    vertexCount_, words[k]));
     }
+    constexpr std::size_t kWithColour = 7;  // the keyword, x y z, red green blue
+    if (words.size() >= kWithColour) passedOver_.insert("colours");
     fmt::format_to(std::back_inserter(plain_), "v {} {} {}\n", words[1], words[2], words[3]);
     ++vertexCount_;
   }
@@ -178,12 +188,14 @@ class ObjPass {
   long long faceCount_ = 0;
   HighestIndex highest_;
   NamedFaces groups_, objects_, materials_;
+  std::set<std::string> passedOver_;
 };
 
 }  // namespace
 
-std::string plainObj(std::string_view text, const std::string& name, Attributes& attributes) {
-  return ObjPass(text, name).run(attributes);
+std::string plainObj(std::string_view text, const std::string& name, Attributes& attributes,
+                     std::set<std::string>* passedOver) {
+  return ObjPass(text, name).run(attributes, passedOver);
 }
 
 }  // namespace qelm::tool
