@@ -1,7 +1,6 @@
 #include "robust/double_cover.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <new>
 
@@ -129,9 +128,6 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
                                                  triangles[3 * j + 2]};
     const Cotangents shape = cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
     cover.raisedTriangles += shape.raised ? 1 : 0;
-    for (const double c : shape.at) {
-      cover.largestCotangent = std::max(cover.largestCotangent, std::fabs(c));
-    }
     placeTriangle(cover, j, corners, shape.at);
   }
   return cover;

@@ -40,7 +40,6 @@ struct DoubleCover {
   std::vector<HalfEdge> twin;        ///< the same edge in the face beyond it, or kNone
   std::vector<double> cotangent;     ///< of the angle opposite
   std::int64_t raisedTriangles;      ///< those too flat as they were
-  double largestCotangent;           ///< in size, before any flip
 
   std::size_t size() const { return twin.size(); }
   /// Half-edges of the triangles' fronts, which come first.

@@ -4,29 +4,14 @@
 #include <array>
 #include <cstddef>
 #include <numeric>
-#include <vector>
+
+#include "mesh/vec3.h"
+#include "robust/triangle_shape.h"
 
 namespace qelm {
 namespace {
 
 using Corners = std::array<std::int32_t, 3>;
-
-std::vector<std::int32_t> vertexOrder(std::int32_t taggedCount,
-                                      std::span<const double> coordinates) {
-  const auto isBefore = [&](std::int32_t v, std::int32_t w) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      const double x = coordinates[3 * asIndex(v) + c];
-      const double y = coordinates[3 * asIndex(w) + c];
-      if (x != y) return x < y;
-    }
-    return v < w;
-  };
-  std::vector<std::int32_t> order(coordinates.size() / 3);
-  std::iota(order.begin(), order.end(), 0);
-  std::sort(order.begin(), order.begin() + taggedCount, isBefore);
-  std::sort(order.begin() + taggedCount, order.end(), isBefore);
-  return order;
-}
 
 std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
@@ -48,9 +33,40 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
 
 }  // namespace
 
-DoubleCover coverInOrderOfPlaces(std::int32_t taggedCount, std::span<const double> coordinates,
-                                 std::span<const std::int32_t> triangles) {
-  const std::vector<std::int32_t> order = vertexOrder(taggedCount, coordinates);
+bool haveSteepTriangle(std::int32_t taggedCount, std::span<const double> coordinates,
+                       std::span<const std::int32_t> triangles) {
+  const auto point = [&](std::int32_t v) {
+    return Vec3{coordinates[3 * asIndex(v)], coordinates[3 * asIndex(v) + 1],
+                coordinates[3 * asIndex(v) + 2]};
+  };
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
+    if (std::max({a, b, c}) < taggedCount) continue;
+    if (isSteep(point(a), point(b), point(c))) return true;
+  }
+  return false;
+}
+
+std::vector<std::int32_t> orderOfPlaces(std::int32_t taggedCount,
+                                        std::span<const double> coordinates) {
+  const auto isBefore = [&](std::int32_t v, std::int32_t w) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      const double x = coordinates[3 * asIndex(v) + c];
+      const double y = coordinates[3 * asIndex(w) + c];
+      if (x != y) return x < y;
+    }
+    return v < w;
+  };
+  std::vector<std::int32_t> order(coordinates.size() / 3);
+  std::iota(order.begin(), order.end(), 0);
+  std::sort(order.begin(), order.begin() + taggedCount, isBefore);
+  std::sort(order.begin() + taggedCount, order.end(), isBefore);
+  return order;
+}
+
+DoubleCover coverInOrder(const std::vector<std::int32_t>& order, std::int32_t taggedCount,
+                         std::span<const double> coordinates,
+                         std::span<const std::int32_t> triangles) {
   std::vector<double> places(coordinates.size());
   for (std::size_t r = 0; r < order.size(); ++r) {
     for (std::size_t c = 0; c < 3; ++c) places[3 * r + c] = coordinates[3 * asIndex(order[r]) + c];

@@ -18,8 +18,8 @@ template <class IsDiagonal>
 bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
   for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
     for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
-      const double limit = isDiagonal(entry.row(), c) ? kLargestOfPlain : kRoundingOfPlain;
-      if (!std::isfinite(entry.value()) || entry.value() > limit) return false;
+      if (!std::isfinite(entry.value())) return false;
+      if (entry.value() > kRoundingOfPlain && !isDiagonal(entry.row(), c)) return false;
     }
   }
   return true;

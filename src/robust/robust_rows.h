@@ -10,17 +10,13 @@
 
 namespace qelm {
 
-/// Whether a plain matrix has nothing that wants repair: all entries are finite and, in the
-/// rows of free vertices, none off the diagonal is above kRoundingOfPlain and none on it
-/// above kLargestOfPlain.
+/// Whether a plain matrix has nothing that wants repair, unless triangles are steep: all
+/// entries of free rows are finite, and none off the diagonal is above kRoundingOfPlain.
 ///
 /// Edges on a circle, such as the diagonals of a regular grid, have weight 0. What rounding
-/// makes of it is below 1e-12 unless triangles are slivers of 1e-4 or far from the origin.
-/// A diagonal of 2^26 is that of a triangle as flat as robust ones may be; larger ones can
-/// hide the small weights that tell vertices apart.
+/// makes of it is below 1e-12 where no triangle is steep or far from the origin.
 bool isGood(const FreeRowBlocks& plain);
 constexpr double kRoundingOfPlain = 1e-12;
-constexpr double kLargestOfPlain = 0x1p26;
 
 /// K_ij = -w_ij with w_ij = (cot + cot') / 2 over the edges from i to j, halved where there
 /// are two sheets, and K_ii the sum of row i's weights. Edges that are bad within rounding

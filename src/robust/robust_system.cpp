@@ -18,6 +18,14 @@ bool areFinite(std::span<const double> coordinates) {
                      [](double c) { return std::isfinite(c); });
 }
 
+/// Those after the tagged ones, numbered from 0.
+std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
+                                       std::int32_t taggedCount) {
+  std::vector<std::int32_t> free(order.begin() + taggedCount, order.end());
+  for (std::int32_t& vertex : free) vertex -= taggedCount;
+  return free;
+}
+
 void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
   a.freeFree.swap(b.freeFree);
   a.freeFixed.swap(b.freeFixed);
@@ -31,21 +39,25 @@ void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
                               std::span<const std::int32_t> triangles,
                               std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
-  RobustRows result{assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)),
-                    {}};
+  RobustRows result{
+      assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)), {}, {}};
   if (result.rows.status != QELM_STATUS_OK) return result;
   if (!areFinite(coordinates)) {
     result.rows.status = QELM_CHECK_NOT_FINITE;
     swapBlocks(result.rows.blocks, {});
     return result;
   }
-  if (isGood(result.rows.blocks)) return result;
+  const bool steep = haveSteepTriangle(taggedCount, coordinates, triangles);
+  if (!steep && isGood(result.rows.blocks)) return result;
   swapBlocks(result.rows.blocks, {});
 
-  DoubleCover cover = coverOf(taggedCount, coordinates, triangles);
-  if (cover.largestCotangent > kSteepCotangent) {
-    cover = {};
-    cover = coverInOrderOfPlaces(taggedCount, coordinates, triangles);
+  DoubleCover cover{};
+  if (steep) {
+    const std::vector<std::int32_t> order = orderOfPlaces(taggedCount, coordinates);
+    cover = coverInOrder(order, taggedCount, coordinates, triangles);
+    result.freeOrder = freeVertices(order, taggedCount);
+  } else {
+    cover = coverOf(taggedCount, coordinates, triangles);
   }
   const Flips flips = flipBadEdges(cover, flipLimit);
   result.report = {1, cover.sheets, cover.raisedTriangles, flips.badEdges, flips.done};
@@ -60,7 +72,8 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
 
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, int& status) {
+                                                 SystemTriangles triangles, SizeLimit* limit,
+                                                 int& status) {
   if (vertexCount == 0) return nullptr;
   RobustRows robust =
       assembleRobustRows(taggedCount, coordinates, triangles.indices,
@@ -68,7 +81,7 @@ std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCoun
   status = robust.rows.status;
   if (status != QELM_STATUS_OK) return nullptr;
   auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                                 robust.rows.blocks);
+                                 robust.rows.blocks, robust.freeOrder, limit);
   system->bounds = std::make_shared<const FieldBounds>(boundsOf(*system->freeFreeBlock));
   return system;
 }

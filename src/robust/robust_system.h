@@ -18,6 +18,9 @@ namespace qelm {
 struct RobustRows {
   AssembledRows rows;       ///< status 102 and 106 as well
   QelmRobustReport report;  ///< nothing changed unless the status is 0 or 106
+  /// The order of the free vertices, from 0, in which the rows are to be factorised; empty:
+  /// as they are.
+  std::vector<std::int32_t> freeOrder;
 };
 
 /// The rows that assembleFreeRows() gives where they are good, see isGood(); else those of
@@ -29,7 +32,8 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
 /// As assembleSystem(), with robust rows and bounds for its fields.
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, int& status);
+                                                 SystemTriangles triangles, SizeLimit* limit,
+                                                 int& status);
 
 }  // namespace qelm
 

@@ -117,6 +117,15 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
                 false);
 }
 
+// Without a root or a quotient, for it is asked of every triangle.
+bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2) {
+  const std::array<Vec3, 3> e = scaledEdges({p0, p1, p2});
+  const Vec3 normal = cross(e[0], e[1]);
+  const double limit = kSteepCotangent * kSteepCotangent * dot(normal, normal);
+  const std::array<double, 3> dots = {dot(e[1], e[2]), dot(e[2], e[0]), dot(e[0], e[1])};
+  return std::any_of(dots.begin(), dots.end(), [&](double d) { return d * d > limit; });
+}
+
 // The longest edge lies opposite the lowest cotangent. Those at its ends, x and y, divide
 // it at x : y, and its height is 1 / (x + y) of it.
 Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator) {

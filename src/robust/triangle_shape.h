@@ -41,6 +41,13 @@ struct Cotangents {
 /// Exchanging corners exchanges results, bit for bit.
 Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2);
 
+/// Whether the triangle p0 p1 p2 is steep: one of its cotangents, or what they would be before
+/// the height is raised, is above kSteepCotangent in size. Its angles then go below 1.8 or
+/// above 178.2 degrees. Weights round by about 2^-52 of the largest cotangent's square, 2^-42
+/// where no triangle is steep. Three equal points are not.
+bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2);
+constexpr double kSteepCotangent = 0x1p5;
+
 /// Of the triangle whose cotangents are numerators / denominator, where the denominator
 /// may be so small that it is too flat.
 Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator);

@@ -49,6 +49,29 @@ TEST(Encode, TheLowByteIsXAndTheHighByteIsY) {
   EXPECT_EQ(decode_integer_from_sphere(e.x, e.y, e.z), 65534);
 }
 
+/// The same steps, each rounded from a sum or product that a double holds exactly.
+int byteByDoubles(float coordinate) {
+  const auto product = static_cast<float>(static_cast<double>(coordinate) * 255);
+  const auto moved = static_cast<float>(static_cast<double>(product) + 127.5);
+  const auto scaled = static_cast<float>(static_cast<double>(moved) + 0.5);
+  const auto low = static_cast<std::uint32_t>(static_cast<std::int64_t>(scaled));
+  return static_cast<int>(low < 255 ? low : 255);
+}
+
+// Near multiples of 2^32 the low 32 bits show how each step was rounded. Of 16843008, which
+// becomes 2^32 - 256, adding 127.5 and 0.5 is not adding 128.
+TEST(Decode, RoundsEveryStepByItself) {
+  EXPECT_EQ(decode_integer_from_sphere(16843008.0F, -0.5F, 1), 255);
+  for (int turns = -40; turns <= 40; ++turns) {
+    float x = static_cast<float>(turns * 0x1p32 / 255);
+    for (int k = 0; k < 60; ++k) x = std::nextafter(x, -kInfinity);
+    for (int k = 0; k < 120; ++k, x = std::nextafter(x, kInfinity)) {
+      ASSERT_EQ(decode_integer_from_sphere(x, -0.5F, 1), byteByDoubles(x)) << x;
+      ASSERT_EQ(decode_integer_from_sphere(0.5F, -x, -1), 256 * byteByDoubles(x)) << x;
+    }
+  }
+}
+
 TEST(Encode, RefusesWhatIsOutOfRangeWithZeros) {
   for (const int value : {65535, 65536, -2, INT32_MAX, INT32_MIN}) {
     const Encoded e = encode(value);

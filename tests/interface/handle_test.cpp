@@ -77,6 +77,15 @@ TEST(UseCount, FollowsCopiesUpAndDown) {
   EXPECT_EQ(usecount(second.get()), 2);
 }
 
+// The factorisation is there and counted, whatever became of it.
+TEST(UseCount, IsThatOfAnyHandleWhereTheFactorisationFailed) {
+  const MeshHandle system = construct(rightTriangle());
+  ASSERT_NE(qelminfo(system.get()), 0) << "nothing is prescribed";
+  EXPECT_EQ(usecount(system.get()), 1);
+  const MeshHandle copy = duplicate(system);
+  EXPECT_EQ(usecount(system.get()), 2);
+}
+
 TEST(Duplicate, SharesTheMeshAndSolvesAlike) {
   const Mesh mesh = openSurface(9, 8, 3).withBoundaryTagged();
   const Field values = mesh.sample([](Point p) { return p.x * p.y - p.z; });

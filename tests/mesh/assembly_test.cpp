@@ -203,6 +203,26 @@ TEST(Blocks, HaveTheBitsOfThePlainElementLoopOnRandomSoups) {
   }
 }
 
+// Sides at right angles give entries of 0.0 and -0.0, alone at their edge or with others.
+TEST(Blocks, HaveTheBitsOfThePlainElementLoopWhereContributionsAreZeros) {
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  constexpr double kCoordinates[] = {0.0, -0.0, 1, -1, 2};
+  for (int round = 0; round < 300; ++round) {
+    const int n = uniformInt(random, 3, 7);
+    Mesh mesh;
+    for (int i = 0; i < 3 * n; ++i) {
+      mesh.vertices.push_back(kCoordinates[static_cast<std::size_t>(uniformInt(random, 0, 4))]);
+    }
+    for (int i = 0; i < n; ++i) {
+      mesh.tags.push_back(uniformInt(random, 0, 3) == 0 ? 1 : 0);
+      for (const int step : {0, 1, 2}) mesh.triangles.push_back((i + step) % n);
+    }
+    expectPlainAssembly(mesh);
+  }
+}
+
 TEST(Blocks, HaveTheBitsOfThePlainElementLoopInRandomOrder) {
   // Large enough for vertices to lie far apart, where memory is asked for ahead.
   const std::uint64_t seed = testSeed();

@@ -270,6 +270,17 @@ TEST(Stored, MeshIsRenumberedWithTriangleAndCornerOrderKept) {
   EXPECT_EQ(*system->triangles, expected);
 }
 
+TEST(Stored, NegativeZerosAmongCoordinatesStayNegative) {
+  Mesh mesh = rightTriangle().withTagged({1});
+  mesh.vertices = {-0.0, 0.0, -0.0, 1.0, -0.0, 0.0, 0.0, 1.0, -0.0};
+  const MeshHandle system = construct(mesh);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto s = static_cast<std::size_t>(system->vertexPlace[i]);
+    EXPECT_TRUE(sameBits({system->vertices->data() + 3 * s, 3}, {mesh.vertices.data() + 3 * i, 3}))
+        << "vertex " << i;
+  }
+}
+
 TEST(Stored, TagsAreACopyInInputOrder) {
   const Ints tags = {0, 1, 5, 3, 2, -7};
   Mesh mesh = meshWithTags(tags);

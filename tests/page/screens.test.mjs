@@ -158,7 +158,7 @@ test('holes of a roof can be seen through', async () => {
   await session.closed();
 });
 
-test('a tap reads the value, a finger that stays goes on reading, two fingers zoom', async () => {
+test('a tap reads the value, a finger that stays goes on reading, two fingers zoom and move', async () => {
   await session.open('roof', kPhone);
   const { page } = session;
   const at = await session.onScreen([2, -4, 2.5]);
@@ -182,13 +182,15 @@ test('a tap reads the value, a finger that stays goes on reading, two fingers zo
   assert.notEqual(await camera(), before, 'a drag turns');
   const distance = () => page.evaluate(() => qelmPage.surface.camera.position.distanceTo(qelmPage.navigation.controls.target));
   const far = await distance();
-  const left = await page.touchscreen.touchStart(170, 420);
-  const right = await page.touchscreen.touchStart(220, 420);
-  await left.move(90, 420);
-  await right.move(300, 420);
-  await left.end();
-  await right.end();
-  assert.ok((await distance()) < 0.8 * far, 'a pinch zooms');
+  await session.fingers([[170, 420], [220, 420]], [[90, 420], [300, 420]]);
+  const near = await distance();
+  assert.ok(near < 0.8 * far, 'a pinch zooms');
+  const point = [2, -4, 2.5];
+  const was = await session.onScreen(point);
+  await session.fingers([[150, 420], [220, 420]], [[210, 450], [280, 450]]);
+  const is = await session.onScreen(point);
+  assert.ok(Math.abs((await distance()) / near - 1) < 0.02, 'two fingers side by side do not zoom');
+  assert.ok(Math.abs(is[0] - was[0] - 60) < 15 && Math.abs(is[1] - was[1] - 30) < 15, `they move the mesh: ${was} to ${is}`);
   assert.equal(await page.evaluate(() => visualViewport.scale), 1, 'and not the page');
   await session.closed();
 });

@@ -65,6 +65,19 @@ export class Session {
     }, point);
   }
 
+  /** Fingers that come down together, move straight on in four steps and let go. */
+  async fingers(from, to) {
+    const client = await this.page.createCDPSession();
+    const send = (type, points) =>
+      client.send('Input.dispatchTouchEvent', { type, touchPoints: points.map(([x, y], id) => ({ x, y, id })) });
+    await send('touchStart', from);
+    for (const part of [0.25, 0.5, 0.75, 1])
+      await send('touchMove', from.map((a, k) => a.map((c, axis) => c + part * (to[k][axis] - c))));
+    await send('touchEnd', []);
+    await client.detach();
+    await this.settled();
+  }
+
   text(selector) {
     return this.page.$eval(selector, (element) => (element.hidden ? '' : element.innerText));
   }

@@ -326,6 +326,22 @@ test('a picture is saved with its scale', async () => {
   await closed();
 });
 
+test('loading says how far it is, and leaves nothing behind', async () => {
+  const watch = () => {
+    window.seen = [];
+    new MutationObserver(() => {
+      const text = document.getElementById('progress')?.textContent ?? '';
+      if (text !== '' && window.seen.at(-1) !== text) window.seen.push(text);
+    }).observe(document, { subtree: true, childList: true, characterData: true });
+  };
+  await open('flat.html', { before: watch });
+  const triangles = await page.evaluate(() => qelmPage.facts.triangles.toLocaleString('en'));
+  const seen = await page.evaluate(() => window.seen);
+  assert.deepEqual(seen.slice(-3), ['reading', `${triangles} triangles`, 'drawing'].map((step) => `Loading flat.obj: ${step}`));
+  assert.ok(await page.$eval('#progress', (element) => element.hidden));
+  await closed();
+});
+
 test('a page without its mesh says so', async () => {
   const text = readFileSync(file('flat.html'), 'utf8');
   writeFileSync(file('damaged.html'), text.replace(/(id="page-mesh"[^>]*>)[^<]{200}/, '$1'));

@@ -76,6 +76,22 @@ TEST(RobustCases, ATJointWithoutAreaActsAsASplitEdge) {
       allClose(denseRows(*constructRobust(joint)), denseRows(*constructRobust(split)), 1e-7));
 }
 
+TEST(RobustCases, AFieldOfManyVerticesDoesNotDependOnTheirNumbers) {
+  Random random(5);
+  for (const double squeeze : {1.0, 1e-3, 1e-7}) {  // without and with steep triangles
+    const Mesh mesh = gridMesh(60, 50).withTagged({0, 1711, 2999}).mapped([&](Point p) {
+      return Point{p.x + 1.2 * p.y, squeeze * p.y, p.x * p.y};
+    });
+    const auto newIndex = permutation(random, mesh.vertexCount());
+    const Mesh other = relabelled(mesh, newIndex);
+    const Field field = solve(constructRobust(mesh), mesh.sample([](Point p) { return p.x; }));
+    const Field otherField =
+        solve(constructRobust(other), other.sample([](Point p) { return p.x; }));
+    for (std::size_t i = 0; i < field.size(); ++i)
+      ASSERT_NEAR(otherField[static_cast<std::size_t>(newIndex[i])], field[i], 1e-12) << i;
+  }
+}
+
 TEST(RobustCases, EverythingInOnePlaceHasAField) {
   Mesh mesh = gridMesh(4, 4).withTagged({0, 15}).mapped([](Point) { return Point{1, 2, 3}; });
   const Field values = mesh.withTagged({0}).sample([](Point) { return 1.0; });

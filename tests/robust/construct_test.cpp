@@ -118,13 +118,28 @@ TEST(RobustConstructor, ChangesTheMatrixWhereAnEntryIsPositive) {
   EXPECT_EQ(robustReportOf(mesh).changed, 1);
 }
 
-TEST(RobustConstructor, IgnoresWeightsBetweenPrescribedVertices) {
-  // Obtuse at the one edge that joins prescribed vertices; the free one sees good angles.
-  Mesh mesh;
-  mesh.vertices = {0, 0, 0, 4, 0, 0, 2, -0.5, 0, 2, 3, 0};
-  mesh.triangles = {0, 1, 3, 0, 2, 1};
-  mesh.tags = {1, 1, 1, 0};
-  expectPlain(mesh);
+TEST(RobustConstructor, IgnoresTrianglesOfPrescribedVertices) {
+  // Obtuse, then steep, then without height, where only prescribed vertices see it.
+  for (const double height : {0.5, 0.01, 0.0}) {
+    Mesh mesh;
+    mesh.vertices = {0, 0, 0, 4, 0, 0, 2, -height, 0, 2, 3, 0};
+    mesh.triangles = {0, 1, 3, 0, 2, 1};
+    mesh.tags = {1, 1, 1, 0};
+    expectPlain(mesh);
+  }
+}
+
+TEST(RobustConstructor, ChangesTheMatrixWhereATriangleIsSteep) {
+  for (const double base : {0.07, 0.05}) {  // 2.0 and 1.4 degrees, and no negative weight
+    Mesh mesh;
+    mesh.vertices = {0, 0, 0, 2, -base / 2, 0, 2, base / 2, 0};
+    mesh.triangles = {0, 1, 2};
+    mesh.tags = {1, 0, 0};
+    const QelmRobustReport report = robustReportOf(mesh);
+    EXPECT_EQ(report.changed, base < 0.0625 ? 1 : 0) << base;
+    EXPECT_EQ(report.flips, 0);
+    EXPECT_TRUE(allClose(denseRows(*constructRobust(mesh)), denseRows(*construct(mesh)), 1e-11));
+  }
 }
 
 TEST(RobustConstructor, StoresTheMeshAsGiven) {

@@ -96,8 +96,11 @@ TEST(DoubleCover, InOrderOfPlacesIsTheSameForEveryNumbering) {
   const Mesh mesh = soup(random, SoupKind::generic);
   const auto newIndex = permutation(random, mesh.vertexCount());
   const Mesh other = relabelled(mesh, newIndex);
-  const DoubleCover cover = coverInOrderOfPlaces(0, mesh.vertices, mesh.triangles);
-  const DoubleCover otherCover = coverInOrderOfPlaces(0, other.vertices, other.triangles);
+  const auto coverOfPlaces = [](const Mesh& m) {
+    return coverInOrder(orderOfPlaces(0, m.vertices), 0, m.vertices, m.triangles);
+  };
+  const DoubleCover cover = coverOfPlaces(mesh);
+  const DoubleCover otherCover = coverOfPlaces(other);
   EXPECT_EQ(otherCover.twin, cover.twin);
   EXPECT_EQ(otherCover.cotangent, cover.cotangent);
   for (std::size_t h = 0; h < cover.size(); ++h) {

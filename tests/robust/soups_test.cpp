@@ -1,8 +1,10 @@
 // What the robust construction promises, on thousands of heaps of triangles.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <vector>
 
 #include "robust/robust_of.h"
@@ -139,45 +141,51 @@ Mesh shuffled(const Mesh& mesh, const std::vector<std::int32_t>& newIndex, Rando
   return other;
 }
 
-// Of 24,000 soups of these kinds, none of whose vertices coincide, the worst had a matrix
-// off by 1e-13 of its diagonal and a field by 5e-11: rounding, in the factorisation for the
-// fields.
-TEST(RobustSoups, DoNotDependOnNumbersAndOrientations) {
-  constexpr double kRoundingOfRow = 1e-12;
-  constexpr double kRoundingOfField = 1e-9;
-  const std::uint64_t seed = testSeed();
-  SCOPED_TRACE(seedTrace(seed));
-  Random random(seed);
-  for (const SoupKind kind : {SoupKind::generic, SoupKind::needles}) {
-    for (int k = 0; k < kSoupsOfAKind; ++k) {
-      SCOPED_TRACE("kind " + std::to_string(static_cast<int>(kind)) + ", soup " +
-                   std::to_string(k));
-      const Mesh mesh = soup(random, kind);
-      const auto newIndex = permutation(random, mesh.vertexCount());
-      const Mesh other = shuffled(mesh, newIndex, random);
-      const auto n = mesh.tags.size();
-      const MeshHandle system = constructRobust(mesh);
-      const MeshHandle otherSystem = constructRobust(other);
-      const Field rows = denseRows(*system);
-      const Field otherRows = denseRows(*otherSystem);
-      const Field values = randomField(random, mesh);
-      Field otherValues(n);
-      for (std::size_t i = 0; i < n; ++i)
-        otherValues[static_cast<std::size_t>(newIndex[i])] = values[i];
-      const Field field = solve(system, values);
-      const Field otherField = solve(otherSystem, otherValues);
-      for (std::size_t i = 0; i < n; ++i) {
-        const auto to = static_cast<std::size_t>(newIndex[i]);
-        for (std::size_t j = 0; j < n; ++j) {
-          const double expected = rows[i * n + j];
-          const double actual = otherRows[to * n + static_cast<std::size_t>(newIndex[j])];
-          ASSERT_LE(std::fabs(actual - expected), kRoundingOfRow * rows[i * n + i])
-              << i << ' ' << j;
-        }
-        ASSERT_NEAR(otherField[to], field[i], kRoundingOfField) << i;
-      }
-    }
+/// Whether two vertices are at one place: nothing but their numbers tells them apart.
+bool haveCoincidentVertices(const Mesh& mesh) {
+  std::set<std::array<double, 3>> places;
+  for (int i = 0; i < mesh.vertexCount(); ++i) {
+    const Point p = mesh.point(i);
+    places.insert({p.x, p.y, p.z});
   }
+  return places.size() < mesh.tags.size();
+}
+
+/// Matrix and field of the mesh under other numbers and orientations.
+void expectTheSameShuffled(const Mesh& mesh, Random& random) {
+  constexpr double kRounding = 1e-12;
+  const auto n = mesh.tags.size();
+  const auto newIndex = permutation(random, mesh.vertexCount());
+  const auto moved = [&](std::size_t i) { return static_cast<std::size_t>(newIndex[i]); };
+  const MeshHandle system = constructRobust(mesh);
+  const MeshHandle otherSystem = constructRobust(shuffled(mesh, newIndex, random));
+  const Field values = randomField(random, mesh);
+  Field otherValues(n);
+  for (std::size_t i = 0; i < n; ++i) otherValues[moved(i)] = values[i];
+  const Field field = solve(system, values);
+  const Field otherField = solve(otherSystem, otherValues);
+  const Field rows = denseRows(*system);
+  const Field otherRows = denseRows(*otherSystem);
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = 0; j < n; ++j) {
+      ASSERT_LE(std::fabs(otherRows[moved(i) * n + moved(j)] - rows[i * n + j]),
+                kRounding * rows[i * n + i])
+          << i << ' ' << j;
+    }
+    ASSERT_NEAR(otherField[moved(i)], field[i], kRounding) << i;
+  }
+}
+
+// Of half a million soups, the worst had a matrix off by 7e-13 of its diagonal where triangles
+// went up to twice kSteepCotangent, and a field by 3e-14.
+TEST(RobustSoups, DoNotDependOnNumbersAndOrientations) {
+  int tried = 0;
+  forEachSoup(kSoupsOfAKind, [&](const Mesh& mesh, Random& random) {
+    if (haveCoincidentVertices(mesh)) return;
+    ++tried;
+    expectTheSameShuffled(mesh, random);
+  });
+  EXPECT_GT(tried, 3 * kSoupsOfAKind);
 }
 
 }  // namespace

@@ -25,6 +25,23 @@ TEST(TriangleShape, HasTheCotangentsOfItsAngles) {
   EXPECT_DOUBLE_EQ(obtuse.at[2], -0.75);
 }
 
+TEST(TriangleShape, IsSteepAboveACotangentOf32AtAnyCorner) {
+  for (const double height : {1 / 31.9, 1 / 32.1, 1e-9, 0.0}) {
+    const bool expected = height < 1 / 32.0;
+    const Vec3 a{0, 0, 7}, needle{0, height, 7}, b{1, 0, 7};
+    const Vec3 p{-1, 0, 7}, cap{0, height, 7};
+    EXPECT_EQ(isSteep(a, needle, b), expected) << height;
+    EXPECT_EQ(isSteep(b, a, needle), expected) << height;
+    EXPECT_EQ(isSteep(needle, b, a), expected) << height;
+    EXPECT_EQ(isSteep(p, b, cap), expected) << height;
+  }
+  EXPECT_FALSE(isSteep({1, 2, 3}, {1, 2, 3}, {1, 2, 3}));
+  EXPECT_TRUE(isSteep({1, 2, 3}, {1, 2, 3}, {1, 2, 4}));
+  EXPECT_TRUE(isSteep({0, 0, 0}, {1, 0, 0}, {2, 0, 0}));
+  EXPECT_FALSE(isSteep({0, 0, 0}, {1e-300, 0, 0}, {0, 1e-300, 0}));
+  EXPECT_FALSE(isSteep({0, 0, 0}, {1e300, 0, 0}, {0, 1e300, 0}));
+}
+
 TEST(TriangleShape, DoesNotDependOnTheUnit) {
   const Cotangents one = cotangentsOf({1, 2, 3}, {4, 3, 1}, {2, 2, 7});
   for (const int exponent : {-1060, -700, -201, -30, 30, 201, 700, 1018}) {

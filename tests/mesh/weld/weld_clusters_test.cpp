@@ -107,6 +107,23 @@ TEST(WeldClusters, FarFromTheOriginAreWelded) {
   }
 }
 
+// 0, 0.45 and 0.01 share a cell of half the tolerance. Only 0.45, neither its first nor its last
+// member, is near enough to 1.4, so the cell has to know how far away from its first one that is.
+TEST(WeldClusters, ReachAsFarAsTheirFarthestMember) {
+  const Welded welded = weld(onALine({0, 0.45, 0.01, 1.40}), {}, 1);
+  EXPECT_EQ(welded.vertexMap, (std::vector<std::int32_t>{0, 0, 0, 0}));
+}
+
+// 13, 84 and 85 are sides of a right triangle: (14, 84) lies exactly at the tolerance from both
+// ends of a box, which is not within it. So many points that boxes are asked first.
+TEST(WeldClusters, WhoseBoxesAreExactlyTheToleranceApartStayTwo) {
+  Field cloud = {1, 0, 0};
+  for (int k = 0; k < 64; ++k) add(cloud, {27, 0, 0});
+  add(cloud, {14, 84, 0});
+  const Welded welded = weld(cloud, {}, 85);
+  EXPECT_EQ(welded.vertices, (Field{1, 0, 0, 14, 84, 0}));
+}
+
 // All on one face of any grid that begins at the origin.
 TEST(WeldClusters, OnAPlaneThroughTheOriginAreWelded) {
   Random random(1);

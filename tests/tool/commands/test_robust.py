@@ -95,6 +95,8 @@ def test_check_says_what_it_would_do(qelm):
     assert "weights: some negative; --robust mends them (" in text and " not Delaunay, 0 triangles" in text
     qelm.write("grid.obj", shapes.obj(shapes.grid(4, 3)))
     assert "weights: good; --robust would change nothing" in qelm.run("check", "grid.obj").stdout
+    qelm.write("thin.obj", "v 0 0 0\nv 2 0.02 0\nv 2 -0.02 0\nf 1 2 3\n")
+    assert "weights: none negative, but angles below 1.8 degrees" in qelm.run("check", "thin.obj").stdout
     qelm.write("joint.obj", T_JOINT)
     report = json.loads(qelm.run("check", "joint.obj", "--json").stdout)
     assert report["information"]["robust"]["flatTriangles"] == 1

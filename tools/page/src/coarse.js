@@ -1,8 +1,15 @@
-// A coarse form of a large mesh and its curves, for while somebody turns them.
+// Coarse forms of a large mesh and its curves, for while somebody turns them.
+import { segmentsOf } from './curves.js';
 
-const kCells = 12000; // that the surface is divided into, about; each becomes two triangles
 export const kFewTriangles = 150000; // meshes up to this size need no coarse form
-const kSegments = 3000; // of all curves together
+/**
+ * The forms, each coarser than the one before: cells that the surface is divided into, about, of
+ * which each becomes two or three triangles, and segments of all curves together.
+ */
+export const kCoarseForms = [
+  { cells: 12000, segments: 3000 },
+  { cells: 3600, segments: 1000 },
+];
 
 function areaOf(positions, index) {
   let area = 0;
@@ -20,7 +27,7 @@ function areaOf(positions, index) {
  * the first one stands for all; what has no three corners left goes, and so does what is there
  * already. Positions and index as graphics cards have them; returns Uint32Array.
  */
-export function coarseIndex(positions, index, cells = kCells) {
+export function coarseIndex(positions, index, cells) {
   const size = Math.sqrt(areaOf(positions, index) / cells) || 1;
   const across = Math.ceil(2 / size) + 2;
   const vertexCount = positions.length / 3;
@@ -48,7 +55,7 @@ export function coarseIndex(positions, index, cells = kCells) {
 }
 
 /** Curves as traceCurves() has them with fewer points, both ends of open ones among them. */
-export function coarseCurves({ points, starts, levels, closed, triangles }, most = kSegments) {
+export function coarseCurves({ points, starts, levels, closed, triangles }, most) {
   const stride = Math.ceil(points.length / 3 / most);
   const kept = [];
   const thin = { starts: [0], levels, closed: [] };
@@ -64,4 +71,11 @@ export function coarseCurves({ points, starts, levels, closed, triangles }, most
     triangles: Uint32Array.from(kept, (p) => triangles[p]),
     pointOf: kept,
   };
+}
+
+/** segmentsOf() them, with the whole curves' points for gaps and levels. */
+export function coarseSegments(curves, most) {
+  const thin = coarseCurves(curves, most);
+  const segments = segmentsOf(thin);
+  return { ...segments, pointOf: segments.pointOf.map((p) => thin.pointOf[p]) };
 }

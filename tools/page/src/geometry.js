@@ -1,5 +1,5 @@
 // The surface as graphics cards take it: vertices with one normal each, shared between triangles.
-import { BufferAttribute, BufferGeometry } from 'three';
+import { BufferAttribute, BufferGeometry, Vector3 } from 'three';
 import { cornersByVertex, cornerNormals } from './normals.js';
 
 const kShort = 32767; // normals are stored as 16-bit fractions of 1
@@ -53,4 +53,14 @@ export function surfaceGeometry(mesh) {
   geometry.setAttribute('uv', new BufferAttribute(new Float32Array(vertexOf.length).fill(0.5), 1));
   geometry.setIndex(new BufferAttribute(index, 1));
   return { geometry, vertexOf };
+}
+
+/** The field at a point (a Vector3) in a triangle, from the point's barycentric coordinates. */
+export function valueAt({ positions, triangles }, field, triangle, point) {
+  const corners = triangles.subarray(3 * triangle, 3 * triangle + 3);
+  const [a, b, c] = Array.from(corners, (v) => new Vector3().fromArray(positions, 3 * v));
+  const normal = b.clone().sub(a).cross(c.clone().sub(a));
+  const area = normal.lengthSq();
+  const share = (p, q) => p.clone().sub(point).cross(q.clone().sub(point)).dot(normal) / area;
+  return share(b, c) * field[corners[0]] + share(c, a) * field[corners[1]] + share(a, b) * field[corners[2]];
 }

@@ -8,9 +8,9 @@ const kLeast = 0.5; // of the dots, in each direction
 
 /** Tells when moves begin and end, and how fine their pictures can be on this machine. */
 export class Motion {
-  /** `changed()` when isOn, isCoarse or sharpness have changed. */
-  constructor(changed) {
-    Object.assign(this, { changed, isOn: false, isCoarse: false, sharpness: 1, times: [] });
+  /** `changed()` when isOn, coarseness or sharpness have changed; coarseness: 0 to `coarsest`. */
+  constructor(coarsest, changed) {
+    Object.assign(this, { coarsest, changed, isOn: false, coarseness: 0, sharpness: 1, times: [] });
   }
 
   /** Something has moved. */
@@ -49,10 +49,11 @@ export class Motion {
     if (length <= kFrames && !(last > kVerySlow)) return;
     const each = (this.times[length - 1] - this.times[0]) / (length - 1);
     this.times = [this.times[length - 1]];
-    if (each < kSlow || (this.isCoarse && this.sharpness <= kLeast)) return;
+    const isCoarsest = this.coarseness === this.coarsest;
+    if (each < kSlow || (isCoarsest && this.sharpness <= kLeast)) return;
     // First less of a large mesh, then fewer dots.
-    if (this.isCoarse) this.sharpness = Math.max(kLeast, this.sharpness * 0.75);
-    this.isCoarse = true;
+    if (isCoarsest) this.sharpness = Math.max(kLeast, this.sharpness * 0.75);
+    else ++this.coarseness;
     this.changed();
   }
 }

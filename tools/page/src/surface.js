@@ -19,12 +19,12 @@ import {
 import { LineSegments2 } from 'three/addons/lines/LineSegments2.js';
 import { LineSegmentsGeometry } from 'three/addons/lines/LineSegmentsGeometry.js';
 import { acceleratedRaycast, MeshBVH } from 'three-mesh-bvh';
-import { coarseCurves, coarseIndex, kFewTriangles } from './coarse.js';
+import { coarseIndex, coarseSegments, kCoarseForms, kFewTriangles } from './coarse.js';
 import { segmentsOf, traceCurves } from './curves.js';
 import { colourTexture, textureCoordinate } from './colours.js';
 import { kColourSteps } from './decode.js';
 import { fit, outermost } from './fit.js';
-import { surfaceGeometry } from './geometry.js';
+import { surfaceGeometry, valueAt } from './geometry.js';
 import { rangeOf } from './levels.js';
 import { curveMaterial, kNearer, setSpacing } from './lines.js';
 import { chosenCurve, discard, edgeLines, fixedGroup, kInk, measuredLine } from './marks.js';
@@ -81,7 +81,9 @@ export class SurfaceScene {
     this.camera = new PerspectiveCamera(kFieldOfView, 1);
     this.raycaster = new Raycaster();
     this.afterDraw = () => {};
-    this.motion = new Motion(() => this.#applyMotion());
+    const isLarge = data.triangles.length > 3 * kFewTriangles;
+    this.motion = new Motion(isLarge ? kCoarseForms.length : 0, () => this.#applyMotion());
+    this.coarse = []; // coarse forms of the surface, made when they are needed
     this.#addLights();
     this.#addSurface();
     this.#addCurves();
@@ -194,7 +196,7 @@ export class SurfaceScene {
     if (!hit) return null;
     return {
       triangle: hit.faceIndex,
-      value: this.#valueAt(3 * hit.faceIndex, hit.point),
+      value: valueAt(this.mesh, this.field, hit.faceIndex, hit.point),
       local: hit.point.toArray(),
       position: this.toCaller(hit.point.toArray()),
     };
@@ -235,26 +237,28 @@ export class SurfaceScene {
     const { isOn, sharpness } = this.motion;
     const ratio = this.pixelRatio * (isOn ? sharpness : 1);
     if (this.renderer && this.renderer.getPixelRatio() !== ratio) this.renderer.setPixelRatio(ratio);
-    const isCoarse = isOn && this.motion.isCoarse && this.data.triangles.length > 3 * kFewTriangles;
-    if (isCoarse && !this.coarse) this.#addCoarse();
-    this.surface.visible = !isCoarse;
-    if (this.coarse) this.coarse.visible = isCoarse;
-    this.curveMaterial.uniforms.nearer.value = isCoarse ? kMovingNearer : kNearer;
-    this.curves.geometry = isCoarse ? this.coarseCurves : this.allCurves;
-    // Of the fixed vertices' marks their rims alone.
-    this.fixed.children.forEach((part) => (part.visible = !isCoarse || part.material.color?.getHex() !== 0xffffff));
+    const form = isOn ? this.motion.coarseness : 0; // 0: all there is
+    if (form > 0) this.coarse[form - 1] ??= this.#addCoarse(kCoarseForms[form - 1].cells);
+    this.surface.visible = form === 0;
+    this.coarse.forEach((mesh, k) => (mesh.visible = k === form - 1));
+    this.curveMaterial.uniforms.nearer.value = form > 0 ? kMovingNearer : kNearer;
+    this.curves.geometry = this.drawnCurves[form].geometry;
+    // Of the fixed vertices' marks their rims alone, and in the coarsest form nothing.
+    const isLine = (part) => part.material.color?.getHex() !== 0xffffff;
+    this.fixed.children.forEach((part) => (part.visible = form === 0 || (form < kCoarseForms.length && isLine(part))));
     this.draw();
   }
 
   /** Shares everything but the index with the whole surface. */
-  #addCoarse() {
+  #addCoarse(cells) {
     const { attributes, index } = this.surface.geometry;
     const geometry = new BufferGeometry();
     for (const [name, attribute] of Object.entries(attributes)) geometry.setAttribute(name, attribute);
-    geometry.setIndex(new BufferAttribute(coarseIndex(attributes.position.array, index.array), 1));
-    this.coarse = new Mesh(geometry, this.surface.material);
-    this.coarse.frustumCulled = false;
-    this.scene.add(this.coarse);
+    geometry.setIndex(new BufferAttribute(coarseIndex(attributes.position.array, index.array, cells), 1));
+    const mesh = new Mesh(geometry, this.surface.material);
+    mesh.frustumCulled = false;
+    this.scene.add(mesh);
+    return mesh;
   }
 
   /** Draws before the next frame, once. */
@@ -338,19 +342,11 @@ export class SurfaceScene {
     this.traced = this.cutter(this.field, this.levels);
     this.cutTime = performance.now() - began;
     this.segments = segmentsOf(this.traced);
-    this.thinned = coarseCurves(this.traced);
     this.gaps = gapsOf(this.mesh, this.field, this.levels, this.traced);
     this.choose(null);
-    this.allCurves?.dispose();
-    this.coarseCurves?.dispose();
-    const thinSegments = segmentsOf(this.thinned);
-    this.drawnCurves = [
-      { geometry: (this.allCurves = new LineSegmentsGeometry()), segments: this.segments },
-      {
-        geometry: (this.coarseCurves = new LineSegmentsGeometry()),
-        segments: { ...thinSegments, pointOf: thinSegments.pointOf.map((p) => this.thinned.pointOf[p]) },
-      },
-    ];
+    this.drawnCurves?.forEach(({ geometry }) => geometry.dispose());
+    const coarse = this.motion.coarsest > 0 ? kCoarseForms.map((form) => coarseSegments(this.traced, form.segments)) : [];
+    this.drawnCurves = [this.segments, ...coarse].map((segments) => ({ geometry: new LineSegmentsGeometry(), segments }));
     for (const { geometry, segments } of this.drawnCurves) geometry.setPositions(segments.points);
     this.#space();
     this.#applyLook();
@@ -381,7 +377,7 @@ export class SurfaceScene {
     const theme = kThemes[this.theme];
     this.plainMaterial.color.set(theme.surface);
     this.surface.material = this.shown.heatMap ? this.heatMaterial : this.plainMaterial;
-    if (this.coarse) this.coarse.material = this.surface.material;
+    for (const mesh of this.coarse) mesh.material = this.surface.material;
     this.curves.visible = this.shown.curves && this.segments.levelOf.length > 0;
     this.curveMaterial.linewidth = this.shown.heatMap ? kCurveWidth : kCurveWidth * 1.4;
     this.#colourCurves();
@@ -390,16 +386,5 @@ export class SurfaceScene {
     this.edges.visible = this.shown.edges;
     this.edges.material.color.set(theme.edge);
     this.edges.material.opacity = theme.edgeOpacity;
-  }
-
-  /** From barycentric coordinates of a point in the triangle that begins at `corner`. */
-  #valueAt(corner, point) {
-    const { positions, triangles } = this.mesh;
-    const [a, b, c] = [0, 1, 2].map((k) => new Vector3().fromArray(positions, 3 * triangles[corner + k]));
-    const normal = b.clone().sub(a).cross(c.clone().sub(a));
-    const area = normal.lengthSq();
-    const share = (p, q) => p.clone().sub(point).cross(q.clone().sub(point)).dot(normal) / area;
-    const weights = [share(b, c), share(c, a), share(a, b)];
-    return weights.reduce((sum, w, k) => sum + w * this.field[triangles[corner + k]], 0);
   }
 }

@@ -111,6 +111,9 @@ std::optional<QelmRobustReport> robustReportOf(const Check& check) {
 
 std::string describeRobust(const QelmRobustReport& report) {
   if (report.changed == 0) return "          weights: good; --robust would change nothing\n";
+  if (report.notDelaunayEdges == 0 && report.flatTriangles == 0)
+    return "          weights: none negative, but angles below 1.8 degrees: --robust takes more "
+           "care\n";
   return fmt::format("          weights: some negative; --robust mends them ({})\n",
                      describe(report));
 }

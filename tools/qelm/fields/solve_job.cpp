@@ -10,6 +10,7 @@
 
 #include "conditions/vertex_csv.h"
 #include "fields/field_range.h"
+#include "fields/forecast.h"
 #include "fields/overshoot.h"
 #include "fields/verdict.h"
 #include "files/output_file.h"
@@ -210,8 +211,14 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   for (const std::string& note : solved.prescribed.notes) console.note(note);
   const bool robust = construction == Construction::robust ||
                       (construction == Construction::automatic && wantsRobust(solved));
+  const auto expected =
+      naming(options.mesh, [&] { return forecast(mesh, solved.prescribed.tags, robust); });
+  if (expected)
+    if (const auto wait = describeWait(*expected)) console.note(*wait);
   naming(notWorking, [&] {
-    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags, robust); });
+    steps.run(
+        "construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags, robust); },
+        expected ? secondsOf(*expected) : 0);
     solved.fields = steps.run("solve", [&] {
       solved.error = measuredError(*solved.system, mesh);
       return solved.system->solve(mesh, solved.prescribed.values, solved.load);

@@ -52,8 +52,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"
      "  harm then, and without a load the field stays between the fixed values of each part.\n"
      "  --robust auto does so only where a weight of the plain matrix is negative or not\n"
-     "  finite, and says which it was. 'qelm check' says beforehand. With 'qelm solve',\n"
-     "  --compare-plain says how far the plain field is off.\n"},
+     "  finite, or an angle below 1.8 degrees, and says which it was. 'qelm check' says\n"
+     "  beforehand. With 'qelm solve', --compare-plain says how far the plain field is off.\n"},
     {"levels", "where curves are cut",
      "  --levels N    N levels, evenly between the field's smallest and largest value and\n"
      "                strictly inside: min + k (max - min) / (N + 1), k = 1 to N\n"
