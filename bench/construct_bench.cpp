@@ -10,15 +10,12 @@
 
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
+#include "peers/cholmod.h"
 #include "qelm.h"
 #include "robust/flips.h"
 #include "robust/robust_system.h"
 #include "support/contender.h"
 #include "support/plain_assembly.h"
-
-#if defined(QELM_HAVE_CHOLMOD)
-#include <Eigen/CholmodSupport>
-#endif
 
 namespace {
 
@@ -120,6 +117,17 @@ Run kept(const Case& c) {
   };
 }
 
+/// What it would take.
+Run predicted(const Case& c) {
+  return [work = workOf(c)] {
+    const Mesh& mesh = work->mesh;
+    QelmPrediction prediction = {};
+    qelmpredictTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                      mesh.triangles.data(), mesh.tags.data(), 0, &prediction);
+    return static_cast<std::size_t>(prediction.factorEntries);
+  };
+}
+
 /// What Eigen is given: a copy of the block.
 Run block(const Case& c) {
   return [work = workOf(c)] {
@@ -207,6 +215,7 @@ int main(int argumentCount, char** arguments) {
   using qelm::bench::addContender;
   addContender("construct", "qelm", whole);
   addContender("construct", "assembly", assembly);
+  addContender("construct", "predicted", predicted);
   addContender("construct", "robust", robustAssembly);
   addContender("construct", "robust_sheared", robustSheared);
   addContender("construct", "block", block);
@@ -216,10 +225,13 @@ int main(int argumentCount, char** arguments) {
   addContender("construct", "eigen_analysis", eigenAnalysis);
   addContender("construct", "eigen_ordering", eigenOrdering);
 #if defined(QELM_HAVE_CHOLMOD)
-  addContender("construct", "cholmod_simplicial",
-               compute<Eigen::CholmodSimplicialLDLT<SparseBlock>>, qelm::bench::upTo(300'000));
-  addContender("construct", "cholmod_supernodal", compute<Eigen::CholmodSupernodalLLT<SparseBlock>>,
-               qelm::bench::upTo(1'000'000));
+  addContender("construct", "cholmod_simplicial", compute<qelm::bench::CholmodSimplicial>,
+               qelm::bench::upTo(300'000));
+  const auto upToAMillion = qelm::bench::upTo(1'000'000);
+  addContender("construct", "cholmod_supernodal", compute<qelm::bench::CholmodSupernodal>,
+               upToAMillion);
+  addContender("construct", "cholmod_supernodal_own_order",
+               compute<qelm::bench::CholmodSupernodalOwnOrder>, upToAMillion);
 #endif
   return qelm::bench::runContenders(argumentCount, arguments);
 }

@@ -4,12 +4,9 @@
 #include <cstddef>
 #include <memory>
 
+#include "peers/cholmod.h"
 #include "qelm.h"
 #include "support/contender.h"
-
-#if defined(QELM_HAVE_CHOLMOD)
-#include <Eigen/CholmodSupport>
-#endif
 
 namespace {
 
@@ -155,17 +152,22 @@ int main(int argumentCount, char** arguments) {
   addContender("solve", "together", together, qelm::bench::upTo(1'000'000));
   addContender("solve", "one_by_one", oneByOne, qelm::bench::upTo(1'000'000));
 #if defined(QELM_HAVE_CHOLMOD)
-  using Simplicial = Eigen::CholmodSimplicialLDLT<SparseBlock>;
-  using Supernodal = Eigen::CholmodSupernodalLLT<SparseBlock>;
+  using qelm::bench::CholmodSimplicial;
+  using qelm::bench::CholmodSimplicialOwnOrder;
+  using qelm::bench::CholmodSupernodal;
   const auto upToAMillion = qelm::bench::upTo(1'000'000);
-  addContender("solve", "cholmod_simplicial", cholmod<Simplicial, &Work::rightHandSide>,
+  addContender("solve", "cholmod_simplicial", cholmod<CholmodSimplicial, &Work::rightHandSide>,
                upToAMillion);
   addContender("solve", "cholmod_simplicial_load",
-               cholmod<Simplicial, &Work::rightHandSideWithLoad>, upToAMillion);
-  addContender("solve", "cholmod_supernodal", cholmod<Supernodal, &Work::rightHandSide>,
+               cholmod<CholmodSimplicial, &Work::rightHandSideWithLoad>, upToAMillion);
+  addContender("solve", "cholmod_supernodal", cholmod<CholmodSupernodal, &Work::rightHandSide>,
                upToAMillion);
   addContender("solve", "cholmod_supernodal_load",
-               cholmod<Supernodal, &Work::rightHandSideWithLoad>, upToAMillion);
+               cholmod<CholmodSupernodal, &Work::rightHandSideWithLoad>, upToAMillion);
+  addContender("solve", "cholmod_simplicial_own_order",
+               cholmod<CholmodSimplicialOwnOrder, &Work::rightHandSide>, upToAMillion);
+  addContender("solve", "cholmod_simplicial_own_order_load",
+               cholmod<CholmodSimplicialOwnOrder, &Work::rightHandSideWithLoad>, upToAMillion);
 #endif
   return qelm::bench::runContenders(argumentCount, arguments);
 }

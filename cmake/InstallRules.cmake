@@ -30,7 +30,7 @@ install(EXPORT qelmTargets NAMESPACE qelm:: FILE qelmTargets.cmake DESTINATION "
 configure_package_config_file(cmake/qelmConfig.cmake.in "${PROJECT_BINARY_DIR}/qelmConfig.cmake"
   INSTALL_DESTINATION "${package_folder}" PATH_VARS CMAKE_INSTALL_LIBDIR)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/qelmConfigVersion.cmake"
-  COMPATIBILITY SameMinorVersion)
+  COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/qelmConfig.cmake"
   "${PROJECT_BINARY_DIR}/qelmConfigVersion.cmake" DESTINATION "${package_folder}"
   COMPONENT development)

@@ -31,6 +31,7 @@ endif()
 
 add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/csv_dialect.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selection.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/vertex_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"
@@ -39,6 +40,8 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/used_part.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ear_clipping.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"

@@ -59,8 +59,8 @@
 #include <stdint.h>
 
 /** The version of this header; the build reads it from here. */
-#define QELM_VERSION_MAJOR 0
-#define QELM_VERSION_MINOR 1
+#define QELM_VERSION_MAJOR 1
+#define QELM_VERSION_MINOR 0
 #define QELM_VERSION_PATCH 0
 
 /* QELM_STATIC is for builds that link the library's objects directly. */
@@ -171,7 +171,7 @@ typedef struct IsoEdgeMatrix {
  *            it makes the matrix non-finite, which qelminfo() may not notice.
  *            Look for such triangles first and for finite values afterwards, or
  *            use qelmctorRobustTagged().
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qelmctorTagged(int vertexCount, const double* vertices, int triangleCount,
                             const int* triangles, const int* tags, int* taggedCountOut, int* status,
@@ -188,7 +188,7 @@ QELM_API int qelmctorTagged(int vertexCount, const double* vertices, int triangl
  * Ownership: the copy is independent; free both, in any order, from any thread.
  * Threads:   reads the handle only; must not overlap qelmfree() of h.
  * Memory:    exhaustion leaves as std::bad_alloc, with copyOut unwritten.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void dupl(const MeshSystem* h, MeshSystem** copyOut);
 
@@ -202,7 +202,7 @@ QELM_API void dupl(const MeshSystem* h, MeshSystem** copyOut);
  * Threads:   must not overlap any other call on h; handles that share a system
  *            may be freed from different threads.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmfree(MeshSystem* h);
 
@@ -220,7 +220,7 @@ QELM_API void qelmfree(MeshSystem* h);
  * Threads:   reads the handle only; must not overlap qelmfree().
  * Memory:    allocates nothing.
  * Note:      NaN in the matrix (from triangles without area) may pass as 0.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qelminfo(const MeshSystem* h);
 
@@ -237,7 +237,7 @@ QELM_API int qelminfo(const MeshSystem* h);
  *            write through it.
  * Threads:   reads the handle only; must not overlap qelmfree().
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qelverts(const MeshSystem* h, const double** coordinatesOut);
 
@@ -256,7 +256,7 @@ QELM_API int qelverts(const MeshSystem* h, const double** coordinatesOut);
  * Memory:    allocates nothing.
  * Note:      the result is the vertex count, not the triangle count. That is
  *            intended and relied upon; you know m from the construction.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qeltris(const MeshSystem* h, const int** indicesOut);
 
@@ -272,7 +272,7 @@ QELM_API int qeltris(const MeshSystem* h, const int** indicesOut);
  * Threads:   reads the handle only; must not overlap qelmfree() of h. While
  *            other threads copy or free, the answer is a snapshot.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int usecount(const MeshSystem* h);
 
@@ -296,7 +296,7 @@ QELM_API int usecount(const MeshSystem* h);
  * Threads:   reads the handle only; any number of solves may run at once on one
  *            handle, each with its own arrays. Must not overlap qelmfree().
  * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, double* result,
                               int* status);
@@ -325,7 +325,7 @@ QELM_API void qelmsolveTagged(const MeshSystem* handle, const double* values, do
  * Memory:    exhaustion leaves as std::bad_alloc, with result untouched.
  * Note:      with a load of zeros the result is that of qelmsolveTagged(), except
  *            that a zero may have the other sign.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, const double* load,
                                double* result, int* status);
@@ -374,7 +374,7 @@ QELM_API void qelmsolvePTagged(const MeshSystem* handle, const double* values, c
  * Note:      vertices exactly the tolerance apart stay apart. Tolerance 0 merges
  *            nothing, not even equal vertices; NaN likewise. A vertex with a
  *            NaN or infinite coordinate is never merged.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount,
                       const int* triangles, double tolerance, double* weldedVertices,
@@ -417,7 +417,7 @@ QELM_API int qelmWeld(int vertexCount, const double* vertices, int triangleCount
  *            edge or meets a NaN gives points with NaN, and nothing is merged.
  *            Order: by pair of edges (1 and 2, then 2 and 0, then 0 and 1), then by
  *            triangle row, then by level in the caller's order.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelisoline(const MeshSystem* handle, const double* field, int nvals,
                          const double* vals, IsoPointMatrix** pointsOut, IsoEdgeMatrix** edgesOut);
@@ -432,7 +432,7 @@ QELM_API void qelisoline(const MeshSystem* handle, const double* field, int nval
  * Ownership: both tables end here, with their data.
  * Threads:   may run at the same time as any other call.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
 
@@ -457,8 +457,9 @@ QELM_API void qelfreeisoline(IsoPointMatrix* points, IsoEdgeMatrix* edges);
  * Memory:    exhaustion leaves as std::bad_alloc; files may be incomplete then.
  * Note:      the line that names the MTL file holds the whole path as given, with
  *            its folders. Six significant digits. Text mode: line ends are those of
- *            the platform. A field of equal values gives texture coordinates "nan".
- * Since:     0.1.0
+ *            the platform. A field of equal values gives texture coordinates 0/0, not
+ *            a number, as the platform writes it: "-nan" with glibc on x86-64.
+ * Since:     1.0.0
  */
 QELM_API void wobj(const MeshSystem* handle, const double* field, const char* path);
 
@@ -479,7 +480,7 @@ QELM_API void wobj(const MeshSystem* handle, const double* field, const char* pa
  * Threads:   no state.
  * Memory:    allocates nothing.
  * Note:      65535 is refused on purpose: its two bytes are those of -1.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
 
@@ -497,7 +498,7 @@ QELM_API int encode_integer_to_sphere(int value, float* x, float* y, float* z);
  * Memory:    allocates nothing.
  * Note:      a coordinate off the range clamps to the byte 255, below it as well as
  *            above; this is intended. NaN reads as the byte 0.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int decode_integer_from_sphere(float x, float y, float z);
 
@@ -534,7 +535,7 @@ QELM_API int decode_integer_from_sphere(float x, float y, float z);
  *            "QuobinsCoolClass", which the library does not register under that
  *            full name: unless the process has done so by other means, 1 is
  *            returned and no window appears. This is intended.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int doPoshModal(void* logo, void* owner);
 
@@ -548,7 +549,7 @@ QELM_API int doPoshModal(void* logo, void* owner);
  * Ownership: the window belongs to its thread.
  * Threads:   may be called from any thread; the answer is a snapshot.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void* getPoshHandle(void);
 
@@ -654,7 +655,7 @@ typedef struct QelmMeshReport {
  *            std::bad_alloc, with reportOut unwritten.
  * Note:      what is for information never makes the result other than 0. The solves
  *            take such meshes; other functions may have more to say about them.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API int qelmcheckTagged(int vertexCount, const double* vertices, int triangleCount,
                              const int* triangles, const int* tags, QelmMeshReport* reportOut);
@@ -684,7 +685,7 @@ QELM_API int qelmcheckTagged(int vertexCount, const double* vertices, int triang
  *            handle, each with its own results. Must not overlap qelmfree().
  * Memory:    up to 18 doubles for each vertex while it runs, however many fields.
  *            Exhaustion leaves as std::bad_alloc, with results untouched.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmsolveManyTagged(const MeshSystem* handle, int count, const double* values,
                                   const double* loads, double* results, int* status);
@@ -770,7 +771,7 @@ typedef struct QelmCurves {
  *            at null; so do more than 2^31 points of different levels.
  * Note:      in contrast to the records of segments, this is in input order, covers
  *            the mesh as constructed and tells levels apart.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, int levelCount,
                                const double* levels, QelmCurves** curvesOut, int* status);
@@ -784,7 +785,7 @@ QELM_API void qelmcurvesTagged(const MeshSystem* handle, const double* field, in
  * Ownership: the record and the arrays in it end here.
  * Threads:   must not overlap any other use of the record.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API void qelmfreecurves(QelmCurves* curves);
 
@@ -873,7 +874,7 @@ enum {
  * Note:      qelmsolvePTagged() keeps no range, as a load knows none; with a load of
  *            zeros its result is that of qelmsolveTagged() only where rounding keeps
  *            the range.
- * Since:     0.2.0
+ * Since:     1.0.0
  */
 QELM_API int qelmctorRobustTagged(int vertexCount, const double* vertices, int triangleCount,
                                   const int* triangles, const int* tags, int* taggedCountOut,
@@ -911,11 +912,94 @@ typedef struct QelmRobustReport {
  * Threads:   may run at the same time as any other call.
  * Memory:    that of the construction up to the factorisation. Exhaustion leaves as
  *            std::bad_alloc, with reportOut unwritten.
- * Since:     0.2.0
+ * Since:     1.0.0
  */
 QELM_API int qelmcheckRobustTagged(int vertexCount, const double* vertices, int triangleCount,
                                    const int* triangles, const int* tags,
                                    QelmRobustReport* reportOut);
+
+/** What construction within a limit says besides. */
+enum {
+  /** The system would take more bytes than it may, or its factor has more entries than
+      the 2^31 - 1 that can be indexed. */
+  QELM_STATUS_TOO_LARGE = 107
+};
+
+/** What constructing a mesh system takes. */
+typedef struct QelmPrediction {
+  int64_t factorEntries;  /**< of the factor L, below its diagonal */
+  int64_t handleBytes;    /**< what the handle keeps */
+  int64_t peakBytes;      /**< the most that is allocated at once while it is constructed,
+                               the handle included */
+  double multiplications; /**< of the factorisation; most of the time is theirs */
+} QelmPrediction;
+
+/**
+ * Says what qelmctorTagged() or qelmctorRobustTagged() would take: constructs as they do,
+ * up to where nothing has been allocated yet that grows faster than the mesh. On a
+ * surface the factor has some 20 to 100 entries for each vertex; where triangles join
+ * vertices at random it can have thousands, and take hours.
+ *
+ * factorEntries and multiplications are those of the factorisation that would be made,
+ * exactly. The bytes are those that are asked of the heap, to 1 % from 20 thousand
+ * vertices on, to some percent on smaller meshes. With robust set, what is held before
+ * the factorisation may be more, see there.
+ *
+ * @param[in]  vertexCount    n.
+ * @param[in]  vertices       double[3n], packed xyz, any values.
+ * @param[in]  triangleCount  m.
+ * @param[in]  triangles      int[3m], any values.
+ * @param[in]  tags           int[n], any values; 1, 2 and 3 mean "prescribed".
+ * @param[in]  robust         0 for qelmctorTagged(), else for qelmctorRobustTagged().
+ * @param[out] predictionOut  May be null; receives the figures, all 0 unless the result is 0.
+ * @return What the constructor's status would be, or 101.
+ *
+ * Status:    1 vertexCount < 1; 24 triangleCount < 1; 25 a null array; 101 an index
+ *            out of range; 23 a triangle repeats a vertex; 24 a vertex lies in no
+ *            triangle; with robust set, 102 a coordinate not finite; 106 endless flips.
+ *            Checked in this order, the first one wins.
+ * Ownership: the caller owns everything; no pointer is kept.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    some 330 bytes for each vertex of a surface, a third of what construction
+ *            takes, and an eighth to a third of its time. Exhaustion leaves as
+ *            std::bad_alloc, with predictionOut unwritten.
+ * Since:     1.0.0
+ */
+QELM_API int qelmpredictTagged(int vertexCount, const double* vertices, int triangleCount,
+                               const int* triangles, const int* tags, int robust,
+                               QelmPrediction* predictionOut);
+
+/**
+ * Builds a mesh system as qelmctorTagged() or qelmctorRobustTagged() does, unless it
+ * would take too much memory: then it ends where that is known, before anything large is
+ * allocated. Costs nothing over them. For callers into whom no std::bad_alloc may be
+ * thrown, and for those who would rather be told than wait.
+ *
+ * @param[in]  vertexCount     As there, and so on to tags.
+ * @param[in]  vertices        As there.
+ * @param[in]  triangleCount   As there.
+ * @param[in]  triangles       As there.
+ * @param[in]  tags            As there.
+ * @param[in]  robust          0 for qelmctorTagged(), else for qelmctorRobustTagged().
+ * @param[in]  mostBytes       The most that may be allocated at once, see peakBytes of
+ *                             QelmPrediction; what is free on the machine, say.
+ * @param[out] predictionOut   May be null; receives what qelmpredictTagged() says.
+ * @param[out] taggedCountOut  As there.
+ * @param[out] status          As there, and 107.
+ * @param[out] handleOut       As there.
+ * @return Always 1, on success and on failure alike. Look at status.
+ *
+ * Status:    as of these two, then 107: peakBytes is above mostBytes, or factorEntries
+ *            above 2^31 - 1.
+ * Ownership: as of these two.
+ * Threads:   may run at the same time as any other call.
+ * Memory:    as of these two. With status 107, what qelmpredictTagged() takes.
+ * Since:     1.0.0
+ */
+QELM_API int qelmctorLimitedTagged(int vertexCount, const double* vertices, int triangleCount,
+                                   const int* triangles, const int* tags, int robust,
+                                   int64_t mostBytes, QelmPrediction* predictionOut,
+                                   int* taggedCountOut, int* status, MeshSystem** handleOut);
 
 /**
  * The version of the library that is loaded, which need not be that of this header.
@@ -926,14 +1010,14 @@ QELM_API int qelmcheckRobustTagged(int vertexCount, const double* vertices, int 
  * Ownership: the library's; valid while it is loaded.
  * Threads:   may run at the same time as any other call.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API const char* qelmversion(void);
 
 /**
  * Says in English what a code means that a status out-parameter, qelmWeld(),
- * qelmcheckTagged(), qelmcheckRobustTagged() or encode_integer_to_sphere() gave. Not for the
- * results of qelminfo() and doPoshModal(), whose numbers mean other things.
+ * qelmcheckTagged(), qelmcheckRobustTagged(), qelmpredictTagged() or encode_integer_to_sphere()
+ * gave. Not for the results of qelminfo() and doPoshModal(), whose numbers mean other things.
  *
  * @param[in] status  Any number.
  * @return One line of ASCII without a full stop, zero-terminated, never null; for a
@@ -943,7 +1027,7 @@ QELM_API const char* qelmversion(void);
  * Ownership: the library's; valid while it is loaded.
  * Threads:   may run at the same time as any other call.
  * Memory:    allocates nothing.
- * Since:     0.1.0
+ * Since:     1.0.0
  */
 QELM_API const char* qelmstatustext(int status);
 

@@ -15,7 +15,7 @@ WINDOWS_PLATFORM = "win_amd64"
 
 # What a wheel takes from an installation prefix, and what it becomes below qelm/native.
 NATIVE_PARTS = {
-    "linux-x64": {"lib/libqelm.so.0": "lib/libqelm.so.0", "bin/qelm": "bin/qelm"},
+    "linux-x64": {"lib/libqelm.so.1": "lib/libqelm.so.1", "bin/qelm": "bin/qelm"},
     "windows-x64": {"bin/qelm.dll": "bin/qelm.dll", "bin/qelm.exe": "bin/qelm.exe"},
 }
 

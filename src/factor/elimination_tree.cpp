@@ -83,6 +83,7 @@ VectorXi postorder(const VectorXi& parent) {
 struct LowerRows {
   explicit LowerRows(const Sparse& upper) : starts(VectorXi::Zero(upper.cols() + 1)) {
     forEachAboveDiagonal(upper, [&](int i, int) { ++starts[i + 1]; });
+    // At most A's entries, which Eigen counts in int.
     std::partial_sum(starts.begin(), starts.end(), starts.begin());
     rows.resize(starts[upper.cols()]);
     VectorXi next = starts;

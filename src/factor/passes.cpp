@@ -81,7 +81,8 @@ void Passes::listRuns(std::span<const Source> sources) {
   }
 }
 
-/// Runs of a row are few; the highest path comes first.
+/// Runs of a row are few; the highest path comes first. All runs of a target together are fewer
+/// than L's entries in its rows, so that an int can count them.
 int Passes::extendRun(int r, int path, std::size_t source) {
   int* link = &row(r).runs;
   while (*link != kNoRun && run(*link).path > path) link = &run(*link).next;

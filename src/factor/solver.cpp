@@ -1,25 +1,19 @@
 #include "factor/solver.h"
 
-#include <cstdint>
-#include <limits>
-#include <new>
-
 #include "factor/blocked_factor.h"
 #include "factor/supernodes.h"
+#include "factor/symbolic.h"
+#include "interface/indexable.h"
 
 namespace qelm::factor {
 
 Method fastestMethod() { return {panelKernels().front(), 56}; }
 
-int indexableEntryCount(const EliminationTree& tree) {
-  const std::int64_t count = tree.entryCount();
-  if (count > std::numeric_limits<int>::max()) throw std::bad_alloc();
-  return static_cast<int>(count);
+bool blocksPay(const EliminationTree& tree, const Method& method) {
+  return tree.multiplicationCount() >= method.leastReuse * static_cast<double>(tree.entryCount());
 }
 
 namespace {
-
-using Permutation = Eigen::PermutationMatrix<Eigen::Dynamic, Eigen::Dynamic, int>;
 
 /// The number of each unknown from the unknown of each number.
 Eigen::VectorXi numbersOf(std::span<const std::int32_t> unknowns) {
@@ -41,45 +35,41 @@ Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
 }  // namespace
 
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
-Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first)
+Solver::Solver(const Sparse& matrix, const Method& method, const CostReview& review,
+               std::span<const std::int32_t> first)
     : Ldlt(Sparse()) {
-  if (matrix.cols() == 0) return;
-  Sparse upper;
-  if (first.empty()) {
-    order(matrix);
-    inOrder(matrix).swap(upper);
-  } else {
-    const Permutation numbering = Permutation(numbersOf(first));
-    const Sparse numbered = renumbered(matrix, numbering);
-    order(numbered);
-    inOrder(numbered).swap(upper);
-    m_P = m_P * numbering;
-    m_Pinv = m_P.inverse();
+  if (matrix.cols() == 0) {
+    if (review) review({});
+    return;
   }
+  const Sparse upper = first.empty() ? ordered(matrix) : orderedFrom(matrix, first);
   const EliminationTree tree = eliminationTree(upper);
+  if (review) {
+    review(costOf(matrix.nonZeros(), upper.nonZeros(), tree,
+                  {blocksPay(tree, method), !first.empty()}));
+  }
   keepPattern(tree);
   if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);
 }
 
-/// What AMDOrdering does, but without making the matrix symmetric, which it is: a third of the
-/// time at 100 thousand unknowns. The ordering works on a copy of its own.
-void Solver::order(const Sparse& matrix) {
-  Sparse pattern;
-  pattern = matrix;  // not in one line: Eigen's copy constructor leaks if memory runs out halfway
-  Eigen::internal::minimum_degree_ordering(pattern, m_Pinv);
+/// Finds the permutation; returns the upper triangle under it.
+Sparse Solver::ordered(const Sparse& matrix) {
+  m_Pinv = amdOrder(matrix);
   m_P = m_Pinv.inverse();
+  return upperTriangle(matrix, m_P);
 }
 
-/// The upper triangle under the permutation found.
-Sparse Solver::inOrder(const Sparse& matrix) const {
-  Sparse upper(matrix.rows(), matrix.cols());
-  upper.selfadjointView<Eigen::Upper>() = matrix.selfadjointView<Eigen::Lower>().twistedBy(m_P);
+Sparse Solver::orderedFrom(const Sparse& matrix, std::span<const std::int32_t> first) {
+  const Permutation numbers(numbersOf(first));
+  Sparse upper = ordered(renumbered(matrix, numbers));
+  m_P = m_P * numbers;
+  m_Pinv = m_P.inverse();
   return upper;
 }
 
 /// What analyzePattern() does.
 void Solver::keepPattern(const EliminationTree& tree) {
-  const int entryCount = indexableEntryCount(tree);
+  const int entryCount = indexable(tree.entryCount());
   const Eigen::Index n = tree.parent.size();
   m_matrix.resize(n, n);
   int* const starts = m_matrix.outerIndexPtr();
@@ -92,8 +82,7 @@ void Solver::keepPattern(const EliminationTree& tree) {
 }
 
 bool Solver::tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method) {
-  const auto entries = static_cast<double>(tree.entryCount());
-  if (tree.multiplicationCount() < method.leastReuse * entries) return false;
+  if (!blocksPay(tree, method)) return false;
   m_diag.resize(upper.cols());
   const FactorArrays factor = {m_matrix.outerIndexPtr(), m_matrix.innerIndexPtr(),
                                m_matrix.valuePtr(), m_diag.data()};

@@ -6,10 +6,12 @@
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseCholesky>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "factor/elimination_tree.h"
 #include "factor/panel_kernel.h"
+#include "factor/symbolic.h"
 
 namespace qelm::factor {
 
@@ -26,9 +28,11 @@ struct Method {
 /// For this processor, as measured.
 Method fastestMethod();
 
-/// The entries of L below the diagonal. Throws std::bad_alloc if an int cannot count them: Eigen
-/// indexes them by int, and would go on with a number that wrapped around.
-int indexableEntryCount(const EliminationTree& tree);
+/// Whether a factorisation by this method takes blocks.
+bool blocksPay(const EliminationTree& tree, const Method& method);
+
+/// Told what the numeric phase will take before it begins; may throw.
+using CostReview = std::function<void(const Cost&)>;
 
 using Ldlt = Eigen::SimplicialLDLT<Sparse, Eigen::Lower, Eigen::AMDOrdering<int>>;
 
@@ -38,6 +42,7 @@ class Solver : public Ldlt {
  public:
   /// Factorises a symmetric matrix both of whose triangles are stored, rows ascending within
   /// columns; values are read from the lower one. How it ended is in info().
+  /// `review`, if there is one, is called once.
   ///
   /// With `first`, a permutation of the unknowns, it does so as if first[0], first[1], ... had
   /// been numbered 0, 1, ...: factor and diagonal have the bits of that matrix, and the
@@ -46,11 +51,11 @@ class Solver : public Ldlt {
   /// Throws std::bad_alloc before anything large is allocated if L has more entries than an int
   /// can count, as well as when memory runs out.
   explicit Solver(const Sparse& matrix, const Method& method = fastestMethod(),
-                  std::span<const std::int32_t> first = {});
+                  const CostReview& review = {}, std::span<const std::int32_t> first = {});
 
  private:
-  void order(const Sparse& matrix);
-  Sparse inOrder(const Sparse& matrix) const;
+  Sparse ordered(const Sparse& matrix);
+  Sparse orderedFrom(const Sparse& matrix, std::span<const std::int32_t> first);
   void keepPattern(const EliminationTree& tree);
   bool tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method);
   void factorizePlainly(const Sparse& upper);

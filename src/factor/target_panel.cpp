@@ -36,9 +36,13 @@ void copyFew(const double* from, int count, double* to) {
   }
 }
 
-/// At least `count` numbers, the first `count` of them zero.
+/// At least `count` numbers, the first `count` of them zero. What was there is freed before more is
+/// taken: the panels of small meshes are large beside their factors.
 void clearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
-  if (std::ssize(numbers) < count) numbers.resize(static_cast<std::size_t>(count));
+  if (std::ssize(numbers) < count) {
+    std::vector<double>().swap(numbers);
+    numbers.resize(static_cast<std::size_t>(count));
+  }
   std::fill_n(numbers.begin(), count, 0.0);
 }
 

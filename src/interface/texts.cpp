@@ -37,6 +37,8 @@ extern "C" const char* qelmstatustext(int status) {
       return "a connected part of the mesh has no vertex with a prescribed value";
     case QELM_STATUS_ENDLESS_FLIPS:
       return "the flips of robust construction did not come to an end";
+    case QELM_STATUS_TOO_LARGE:
+      return "the system would take more memory than it may, or than can be indexed";
     default:
       return "unknown status code";
   }

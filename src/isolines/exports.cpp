@@ -9,6 +9,7 @@
 #include <new>
 #include <span>
 
+#include "interface/indexable.h"
 #include "interface/mesh_system.h"
 #include "isolines/column_major_view.h"
 #include "isolines/isolines.h"
@@ -75,6 +76,7 @@ extern "C" void qelisoline(const MeshSystem* handle, const double* field, int nv
   const qelm::CrossingGroups groups = qelm::findCrossings(input, levels);
 
   const std::size_t segments = groups[0].size() + groups[1].size() + groups[2].size();
+  qelm::indexable(static_cast<std::int64_t>(2 * segments));  // the points, in the table of edges
   CHeap<IsoPointMatrix> points = emptyRecord<IsoPointMatrix>(2 * segments, 3);
   CHeap<IsoEdgeMatrix> edges = emptyRecord<IsoEdgeMatrix>(segments, 2);
   CHeap<double> pointData = allocate<double>(6 * segments);

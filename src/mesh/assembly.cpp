@@ -39,7 +39,8 @@ AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordina
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
-                                           SystemTriangles triangles, int& status) {
+                                           SystemTriangles triangles, SizeLimit* limit,
+                                           int& status) {
   if (vertexCount == 0) return nullptr;
   AssembledRows rows = assembleFreeRows(taggedCount, coordinates, triangles.indices,
                                         std::move(triangles.higherEnds));
@@ -50,12 +51,12 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
 
   status = QELM_STATUS_OK;
   return factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                          rows.blocks);
+                          rows.blocks, limit);
 }
 
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
-                                             FreeRowBlocks& blocks,
+                                             FreeRowBlocks& blocks, SizeLimit* limit,
                                              std::span<const std::int32_t> freeOrder) {
   auto system = std::make_unique<MeshSystem>();
   system->fixedCount = taggedCount;
@@ -64,8 +65,12 @@ std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double
   system->triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
   system->freeFreeBlock = shared(blocks.freeFree);
   system->freeFixedBlock = shared(blocks.freeFixed);
-  system->freeSolver = std::make_shared<const factor::Solver>(*system->freeFreeBlock,
-                                                              factor::fastestMethod(), freeOrder);
+  factor::CostReview review;
+  if (limit != nullptr) {
+    review = [&](const factor::Cost& cost) { hold(*limit, *system, cost); };
+  }
+  system->freeSolver = std::make_shared<const factor::Solver>(
+      *system->freeFreeBlock, factor::fastestMethod(), review, freeOrder);
   return system;
 }
 

@@ -18,12 +18,14 @@ namespace {
 std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
                                             std::span<const int> triangles,
                                             std::span<const int> tags, AssembleSystem assemble,
-                                            int& taggedCount, int& status) {
+                                            SizeLimit* limit, int& taggedCount, int& status) {
   VertexNumbering numbering = numberVertices(tags);
   taggedCount = numbering.taggedCount;
+  SystemTriangles renumbered = renumberTriangles(triangles, numbering);
+  if (limit != nullptr) limit->assemblyBytes = assemblyBytes(numbering, renumbered);
   auto system =
       assemble(taggedCount, static_cast<int>(tags.size()), reorderCoordinates(vertices, numbering),
-               renumberTriangles(triangles, numbering), status);
+               std::move(renumbered), limit, status);
   if (system == nullptr) return nullptr;
   system->vertexPlace = std::move(numbering.place);
   system->vertexOrder = std::move(numbering.order);
@@ -35,7 +37,7 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
 
 // The result is 1 on every path, failures included, and callers know it: the
 // outcome is in status alone.
-int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble,
+int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble, SizeLimit* limit,
                    int* taggedCountOut, int* status, MeshSystem** handleOut) {
   const auto& [vertexCount, vertices, triangleCount, triangles, tags] = arguments;
   *handleOut = nullptr;
@@ -48,8 +50,13 @@ int runConstructor(const ConstructorArguments& arguments, AssembleSystem assembl
   const auto n = static_cast<std::size_t>(vertexCount);
   const auto m = static_cast<std::size_t>(triangleCount);
   int taggedCount = 0;
-  auto system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble,
-                                taggedCount, *status);
+  std::unique_ptr<MeshSystem> system;
+  try {
+    system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble, limit,
+                             taggedCount, *status);
+  } catch (const TooLarge&) {
+    *status = QELM_STATUS_TOO_LARGE;
+  }
   if (taggedCountOut != nullptr) *taggedCountOut = taggedCount;
   *handleOut = system.release();
   return 1;
@@ -61,5 +68,5 @@ extern "C" int qelmctorTagged(int vertexCount, const double* vertices, int trian
                               const int* triangles, const int* tags, int* taggedCountOut,
                               int* status, MeshSystem** handleOut) {
   return qelm::runConstructor({vertexCount, vertices, triangleCount, triangles, tags},
-                              qelm::assembleSystem, taggedCountOut, status, handleOut);
+                              qelm::assembleSystem, nullptr, taggedCountOut, status, handleOut);
 }

@@ -7,6 +7,7 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/numbering.h"
+#include "mesh/size_limit.h"
 
 namespace qelm {
 
@@ -22,10 +23,12 @@ struct ConstructorArguments {
 /// assembleSystem(), or another with its contract.
 using AssembleSystem = std::unique_ptr<MeshSystem> (*)(int taggedCount, int vertexCount,
                                                        std::vector<double> coordinates,
-                                                       SystemTriangles triangles, int& status);
+                                                       SystemTriangles triangles, SizeLimit* limit,
+                                                       int& status);
 
-/// Checks, renumbers, assembles, and writes the outcome: see qelmctorTagged(). Returns 1.
-int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble,
+/// Checks, renumbers, assembles, and writes the outcome: see qelmctorTagged(), and
+/// qelmctorLimitedTagged() for a limit, which may be null. Returns 1.
+int runConstructor(const ConstructorArguments& arguments, AssembleSystem assemble, SizeLimit* limit,
                    int* taggedCountOut, int* status, MeshSystem** handleOut);
 
 }  // namespace qelm

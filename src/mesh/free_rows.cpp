@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "interface/indexable.h"
 #include "mesh/ranks.h"
 
 namespace qelm {
@@ -40,12 +41,15 @@ struct Filling {
   }
 };
 
-/// Makes room for columns of so many entries.
+/// Makes room for columns of so many entries. Throws std::bad_alloc if they are more in all than
+/// Eigen can index.
 template <class Count>
 void reserveColumns(SparseBlock& block, Count count) {
   std::int32_t* outer = block.outerIndexPtr();
   for (Eigen::Index c = 0; c < block.cols(); ++c) {
-    outer[c + 1] = outer[c] + count(static_cast<std::size_t>(c));
+    // Each is at most the number of vertices.
+    const std::int64_t entries = count(static_cast<std::size_t>(c));
+    outer[c + 1] = indexable(outer[c] + entries);
   }
   block.resizeNonZeros(outer[block.cols()]);
 }
@@ -100,7 +104,7 @@ FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t) {
   const auto freeCount = static_cast<Eigen::Index>(counts.freeNeighbours.size());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
   reserveColumns(blocks.freeFree, [&](std::size_t v) {
-    return counts.freeNeighbours[v] + 1 + counts.neighbours[at(t) + v].owners;
+    return std::int64_t{counts.freeNeighbours[v]} + 1 + counts.neighbours[at(t) + v].owners;
   });
   reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.neighbours[w].owners; });
   Filling freeFree(blocks.freeFree, lowerPlaces(blocks.freeFree, std::move(counts.freeNeighbours)));

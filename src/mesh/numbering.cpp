@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <new>
 
 namespace qelm {
 bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
@@ -36,10 +39,14 @@ std::vector<double> reorderCoordinates(std::span<const double> vertices,
   return reordered;
 }
 
+// A vertex can be the higher end of three sides of each triangle: 32 bits count those of a
+// thousand million triangles, which no matrix that can be indexed has.
+//
 // Ends are counted in the same pass: a mesh's triangles have no room in the caches. Side by
 // side, as the highest and the middle one of three numbers cannot be had without a branch.
 SystemTriangles renumberTriangles(std::span<const std::int32_t> triangles,
                                   const VertexNumbering& numbering) {
+  if (triangles.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
   SystemTriangles system;
   system.indices.resize(triangles.size());
   system.higherEnds.resize(numbering.place.size());

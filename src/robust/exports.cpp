@@ -30,7 +30,8 @@ extern "C" int qelmctorRobustTagged(int vertexCount, const double* vertices, int
                                     const int* triangles, const int* tags, int* taggedCountOut,
                                     int* status, MeshSystem** handleOut) {
   return qelm::runConstructor({vertexCount, vertices, triangleCount, triangles, tags},
-                              qelm::assembleRobustSystem, taggedCountOut, status, handleOut);
+                              qelm::assembleRobustSystem, nullptr, taggedCountOut, status,
+                              handleOut);
 }
 
 extern "C" int qelmcheckRobustTagged(int vertexCount, const double* vertices, int triangleCount,

@@ -72,7 +72,8 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
 
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, int& status) {
+                                                 SystemTriangles triangles, SizeLimit* limit,
+                                                 int& status) {
   if (vertexCount == 0) return nullptr;
   RobustRows robust =
       assembleRobustRows(taggedCount, coordinates, triangles.indices,
@@ -80,7 +81,7 @@ std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCoun
   status = robust.rows.status;
   if (status != QELM_STATUS_OK) return nullptr;
   auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                                 robust.rows.blocks, robust.freeOrder);
+                                 robust.rows.blocks, limit, robust.freeOrder);
   system->bounds = std::make_shared<const FieldBounds>(boundsOf(*system->freeFreeBlock));
   return system;
 }

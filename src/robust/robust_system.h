@@ -32,7 +32,8 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
 /// As assembleSystem(), with robust rows and bounds for its fields.
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, int& status);
+                                                 SystemTriangles triangles, SizeLimit* limit,
+                                                 int& status);
 
 }  // namespace qelm
 

@@ -8,8 +8,10 @@
 //      12    x x x
 //
 // Going up, the entries of a column are subtracted one after the other, and the columns are read
-// from the last to the first. Processors fetch ahead in rising order only, so what comes next is
-// asked for here.
+// from the last to the first.
+//
+// Both ways wait for memory. Processors fetch ahead in rising order only, and begin anew with every
+// column of a group, so the values that come next are asked for here.
 #include "solve/factor_vector.h"
 
 namespace qelm {
@@ -47,17 +49,21 @@ class Columns {
     return first;
   }
 
-  /// Has the values ready that lie before the column's by some kilobytes.
-  void prefetchBefore(int column) const {
+  /// Has the values ready that lie some kilobytes before or after the column's.
+  void prefetchBefore(int column) const { prefetchAt(column, -kAhead); }
+  void prefetchAfter(int column) const { prefetchAt(column, kAhead); }
+
+ private:
+  static constexpr int kAhead = 512;  // entries; twice and half of it give the same
+
+  void prefetchAt([[maybe_unused]] int column, [[maybe_unused]] int distance) const {
 #if defined(__GNUC__)
-    constexpr int kAhead = 512;  // entries; twice and half of it give the same
     constexpr int kCacheLine = 8;
-    const double* const first = values(column);
-    for (int k = 0; k < size(column); k += kCacheLine) __builtin_prefetch(first + k - kAhead);
+    const double* const first = values(column) + distance;
+    for (int k = 0; k < size(column); k += kCacheLine) __builtin_prefetch(first + k);
 #endif
   }
 
- private:
   int count_;
   const int* starts_;
   const int* rows_;
@@ -90,6 +96,7 @@ void subtract(const Group& group, Numbers tail) {
 void solveLowerAlone(const Columns& lower, int column, double* x) {
   const double pivot = x[column];
   if (pivot == 0) return;
+  lower.prefetchAfter(column);
   const int* const rows = lower.rows(column);
   const double* const values = lower.values(column);
   for (int k = 0; k < lower.size(column); ++k) x[rows[k]] -= pivot * values[k];
@@ -112,6 +119,7 @@ void solveLowerRun(const Columns& lower, int first, int past, double* x, double*
   for (int column = first; column < past; ++column) {
     const double pivot = x[column];
     if (pivot == 0) continue;
+    lower.prefetchAfter(column);
     const int inRun = past - 1 - column;
     const double* const values = lower.values(column);
     Numbers(x + column + 1, inRun) -= pivot * ConstNumbers(values, inRun);

@@ -51,12 +51,20 @@ static void solveAFlatTriangle(void) {
   int status = -1;
   MeshSystem* system = NULL;
   QelmRobustReport report;
+  QelmPrediction prediction;
 
   expect(qelmcheckRobustTagged(5, xyz, 3, triangles, tags, &report) == 0,
          "looks at a flat triangle");
   expect(report.changed == 1 && report.flatTriangles == 1, "finds it");
   expect(sizeof(QelmRobustReport) == 40, "has a fixed layout");
   expect(offsetof(QelmRobustReport, flips) == 32, "has fixed places");
+  expect(qelmpredictTagged(5, xyz, 3, triangles, tags, 1, &prediction) == 0, "predicts");
+  expect(sizeof(QelmPrediction) == 32, "has a fixed layout");
+  expect(offsetof(QelmPrediction, multiplications) == 24, "has fixed places");
+  expect(qelmctorLimitedTagged(5, xyz, 3, triangles, tags, 1, prediction.peakBytes - 1, NULL,
+                               &tagged, &status, &system) == 1,
+         "returns 1");
+  expect(status == QELM_STATUS_TOO_LARGE && system == NULL, "keeps the limit");
   expect(qelmctorRobustTagged(5, xyz, 3, triangles, tags, &tagged, &status, &system) == 1,
          "returns 1");
   expect(status == QELM_STATUS_OK && tagged == 2 && system != NULL, "constructs");

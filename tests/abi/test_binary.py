@@ -1,12 +1,16 @@
 """What the shared library exports, imports and promises to the loader."""
 
 import re
+import shutil
+import subprocess
 
 import pytest
 from built import (
     BUILD,
+    C_COMPILER,
     CHECKER,
     HAS_TOOL,
+    IS_CROSS_BUILT,
     IS_WINDOWS,
     LIBRARY,
     OBJDUMP,
@@ -114,6 +118,30 @@ def test_every_symbol_carries_the_major_version():
     symbols = run("nm", "-D", "--defined-only", "--with-symbol-versions", LIBRARY)
     versions = set(re.findall(r" T \S+?@@?(\S+)", symbols))
     assert versions == {f"QELM_{major}"}
+
+
+@linux_only
+@pytest.mark.skipif(bool(CHECKER) or IS_CROSS_BUILT, reason="once is enough: natively, in the release")
+@pytest.mark.parametrize("other", [0, 2])
+def test_a_program_linked_against_another_major_version_is_refused_by_name(tmp_path, other):
+    (tmp_path / "version.map").write_text(f"QELM_{other} {{ global: *; }};\n")
+    (tmp_path / "other.c").write_text("const char* qelmversion(void) { return \"other\"; }\n")
+    (tmp_path / "program.c").write_text("const char* qelmversion(void);\nint main(void) { return *qelmversion() == 'o' ? 7 : 0; }\n")
+    soname = f"libqelm.so.{other}"
+    run(C_COMPILER, "-shared", "-fPIC", "other.c", f"-Wl,-soname,{soname}", "-Wl,--version-script=version.map",
+        "-o", soname, cwd=tmp_path)
+    run(C_COMPILER, "program.c", soname, "-o", "program", cwd=tmp_path)
+
+    def start(folder):
+        return subprocess.run([tmp_path / "program"], env={"LD_LIBRARY_PATH": str(folder)}, capture_output=True, text=True)
+
+    # Beside this version it finds its own; with this one alone, nothing; under its own name, a complaint.
+    shutil.copy(LIBRARY, tmp_path / "libqelm.so.1")
+    assert start(tmp_path).returncode == 7
+    (tmp_path / soname).unlink()
+    assert f"{soname}: cannot open shared object file" in start(tmp_path).stderr
+    shutil.copy(LIBRARY, tmp_path / soname)
+    assert f"version `QELM_{other}' not found" in start(tmp_path).stderr
 
 
 @linux_only

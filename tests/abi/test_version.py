@@ -31,6 +31,14 @@ def test_the_changelog_has_an_entry_for_it():
     )
 
 
+def test_every_function_says_since_which_released_version():
+    header = (SOURCE / "include/qelm.h").read_text()
+    since = re.findall(r"^ \* Since: +(\S+)$", header, re.MULTILINE)
+    assert len(since) == len(re.findall(r"^QELM_API ", header, re.MULTILINE))
+    released = re.findall(r"^## (\S+)", (SOURCE / "CHANGELOG.md").read_text(), re.MULTILINE)
+    assert set(since) <= set(released)
+
+
 @pytest.mark.skipif(not IS_WINDOWS, reason="about the DLL")
 def test_the_version_resource_of_the_dll_follows_it():
     wide = header_version().encode("utf-16-le")

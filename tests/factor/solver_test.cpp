@@ -9,6 +9,7 @@
 
 #include "factor/matrices.h"
 #include "factor/supernodes.h"
+#include "interface/indexable.h"
 #include "support/random.h"
 
 namespace qelm::test {
@@ -188,7 +189,7 @@ TEST(FactorSolver, FactorisesInAnotherOrderAsThoughItsUnknownsWereNumberedSo) {
     Sparse renumbered(n, n);
     renumbered.setFromTriplets(entries.begin(), entries.end());
     const factor::Solver expected(renumbered);
-    const factor::Solver actual(matrix, factor::fastestMethod(), first);
+    const factor::Solver actual(matrix, factor::fastestMethod(), {}, first);
     EXPECT_EQ(actual.vectorD(), expected.vectorD());
     const Eigen::VectorXd right = Eigen::VectorXd::LinSpaced(n, -1, 2);
     const Eigen::VectorXd field = expected.solve(numbers * right);
@@ -203,18 +204,21 @@ TEST(FactorSolver, TakesBlocksWhereTheyPayAndEigensLoopElsewhere) {
   EXPECT_EQ(&factor::fastestMethod().kernel, &factor::panelKernels().front());
 }
 
-TEST(FactorSolver, RefusesAFactorThatCannotBeIndexed) {
+TEST(EliminationTree, CountsEntriesBeyondAnInt) {
   constexpr int kMost = std::numeric_limits<int>::max();
   factor::EliminationTree tree;
-  tree.counts.setZero(3);
-  tree.counts[0] = kMost - 1;
-  tree.counts[1] = 1;
-  EXPECT_EQ(factor::indexableEntryCount(tree), kMost);
-  tree.counts[2] = 1;
-  EXPECT_THROW(factor::indexableEntryCount(tree), std::bad_alloc);
-  // Twice around: the wrapped sum would be positive.
   tree.counts.setConstant(5, kMost);
-  EXPECT_THROW(factor::indexableEntryCount(tree), std::bad_alloc);
+  EXPECT_EQ(tree.entryCount(), 5 * std::int64_t{kMost});
+  EXPECT_THROW(indexable(tree.entryCount()), std::bad_alloc)
+      << "twice around, it would be positive";
+}
+
+TEST(Indexable, IsWhatAnIntCanCount) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  EXPECT_EQ(indexable(0), 0);
+  EXPECT_EQ(indexable(kMost), kMost);
+  EXPECT_THROW(indexable(std::int64_t{kMost} + 1), std::bad_alloc);
+  EXPECT_THROW(indexable(std::numeric_limits<std::int64_t>::max()), std::bad_alloc);
 }
 
 }  // namespace

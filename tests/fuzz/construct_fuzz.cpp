@@ -38,6 +38,26 @@ void exercise(const MeshSystem* system, const qelm::fuzz::FuzzMesh& mesh,
   qelmfree(copy);
 }
 
+/// Of either kind of system: what is predicted is just enough.
+void requireTheLimitToHold(const qelm::fuzz::FuzzMesh& mesh, int robust) {
+  QelmPrediction prediction = {};
+  const int predicted =
+      qelmpredictTagged(mesh.vertexCount, mesh.vertices.data(), mesh.triangleCount,
+                        mesh.triangles.data(), mesh.tags.data(), robust, &prediction);
+  for (const std::int64_t missing : {0, 1}) {
+    QelmPrediction again = {};
+    MeshSystem* system = nullptr;
+    int status = -1;
+    qelmctorLimitedTagged(mesh.vertexCount, mesh.vertices.data(), mesh.triangleCount,
+                          mesh.triangles.data(), mesh.tags.data(), robust,
+                          prediction.peakBytes - missing, &again, nullptr, &status, &system);
+    require(status == (predicted == 0 && missing == 1 ? QELM_STATUS_TOO_LARGE : predicted));
+    require(again.peakBytes == prediction.peakBytes);
+    require((system != nullptr) == (status == QELM_STATUS_OK));
+    qelmfree(system);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -52,5 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(tagged >= 0 && tagged <= mesh.vertexCount);
   if (system != nullptr) exercise(system, mesh, input);
   qelmfree(system);
+  requireTheLimitToHold(mesh, 0);
+  requireTheLimitToHold(mesh, 1);
   return 0;
 }

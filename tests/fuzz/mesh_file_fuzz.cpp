@@ -62,12 +62,29 @@ void requireRoundTrips(const Mesh& mesh) {
     requireRounded(readBack(mesh, MeshFormat::kStl, "again.stl"), mesh);
 }
 
-void requireSplit(const tool::Triangulation& split, const PolygonSoup& soup) {
+std::size_t mostTriangles(const PolygonSoup& soup) {
   std::size_t triangles = 0;
   for (const std::vector<int>& face : soup.faces) triangles += face.size() - 2;
-  require(static_cast<std::size_t>(split.mesh.triangleCount()) == triangles,
-          "two triangles fewer than a polygon has corners");
+  return triangles;
+}
+
+void requireSplit(const tool::Triangulation& split, const PolygonSoup& soup) {
+  require(static_cast<std::size_t>(split.mesh.triangleCount()) <= mostTriangles(soup),
+          "at least two triangles fewer than a polygon has corners");
   require(split.mesh.vertices.size() == 3 * soup.points.size(), "the vertices stay");
+  for (int t = 0; t < split.mesh.triangleCount(); ++t) {
+    const auto c = split.mesh.corners(t);
+    require(c[0] != c[1] && c[1] != c[2] && c[2] != c[0], "three different corners");
+  }
+}
+
+/// A mesh that is taken strictly is the same one when it is not.
+void requireStrictlySplit(const tool::Triangulation& split, const tool::Triangulation& lenient,
+                          const PolygonSoup& soup) {
+  require(static_cast<std::size_t>(split.mesh.triangleCount()) == mostTriangles(soup),
+          "two triangles fewer than a polygon has corners");
+  if (lenient.leftOut.count == 0)
+    require(split.mesh.triangles == lenient.mesh.triangles, "the same triangles");
 }
 
 }  // namespace
@@ -100,8 +117,10 @@ void requireGoodSoup(const PolygonSoup& soup) {
     const tool::Triangulation split = triangulate(soup);
     requireSplit(split, soup);
     requireRoundTrips(split.mesh);
+    requireStrictlySplit(triangulateStrictly(soup), split, soup);
   } catch (const tool::MeshError& error) {
-    requireMessage(error.what(), "face ");
+    requireMessage(error.what(),
+                   std::string_view(error.what()).starts_with("none") ? "none" : "face ");
   }
 }
 

@@ -32,12 +32,13 @@ void requireFieldGivesIt(const std::vector<double>& load) {
   mesh.vertices.assign(3 * load.size(), 0.5);
   qelm::fuzz::Memory file;
   writeFieldCsv(mesh, load, file);
-  const int n = mesh.vertexCount();
-  require(qelm::fuzz::sameBits(qelm::tool::parseLoad(file.bytes, "field.csv", n), load),
+  const std::vector<bool> used(load.size(), true);
+  require(qelm::fuzz::sameBits(qelm::tool::parseLoad(file.bytes, "field.csv", used), load),
           "a field that is written is read with the same bits");
 }
 
 void requireGoodFixes(const std::vector<FixedVertex>& fixes, int n) {
+  const std::vector<bool> used(static_cast<std::size_t>(n), true);
   std::set<int> seen;
   std::string again;
   for (const FixedVertex& fix : fixes) {
@@ -47,7 +48,7 @@ void requireGoodFixes(const std::vector<FixedVertex>& fixes, int n) {
     require(fix.tag >= 1 && fix.tag <= 3, "tags from 1 to 3");
     again += fmt::format("{},{},{}\n", fix.vertex, fix.value, fix.tag);
   }
-  const std::vector<FixedVertex> read = qelm::tool::parseFixes(again, "again.csv", n);
+  const std::vector<FixedVertex> read = qelm::tool::parseFixes(again, "again.csv", used);
   const auto isSame = [](const FixedVertex& a, const FixedVertex& b) {
     return a.vertex == b.vertex && a.tag == b.tag &&
            qelm::fuzz::sameBits({&a.value, 1}, {&b.value, 1});
@@ -61,8 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size == 0) return 0;
   const int n = 1 + data[0] % 12;
   const std::string text(data + 1, data + size);
-  const auto load = accepted([&] { return qelm::tool::parseLoad(text, "a.csv", n); });
-  const auto fixes = accepted([&] { return qelm::tool::parseFixes(text, "a.csv", n); });
+  const std::vector<bool> used(static_cast<std::size_t>(n), true);
+  const auto load = accepted([&] { return qelm::tool::parseLoad(text, "a.csv", used); });
+  const auto fixes = accepted([&] { return qelm::tool::parseFixes(text, "a.csv", used); });
   if (load) {
     require(load->size() == static_cast<std::size_t>(n), "a load for every vertex");
     for (const double value : *load) require(std::isfinite(value), "finite loads");

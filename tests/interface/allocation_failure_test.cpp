@@ -133,6 +133,19 @@ TEST(AllocationFailure, DuringARobustCheckLeavesTheReportAlone) {
   EXPECT_GT(report.flips, 0) << "the last run of the sweep succeeds";
 }
 
+TEST(AllocationFailure, DuringAPredictionLeavesItAlone) {
+  const Mesh mesh = openSurface(24, 24, 1).withBoundaryTagged();
+  QelmPrediction prediction = {};
+  sweep(
+      [&] {
+        prediction.factorEntries = Construction::kUnwritten;
+        qelmpredictTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                          mesh.triangles.data(), mesh.tags.data(), 0, &prediction);
+      },
+      [&] { EXPECT_EQ(prediction.factorEntries, Construction::kUnwritten); });
+  EXPECT_GT(prediction.factorEntries, 0) << "the last run of the sweep succeeds";
+}
+
 TEST(AllocationFailure, DuringASolveWithinARangeLeavesTheResultAlone) {
   const Mesh mesh = meshToMend(1);
   MeshSystem* raw = nullptr;

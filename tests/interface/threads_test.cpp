@@ -152,6 +152,10 @@ TEST(Threads, ConstructAndWeldBesideEachOther) {
       if (vertexCount != mesh.vertexCount() || code != 0) ++failures;
       qelmcheckRobustTagged(vertexCount, mine.vertices.data(), triangleCount, mine.triangles.data(),
                             mine.tags.data(), nullptr);
+      QelmPrediction prediction;
+      qelmpredictTagged(vertexCount, mine.vertices.data(), triangleCount, mine.triangles.data(),
+                        mine.tags.data(), 0, &prediction);
+      if (prediction.factorEntries == 0) ++failures;
       if (tryConstruct(mine).status != QELM_STATUS_OK) ++failures;
     });
   }

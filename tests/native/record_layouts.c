@@ -44,6 +44,11 @@ int main(void) {
   FIELD(QelmMeshReport, coincidentVertex);
   FIELD(QelmMeshReport, worstTriangle);
   FIELD(QelmMeshReport, worstQuality);
+  RECORD(QelmPrediction);
+  FIELD(QelmPrediction, factorEntries);
+  FIELD(QelmPrediction, handleBytes);
+  FIELD(QelmPrediction, peakBytes);
+  FIELD(QelmPrediction, multiplications);
   RECORD(QelmRobustReport);
   FIELD(QelmRobustReport, changed);
   FIELD(QelmRobustReport, sheets);

@@ -15,6 +15,7 @@ from packages import (  # noqa: E402
     WINDOWS,
     ZIP,
     build_packages,
+    ready_tree,
 )
 
 
@@ -28,7 +29,8 @@ def unpack(package, folder):
 def packages(tmp_path_factory):
     """Everything that scripts/package makes; or, while one works on these tests, a folder with it."""
     ready = os.environ.get("QELM_PACKAGES")
-    return pathlib.Path(ready) if ready else build_packages(tmp_path_factory.mktemp("first"))
+    return pathlib.Path(ready) if ready else build_packages(
+        tmp_path_factory.mktemp("first"), *ready_tree("windows-x64", "windows-release"))
 
 
 @pytest.fixture(scope="session")
@@ -61,6 +63,12 @@ def debian(packages, tmp_path_factory):
     run("dpkg", f"--root={root}", "--force-depends", "--force-not-root", "--force-script-chrootless", "--log=/dev/null",
         "-i", *sorted(packages.glob("*.deb")))
     return root
+
+
+@pytest.fixture(scope="session")
+def wheel(packages, tmp_path_factory):
+    (file,) = packages.glob("*manylinux*.whl")
+    return unpack(file, tmp_path_factory.mktemp("wheel"))
 
 
 @pytest.fixture(scope="session")

@@ -51,11 +51,12 @@ def broken(path, root):
 
 @pytest.mark.parametrize("name, least", [
     ("zip_content", 4), ("nuget", 2), ("windows", 4), ("linux", 3), ("debian", 0), ("sources", 10),
+    ("wheel", 1),
 ])  # fmt: skip
 def test_no_document_has_a_broken_link(request, name, least):
     root = request.getfixturevalue(name)
     # Templates are no documents yet.
-    documents = [path for kind in ("*.md", "*.html") for path in root.rglob(kind)
+    documents = [path for kind in ("*.md", "*.html", "METADATA") for path in root.rglob(kind)
                  if not {"third-party", "packaging", "page"} & set(path.relative_to(root).parts)]
     assert len(documents) >= least
     assert [complaint for path in documents for complaint in broken(path, root)] == []

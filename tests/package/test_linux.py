@@ -92,7 +92,7 @@ def test_dpkg_knows_the_installed_packages(debian):
 
 
 def test_the_installed_tool_runs_with_the_installed_library(debian, tmp_path):
-    (library,) = debian.glob("usr/lib/*/libqelm.so.0")
+    (library,) = debian.glob("usr/lib/*/libqelm.so.1")
     environment = dict(os.environ, LD_LIBRARY_PATH=str(library.parent))
     run(debian / "usr/bin/qelm", "curves", SOURCE / "data/roof.obj", "--fix", "loop:0=0", "--fix", "loop:1=1",
         "--levels", "3", "-o", tmp_path / "curves.json", "-q", env=environment)
@@ -109,8 +109,12 @@ def test_a_program_builds_against_the_installed_development_files(debian, tmp_pa
     assert run(tmp_path / "square") == EXPECTED
 
 
-@pytest.mark.parametrize("package", ["qelm", "libqelm-dev", "libqelm0"])
+@pytest.mark.parametrize("package", ["qelm", "libqelm-dev", "libqelm1"])
 def test_every_package_brings_copyright_and_changelog(debian, package):
     folder = debian / "usr/share/doc" / package
     assert "MIT" in (folder / "copyright").read_text()
-    assert VERSION in run("zcat", folder / "changelog.Debian.gz")
+    changelog = run("zcat", folder / "changelog.Debian.gz")
+    assert VERSION in changelog
+    year, month, day = re.search(rf"^## {re.escape(VERSION)} \((....)-(..)-(..)\)$",
+                                 (SOURCE / "CHANGELOG.md").read_text(), re.M).groups()
+    assert re.search(rf", {day} \w+ {year} ", changelog), "dated as the changelog is"

@@ -89,7 +89,7 @@ def test_what_the_windows_files_take_from_mingw_is_named(windows):
 def test_the_debian_packages_name_the_same(debian):
     tool = (debian / "usr/share/doc/qelm/copyright").read_text()
     assert "CGAL" in tool and "/usr/share/common-licenses/LGPL-3" in tool
-    library = (debian / "usr/share/doc/libqelm0/copyright").read_text()
+    library = (debian / "usr/share/doc/libqelm1/copyright").read_text()
     assert "nanoflann" in library and "CGAL" not in library
 
 

@@ -53,7 +53,7 @@ def windows(windows_wheel, tmp_path_factory):
 
 def binaries_in(folder):
     found = [path for path in folder.rglob("*") if path.is_file() and path.read_bytes()[:4] == b"\x7fELF"]
-    assert sorted(path.name for path in found) == ["libqelm.so.0", "qelm"]
+    assert sorted(path.name for path in found) == ["libqelm.so.1", "qelm"]
     return found
 
 
@@ -102,7 +102,7 @@ def test_the_linux_binaries_need_only_what_every_system_has(linux):
     for binary in binaries_in(linux):
         needed |= set(re.findall(r"\(NEEDED\).*\[(.+)\]", run("readelf", "--dynamic", binary)))
     everywhere = {"ld-linux-x86-64.so.2", "libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6"}
-    assert needed <= everywhere | {"libqelm.so.0"}
+    assert needed <= everywhere | {"libqelm.so.1"}
 
 
 @pytest.mark.parametrize("system", ["linux", "windows"])
@@ -138,7 +138,7 @@ def test_a_wheel_holds_the_package_the_native_parts_and_nothing_else(system, req
     names = {path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()}
     native = {name for name in names if name.startswith("qelm/native/")}
     assert native == (
-        {"qelm/native/bin/qelm", "qelm/native/lib/libqelm.so.0"}
+        {"qelm/native/bin/qelm", "qelm/native/lib/libqelm.so.1"}
         if system == "linux"
         else {"qelm/native/bin/qelm.exe", "qelm/native/bin/qelm.dll"}
     )
@@ -195,7 +195,7 @@ def test_the_wheels_hold_the_libraries_of_the_other_packages(linux, windows, pac
     archive = zipfile.ZipFile(packages / ZIP)
     top = pathlib.Path(ZIP).stem
     (shared,) = [name for name in archive.namelist() if re.search(r"/libqelm\.so\.\d+\.\d+\.\d+$", name)]
-    assert (linux / "qelm/native/lib/libqelm.so.0").read_bytes() == archive.read(shared)
+    assert (linux / "qelm/native/lib/libqelm.so.1").read_bytes() == archive.read(shared)
     assert (windows / "qelm/native/bin/qelm.dll").read_bytes() == archive.read(f"{top}/windows-x64/bin/qelm.dll")
 
 

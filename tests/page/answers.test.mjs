@@ -195,6 +195,22 @@ test('field and curves are saved as the command line writes them', async () => {
   await session.closed();
 });
 
+test('vertices in no triangle are not shown, and keep their lines in the saved field', async () => {
+  const { positions, triangles } = sheet(4, 2, [-2, 2, -1, 1]);
+  // One in front of the others, two behind, far away.
+  const strays = { positions: [99, 0, 0, ...positions, 0, 99, 0, 0, 0, 99], triangles: triangles.map((v) => v + 1) };
+  session.make('strays', strays, ...kSides.slice(0), '--levels', '3');
+  session.qelm('solve', 'strays.obj', ...kSides, '-o', 'field.csv', '-q');
+  await session.open('strays');
+  const csv = await session.offered('save-csv');
+  const rows = (text) => text.trim().split('\n').slice(1).map((line) => line.split(',').map((word) => (word === '' ? '' : Number(word))));
+  assert.deepEqual(rows(csv.text), rows(readFileSync(session.file('field.csv'), 'utf8')));
+  assert.equal(csv.text.split('\n')[1], '0,99,0,0,');
+  const [left, right] = [await session.onScreen([-2, 0, 0]), await session.onScreen([2, 0, 0])];
+  assert.ok(right[0] - left[0] > 100, 'what is far away does not make the mesh small');
+  await session.closed();
+});
+
 test('without WebGL 2 there is a still picture, and a sentence', async () => {
   const before = () => {
     const { getContext } = HTMLCanvasElement.prototype;

@@ -16,14 +16,21 @@ namespace {
 // Blocks that were allocated under watch are few; a plain table needs no heap.
 constexpr int kMaxLive = 4096;
 
+struct Block {
+  void* address;
+  std::size_t size;
+};
+
 struct Watch {
   bool active = false;
   long failAt = 0;
   bool forever = false;
   long allocations = 0;
   bool failed = false;
-  void* live[kMaxLive] = {};
+  Block live[kMaxLive] = {};
   int liveCount = 0;
+  std::size_t liveBytes = 0;
+  std::size_t peakBytes = 0;
 };
 
 // Not thread_local: where that is emulated, its first use allocates. Programs with
@@ -41,10 +48,12 @@ bool mustFail(std::size_t size) {
   return fails;
 }
 
-void* remember(void* block) {
+void* remember(void* block, std::size_t size) {
   if (watch.active && block != nullptr) {
     if (watch.liveCount == kMaxLive) std::abort();
-    watch.live[watch.liveCount++] = block;
+    watch.live[watch.liveCount++] = {block, size};
+    watch.liveBytes += size;
+    if (watch.liveBytes > watch.peakBytes) watch.peakBytes = watch.liveBytes;
   }
   return block;
 }
@@ -52,7 +61,8 @@ void* remember(void* block) {
 void forget(void* block) {
   if (!watch.active || block == nullptr) return;
   for (int i = watch.liveCount - 1; i >= 0; --i) {
-    if (watch.live[i] == block) {
+    if (watch.live[i].address == block) {
+      watch.liveBytes -= watch.live[i].size;
       watch.live[i] = watch.live[--watch.liveCount];
       return;
     }
@@ -64,17 +74,17 @@ void forget(void* block) {
 extern "C" {
 
 void* __wrap_malloc(std::size_t size) {
-  return mustFail(size) ? nullptr : remember(__real_malloc(size));
+  return mustFail(size) ? nullptr : remember(__real_malloc(size), size);
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return mustFail(count * size) ? nullptr : remember(__real_calloc(count, size));
+  return mustFail(count * size) ? nullptr : remember(__real_calloc(count, size), count * size);
 }
 
 void* __wrap_realloc(void* block, std::size_t size) {
   if (mustFail(size)) return nullptr;
   forget(block);
-  return remember(__real_realloc(block, size));
+  return remember(__real_realloc(block, size), size);
 }
 
 void __wrap_free(void* block) {
@@ -113,5 +123,7 @@ FailingHeap::~FailingHeap() { watch.active = false; }
 long FailingHeap::allocations() const { return watch.allocations; }
 bool FailingHeap::failed() const { return watch.failed; }
 long FailingHeap::live() const { return watch.liveCount; }
+std::size_t FailingHeap::liveBytes() const { return watch.liveBytes; }
+std::size_t FailingHeap::peakBytes() const { return watch.peakBytes; }
 
 }  // namespace qelm::test

@@ -7,6 +7,8 @@
 #ifndef QELM_TESTS_SUPPORT_FAILING_HEAP_H
 #define QELM_TESTS_SUPPORT_FAILING_HEAP_H
 
+#include <cstddef>
+
 namespace qelm::test {
 
 enum class HeapFailure {
@@ -26,6 +28,8 @@ class FailingHeap {
   long allocations() const;  ///< so far, failed ones included
   bool failed() const;       ///< whether one was made to fail
   long live() const;         ///< blocks allocated here and not yet freed
+  std::size_t liveBytes() const;
+  std::size_t peakBytes() const;  ///< the most that were live at once
 };
 
 }  // namespace qelm::test

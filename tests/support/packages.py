@@ -16,12 +16,14 @@ LINUX = f"qelm-{VERSION}-linux-x64.tar.gz"
 SOURCE_ARCHIVE = f"qelm-{VERSION}-source.tar.gz"
 
 
-def ready_tool():
-    """In continuous integration, the tool for Windows is that of its own preset."""
-    tree = BUILD.parent / "windows-release"
-    return [f"--tool=windows-x64={tree}"] if os.environ.get("CI") and (tree / "tool.map").exists() else []
+# In continuous integration, what the presets built is not built once more.
+IN_CI = bool(os.environ.get("CI")) and (BUILD.parent / "windows-release/tool.map").exists()
 
 
-def build_packages(folder, *names):
-    run(SOURCE / "scripts/package", "--output", folder / "out", "--build", folder / "build", *ready_tool(), *names)
+def ready_tree(system, preset):
+    return [f"--tree={system}={BUILD.parent / preset}"] if IN_CI else []
+
+
+def build_packages(folder, *arguments):
+    run(SOURCE / "scripts/package", "--output", folder / "out", "--build", folder / "build", *arguments)
     return folder / "out"

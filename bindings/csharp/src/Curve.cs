@@ -30,6 +30,13 @@ namespace Qelm
             get { return points; }
         }
 
+        /// <summary>"level 0.5: closed, 36 points".</summary>
+        public override string ToString()
+        {
+            return "level " + Text.Of(Level) + ": " + (IsClosed ? "closed, " : "open, ") + Text.Of(points.Length)
+                + " points";
+        }
+
         /// <summary>The length of the polyline, with the closing piece of a closed one.</summary>
         public double Length
         {

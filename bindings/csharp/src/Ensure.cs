@@ -35,6 +35,17 @@ namespace Qelm
             }
         }
 
+        /// <summary>What the constructors need to know of a mesh.</summary>
+        internal static unsafe void Mesh(double* vertices, int vertexCount, int* triangles, int triangleCount)
+        {
+            AtLeastOne(vertexCount, "vertex", "vertices");
+            AtLeastOne(triangleCount, "triangle", "triangles");
+            FiniteCoordinates(vertices, vertexCount, "vertices");
+            IndicesInRange(triangles, triangleCount, vertexCount, "triangles");
+            DistinctCorners(triangles, triangleCount, "triangles");
+            EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
+        }
+
         internal static void AtLeastOne(int count, string element, string name)
         {
             if (count < 1)

@@ -39,7 +39,10 @@ namespace Qelm
         UntaggedPart = 105,
 
         /// <summary>The flips of robust construction did not come to an end.</summary>
-        EndlessFlips = 106
+        EndlessFlips = 106,
+
+        /// <summary>The system would take more memory than it may, or more than the library can index.</summary>
+        TooLarge = 107
     }
 
     /// <summary>The native library refused a call.</summary>

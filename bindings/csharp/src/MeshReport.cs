@@ -30,8 +30,8 @@ namespace Qelm
         Fine,
 
         /// <summary>
-        /// Triangles are very thin, or very small for their distance from the origin: fields may have an error, which
-        /// <see cref="MeshSystem.MeasureError"/> measures. A few such triangles in a good mesh do no harm.
+        /// Triangles are very thin, or very small for their distance from the origin, and fields have an error, which was
+        /// measured. A few such triangles in a good mesh do no harm.
         /// </summary>
         WorksWithError,
 
@@ -45,12 +45,10 @@ namespace Qelm
     /// </summary>
     public sealed class MeshReport
     {
-        private const double Rounding = 1.0 / (1L << 52);
-
         // Six digits of a field are more than its mesh is good for.
-        private const double NoError = 1e-6;
+        internal const double NoError = 1e-6;
 
-        internal MeshReport(int code, QelmMeshReport report, bool works)
+        internal MeshReport(int code, QelmMeshReport report, bool works, double error)
         {
             Status = (QelmStatus)code;
             IndexOutOfRange = new MeshFinding(report.indexOutOfRange);
@@ -69,15 +67,22 @@ namespace Qelm
             CoincidentVertex = new MeshFinding(report.coincidentVertex);
             WorstTriangle = checked((int)report.worstTriangle);
             WorstQuality = report.worstQuality;
-            Grade = !works ? MeshGrade.WillNotWork
-                : Rounding / WorstQuality <= NoError ? MeshGrade.Fine : MeshGrade.WorksWithError;
+            Error = works && error > NoError ? error : 0;
+            Grade = !works ? MeshGrade.WillNotWork : Error == 0 ? MeshGrade.Fine : MeshGrade.WorksWithError;
         }
 
         /// <summary><see cref="QelmStatus.Ok"/>, or the first defect: in the order of the properties here.</summary>
         public QelmStatus Status { get; private set; }
 
-        /// <summary>How well the mesh can be solved on.</summary>
+        /// <summary>How well the mesh can be solved on; the command-line tool comes to the same.</summary>
         public MeshGrade Grade { get; private set; }
+
+        /// <summary>
+        /// The error that rounding leaves in a field, as a part of its largest value: measured as
+        /// <see cref="MeshSystem.MeasureError"/> does where the shape of the triangles leaves it open, and 0 where it is
+        /// below a millionth, or nothing works.
+        /// </summary>
+        public double Error { get; private set; }
 
         /// <summary>
         /// Whether <c>MeshSystem.Build</c> takes the mesh. So it does some whose <see cref="Status"/> is
@@ -92,6 +97,24 @@ namespace Qelm
         public string Description
         {
             get { return NativeLibrary.StatusText((int)Status); }
+        }
+
+        /// <summary>
+        /// "fine", "will work, but with an error of about 4e-05 of the largest value: triangle 17 is too thin, or too
+        /// small for its distance from the origin", or "will not work: " and why.
+        /// </summary>
+        public override string ToString()
+        {
+            if (Grade == MeshGrade.Fine)
+            {
+                return "fine";
+            }
+            if (Grade == MeshGrade.WorksWithError)
+            {
+                return "will work, but with an error of about " + Text.Rounded(Error) + " of the largest value: triangle "
+                    + Text.Of(WorstTriangle) + " is too thin, or too small for its distance from the origin";
+            }
+            return "will not work: " + (Status == QelmStatus.Ok ? "rounding leaves nothing of a field" : Description);
         }
 
         /// <summary>Triangles that name a vertex that does not exist.</summary>

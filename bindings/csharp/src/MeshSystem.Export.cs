@@ -8,7 +8,8 @@ namespace Qelm
         /// <summary>
         /// Writes the mesh with a field as a heat map: <paramref name="path"/> + ".obj" and + ".mtl". The texture
         /// coordinate is the field scaled to 0 .. 1 and reversed: 0 at the largest value. The material names the
-        /// colour ramp "viridis.PNG", which is not written and is looked for beside the files.
+        /// colour ramp "viridis.PNG", which viewers look for beside the files: <see cref="WriteColourRamp"/> puts it
+        /// there.
         /// </summary>
         /// <remarks>
         /// Six significant digits. The OBJ names its material file by the whole path as given; many viewers fail on
@@ -28,6 +29,25 @@ namespace Qelm
             fixed (double* f = field)
             {
                 WriteHeatMap(f, field.Length, path);
+            }
+        }
+
+        /// <summary>
+        /// Writes the image "viridis.PNG" that the materials of heat maps name: viridis, yellow at the left, where the
+        /// largest values are. One serves all heat maps of a folder.
+        /// </summary>
+        /// <param name="folder">Where the heat maps are; an image of that name is overwritten.</param>
+        /// <exception cref="ArgumentNullException">The folder is null.</exception>
+        /// <exception cref="IOException">The image cannot be written.</exception>
+        /// <exception cref="UnauthorizedAccessException">The image may not be written.</exception>
+        public static void WriteColourRamp(string folder)
+        {
+            Ensure.NotNull(folder, "folder");
+            const string Name = "viridis.PNG";
+            using (Stream image = typeof(MeshSystem).Assembly.GetManifestResourceStream(Name))
+            using (FileStream file = File.Create(Path.Combine(folder, Name)))
+            {
+                image.CopyTo(file);
             }
         }
 

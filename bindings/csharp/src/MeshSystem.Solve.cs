@@ -135,11 +135,37 @@ namespace Qelm
             return error;
         }
 
+        /// <summary>An error of one digit and more leaves no field.</summary>
+        internal const double NothingLeft = 0.1;
+
+        /// <summary>What <see cref="MeasureError"/> would say of a mesh; infinite where it cannot be solved on.</summary>
+        internal static double ErrorOf(double* vertices, int coordinateCount, int* triangles, int indexCount, int* tags,
+            int tagCount)
+        {
+            try
+            {
+                using (MeshSystem system = Build(vertices, coordinateCount, triangles, indexCount, tags, tagCount,
+                    false, false))
+                {
+                    return system.MeasureError();
+                }
+            }
+            catch (SingularSystemException)
+            {
+                return double.PositiveInfinity;
+            }
+        }
+
         private void DisposeUnlessSolvable()
         {
             try
             {
                 ThrowUnlessSolvable();
+                if (!(MeasureError() < NothingLeft))
+                {
+                    throw new SingularSystemException(FactorisationInfo, "Rounding leaves nothing of a field on this "
+                        + "mesh: its triangles are too thin, or too small for their distance from the origin.");
+                }
             }
             catch (SingularSystemException)
             {

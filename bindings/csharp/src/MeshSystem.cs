@@ -74,7 +74,9 @@ namespace Qelm
         /// names the first vertex or triangle at fault. <see cref="BuildRobust(double[], int[], int[], bool)"/> takes
         /// triangles without area.</exception>
         /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
-        /// failed.</exception>
+        /// failed, or rounding leaves nothing of a field.</exception>
+        /// <exception cref="InsufficientMemoryException">The system would take more memory than the machine has free, or
+        /// more than the library can index; the message has the figures.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
         /// looked for.</exception>
         public static MeshSystem Build(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
@@ -107,6 +109,8 @@ namespace Qelm
         /// <exception cref="SingularSystemException">With <paramref name="mustSolve"/>: the factorisation
         /// failed.</exception>
         /// <exception cref="QelmException">The construction did not come to an end.</exception>
+        /// <exception cref="InsufficientMemoryException">The system would take more memory than the machine has free, or
+        /// more than the library can index; the message has the figures.</exception>
         /// <exception cref="DllNotFoundException">The native library is missing; the message says where it was
         /// looked for.</exception>
         public static MeshSystem BuildRobust(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
@@ -145,13 +149,8 @@ namespace Qelm
         {
             int vertexCount = Ensure.Triples(coordinateCount, "vertices");
             int triangleCount = Ensure.Triples(indexCount, "triangles");
-            Ensure.AtLeastOne(vertexCount, "vertex", "vertices");
-            Ensure.AtLeastOne(triangleCount, "triangle", "triangles");
             Ensure.Length(tagCount, vertexCount, "tags");
-            Ensure.FiniteCoordinates(vertices, vertexCount, "vertices");
-            Ensure.IndicesInRange(triangles, triangleCount, vertexCount, "triangles");
-            Ensure.DistinctCorners(triangles, triangleCount, "triangles");
-            Ensure.EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
+            Ensure.Mesh(vertices, vertexCount, triangles, triangleCount);
             string blamed;
             string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, robust,
                 out blamed);
@@ -163,15 +162,13 @@ namespace Qelm
 
             int status;
             MeshSystemHandle handle;
-            if (robust)
+            QelmPrediction prediction;
+            long limit = MachineMemory.LimitFor(vertexCount);
+            NativeMethods.qelmctorLimitedTagged(vertexCount, vertices, triangleCount, triangles, tags, robust ? 1 : 0,
+                limit, &prediction, null, &status, out handle);
+            if ((QelmStatus)status == QelmStatus.TooLarge)
             {
-                NativeMethods.qelmctorRobustTagged(vertexCount, vertices, triangleCount, triangles, tags, null,
-                    &status, out handle);
-            }
-            else
-            {
-                NativeMethods.qelmctorTagged(vertexCount, vertices, triangleCount, triangles, tags, null, &status,
-                    out handle);
+                throw new InsufficientMemoryException(new Prediction(prediction).Refusal(limit));
             }
             QelmException.ThrowUnlessOk(status);
             var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount,

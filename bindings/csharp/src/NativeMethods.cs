@@ -101,6 +101,15 @@ namespace Qelm
             int* triangles, int* tags, QelmRobustReport* reportOut);
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int qelmpredictTagged(int vertexCount, double* vertices, int triangleCount,
+            int* triangles, int* tags, int robust, QelmPrediction* predictionOut);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int qelmctorLimitedTagged(int vertexCount, double* vertices, int triangleCount,
+            int* triangles, int* tags, int robust, long mostBytes, QelmPrediction* predictionOut, int* taggedCountOut,
+            int* status, out MeshSystemHandle handleOut);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void qelmcurvesTagged(MeshSystemHandle handle, double* field, int levelCount,
             double* levels, QelmCurves** curvesOut, int* status);
 

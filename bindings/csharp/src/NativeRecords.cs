@@ -62,6 +62,16 @@ namespace Qelm
         internal double worstQuality;
     }
 
+    /// <summary>What constructing a system takes.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct QelmPrediction
+    {
+        internal long factorEntries;
+        internal long handleBytes;
+        internal long peakBytes;
+        internal double multiplications;
+    }
+
     /// <summary>What the robust construction does to a mesh.</summary>
     [StructLayout(LayoutKind.Sequential)]
     internal struct QelmRobustReport

@@ -32,5 +32,18 @@ namespace Qelm
 
         /// <summary>Flips of edges, of all sheets.</summary>
         public long Flips { get; private set; }
+
+        /// <summary>"changed: 3 edges not Delaunay, 1 triangles without height, 12 flips", "the plain matrix is good", or
+        /// why the mesh cannot be built.</summary>
+        public override string ToString()
+        {
+            if (Status != QelmStatus.Ok)
+            {
+                return NativeLibrary.StatusText((int)Status);
+            }
+            return !IsChanged ? "the plain matrix is good"
+                : "changed: " + Text.Of(NotDelaunayEdges) + " edges not Delaunay, " + Text.Of(FlatTriangles)
+                    + " triangles without height, " + Text.Of(Flips) + " flips";
+        }
     }
 }

@@ -92,6 +92,17 @@ namespace Qelm
             }
         }
 
+        /// <inheritdoc cref="Predict(double[], int[], int[], bool)"/>
+        public static Prediction Predict(ReadOnlySpan<double> vertices, ReadOnlySpan<int> triangles,
+            ReadOnlySpan<int> tags, bool robust = false)
+        {
+            fixed (double* v = &MemoryMarshal.GetReference(vertices))
+            fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
+            {
+                return Predict(v, vertices.Length, t, triangles.Length, g, tags.Length, robust);
+            }
+        }
+
         /// <inheritdoc cref="CheckRobust(double[], int[], int[])"/>
         public static RobustReport CheckRobust(ReadOnlySpan<double> vertices, ReadOnlySpan<int> triangles,
             ReadOnlySpan<int> tags)

@@ -25,6 +25,13 @@ namespace Qelm
             get { return Vertices.Length / 3; }
         }
 
+        /// <summary>"5917 of 34560 vertices, 11520 triangles".</summary>
+        public override string ToString()
+        {
+            return Text.Of(VertexCount) + " of " + Text.Of(VertexMap.Length) + " vertices, " + Text.Of(TriangleCount)
+                + " triangles";
+        }
+
         /// <summary>Number of kept triangles.</summary>
         public int TriangleCount
         {

@@ -46,6 +46,21 @@ namespace Qelm.Tests
         }
 
         [Test]
+        public void TheColourRampIsWrittenBesideThem()
+        {
+            MeshSystem.WriteColourRamp(folder);
+            byte[] image = File.ReadAllBytes(At("viridis.PNG"));
+            CollectionAssert.AreEqual(new byte[] { 0x89, 0x50, 0x4e, 0x47 }, new ArraySegment<byte>(image, 0, 4));
+            // Its size in the header: 2048 x 64.
+            CollectionAssert.AreEqual(new byte[] { 0, 0, 8, 0, 0, 0, 0, 64 }, new ArraySegment<byte>(image, 16, 8));
+            File.WriteAllText(At("viridis.PNG"), new string('x', 100000));
+            MeshSystem.WriteColourRamp(folder);
+            CollectionAssert.AreEqual(image, File.ReadAllBytes(At("viridis.PNG")));
+            Assert.Throws<DirectoryNotFoundException>(() => MeshSystem.WriteColourRamp(At("missing")));
+            Assert.Throws<ArgumentNullException>(() => MeshSystem.WriteColourRamp(null));
+        }
+
+        [Test]
         public void FilesThatExistAreReplaced()
         {
             File.WriteAllText(At("map.obj"), new string('x', 10000));

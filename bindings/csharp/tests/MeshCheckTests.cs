@@ -91,9 +91,9 @@ namespace Qelm.Tests
             {
                 new { Height = 1.0, Grade = MeshGrade.Fine },
                 new { Height = 1e-4, Grade = MeshGrade.Fine },
-                new { Height = 1e-6, Grade = MeshGrade.WorksWithError },
-                new { Height = 1e-9, Grade = MeshGrade.WorksWithError },
-                new { Height = 1e-13, Grade = MeshGrade.WorksWithError },
+                new { Height = 1e-6, Grade = MeshGrade.Fine },
+                new { Height = 1e-9, Grade = MeshGrade.Fine },
+                new { Height = 1e-13, Grade = MeshGrade.Fine },
                 new { Height = 1e-15, Grade = MeshGrade.WillNotWork },
                 new { Height = 0.0, Grade = MeshGrade.WillNotWork }
             };
@@ -126,6 +126,51 @@ namespace Qelm.Tests
             }
         }
 
+        // Far enough out that a single digit of a field is left, or none.
+        [Test]
+        public void WhereRoundingLeavesNothingCheckAndBuildRefuse()
+        {
+            int refused = 0;
+            foreach (double distance in new[] { 1e12, 1e13, 1e14, 3e14, 1e15 })
+            {
+                TestMesh mesh = TestMesh.Grid(7, 6);
+                for (int i = 0; i < mesh.Vertices.Length; i += 3)
+                {
+                    mesh.Vertices[i] = mesh.Vertices[i] * 1.1 + 0.1 * Math.Sin(i) + distance;
+                    mesh.Vertices[i + 1] = mesh.Vertices[i + 1] * 0.9 + 0.7 * distance;
+                }
+                MeshReport report = Report(mesh);
+                if (report.IsSound)
+                {
+                    mesh.Build().Dispose();
+                    continue;
+                }
+                ++refused;
+                StringAssert.StartsWith("will not work: ", report.ToString());
+                Assert.AreEqual(0, report.Error);
+                Assert.Catch<Exception>(() => mesh.Build());
+            }
+            Assert.Greater(refused, 0);
+        }
+
+        [Test]
+        public void ReportsMeshesAndCurvesSayWhatTheyAre()
+        {
+            TestMesh mesh = TestMesh.Square();
+            Assert.AreEqual("fine", Report(mesh).ToString());
+            Assert.AreEqual("the plain matrix is good",
+                Mesh.CheckRobust(mesh.Vertices, mesh.Triangles, mesh.Tags).ToString());
+            Assert.AreEqual("4 of 4 vertices, 2 triangles", Mesh.Weld(mesh.Vertices, mesh.Triangles, 1e-9).ToString());
+            using (MeshSystem system = mesh.Build())
+            {
+                Curve curve = system.Curves(new double[] { 2, 4, 4, 2 }, new[] { 3.5 })[0];
+                Assert.AreEqual("level 3.5: open, " + curve.Points.Count + " points", curve.ToString());
+            }
+            mesh.Tags = new int[4];
+            Assert.AreEqual("will not work: " + NativeLibrary.StatusText((int)Report(mesh).Status),
+                Report(mesh).ToString());
+        }
+
         [Test]
         public void TheErrorIsMeasured()
         {
@@ -142,8 +187,12 @@ namespace Qelm.Tests
             }
             using (MeshSystem system = mesh.Build())
             {
-                Assert.AreEqual(MeshGrade.WorksWithError, Report(mesh).Grade);
+                MeshReport report = Report(mesh);
+                Assert.AreEqual(MeshGrade.WorksWithError, report.Grade);
                 double error = system.MeasureError();
+                Assert.AreEqual(error, report.Error);
+                StringAssert.IsMatch("^will work, but with an error of about [1-9]e-0[0-9] of the largest value: "
+                    + "triangle [0-9]+ is too thin, or too small for its distance from the origin$", report.ToString());
                 Assert.Greater(error, 1e-8);
                 Assert.Less(error, 1e-2);
             }

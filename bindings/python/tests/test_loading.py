@@ -27,7 +27,7 @@ def carrying(tmp_path):
     native = tmp_path / "qelm/native"
     for name, source in {"lib": LIBRARY, "bin": tmp_path / "prefix/bin/qelm"}.items():
         (native / name).mkdir(parents=True)
-        shutil.copy(source, native / name / ("libqelm.so.0" if name == "lib" else "qelm"))
+        shutil.copy(source, native / name / ("libqelm.so.1" if name == "lib" else "qelm"))
     return tmp_path
 
 
@@ -58,7 +58,7 @@ def test_without_library_the_error_says_where_it_was_looked_for():
     done = python(["-c", CHECK], QELM_LIBRARY=None)
     last = done.stderr.strip().splitlines()[-1]
     assert last.startswith("qelm.errors.LibraryError: the native library cannot be loaded: ")
-    assert f"it is neither at {PACKAGES / 'qelm/native/lib/libqelm.so.0'}" in last and "QELM_LIBRARY" in last
+    assert f"it is neither at {PACKAGES / 'qelm/native/lib/libqelm.so.1'}" in last and "QELM_LIBRARY" in last
 
 
 def test_another_library_is_refused_by_what_it_lacks(tmp_path):

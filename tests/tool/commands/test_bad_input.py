@@ -47,6 +47,7 @@ BAD_MESHES = {
     "not_convex": ("a.obj", obj(BOW, [(0, 1, 2, 3)]), "a.obj: face 0 (0, 1, 2, 3): a polygon that is not convex; split it"),
     "star": ("a.obj", obj(STAR, [(0, 1, 2, 3, 4)]), "a.obj: face 0 (0, 1, 2, 3, 4): a polygon that crosses itself; split it"),
     "polygon_repeats": ("a.obj", obj(STAR, [(0, 2, 4, 1, 3), (0, 1, 2, 1)]), "a.obj: face 1 (0, 1, 2, 1): a polygon that names a vertex twice"),
+    "nothing_left": ("a.obj", SQUARE.split("f")[0] + "f 1 2 1\n", "a.obj: none of 1 faces has three different corners; repair"),
     "polygon_flat": ("a.obj", obj([(k, 0, 0) for k in range(4)], [(0, 1, 2, 3)]), "a.obj: face 0 (0, 1, 2, 3): a polygon without area"),
     "open_part": ("a.obj", shapes.obj(shapes.joined(shapes.SQUARE, shapes.moved(shapes.SQUARE, (5, 0, 0)))), "a.obj: will not work: the connected part with vertex 4 (5, 0, 0), 4 vertices in all, has no fixed vertex; fix a vertex in every part"),
     "stl_facet_short": ("a.stl", shapes.stl_text(shapes.SQUARE).replace("    vertex 0 1 0\n", ""), "a.stl:14: facet 1 has 2 corners instead of three"),
@@ -142,10 +143,13 @@ BAD_USAGE = {
 
 
 
+# Taken without --strict: tests/tool/mesh_files/test_faces.py.
+STRICT = ("repeated_vertex", "unused_vertex", "not_convex", "star", "polygon_repeats", "polygon_flat")
+
 # A part of the message of everything that was read, but is no mesh to compute on.
 BAD_MESH = (
     "out of range", "vertex index 0", "not finite", "names vertex", "in no triangle",
-    "zero area", "too large to compute", "a polygon", "has only 2",
+    "zero area", "none of", "too large to compute", "a polygon", "has only 2",
 )  # fmt: skip
 
 
@@ -159,7 +163,7 @@ def bad_runs():
     """(group, case) -> (file, its content, arguments, exit code, part of the message)."""
     runs = {}
     for case, (name, content, message) in BAD_MESHES.items():
-        arguments = ["solve", name, *ONE_FIX, "-o", "field.csv"]
+        arguments = ["solve", name, *ONE_FIX, "-o", "field.csv", *(["--strict"] if case in STRICT else [])]
         runs["mesh", case] = (name, content, arguments, exit_code(message), message)
     for fix, message in BAD_FOR_THE_MESH.items():
         arguments = ["solve", "a.obj", "--fix", fix, "-o", "field.csv"]

@@ -50,13 +50,13 @@ def test_conditions_are_looked_at_when_given(qelm):
 def test_each_defect_is_counted_and_named(qelm):
     points = "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 2 0 0\nv 1 1 0\n"
     cases = [
-        (points + "f 1 2 3\nf 2 3 5\n", {"unusedVertex": (1, 3)}),
+        (points + "f 1 2 3\nf 2 3 5\n", {"unusedVertex": (1, 3)}, "--strict"),
         (points + "f 1 2 3\nf 1 2 4\nf 1 4 5\n", {"nearZeroArea": (1, 1)}),
-        (points + "f 1 2 3\nf 2 3 4\nf 1 5 5\n", {"repeatedVertex": (1, 2)}),
+        (points + "f 1 2 3\nf 2 3 4\nf 1 5 5\n", {"repeatedVertex": (1, 2)}, "--strict"),
         ("v 0 0 0\nv 1e70 0 0\nv 0 1e70 0\nf 1 2 3\n", {"sizeOutOfRange": (1, 0)}),
     ]
-    for content, expected in cases:
-        assert found(check(qelm, content, "--json", code=4)) == expected
+    for content, expected, *strict in cases:
+        assert found(check(qelm, content, "--json", *strict, code=4)) == expected
     text = check(qelm, cases[1][0], code=4).stdout
     assert "1 triangle has no area, or too little for its size and place: triangle 1 (0, 1, 3)" in text
     assert "Verdict: will not work: triangle 1 (0, 1, 3): zero area; remove" in text

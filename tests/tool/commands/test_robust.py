@@ -84,7 +84,7 @@ def test_wrong_use_is_refused(qelm):
 
 def test_defects_that_remain_are_named(qelm):
     qelm.write("twice.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nf 1 2 2\n")
-    assert "names vertex 1 twice" in qelm.fails(4, "solve", "twice.obj", "--fix", "vertex:0=1", "--robust")
+    assert "names vertex 1 twice" in qelm.fails(4, "solve", "twice.obj", "--fix", "vertex:0=1", "--robust", "--strict")
     qelm.write("two.obj", shapes.obj(shapes.joined(shapes.SQUARE, shapes.moved(shapes.SQUARE, (5, 0, 0)))))
     assert "has no fixed vertex" in qelm.fails(5, "solve", "two.obj", "--fix", "vertex:0=1", "--robust")
 
@@ -103,6 +103,6 @@ def test_check_says_what_it_would_do(qelm):
     # Weights between fixed vertices do not matter.
     report = json.loads(qelm.run("check", "flat.obj", "--json", "--fix", "vertex:0,1,2,3,4=1").stdout)
     assert report["information"]["robust"]["changed"] is False
-    qelm.write("unused.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 5 5 5\nf 1 2 3\n")
-    report = json.loads(qelm.run("check", "unused.obj", "--json").stdout)
+    qelm.write("twice.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nf 1 2 2\n")
+    report = json.loads(qelm.run("check", "twice.obj", "--json", "--strict").stdout)
     assert report["information"]["robust"] is None

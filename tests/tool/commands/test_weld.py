@@ -178,3 +178,39 @@ def test_parts_that_do_not_touch_are_no_soup(qelm):
     chain = shapes.joined(*(shapes.moved(shapes.SQUARE, (k, k, 0)) for k in range(20)))
     qelm.write("chain.obj", shapes.obj(chain))
     assert "soup" not in qelm.ok("check", "chain.obj").stderr
+
+
+OTHERS = {
+    "textured.obj": (
+        "v 0 0 0 1 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvn 0 0 1\ng front\nusemtl red\nf 1/1/1 2/1/1 3/1/1\nl 1 2\n",
+        "colours, groups, lines, materials, normals, texture coordinates",
+    ),
+    "plain.obj": (shapes.obj(shapes.SQUARE), None),
+    "coloured.off": (shapes.off(shapes.SQUARE).replace("3 0 1 2", "3 0 1 2 255 0 0"), "colours"),
+    "all.off": (
+        "STCNOFF\n3 1 0\n" + "".join(f"{x} 0 {y} 0 0 1 1 0 0 1 0 0\n" for x, y in ((0, 0), (1, 0), (0, 1))) + "3 0 1 2\n",
+        "colours, normals, texture coordinates",
+    ),
+    "plain.off": (shapes.off(shapes.SQUARE), None),
+    "scan.ply": (
+        "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\nproperty float nx\n"
+        "property uchar red\nproperty float quality\nelement face 1\nproperty list uchar int vertex_index\n"
+        "element edge 1\nproperty int vertex1\nend_header\n0 0 0 1 9 0.5\n1 0 0 1 9 0.5\n0 1 0 1 9 0.5\n3 0 1 2\n0\n",
+        "colours, normals, the elements 'edge', the property 'quality'",
+    ),
+    "plain.ply": (shapes.ply_binary(shapes.SQUARE), None),
+    "plain.stl": (shapes.stl_binary(shapes.SQUARE), None),
+    "coloured.stl": (shapes.stl_binary(shapes.SQUARE)[:-2] + b"\x1f\x80", "colours"),
+    "text.stl": (shapes.stl_text(shapes.SQUARE), None),
+}
+
+
+@pytest.mark.parametrize("command", ["weld", "repair"])
+def test_what_is_not_carried_over_is_said(qelm, command):
+    for name, (content, lost) in OTHERS.items():
+        qelm.write(name, content)
+        done = qelm.ok(command, name, "-o", f"{name}.out.obj")
+        assert ("not carried over" in done.stderr) == (lost is not None), name
+        if lost is not None:
+            assert f"note: {name}: not carried over: {lost}\n" in done.stderr
+        assert "not carried over" not in qelm.ok("info", name).stderr

@@ -16,6 +16,7 @@ CASES = {
     "a heat map": (["heatmap", "mesh.obj", *FIX, "-o", "out"], ["out.obj", "out.mtl", "viridis.PNG"]),
     "a heat map in one file": (["heatmap", "mesh.obj", *FIX, "-o", "out.ply"], ["out.ply"]),
     "a welded mesh": (["weld", "soup.stl", "-o", "out.obj"], ["out.obj"]),
+    "a repaired mesh": (["repair", "soup.stl", "-o", "out.obj"], ["out.obj"]),
 }
 for kind in ("obj", "json", "csv", "svg"):
     CASES[f"curves as {kind}"] = (["curves", "mesh.obj", *FIX, "--levels", "30", "-o", f"out.{kind}"], [f"out.{kind}"])

@@ -9,12 +9,12 @@ import built
 import shapes
 
 FIX = ["--fix", "vertex:0=0", "--fix", "vertex:2=1"]
-ENDING = {"solve": ".csv", "heatmap": ".ply", "curves": ".csv", "view": ".html", "weld": ".obj"}
+ENDING = {"solve": ".csv", "heatmap": ".ply", "curves": ".csv", "view": ".html", "weld": ".obj", "repair": ".obj"}
 
 
 def arguments_of(command):
     more = {"curves": ["--levels", "2"]}.get(command, [])
-    return [*more, *([] if command == "weld" else FIX)]
+    return [*more, *([] if command in ("weld", "repair") else FIX)]
 
 
 @pytest.fixture

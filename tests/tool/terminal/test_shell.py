@@ -8,7 +8,7 @@ import pytest
 
 import built
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "completion", "manual", "help"]
+COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "repair", "completion", "manual", "help"]
 posix_only = pytest.mark.skipif(built.IS_WINDOWS, reason="shells of POSIX")
 
 
@@ -56,7 +56,7 @@ def test_bash_completes_commands(bash):
 
 
 def test_bash_completes_options_of_the_command(bash):
-    assert bash("weld", "a.obj", "--") == sorted(["--help", "--output", "--tolerance", "--quiet", "--verbose", "--json"])
+    assert bash("weld", "a.obj", "--") == sorted(["--help", "--strict", "--output", "--tolerance", "--quiet", "--verbose", "--json"])
     assert bash("curves", "a.obj", "--le") == ["--levels"]
     assert bash("weld", "a.obj", "--le") == []
 

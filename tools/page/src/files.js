@@ -5,13 +5,22 @@ import { styledLegend } from './picture.js';
 import { visibleParts } from './raster.js';
 import { depthOf, visibleCurves } from './still.js';
 
-/** As `qelm solve` writes it: the value of every vertex, in the mesh's order, in full. */
-export function fieldCsv({ data, surface }) {
+/**
+ * As `qelm solve` writes it: the value of every vertex, in the mesh file's order, in full. Vertices in no triangle
+ * (facts.noValue, by their numbers) are not among the page's, and have none.
+ */
+export function fieldCsv({ data, surface, facts }) {
   const lines = ['vertex,x,y,z,value'];
   const { positions } = data;
-  surface.field.forEach((value, v) =>
-    lines.push(`${v},${positions[3 * v]},${positions[3 * v + 1]},${positions[3 * v + 2]},${value}`),
-  );
+  const others = new Map((facts.noValue ?? []).map(({ vertex, point }) => [vertex, point]));
+  const addOthers = () => {
+    for (; others.has(lines.length - 1); lines.push(`${lines.length - 1},${others.get(lines.length - 1).join()},`));
+  };
+  addOthers();
+  surface.field.forEach((value, v) => {
+    lines.push(`${lines.length - 1},${positions[3 * v]},${positions[3 * v + 1]},${positions[3 * v + 2]},${value}`);
+    addOthers();
+  });
   return `${lines.join('\n')}\n`;
 }
 

@@ -1,15 +1,18 @@
 #include "colours/colour_ply.h"
 
-#include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 #include "colours/viridis.h"
+#include "fields/field_range.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
 namespace {
+
+constexpr Colour kNoValue = {128, 128, 128};
 
 static_assert(std::endian::native == std::endian::little, "binary PLY is little-endian here");
 
@@ -25,13 +28,14 @@ void writeHeader(const Mesh& mesh, TextBlock& block) {
 }  // namespace
 
 void writeColourPly(const Mesh& mesh, std::span<const double> field, OutputFile& file) {
-  const auto [low, high] = std::minmax_element(field.begin(), field.end());
+  const FieldRange range = rangeOf(field);
   TextBlock block(file);
   writeHeader(mesh, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const double value = field[static_cast<std::size_t>(v)];
     for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
-    for (const std::uint8_t channel : viridis((value - *low) / (*high - *low)))
+    const double part = (value - range.low) / (range.high - range.low);
+    for (const std::uint8_t channel : std::isnan(value) ? kNoValue : viridis(part))
       block.bytes(channel);
     block.bytes(value);
   }

@@ -11,7 +11,7 @@ namespace qelm::tool {
 
 /// Binary, in the mesh's order: of every vertex its place and value as doubles and
 /// its colour, viridis over the field's range, as red, green, blue. The field must
-/// have a range.
+/// have a range; a vertex without a value is grey.
 void writeColourPly(const Mesh& mesh, std::span<const double> field, OutputFile& file);
 
 }  // namespace qelm::tool

@@ -10,6 +10,7 @@
 #include "files/output_file.h"
 #include "mesh/delaunay.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "qelm.h"
 #include "text/error.h"
@@ -31,7 +32,7 @@ struct Line {
   const char* advice;  ///< empty for what is no defect
 };
 
-/// A defect where the mesh will not work, else for information.
+/// Defects where the mesh will not work, else for information.
 constexpr Line kThin = {
     "nearZeroArea",
     &QelmMeshReport::nearZeroArea,
@@ -41,14 +42,20 @@ constexpr Line kThin = {
     "remove such triangles, merge their corners, or solve with --robust; move a mesh that is far "
     "away to the origin"};
 
+constexpr Line kUnused = {"unusedVertex",
+                          &QelmMeshReport::unusedVertex,
+                          Element::vertex,
+                          "vertex is in no triangle, and gets no value",
+                          "vertices are in no triangle, and get no value",
+                          "remove such vertices, or leave --strict away"};
+
 constexpr Line kDefects[] = {
     {"indexOutOfRange", &QelmMeshReport::indexOutOfRange, Element::triangle,
      "triangle names a vertex that does not exist", "triangles name a vertex that does not exist",
      "repair the file"},
     {"repeatedVertex", &QelmMeshReport::repeatedVertex, Element::triangle,
      "triangle names a vertex twice", "triangles name a vertex twice", "remove such triangles"},
-    {"unusedVertex", &QelmMeshReport::unusedVertex, Element::vertex, "vertex is in no triangle",
-     "vertices are in no triangle", "remove such vertices"},
+    kUnused,
     {"notFinite", &QelmMeshReport::notFinite, Element::vertex,
      "vertex has a coordinate that is not finite", "vertices have a coordinate that is not finite",
      "repair the file"},
@@ -79,6 +86,7 @@ constexpr Line kInformation[] = {
 
 struct Check {
   Mesh mesh;
+  bool strict = false;
   std::optional<Prescribed> prescribed;
   QelmMeshReport report = {};
   int code = 0;  ///< of the report's first defect
@@ -114,20 +122,27 @@ Check checkFile(const CheckOptions& options, const Console& console) {
   std::vector<Condition> conditions;
   for (const std::string& fix : options.fixes) conditions.push_back(parseCondition(fix));
   Check check;
-  check.mesh = loadWeldedMesh(options.mesh, console);
+  check.mesh = loadWeldedMesh({options.mesh, options.strict}, console);
+  check.strict = options.strict;
   std::vector<FixedVertex> fromFile;
-  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, check.mesh.vertexCount());
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, usedVertices(check.mesh));
   if (!conditions.empty() || !fromFile.empty())
     check.prescribed =
         naming(options.mesh, [&] { return prescribe(check.mesh, conditions, fromFile); });
   const std::vector<int> tags = tagsOf(check);
   check.report = reportOn(check.mesh, tags, &check.code);
   check.notDelaunay = notDelaunay(check.mesh, tags);
-  check.verdict = verdictOn(check.mesh, tags, check.report);
+  check.verdict = verdictOn(check.mesh, tags, check.report, check.strict);
   // What works is no defect, whatever the report says.
   if (check.works()) check.code = 0;
   check.robust = robustReportOf(check);
   return check;
+}
+
+/// Whether a finding keeps the mesh from working, or would.
+bool isDefect(const Check& check, const Line& line) {
+  if (line.finding == kThin.finding) return !check.works();
+  return line.finding != kUnused.finding || check.strict;
 }
 
 std::string describeFirst(const Mesh& mesh, Element element, std::int64_t index) {
@@ -179,12 +194,18 @@ std::string reportText(const Check& check, const std::string& name) {
                                  check.mesh.triangleCount());
   text += check.works() ? "Defects: none\n" : "Defects\n";
   for (const Line& line : kDefects) {
-    if (check.works() || (check.report.*line.finding).count == 0) continue;
+    if (!isDefect(check, line) || check.works() || (check.report.*line.finding).count == 0)
+      continue;
     text += describe(check, line) + fmt::format("          {}\n", line.advice);
   }
   text += "For information\n";
   for (const Line& line : kInformation) text += describe(check, line);
-  if (check.works() && check.report.nearZeroArea.count > 0) text += describe(check, kThin);
+  for (const Line& line : {kThin, kUnused})
+    if (!isDefect(check, line) && (check.report.*line.finding).count > 0)
+      text += describe(check, line);
+  if (check.mesh.leftOutFaces > 0)
+    text += fmt::format("{:>9} {} of fewer than three different corners, left out\n",
+                        check.mesh.leftOutFaces, check.mesh.leftOutFaces == 1 ? "face" : "faces");
   text += describeNotDelaunay(check);
   if (check.prescribed)
     text += fmt::format("{:>9} fixed {}\n", check.prescribed->fixedCount,
@@ -220,13 +241,13 @@ Json reportJson(const Check& check, const std::string& name) {
                {"defects", Json::object()},
                {"information", Json::object()}};
   for (const Line& line : kDefects) {
-    const bool isDefect = line.finding != kThin.finding || !check.works();
-    json[isDefect ? "defects" : "information"][line.key] = findingJson(check, line);
+    json[isDefect(check, line) ? "defects" : "information"][line.key] = findingJson(check, line);
   }
   if (!check.prescribed) json["defects"].erase("untaggedPart");
   for (const Line& line : kInformation) json["information"][line.key] = findingJson(check, line);
   json["information"]["notDelaunayEdge"] = {{"count", check.notDelaunay.count},
                                             {"canMatter", check.notDelaunay.free > 0}};
+  json["information"]["leftOutFaces"] = check.mesh.leftOutFaces;
   if (check.prescribed) json["information"]["fixedVertices"] = check.prescribed->fixedCount;
   json["information"]["robust"] = nullptr;
   if (check.robust) json["information"]["robust"] = robustJson(*check.robust);

@@ -11,6 +11,7 @@ namespace qelm::tool {
 
 struct CheckOptions {
   std::string mesh;
+  bool strict = false;             ///< see MeshSource
   std::vector<std::string> fixes;  ///< none, and no file: conditions are not looked at
   std::string fixFile;
 };

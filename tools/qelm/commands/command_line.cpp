@@ -10,6 +10,7 @@
 #include "commands/curves_command.h"
 #include "commands/heatmap_command.h"
 #include "commands/info_command.h"
+#include "commands/repair_command.h"
 #include "commands/solve_command.h"
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
@@ -31,10 +32,11 @@ void addOutputOptions(CLI::App& command, OutputOptions& output) {
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
-void addMesh(CLI::App& command, std::string& mesh) {
+void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
   command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl")
       ->type_name("MESH")
       ->required();
+  command.add_flag("--strict", strict, "Refuse what would be mended or left out");
 }
 
 void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& fixFile) {
@@ -46,7 +48,7 @@ void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& f
 }
 
 void addFieldOptions(CLI::App& command, FieldOptions& field) {
-  addMesh(command, field.mesh);
+  addMesh(command, field.mesh, field.strict);
   addFixes(command, field.fixes, field.fixFile);
   command.add_option("--load", field.load, "Add a load, one value per vertex")
       ->type_name("FILE.csv");
@@ -64,6 +66,15 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
 class HelpFormatter : public CLI::Formatter {
  public:
   HelpFormatter() { column_width(kColumn); }
+
+  /// No heading for the one thing that must be named.
+  std::string make_positionals(const CLI::App* app) const override {
+    std::string text;
+    for (const CLI::Option* option :
+         app->get_options([](const CLI::Option* o) { return o->get_positional(); }))
+      text += make_option(option, true);
+    return text;
+  }
 
   std::string make_option_opts(const CLI::Option* option) const override {
     if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
@@ -107,6 +118,7 @@ class CommandLine {
     addCurves();
     addView();
     addWeld();
+    addRepair();
     addCompletion();
     addManual();
     addHelp();
@@ -137,7 +149,7 @@ class CommandLine {
   void addInfo() {
     CLI::App& command =
         *app_.add_subcommand("info", "Say what a mesh is like: sizes, parts, boundary loops");
-    addMesh(command, info_.mesh);
+    addMesh(command, info_.mesh, info_.strict);
     addOutputOptions(command, output_);
     command.footer(footer(kInfoExamples, "facts, files, output"));
     onRun(command, [this] { runInfo(info_, output_); });
@@ -165,7 +177,7 @@ class CommandLine {
   void addCheck() {
     CLI::App& command =
         *app_.add_subcommand("check", "Say what is wrong with a mesh, and what it is like");
-    addMesh(command, check_.mesh);
+    addMesh(command, check_.mesh, check_.strict);
     addFixes(command, check_.fixes, check_.fixFile);
     addOutputOptions(command, output_);
     command.footer(footer(kCheckExamples, "checks, conditions, files, output"));
@@ -235,7 +247,7 @@ class CommandLine {
   void addWeld() {
     CLI::App& command =
         *app_.add_subcommand("weld", "Merge vertices that lie together, as in STL files");
-    addMesh(command, weld_.mesh);
+    addMesh(command, weld_.mesh, weld_.strict);
     command.add_option("-o,--output", weld_.output, "Where it goes; - is the standard output")
         ->type_name("OUT")
         ->required();
@@ -244,6 +256,21 @@ class CommandLine {
     addOutputOptions(command, output_);
     command.footer(footer(kWeldExamples, "welding, files, output"));
     onRun(command, [this] { runWeld(weld_, output_); });
+  }
+
+  void addRepair() {
+    CLI::App& command =
+        *app_.add_subcommand("repair", "Make a mesh that can be solved on of one that cannot");
+    addMesh(command, repair_.mesh, repair_.strict);
+    command.add_option("-o,--output", repair_.output, "Where it goes; - is the standard output")
+        ->type_name("OUT")
+        ->required();
+    command
+        .add_option("--tolerance", repair_.tolerance, "What is smaller than this counts as none")
+        ->type_name("DISTANCE");
+    addOutputOptions(command, output_);
+    command.footer(footer(kRepairExamples, "mending, welding, files, output"));
+    onRun(command, [this] { runRepair(repair_, output_); });
   }
 
   void addCompletion() {
@@ -327,6 +354,7 @@ class CommandLine {
   CurvesOptions curves_;
   ViewOptions view_;
   WeldOptions weld_;
+  RepairOptions repair_;
 };
 
 }  // namespace

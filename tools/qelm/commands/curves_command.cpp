@@ -11,8 +11,10 @@
 #include "curves/curve_svg.h"
 #include "curves/projection.h"
 #include "curves/upright.h"
+#include "fields/field_range.h"
 #include "files/output_file.h"
 #include "files/paths.h"
+#include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/error.h"
 
@@ -58,24 +60,15 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
   return targets;
 }
 
-struct Range {
-  double low, high;
-};
-
-Range rangeOf(const SolvedField& solved) {
-  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  return {*low, *high};
-}
-
-void write(Target& target, const SolvedField& solved, const CurveSet& curves,
+void write(Target& target, const SolvedField& solved, const Mesh& shown, const CurveSet& curves,
            const Projection& projection, const std::string& unit) {
   OutputFile& file = *target.file;
   if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
   if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
   if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
   if (target.format == CurveFormat::kSvg) {
-    const Range range = rangeOf(solved);
-    writeCurvesSvg({solved.mesh, curves, projection, toUtf8(toPath(solved.meshName).filename()),
+    const FieldRange range = rangeOf(solved.fields);
+    writeCurvesSvg({shown, curves, projection, toUtf8(toPath(solved.meshName).filename()),
                     range.low, range.high, unit},
                    file);
   }
@@ -106,16 +99,16 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
-  const Range range = rangeOf(solved);
+  const FieldRange range = rangeOf(solved.fields);
   const std::vector<double> levels =
       naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
   const CurveSet curves =
       solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
-    const Projection projection =
-        projectionFor(view, solved.mesh, upAxis(up, solved.meshName, solved.mesh));
-    for (Target& target : targets) write(target, solved, curves, projection, options.unit);
+    const Mesh shown = usedPart(solved.mesh).mesh;
+    const Projection projection = projectionFor(view, shown, upAxis(up, solved.meshName, shown));
+    for (Target& target : targets) write(target, solved, shown, curves, projection, options.unit);
     std::vector<OutputFile*> files;
     for (const Target& target : targets) files.push_back(target.file.get());
     commitTogether(files);

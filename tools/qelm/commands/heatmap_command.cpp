@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <span>
 
 #include "colours/colour_ply.h"
 #include "colours/heat_obj.h"
 #include "colours/ramp_image.h"
 #include "files/output_file.h"
 #include "files/paths.h"
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -43,7 +45,9 @@ void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   requireRange(solved, "colour");
   solved.steps.run("write", [&] {
     // A reader looks for the material from where the OBJ file lies.
-    writeHeatObj(solved.mesh, solved.field(), solved.prescribed.tags,
+    const UsedPart part = usedPart(solved.mesh);
+    writeHeatObj(part.mesh, part.of(solved.field()),
+                 part.of(std::span<const int>(solved.prescribed.tags)),
                  withExtension(base.filename(), ".mtl"), obj);
     writeHeatMtl(mtl);
     ramp.write(rampImage());

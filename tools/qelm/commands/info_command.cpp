@@ -111,7 +111,9 @@ Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
 void runInfo(const InfoOptions& options, const OutputOptions& output) {
   const Console console(output);
   Steps steps(console);
-  const Mesh mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  const Mesh mesh = steps.run("read", [&] {
+    return loadWeldedMesh({options.mesh, options.strict}, console);
+  });
   const MeshFacts facts = naming(options.mesh, [&] {
     checkFinite(mesh);
     return steps.run("measure", [&] { return factsOf(mesh); });

@@ -10,6 +10,7 @@ namespace qelm::tool {
 
 struct InfoOptions {
   std::string mesh;
+  bool strict = false;  ///< see MeshSource
 };
 
 /// Prints on the standard output what a mesh is like; defects do not matter here.

@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 #include <optional>
 
 #include "fields/field_csv.h"
+#include "fields/field_range.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
@@ -18,12 +18,9 @@ using Json = nlohmann::ordered_json;
 
 /// The vertex and field where two sets of fields differ most.
 std::size_t worstOf(const std::vector<double>& fields, const std::vector<double>& others) {
-  std::size_t worst = 0;
-  const auto difference = [&](std::size_t i) { return std::abs(fields[i] - others[i]); };
-  for (std::size_t i = 1; i < fields.size(); ++i) {
-    if (difference(i) > difference(worst)) worst = i;
-  }
-  return worst;
+  std::vector<double> differences(fields.size());
+  for (std::size_t i = 0; i < fields.size(); ++i) differences[i] = std::abs(fields[i] - others[i]);
+  return static_cast<std::size_t>(rangeOf(differences).highest);
 }
 
 /// How far the plain fields are off, or why there are none.
@@ -36,18 +33,18 @@ ReportItem comparePlain(const SolvedField& solved) {
     const auto n = static_cast<std::size_t>(solved.mesh.vertexCount());
     const int vertex = static_cast<int>(worst % n);
     const double difference = std::abs(fields[worst] - solved.fields[worst]);
-    const auto [low, high] = std::minmax_element(fields.begin(), fields.end());
+    const FieldRange range = rangeOf(fields);
     std::string text = fmt::format("differs by at most {:.3g}, at {}", difference,
                                    describeVertex(solved.mesh, vertex));
     if (solved.fieldCount() > 1) text += fmt::format(" of field {}", worst / n + 1);
     return {"plain",
-            text + fmt::format("; from {:.6g} to {:.6g}", *low, *high),
+            text + fmt::format("; from {:.6g} to {:.6g}", range.low, range.high),
             {{"plain",
               {{"difference", difference},
                {"vertex", vertex},
                {"field", worst / n},
-               {"min", *low},
-               {"max", *high}}}}};
+               {"min", range.low},
+               {"max", range.high}}}}};
   } catch (const SingularError& error) {
     return {
         "plain", std::string("no field: ") + error.what(), {{"plain", {{"error", error.what()}}}}};

@@ -5,12 +5,15 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "curves/projection.h"
 #include "curves/upright.h"
+#include "fields/field_range.h"
 #include "files/output_file.h"
 #include "files/paths.h"
+#include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "page/page_data.h"
 #include "page/view_page.h"
@@ -29,8 +32,8 @@ struct FirstView {
 std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
 
 /// What the page writes into its corner, and what it begins with.
-Json pageFacts(const SolvedField& solved, const ViewOptions& options, const FirstView& view,
-               const std::vector<double>& levels) {
+Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& options,
+               const FirstView& view, const std::vector<double>& levels) {
   Json conditions = Json::array();
   if (solved.fromFile > 0)
     conditions.push_back({{"text", toUtf8(toPath(options.field.fixFile).filename())},
@@ -47,10 +50,15 @@ Json pageFacts(const SolvedField& solved, const ViewOptions& options, const Firs
                 {"levels", levels},
                 {"unit", options.unit},
                 {"up", nullptr},
-                {"toward", nullptr}};
-  const std::size_t up = upAxis(view.up, solved.meshName, solved.mesh);
+                {"toward", nullptr},
+                {"noValue", Json::array()}};
+  const std::vector<bool> used = usedVertices(solved.mesh);
+  for (int v = 0; v < solved.mesh.vertexCount(); ++v)
+    if (!used[static_cast<std::size_t>(v)])
+      facts["noValue"].push_back({{"vertex", v}, {"point", solved.mesh.point(v)}});
+  const std::size_t up = upAxis(view.up, solved.meshName, shown);
   facts["up"] = std::string(1, "xyz"[up]);
-  if (view.choice.direction) facts["toward"] = projectionFor(view.choice, solved.mesh, up).toward;
+  if (view.choice.direction) facts["toward"] = projectionFor(view.choice, shown, up).toward;
   return facts;
 }
 
@@ -66,6 +74,15 @@ std::vector<int> fixedBy(const SolvedField& solved) {
 // From so many vertices on, positions on a page that only shows them are rounded to what a
 // screen can show: 24 bits across the mesh, nine bytes a vertex instead of 24.
 constexpr int kMostExact = 100'000;
+
+/// Vertices in no triangle have nothing to show.
+std::string pageDataOf(const SolvedField& solved, const UsedPart& part, bool isExact) {
+  const std::vector<double> field = part.of(solved.field());
+  std::vector<double> load;
+  if (!solved.load.empty()) load = part.of(std::span<const double>(solved.load));
+  const std::vector<int> places = fixedBy(solved);
+  return pageData({part.mesh, field, load, part.of(std::span<const int>(places)), isExact});
+}
 
 /// A page of the caller's own may solve with the positions.
 bool isExact(const SolvedField& solved, const ViewOptions& options) {
@@ -144,15 +161,15 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
-  const auto range = std::minmax_element(solved.fields.begin(), solved.fields.end());
+  const FieldRange range = rangeOf(solved.fields);
   const std::vector<double> levels =
-      naming(solved.meshName, [&] { return choice.levels(*range.first, *range.second, console); });
+      naming(solved.meshName, [&] { return choice.levels(range.low, range.high, console); });
   solved.steps.run("write", [&] {
+    const UsedPart part = usedPart(solved.mesh);
     writeFilled(page,
                 {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
-                 {kFactsMark, inScript(pageFacts(solved, options, view, levels))},
-                 {kMeshMark, base64(pageData({solved.mesh, solved.field(), solved.load,
-                                              fixedBy(solved), isExact(solved, options)}))}},
+                 {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, levels))},
+                 {kMeshMark, base64(pageDataOf(solved, part, isExact(solved, options)))}},
                 file);
     file.commit();
   });

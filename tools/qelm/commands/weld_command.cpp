@@ -1,12 +1,11 @@
 #include "commands/weld_command.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
-#include <cmath>
 #include <nlohmann/json.hpp>
+#include <optional>
 
-#include "fields/verdict.h"
+#include "commands/new_mesh.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
@@ -19,13 +18,6 @@ namespace qelm::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-double parsedTolerance(const std::string& text) {
-  const auto value = parseDouble(trimmed(text));
-  if (!value || !std::isfinite(*value) || *value < 0)
-    throw UsageError(fmt::format("--tolerance {}: a distance is needed, 0 or larger", text));
-  return *value;
-}
 
 struct WeldRun {
   Mesh before;
@@ -68,21 +60,6 @@ void printLines(const WeldRun& run, const WeldOptions& options, const Console& c
   console.line("result   " + (options.output == "-" ? "standard output" : options.output));
 }
 
-/// A welded mesh that cannot be solved on is still a result; better to know now.
-void noteProblems(const Mesh& mesh, const Console& console) {
-  const std::vector<int> tags = leastTags(mesh);
-  const Verdict verdict = verdictOn(mesh, tags, reportOn(mesh, tags));
-  if (verdict.grade != Grade::kFine) console.note("the result " + verdict.text);
-}
-
-void noteLosses(const WeldRun& run, const WeldOptions& options, const Console& console) {
-  if (run.lostToSinglePrecision == 0) return;
-  console.note(fmt::format(
-      "{}: STL holds single precision, in which neighbouring vertices fall together: {} of {} "
-      "triangles are lost; write .ply or .obj, or move the mesh to the origin",
-      options.output, run.lostToSinglePrecision, run.after.mesh.triangleCount()));
-}
-
 }  // namespace
 
 void runWeld(const WeldOptions& options, const OutputOptions& output) {
@@ -92,26 +69,26 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
   const MeshFormat format = writableFormat(options.output);
   WeldRun run;
   run.steps = Steps(console);
-  if (options.tolerance) run.tolerance = parsedTolerance(*options.tolerance);
+  const std::optional<double> tolerance = parseTolerance(options.tolerance);
   OutputFile file(options.output, output.inputs);
-  run.before = run.steps.run("read", [&] { return loadMesh(options.mesh, console); });
+  run.before = run.steps.run("read", [&] {
+    return loadMesh({options.mesh, options.strict}, console);
+  });
   naming(options.mesh, [&] {
     run.steps.run("weld", [&] {
       checkFinite(run.before);
-      if (!options.tolerance) run.tolerance = kDefaultWeldPart * diagonal(run.before);
+      run.tolerance = tolerance.value_or(kDefaultWeldPart * diagonal(run.before));
       run.after = weld(run.before, run.tolerance);
     });
   });
-  if (format == MeshFormat::kStl) {
-    run.lostToSinglePrecision =
-        naming(options.mesh, [&] { return lostToSinglePrecision(run.after.mesh); });
-    noteLosses(run, options, console);
-  }
+  run.lostToSinglePrecision = naming(options.mesh, [&] {
+    return noteSinglePrecision(run.after.mesh, format, options.output, console);
+  });
   run.steps.run("write", [&] {
     writeMesh(run.after.mesh, format, file);
     file.commit();
   });
-  noteProblems(run.after.mesh, console);
+  noteVerdict(run.after.mesh, console);
   if (output.json)
     printJson(run, options);
   else

@@ -11,6 +11,7 @@ namespace qelm::tool {
 
 struct WeldOptions {
   std::string mesh;
+  bool strict = false;  ///< see MeshSource
   std::string output;
   std::optional<std::string> tolerance;  ///< as written; none: the default
 };

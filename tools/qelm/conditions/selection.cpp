@@ -10,6 +10,7 @@
 
 #include "mesh/boundary.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
 #include "text/text.h"
@@ -48,7 +49,7 @@ class Selection {
  public:
   Selection(const Mesh& mesh, const Condition& condition,
             std::optional<std::vector<BoundaryLoop>>& loops)
-      : mesh_(mesh), condition_(condition), loops_(loops) {}
+      : mesh_(mesh), used_(usedVertices(mesh)), condition_(condition), loops_(loops) {}
 
   std::vector<int> run() {
     std::vector<int> vertices =
@@ -69,6 +70,8 @@ class Selection {
       if (v >= mesh_.vertexCount())
         fail(fmt::format("there is no vertex {}; the mesh has {} vertices, numbered 0 to {}", v,
                          mesh_.vertexCount(), mesh_.vertexCount() - 1));
+      if (!used_[static_cast<std::size_t>(v)])
+        fail(fmt::format("vertex {} is in no triangle, so nothing depends on its value", v));
       vertices.push_back(static_cast<int>(v));
     }
     return vertices;
@@ -107,6 +110,7 @@ class Selection {
     int nearest = 0;
     long double least = std::numeric_limits<long double>::infinity();
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
+      if (!used_[static_cast<std::size_t>(v)]) continue;
       const long double here = distance(mesh_.point(v), target.point);
       if (here < least) {
         nearest = v;
@@ -120,7 +124,7 @@ class Selection {
     std::vector<int> vertices;
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
       const Point p = mesh_.point(v);
-      bool inside = true;
+      bool inside = used_[static_cast<std::size_t>(v)];
       for (std::size_t k = 0; k < 3; ++k)
         inside = inside && box.low[k] <= p[k] && p[k] <= box.high[k];
       if (inside) vertices.push_back(v);
@@ -136,6 +140,7 @@ class Selection {
   }
 
   const Mesh& mesh_;
+  std::vector<bool> used_;  ///< others cannot be selected
   const Condition& condition_;
   std::optional<std::vector<BoundaryLoop>>& loops_;
 };
@@ -198,9 +203,9 @@ Nearest nearestOf(const Mesh& mesh, const Condition& condition, int vertex,
 }
 
 /// A condition that leaves nothing to solve for is rarely meant.
-void noteWhole(const Mesh& mesh, const Condition& condition, std::size_t selected,
-               std::size_t loops, std::vector<std::string>& notes) {
-  if (selected != static_cast<std::size_t>(mesh.vertexCount())) return;
+void noteWhole(int usedCount, const Condition& condition, std::size_t selected, std::size_t loops,
+               std::vector<std::string>& notes) {
+  if (selected != static_cast<std::size_t>(usedCount)) return;
   std::string note = fmt::format(
       "--fix {} takes every vertex of the mesh: nothing is left to solve", condition.text);
   if (std::holds_alternative<WholeBoundary>(condition.selector) && loops > 1)
@@ -218,7 +223,20 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
   prescribed.heldBy.assign(n, 0);
   prescribed.fieldCount = fieldCount(conditions);
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
-  for (const FixedVertex& fixed : fromFile) fix(prescribed, fixed);
+  const std::vector<bool> used = usedVertices(mesh);
+  const auto usedCount = static_cast<int>(std::count(used.begin(), used.end(), true));
+  int onNothing = 0;
+  for (const FixedVertex& fixed : fromFile) {
+    if (used[static_cast<std::size_t>(fixed.vertex)])
+      fix(prescribed, fixed);
+    else
+      ++onNothing;
+  }
+  if (onNothing > 0)
+    prescribed.notes.push_back(
+        fmt::format("the file holds values at {} vertices that are in no triangle; nothing depends "
+                    "on them",
+                    onNothing));
   std::optional<std::vector<BoundaryLoop>> loops;
   for (const Condition& condition : conditions) {
     const std::vector<int> vertices = Selection(mesh, condition, loops).run();
@@ -227,7 +245,7 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
     prescribed.nearest.emplace_back();
     if (std::holds_alternative<NearestTo>(condition.selector))
       prescribed.nearest.back() = nearestOf(mesh, condition, vertices[0], prescribed.notes);
-    noteWhole(mesh, condition, vertices.size(), loops ? loops->size() : 0, prescribed.notes);
+    noteWhole(usedCount, condition, vertices.size(), loops ? loops->size() : 0, prescribed.notes);
     const std::vector<int> changed = fix(prescribed, vertices, condition, number);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
@@ -235,10 +253,9 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
           describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
           describeVertex(mesh, changed[0])));
   }
-  const bool isWhole = prescribed.fixedCount == mesh.vertexCount();
-  const bool isOneCondition =
-      std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
-                  [&mesh](int count) { return count == mesh.vertexCount(); });
+  const bool isWhole = prescribed.fixedCount == usedCount;
+  const bool isOneCondition = std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
+                                          [usedCount](int count) { return count == usedCount; });
   if (isWhole && !isOneCondition)
     prescribed.notes.push_back("every vertex of the mesh is fixed: nothing is left to solve");
   return prescribed;

@@ -34,6 +34,8 @@ struct Prescribed {
 /// Applies first what a file holds, then the conditions in order; where they overlap with different
 /// values the later one holds and a note names the first such vertex.
 ///
+/// Vertices in no triangle are not selected, and a note counts those that the file fixes.
+///
 /// Throws RequestError when a condition names what the mesh has not, or selects
 /// nothing; UsageError when the conditions disagree about the number of fields.
 Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,

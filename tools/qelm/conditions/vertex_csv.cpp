@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-#include "conditions/conditions.h"
+#include "conditions/csv_dialect.h"
 #include "files/paths.h"
 #include "text/error.h"
 #include "text/text.h"
@@ -29,6 +29,14 @@ struct Row {
   int tag;
 };
 
+std::string lowerCase(std::string_view title) {
+  std::string lower(title);
+  std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return lower;
+}
+
 /// What sets the two kinds of files apart.
 struct Form {
   const char* what;      ///< "load"
@@ -38,17 +46,26 @@ struct Form {
 
 class VertexCsv {
  public:
-  VertexCsv(std::string_view text, const std::string& name, int vertexCount, const Form& form)
-      : lines_(text),
+  VertexCsv(std::string_view text, const std::string& name, const std::vector<bool>& used,
+            const Form& form)
+      : text_(toUtf8Text(text)),
+        lines_(text_),
         name_(name),
         form_(form),
-        given_(static_cast<std::size_t>(vertexCount), false) {}
+        used_(used),
+        given_(used.size(), false) {}
 
   std::vector<Row> run() {
     while (lines_.next()) {
-      const std::string_view line = trimmed(lines_.line().substr(0, lines_.line().find('#')));
-      if (line.empty()) continue;
-      const std::vector<std::string_view> fields = splitAt(line, ',');
+      const std::size_t mark = lines_.line().find('#');
+      const std::string_view line = trimmed(lines_.line().substr(0, mark));
+      if (line.empty()) {
+        if (mark != std::string_view::npos) comment_ = lines_.line().substr(mark + 1);
+        continue;
+      }
+      if (!dialect_) dialect_ = CsvDialect::of(line);
+      // A separator at the end stands before an empty field, also when it is a tab.
+      const std::vector<std::string_view> fields = dialect_->fields(lines_.line().substr(0, mark));
       if (!columns_ && (columns_ = header(fields))) continue;
       if (!columns_) columns_ = withoutHeader(fields.size());
       row(fields);
@@ -68,22 +85,33 @@ class VertexCsv {
 
   std::optional<Columns> header(const std::vector<std::string_view>& fields) const {
     if (std::all_of(fields.begin(), fields.end(),
-                    [](std::string_view f) { return parseDouble(trimmed(f)).has_value(); }))
+                    [this](std::string_view f) { return dialect_->number(f).has_value(); }))
       return {};
-    Columns columns{fields.size(), {}, fields.size(), {}};
-    for (std::size_t k = 0; k < fields.size(); ++k) {
-      const std::string_view title = trimmed(fields[k]);
-      if (title == "vertex") columns.vertex = k;
-      if (title == "value") columns.value = k;
-      if (title == "tag" && form_.mayHaveTags) columns.tag = k;
-    }
+    const Columns columns = titled(fields);
     if (columns.value == fields.size())
       fail("neither a row of numbers nor a header with a column 'value'");
     if (!columns.vertex && !form_.mayOmitVertices) fail("the header has no column 'vertex'");
     return columns;
   }
 
+  /// The columns by their titles; the value's is beyond the last where there is none.
+  Columns titled(const std::vector<std::string_view>& titles) const {
+    Columns columns{titles.size(), {}, titles.size(), {}};
+    for (std::size_t k = 0; k < titles.size(); ++k) {
+      const std::string title = lowerCase(titles[k]);
+      if (title == "vertex") columns.vertex = k;
+      if (title == "value") columns.value = k;
+      if (title == "tag" && form_.mayHaveTags) columns.tag = k;
+    }
+    return columns;
+  }
+
+  /// The last comment before the rows can be their header: so numpy.savetxt() writes it.
   Columns withoutHeader(std::size_t count) const {
+    const Columns columns = titled(dialect_->fields(comment_));
+    if (columns.count == count && columns.value < count &&
+        (columns.vertex || form_.mayOmitVertices))
+      return columns;
     if (count == 1 && form_.mayOmitVertices) return {1, {}, 0, {}};
     if (count == 2) return {2, 0, 1, {}};
     if (count == 3 && form_.mayHaveTags) return {3, 0, 1, 2};
@@ -93,7 +121,8 @@ class VertexCsv {
 
   void row(const std::vector<std::string_view>& fields) {
     if (fields.size() != columns_->count)
-      fail(fmt::format("{} columns instead of {}", fields.size(), columns_->count));
+      fail(fmt::format("{} columns instead of {}, {}", fields.size(), columns_->count,
+                       dialect_->name()));
     const std::size_t vertex =
         columns_->vertex ? vertexIn(fields[*columns_->vertex]) : rows_.size();
     if (vertex >= given_.size())
@@ -101,34 +130,46 @@ class VertexCsv {
                        form_.what));
     if (given_[vertex]) fail(fmt::format("vertex {} has a {} already", vertex, form_.what));
     given_[vertex] = true;
+    // As fields are written: a vertex in no triangle has no value.
+    if (!used_[vertex] && fields[columns_->value].empty()) return;
     rows_.push_back({vertex, valueIn(fields[columns_->value]),
                      columns_->tag ? tagIn(fields[*columns_->tag]) : 1});
   }
 
   std::size_t vertexIn(std::string_view field) const {
-    const auto vertex = parseInteger(trimmed(field));
+    const auto vertex = dialect_->wholeNumber(field);
     if (!vertex || *vertex < 0 || static_cast<std::size_t>(*vertex) >= given_.size())
-      fail(fmt::format("there is no vertex '{}'; the mesh has {} vertices, numbered 0 to {}",
-                       trimmed(field), given_.size(), given_.size() - 1));
+      fail(fmt::format("there is no vertex '{}'; the mesh has {} vertices, numbered 0 to {}", field,
+                       given_.size(), given_.size() - 1));
     return static_cast<std::size_t>(*vertex);
   }
 
   double valueIn(std::string_view field) const {
-    const auto value = parseDouble(trimmed(field));
-    if (!value) fail(fmt::format("'{}' is not a number", trimmed(field)));
-    if (!std::isfinite(*value)) fail(fmt::format("'{}' is not finite", trimmed(field)));
+    const auto value = dialect_->number(field);
+    if (!value) fail(fmt::format("'{}' is not a number{}", field, hint(field)));
+    if (!std::isfinite(*value)) fail(fmt::format("'{}' is not finite", field));
     return *value;
   }
 
-  int tagIn(std::string_view field) const {
-    const auto tag = parseTag(trimmed(field));
-    if (!tag) fail(fmt::format("'{}' is not a tag; give 1, 2 or 3", trimmed(field)));
-    return *tag;
+  /// What a field that holds other separators may have been meant for.
+  std::string hint(std::string_view field) const {
+    if (field.find_first_of(" \t;,") == std::string_view::npos) return "";
+    return fmt::format("; the first line says that fields are {}", dialect_->name());
   }
 
+  int tagIn(std::string_view field) const {
+    const auto tag = dialect_->wholeNumber(field);
+    if (!tag || *tag < 1 || *tag > 3) fail(fmt::format("'{}' is not a tag; give 1, 2 or 3", field));
+    return static_cast<int>(*tag);
+  }
+
+  std::string text_;
   LineReader lines_;
+  std::string_view comment_;
+  std::optional<CsvDialect> dialect_;
   const std::string& name_;
   const Form& form_;
+  const std::vector<bool>& used_;
   std::vector<bool> given_;
   std::vector<Row> rows_;
   std::optional<Columns> columns_;
@@ -136,31 +177,31 @@ class VertexCsv {
 
 }  // namespace
 
-std::vector<double> parseLoad(std::string_view text, const std::string& name, int vertexCount) {
-  std::vector<double> load(static_cast<std::size_t>(vertexCount), 0.0);
+std::vector<double> parseLoad(std::string_view text, const std::string& name,
+                              const std::vector<bool>& used) {
+  std::vector<double> load(used.size(), 0.0);
   const Form form{"load", true, false};
-  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
-    load[row.vertex] = row.value;
+  for (const Row& row : VertexCsv(text, name, used, form).run()) load[row.vertex] = row.value;
   return load;
 }
 
 std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& name,
-                                    int vertexCount) {
+                                    const std::vector<bool>& used) {
   std::vector<FixedVertex> fixes;
   const Form form{"value", false, true};
-  for (const Row& row : VertexCsv(text, name, vertexCount, form).run())
+  for (const Row& row : VertexCsv(text, name, used, form).run())
     fixes.push_back({static_cast<int>(row.vertex), row.value, row.tag});
   if (fixes.empty())
     throw FileError(fmt::format("{}: no vertex to fix; give lines of VERTEX,VALUE", name));
   return fixes;
 }
 
-std::vector<double> readLoad(const std::string& name, int vertexCount) {
-  return parseLoad(readFile(toPath(name)), name, vertexCount);
+std::vector<double> readLoad(const std::string& name, const std::vector<bool>& used) {
+  return parseLoad(readFile(toPath(name)), name, used);
 }
 
-std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount) {
-  return parseFixes(readFile(toPath(name)), name, vertexCount);
+std::vector<FixedVertex> readFixes(const std::string& name, const std::vector<bool>& used) {
+  return parseFixes(readFile(toPath(name)), name, used);
 }
 
 }  // namespace qelm::tool

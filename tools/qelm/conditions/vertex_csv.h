@@ -9,8 +9,9 @@
 namespace qelm::tool {
 
 /// Reads one load per vertex from a CSV file, see the topic "loads" of the help for its forms.
-/// Throws FileError that names the file and the line.
-std::vector<double> readLoad(const std::string& name, int vertexCount);
+/// `used` says of each vertex whether it is in some triangle; others may lack a value. Throws
+/// FileError that names the file and the line.
+std::vector<double> readLoad(const std::string& name, const std::vector<bool>& used);
 
 struct FixedVertex {
   int vertex;
@@ -20,12 +21,13 @@ struct FixedVertex {
 
 /// Reads values to hold, see the topic "conditions" of the help; every vertex at most once, in the
 /// file's order. Throws FileError that names the file and the line.
-std::vector<FixedVertex> readFixes(const std::string& name, int vertexCount);
+std::vector<FixedVertex> readFixes(const std::string& name, const std::vector<bool>& used);
 
 /// The same for the text of a file that is called `name`.
-std::vector<double> parseLoad(std::string_view text, const std::string& name, int vertexCount);
+std::vector<double> parseLoad(std::string_view text, const std::string& name,
+                              const std::vector<bool>& used);
 std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& name,
-                                    int vertexCount);
+                                    const std::vector<bool>& used);
 
 }  // namespace qelm::tool
 

@@ -11,7 +11,8 @@ CurveSet::CurveSet(const FieldSystem& system, std::span<const double> field,
     : levels_(std::move(levels)) {
   int status = -1;
   QelmCurves* curves = nullptr;
-  qelmcurvesTagged(system.handle(), field.data(), static_cast<int>(levels_.size()), levels_.data(),
+  const std::vector<double> own = system.used(field);
+  qelmcurvesTagged(system.handle(), own.data(), static_cast<int>(levels_.size()), levels_.data(),
                    &curves, &status);
   curves_.reset(curves);
   if (status != QELM_STATUS_OK)

@@ -60,6 +60,8 @@ std::vector<double> multiplesOf(RoundStep step, double low, double high) {
   constexpr double kNoise = 1e-9;        // of the range
   constexpr double kMostCounted = 1e18;  // fits 64 bits, five times as well
   const double size = *parseDouble(fmt::format("{}e{}", step.digit, step.power));
+  // Below, the double nearest to a step may be a fifth off, and its multiples somewhere else.
+  if (size < std::numeric_limits<double>::min()) return {};
   const double margin = kNoise * (high - low);
   std::vector<double> levels;
   const double first = std::floor(low / size);

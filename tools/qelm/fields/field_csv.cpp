@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -28,8 +29,10 @@ void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, ByteSink& f
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const Point p = mesh.point(v);
     fmt::format_to(out, "{},{},{},{}", v, p[0], p[1], p[2]);
-    for (auto i = static_cast<std::size_t>(v); i < fields.size(); i += n)
-      fmt::format_to(out, ",{}", fields[i]);
+    for (auto i = static_cast<std::size_t>(v); i < fields.size(); i += n) {
+      block.push_back(',');
+      if (!std::isnan(fields[i])) fmt::format_to(out, "{}", fields[i]);
+    }
     block.push_back('\n');
     if (block.size() >= kBlock) {
       file.write({block.data(), block.size()});

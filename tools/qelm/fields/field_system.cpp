@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -17,12 +19,15 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 }  // namespace
 
 FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robust) {
+  UsedPart part = usedPart(mesh);
+  const std::vector<int> ownTags = part.of(tags);
   int status = -1;
   MeshSystem* handle = nullptr;
   const auto construct = robust ? qelmctorRobustTagged : qelmctorTagged;
-  construct(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(), mesh.triangles.data(),
-            tags.data(), nullptr, &status, &handle);
+  construct(part.mesh.vertexCount(), part.mesh.vertices.data(), part.mesh.triangleCount(),
+            part.mesh.triangles.data(), ownTags.data(), nullptr, &status, &handle);
   handle_.reset(handle);
+  vertices_ = std::move(part.vertices);
   if (status != QELM_STATUS_OK)
     throw MeshError(fmt::format("the library refuses the mesh: {}", qelmstatustext(status)));
   if (const int info = qelminfo(handle); info != 0)
@@ -32,31 +37,47 @@ FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robus
         info));
 }
 
+std::vector<double> FieldSystem::used(std::span<const double> entries) const {
+  std::vector<double> own;
+  own.reserve(size());
+  for (const int v : vertices_) own.push_back(entries[static_cast<std::size_t>(v)]);
+  return own;
+}
+
 std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double> values,
                                        std::span<const double> load) const {
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   const std::size_t count = values.size() / n;
+  std::vector<double> own;  // values, then the fields
   std::vector<double> loads;
-  if (!load.empty())
-    for (std::size_t k = 0; k < count; ++k) loads.insert(loads.end(), load.begin(), load.end());
-  std::vector<double> fields(values.size());
+  for (std::size_t k = 0; k < count; ++k) {
+    const std::vector<double> one = used(values.subspan(k * n, n));
+    own.insert(own.end(), one.begin(), one.end());
+    if (load.empty()) continue;
+    const std::vector<double> its = used(load);
+    loads.insert(loads.end(), its.begin(), its.end());
+  }
   int status = -1;
-  qelmsolveManyTagged(handle(), static_cast<int>(count), values.data(),
-                      load.empty() ? nullptr : loads.data(), fields.data(), &status);
+  qelmsolveManyTagged(handle(), static_cast<int>(count), own.data(),
+                      load.empty() ? nullptr : loads.data(), own.data(), &status);
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to solve: {}", qelmstatustext(status)));
-  for (std::size_t i = 0; i < fields.size(); ++i)
-    if (!std::isfinite(fields[i]))
+  std::vector<double> fields(values.size(), std::numeric_limits<double>::quiet_NaN());
+  for (std::size_t i = 0; i < own.size(); ++i) {
+    const int vertex = vertices_[i % size()];
+    fields[i / size() * n + static_cast<std::size_t>(vertex)] = own[i];
+    if (!std::isfinite(own[i]))
       throw SingularError(
           fmt::format("the field is not finite, first at {}; look for needle-like "
                       "triangles or try --robust, and look for values that are too large",
-                      describeVertex(mesh, static_cast<int>(i % n))));
+                      describeVertex(mesh, vertex)));
+  }
   return fields;
 }
 
-double FieldSystem::constantError(std::size_t vertexCount) const {
-  const std::vector<double> ones(vertexCount, 1.0);
-  std::vector<double> field(vertexCount);
+double FieldSystem::constantError() const {
+  const std::vector<double> ones(size(), 1.0);
+  std::vector<double> field(size());
   int status = -1;
   qelmsolveTagged(handle(), ones.data(), field.data(), &status);
   double largest = 0;

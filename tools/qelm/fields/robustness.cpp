@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "mesh/used_part.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -15,9 +16,11 @@ Construction parseConstruction(const std::string& text) {
 
 std::optional<QelmRobustReport> robustReport(const Mesh& mesh, std::span<const int> tags) {
   QelmRobustReport report = {};
-  const int status =
-      qelmcheckRobustTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                            mesh.triangles.data(), tags.data(), &report);
+  const UsedPart part = usedPart(mesh);
+  const std::vector<int> ownTags = part.of(tags);
+  const int status = qelmcheckRobustTagged(part.mesh.vertexCount(), part.mesh.vertices.data(),
+                                           part.mesh.triangleCount(), part.mesh.triangles.data(),
+                                           ownTags.data(), &report);
   if (status != QELM_STATUS_OK) return std::nullopt;
   return report;
 }

@@ -9,10 +9,13 @@
 #include <nlohmann/json.hpp>
 
 #include "conditions/vertex_csv.h"
+#include "fields/field_range.h"
+#include "fields/forecast.h"
 #include "fields/overshoot.h"
 #include "fields/verdict.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/text.h"
 
@@ -20,18 +23,6 @@ namespace qelm::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct Extremes {
-  int lowest;
-  int highest;
-};
-
-Extremes extremesOf(std::span<const double> field) {
-  // The first of equals, for both.
-  const auto low = std::min_element(field.begin(), field.end());
-  const auto high = std::max_element(field.begin(), field.end());
-  return {static_cast<int>(low - field.begin()), static_cast<int>(high - field.begin())};
-}
 
 double valueAt(const SolvedField& solved, std::size_t field, int vertex) {
   return solved.field(field)[static_cast<std::size_t>(vertex)];
@@ -51,9 +42,9 @@ std::optional<Overshoot> overshootOf(const SolvedField& solved, std::size_t k) {
 
 /// {"min": ..., "max": ..., "outside": ...}
 Json rangeJson(const SolvedField& solved, std::size_t field) {
-  const Extremes extremes = extremesOf(solved.field(field));
-  Json json = {{"min", vertexJson(solved, field, extremes.lowest)},
-               {"max", vertexJson(solved, field, extremes.highest)},
+  const FieldRange range = rangeOf(solved.field(field));
+  Json json = {{"min", vertexJson(solved, field, range.lowest)},
+               {"max", vertexJson(solved, field, range.highest)},
                {"outside", nullptr}};
   if (const auto overshoot = overshootOf(solved, field)) {
     json["outside"] = vertexJson(solved, field, overshoot->vertex);
@@ -125,10 +116,10 @@ std::string describeSelected(const SolvedField& solved, std::size_t k) {
 
 void printRanges(const SolvedField& solved, const Console& console) {
   for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
-    const Extremes extremes = extremesOf(solved.field(k));
+    const FieldRange range = rangeOf(solved.field(k));
     if (solved.fieldCount() > 1) console.line(fmt::format("field {}", k + 1));
-    console.line("minimum  " + describeValue(solved, k, extremes.lowest));
-    console.line("maximum  " + describeValue(solved, k, extremes.highest));
+    console.line("minimum  " + describeValue(solved, k, range.lowest));
+    console.line("maximum  " + describeValue(solved, k, range.highest));
   }
 }
 
@@ -197,15 +188,20 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
         "takes several");
   const Construction construction = parseConstruction(options.robust);
   Steps& steps = solved.steps;
-  solved.mesh = steps.run("read", [&] { return loadWeldedMesh(options.mesh, console); });
+  solved.mesh = steps.run("read", [&] {
+    return loadWeldedMesh({options.mesh, options.strict}, console);
+  });
   const Mesh& mesh = solved.mesh;
-  if (!options.load.empty()) solved.load = readLoad(options.load, mesh.vertexCount());
+  const std::vector<bool> used = usedVertices(mesh);
+  if (!options.load.empty()) solved.load = readLoad(options.load, used);
   std::vector<FixedVertex> fromFile;
-  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, mesh.vertexCount());
+  if (!options.fixFile.empty()) fromFile = readFixes(options.fixFile, used);
   solved.fromFile = static_cast<int>(fromFile.size());
   const std::string notWorking = options.mesh + ": will not work";
   steps.run("check", [&] {
-    naming(notWorking, [&] { checkMesh(mesh, construction != Construction::plain); });
+    naming(notWorking, [&] {
+      checkMesh(mesh, {construction != Construction::plain, options.strict});
+    });
     solved.prescribed =
         naming(options.mesh, [&] { return prescribe(mesh, solved.conditions, fromFile); });
     naming(notWorking, [&] { checkEveryPartIsFixed(mesh, solved.prescribed.tags); });
@@ -215,8 +211,14 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
   for (const std::string& note : solved.prescribed.notes) console.note(note);
   const bool robust = construction == Construction::robust ||
                       (construction == Construction::automatic && wantsRobust(solved));
+  const auto expected =
+      naming(options.mesh, [&] { return forecast(mesh, solved.prescribed.tags, robust); });
+  if (expected)
+    if (const auto wait = describeWait(*expected)) console.note(*wait);
   naming(notWorking, [&] {
-    steps.run("construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags, robust); });
+    steps.run(
+        "construct", [&] { solved.system.emplace(mesh, solved.prescribed.tags, robust); },
+        expected ? secondsOf(*expected) : 0);
     solved.fields = steps.run("solve", [&] {
       solved.error = measuredError(*solved.system, mesh);
       return solved.system->solve(mesh, solved.prescribed.values, solved.load);
@@ -231,12 +233,12 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
 void requireRange(const SolvedField& solved, const char* use) {
   // Stretched over all colours or levels, rounding would show as noise.
   constexpr double kConstant = 1e-12;
-  const auto [low, high] = std::minmax_element(solved.fields.begin(), solved.fields.end());
-  if (*high - *low <= kConstant * std::max(std::abs(*low), std::abs(*high)))
+  const FieldRange range = rangeOf(solved.fields);
+  if (range.high - range.low <= kConstant * std::max(std::abs(range.low), std::abs(range.high)))
     throw RequestError(fmt::format(
         "{}: the field is {} everywhere, so there is no range to {}; fix vertices at two "
         "different values at least",
-        solved.meshName, digits(*low), use));
+        solved.meshName, digits(range.low), use));
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,

@@ -22,6 +22,7 @@ namespace qelm::tool {
 
 struct FieldOptions {
   std::string mesh;
+  bool strict = false;  ///< see MeshSource
   std::vector<std::string> fixes;
   std::string fixFile;   ///< a CSV file; empty: none
   std::string load;      ///< a CSV file; empty: no load
@@ -39,7 +40,8 @@ struct SolvedField {
   std::optional<QelmRobustReport> robust;  ///< unless construction was plain on request
   std::optional<FieldSystem> system;
   double error = 0;            ///< that rounding leaves, see measuredError()
-  std::vector<double> fields;  ///< one after another, in the mesh's order
+  std::vector<double> fields;  ///< one after another, in the mesh's order; not a number at
+                               ///< vertices in no triangle
   Steps steps;
 
   std::size_t fieldCount() const { return prescribed.fieldCount; }

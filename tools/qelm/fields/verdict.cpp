@@ -2,12 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <vector>
 
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 
 namespace qelm::tool {
 namespace {
@@ -23,6 +25,12 @@ bool isBeyondDoubt(const QelmMeshReport& report) {
   return std::numeric_limits<double>::epsilon() / report.worstQuality <= kNoError;
 }
 
+void addUnused(const Mesh& mesh, QelmFinding& finding) {
+  const std::vector<bool> used = usedVertices(mesh);
+  finding.count = std::count(used.begin(), used.end(), false);
+  if (finding.count > 0) finding.first = std::find(used.begin(), used.end(), false) - used.begin();
+}
+
 std::string describeWorst(const Mesh& mesh) {
   const std::vector<int> tags(static_cast<std::size_t>(mesh.vertexCount()), 0);
   return describeTriangle(mesh, static_cast<int>(reportOn(mesh, tags).worstTriangle));
@@ -31,15 +39,23 @@ std::string describeWorst(const Mesh& mesh) {
 }  // namespace
 
 QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code) {
+  const UsedPart part = usedPart(mesh);
+  const std::vector<int> ownTags = part.of(tags);
   QelmMeshReport report = {};
-  const int status = qelmcheckTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
-                                     mesh.triangles.data(), tags.data(), &report);
+  const int status =
+      qelmcheckTagged(part.mesh.vertexCount(), part.mesh.vertices.data(), part.mesh.triangleCount(),
+                      part.mesh.triangles.data(), ownTags.data(), &report);
   if (code != nullptr) *code = status;
+  for (QelmFinding* finding : {&report.notFinite, &report.untaggedPart, &report.part,
+                               &report.boundaryLoop, &report.coincidentVertex})
+    if (finding->count > 0)
+      finding->first = part.vertices[static_cast<std::size_t>(finding->first)];
+  addUnused(mesh, report.unusedVertex);
   return report;
 }
 
 double measuredError(const FieldSystem& system, const Mesh& mesh) {
-  const double error = system.constantError(static_cast<std::size_t>(mesh.vertexCount()));
+  const double error = system.constantError();
   if (!(error < kNothingLeft))
     throw SingularError(
         fmt::format("rounding leaves nothing of a field here: {} is the worst; merge the corners "
@@ -55,9 +71,10 @@ std::string describeError(double error, const Mesh& mesh) {
       error, describeWorst(mesh));
 }
 
-Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report) {
+Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report,
+                  bool strict) {
   try {
-    checkMesh(mesh);
+    checkMesh(mesh, {false, strict});
     checkEveryPartIsFixed(mesh, tags);
     const double error =
         isBeyondDoubt(report) ? 0 : measuredError(FieldSystem(mesh, tags, false), mesh);

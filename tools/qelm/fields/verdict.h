@@ -14,7 +14,8 @@
 
 namespace qelm::tool {
 
-/// The library's report, and its status in `code` if wanted. The last word on what it calls an
+/// The library's report, and its status in `code` if wanted. Vertices in no triangle are counted,
+/// but are nothing that the status speaks of. The last word on what it calls an
 /// area near zero is measuredError()'s.
 QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code = nullptr);
 
@@ -40,7 +41,9 @@ struct Verdict {
 };
 
 /// What a solve with these tags would say. Builds the system where the report leaves it open.
-Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report);
+/// Vertices in no triangle do no harm unless `strict`.
+Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report,
+                  bool strict = false);
 
 /// One fixed vertex in every part: the tags of a mesh without conditions.
 std::vector<int> leastTags(const Mesh& mesh);

@@ -66,18 +66,24 @@ OutputFile::OutputFile(const std::string& target, const InputNames& inputs) : na
 
 void OutputFile::openTemporary() {
   constexpr int kAttempts = 100;
-  for (int k = 0; k < kAttempts && file_ == nullptr; ++k) {
+  int code = EEXIST;
+  for (int k = 0; k < kAttempts && file_ == nullptr && code == EEXIST; ++k) {
     temporary_ = target_;
     temporary_ += fmt::format(".{}-{}.part", processNumber(), k);
+    std::error_code ignored;
+    if (fs::exists(temporary_, ignored)) continue;
+    // Before it is there: an interrupt between the two would leave it behind.
+    removal_.watch(fs::absolute(temporary_));
     errno = 0;
     file_ = openBinary(temporary_, true);
-    if (file_ == nullptr && errno != EEXIST) break;
+    code = errno;
   }
   if (file_ == nullptr) {
+    removal_.release();
     temporary_.clear();
+    errno = code;
     fail("cannot be written");
   }
-  removal_.watch(fs::absolute(temporary_));
   // The permissions of a file that is replaced stay as they were.
   std::error_code ignored;
   if (fs::exists(target_, ignored))

@@ -4,7 +4,9 @@
 
 #include <array>
 #include <cstddef>
+#include <set>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace qelm::tool {
@@ -18,6 +20,8 @@ struct PolygonSoup {
   std::vector<std::vector<int>> faces;
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
+  /// What the file holds besides, as people call it: "normals", "colours".
+  std::set<std::string> passedOver;
 };
 
 /// A triangle mesh in the layout that the library takes.
@@ -27,6 +31,7 @@ struct Mesh {
   /// For each triangle the face of the file that it is part of; empty when
   /// triangle and face are the same everywhere.
   std::vector<int> faceOfTriangle;
+  int leftOutFaces = 0;  ///< faces of the file that had fewer than three different corners
 
   int vertexCount() const { return static_cast<int>(vertices.size() / 3); }
   int triangleCount() const { return static_cast<int>(triangles.size() / 3); }

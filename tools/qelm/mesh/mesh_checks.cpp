@@ -9,6 +9,7 @@
 #include <numeric>
 #include <vector>
 
+#include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
 
@@ -84,12 +85,6 @@ bool hasNoArea(const Mesh& mesh, int triangle) {
   return !(twiceArea > noise * longest) || !std::isfinite(twiceArea);
 }
 
-std::vector<bool> usedVertices(const Mesh& mesh) {
-  std::vector<bool> used(static_cast<std::size_t>(mesh.vertexCount()), false);
-  for (const int v : mesh.triangles) used[static_cast<std::size_t>(v)] = true;
-  return used;
-}
-
 }  // namespace
 
 std::vector<int> lowestOfPart(const Mesh& mesh) {
@@ -133,7 +128,7 @@ void checkFinite(const Mesh& mesh) {
       "repair the file");
 }
 
-void checkMesh(const Mesh& mesh, bool robust) {
+void checkMesh(const Mesh& mesh, const CheckedFor& wanted) {
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return repeatedCorner(mesh.corners(t)) >= 0; },
       [&](int t) {
@@ -143,11 +138,12 @@ void checkMesh(const Mesh& mesh, bool robust) {
       "remove such triangles");
   const std::vector<bool> used = usedVertices(mesh);
   refuseFirst(
-      mesh.vertexCount(), [&](int v) { return !used[static_cast<std::size_t>(v)]; },
+      mesh.vertexCount(),
+      [&](int v) { return wanted.strict && !used[static_cast<std::size_t>(v)]; },
       [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
       "remove such vertices");
   checkFinite(mesh);
-  if (robust) return;
+  if (wanted.robust) return;
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return hasBadSize(mesh, t); },
       [&](int t) {
@@ -164,6 +160,7 @@ void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
   const std::vector<int> lowest = lowestOfPart(mesh);
   std::vector<int> size(lowest.size(), 0);
   std::vector<bool> fixed(lowest.size(), false);
+  const std::vector<bool> used = usedVertices(mesh);
   for (std::size_t v = 0; v < lowest.size(); ++v) {
     ++size[static_cast<std::size_t>(lowest[v])];
     if (tags[v] != 0) fixed[static_cast<std::size_t>(lowest[v])] = true;
@@ -171,7 +168,8 @@ void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
   refuseFirst<SingularError>(
       mesh.vertexCount(),
       [&](int v) {
-        return size[static_cast<std::size_t>(v)] > 0 && !fixed[static_cast<std::size_t>(v)];
+        const auto i = static_cast<std::size_t>(v);
+        return used[i] && size[i] > 0 && !fixed[i];
       },
       [&](int v) {
         return fmt::format("the connected part with {}, {} vertices in all, has no fixed vertex",

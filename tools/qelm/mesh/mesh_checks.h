@@ -11,17 +11,23 @@
 
 namespace qelm::tool {
 
+struct CheckedFor {
+  bool robust = false;  ///< construction that takes triangles of any shape
+  bool strict = false;  ///< vertices in no triangle are refused, not left out
+};
+
 /// Throws InputError that names the first triangle or vertex, in this order: a
-/// triangle that names a vertex twice, a vertex in no triangle, a coordinate
+/// triangle that names a vertex twice, a vertex in no triangle if strict, a coordinate
 /// that is not finite and, unless construction is robust, a triangle too small or too large to
 /// compute with, one without area.
-void checkMesh(const Mesh& mesh, bool robust = false);
+void checkMesh(const Mesh& mesh, const CheckedFor& wanted = {});
 
 /// Throws InputError that names the first vertex with a coordinate that is not finite.
 void checkFinite(const Mesh& mesh);
 
 /// Throws InputError when some connected part of the mesh has no vertex with a
-/// nonzero tag. Triangles are connected when they share a vertex.
+/// nonzero tag. Triangles are connected when they share a vertex; a vertex in no triangle is no
+/// part.
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);
 
 /// The lowest vertex of each vertex's connected part; triangles are connected when

@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "mesh/mesh_checks.h"
+#include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "qelm.h"
 #include "text/error.h"
@@ -15,20 +16,9 @@ namespace qelm::tool {
 namespace {
 
 void dropUnusedVertices(Welded& welded) {
-  Mesh& mesh = welded.mesh;
-  constexpr int kUnused = -1;
-  std::vector<int> place(static_cast<std::size_t>(mesh.vertexCount()), kUnused);
-  for (const int v : mesh.triangles) place[static_cast<std::size_t>(v)] = 0;
-  int kept = 0;
-  for (int v = 0; v < mesh.vertexCount(); ++v) {
-    if (place[static_cast<std::size_t>(v)] == kUnused) continue;
-    const Point p = mesh.point(v);
-    std::copy(p.begin(), p.end(), mesh.vertices.begin() + 3 * std::ptrdiff_t{kept});
-    place[static_cast<std::size_t>(v)] = kept++;
-  }
-  welded.droppedVertices = mesh.vertexCount() - kept;
-  mesh.vertices.resize(3 * static_cast<std::size_t>(kept));
-  for (int& v : mesh.triangles) v = place[static_cast<std::size_t>(v)];
+  const int before = welded.mesh.vertexCount();
+  welded.mesh = usedPart(welded.mesh).mesh;
+  welded.droppedVertices = before - welded.mesh.vertexCount();
 }
 
 }  // namespace

@@ -1,8 +1,17 @@
 #include "mesh_files/load_mesh.h"
 
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
 #include "files/paths.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/soup.h"
+#include "mesh/used_part.h"
 #include "mesh/weld.h"
 #include "mesh_files/mesh_reader.h"
 #include "mesh_files/triangulate.h"
@@ -14,24 +23,78 @@ namespace {
 struct Loaded {
   Mesh mesh;
   bool isSoup;
+  std::set<std::string> passedOver;
 };
 
-Loaded load(const std::string& name, const Console& console) {
-  const PolygonSoup soup = readPolygonSoup(toPath(name));
-  Triangulation result = naming(name, [&] { return triangulate(soup); });
-  if (result.splitFaceCount > 0)
+/// "face 17 does", or "3 faces (the first is 17) do".
+std::string subject(const FaceCount& found, const char* does, const char* many) {
+  if (found.count == 1) return fmt::format("face {} {}", found.first, does);
+  return fmt::format("{} faces (the first is {}) {}", found.count, found.first, many);
+}
+
+void noteSplits(const std::string& name, const Triangulation& split, std::size_t faceCount,
+                const Console& console) {
+  if (split.splitFaceCount == 0) return;
+  std::string note =
+      fmt::format("{}: {} of {} faces have more than three corners and were split into triangles",
+                  name, split.splitFaceCount, faceCount);
+  if (split.bent.count > 0)
+    note += fmt::format(
+        "; {} not flat (the first is {}; at most {:.0f}% of its size off its "
+        "plane)",
+        split.bent.count, split.bent.first, 100 * split.worstBend);
+  console.note(note);
+  if (split.crossing.count > 0)
+    console.note(fmt::format(
+        "{}: {} without area; split as well as possible, 'qelm check' says whether that works",
+        name,
+        subject(split.crossing, "crosses or touches itself, or is",
+                "cross or touch themselves, or are")));
+}
+
+void noteLeftOut(const std::string& name, const Triangulation& split, const Console& console) {
+  if (split.repeatedCorner.count > 0)
+    console.note(fmt::format("{}: {} that corner", name,
+                             subject(split.repeatedCorner, "names a vertex twice in a row; it lost",
+                                     "name a vertex twice in a row; they lost")));
+  if (split.leftOut.count > 0)
     console.note(
-        fmt::format("{}: {} of {} faces have more than three corners and were split into "
-                    "triangles",
-                    name, result.splitFaceCount, soup.faces.size()));
+        fmt::format("{}: {} left out; triangles are counted without", name,
+                    subject(split.leftOut, "has fewer than three different corners and was",
+                            "have fewer than three different corners and were")));
+}
+
+void noteUnused(const std::string& name, const Mesh& mesh, const Console& console) {
+  const std::vector<bool> used = usedVertices(mesh);
+  const auto first = std::find(used.begin(), used.end(), false);
+  if (first == used.end()) return;
+  const auto count = std::count(first, used.end(), false);
+  const std::string vertex = describeVertex(mesh, static_cast<int>(first - used.begin()));
+  console.note(count == 1
+                   ? fmt::format("{}: {} is in no triangle; it gets no value", name, vertex)
+                   : fmt::format("{}: {} vertices are in no triangle, the first is {}; they get no "
+                                 "value",
+                                 name, count, vertex));
+}
+
+Loaded load(const MeshSource& source, const Console& console) {
+  const std::string& name = source.name;
+  const PolygonSoup soup = readPolygonSoup(toPath(name));
+  // Facets without area are for welding to drop, which counts them.
+  const bool asTheyAre = source.strict || soup.facetsOwnTheirCorners;
+  Triangulation result =
+      naming(name, [&] { return asTheyAre ? triangulateStrictly(soup) : triangulate(soup); });
+  noteSplits(name, result, soup.faces.size(), console);
+  noteLeftOut(name, result, console);
   // The reader has merged corners that are exactly equal; the file has not.
-  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true};
-  return {std::move(result.mesh), false};
+  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true, soup.passedOver};
+  return {std::move(result.mesh), false, soup.passedOver};
 }
 
 /// Formats in which every facet has its own corners are welded.
-Mesh weldedIfSoup(const std::string& name, const Console& console) {
-  Loaded loaded = load(name, console);
+Mesh weldedIfSoup(const MeshSource& source, const Console& console) {
+  const std::string& name = source.name;
+  Loaded loaded = load(source, console);
   if (!loaded.isSoup) return std::move(loaded.mesh);
   const Mesh& soup = loaded.mesh;
   double tolerance = 0;
@@ -50,10 +113,18 @@ Mesh weldedIfSoup(const std::string& name, const Console& console) {
 
 }  // namespace
 
-Mesh loadMesh(const std::string& name, const Console& console) { return load(name, console).mesh; }
+Mesh loadMesh(const MeshSource& source, const Console& console) {
+  Loaded loaded = load(source, console);
+  if (!loaded.passedOver.empty())
+    console.note(
+        fmt::format("{}: not carried over: {}", source.name, fmt::join(loaded.passedOver, ", ")));
+  return std::move(loaded.mesh);
+}
 
-Mesh loadWeldedMesh(const std::string& name, const Console& console) {
-  Mesh mesh = weldedIfSoup(name, console);
+Mesh loadWeldedMesh(const MeshSource& source, const Console& console) {
+  const std::string& name = source.name;
+  Mesh mesh = weldedIfSoup(source, console);
+  if (!source.strict) noteUnused(name, mesh, console);
   naming(name, [&] {
     if (const auto soup = findSoup(mesh))
       console.note(fmt::format(

@@ -22,13 +22,20 @@ auto naming(const std::string& file, Action action) {
   }
 }
 
-/// Reads a file and splits its polygons, with a note. Formats in which every
-/// facet has its own corners give three vertices per triangle.
-Mesh loadMesh(const std::string& name, const Console& console);
+/// A mesh file, and how it is read.
+struct MeshSource {
+  std::string name;
+  bool strict = false;  ///< what would be mended or left out is refused instead
+};
 
-/// The same, but such soups are welded, with a note; another one points out what looks like a
-/// soup all the same.
-Mesh loadWeldedMesh(const std::string& name, const Console& console);
+/// Reads a file, splits its polygons and leaves out what is no triangle, with notes. Formats in
+/// which every facet has its own corners give three vertices per triangle. For commands that write
+/// a mesh: a note says what of the file they do not carry over.
+Mesh loadMesh(const MeshSource& source, const Console& console);
+
+/// The same, but such soups are welded, with a note; others point out what looks like a soup all
+/// the same, and vertices in no triangle.
+Mesh loadWeldedMesh(const MeshSource& source, const Console& console);
 
 }  // namespace qelm::tool
 

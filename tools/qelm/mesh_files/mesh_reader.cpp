@@ -8,8 +8,10 @@
 #include <fmt/format.h>
 
 #include <limits>
+#include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "files/paths.h"
@@ -60,14 +62,19 @@ PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) 
 
 PolygonSoup readObj(std::string bytes, const std::string& name) {
   ReaderSoup soup;
-  std::istringstream stream(plainObj(bytes, name));
+  std::set<std::string> passedOver;
+  std::istringstream stream(plainObj(bytes, name, &passedOver));
   const bool isRead = CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
-  return taken(soup, isRead, name);
+  PolygonSoup result = taken(soup, isRead, name);
+  result.passedOver = std::move(passedOver);
+  return result;
 }
 
 PolygonSoup readStl(std::string bytes, const std::string& name) {
+  std::set<std::string> passedOver;
   if (isBinaryStl(bytes)) {
     checkBinaryStl(bytes, name);
+    if (hasAttributes(bytes)) passedOver.insert("colours");
     // So that no binary file is tried as text first.
     bytes.replace(0, 5, "binar");
   } else {
@@ -78,6 +85,7 @@ PolygonSoup readStl(std::string bytes, const std::string& name) {
   const bool isRead = CGAL::IO::read_STL(stream, soup.points, soup.faces);
   PolygonSoup result = taken(soup, isRead, name);
   result.facetsOwnTheirCorners = true;
+  result.passedOver = std::move(passedOver);
   return result;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 #include "text/error.h"
@@ -18,13 +19,18 @@ struct HighestIndex {
   std::size_t line = 0;
 };
 
+/// Statements that carry no surface, and what people call it.
+constexpr std::pair<std::string_view, const char*> kOthers[] = {
+    {"vt", "texture coordinates"}, {"vn", "normals"}, {"g", "groups"}, {"o", "groups"},
+    {"usemtl", "materials"},       {"l", "lines"},    {"p", "points"}, {"s", "smoothing groups"}};
+
 class ObjPass {
  public:
   ObjPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {
     plain_.reserve(text.size());
   }
 
-  std::string run() {
+  std::string run(std::set<std::string>* passedOver) {
     std::string joined;
     while (lines_.next()) {
       std::string_view line = lines_.line();
@@ -34,6 +40,7 @@ class ObjPass {
       statement(line.substr(0, line.find('#')), first);
     }
     checkHighest();
+    if (passedOver != nullptr) passedOver->merge(passedOver_);
     return std::move(plain_);
   }
 
@@ -60,6 +67,8 @@ class ObjPass {
     if (words.empty()) return;
     if (words[0] == "v") vertex(words, number);
     if (words[0] == "f" || words[0] == "fo") face(words, number);
+    for (const auto& [keyword, what] : kOthers)
+      if (words[0] == keyword) passedOver_.insert(what);
   }
 
   void vertex(const std::vector<std::string_view>& words, std::size_t line) {
@@ -71,6 +80,8 @@ class ObjPass {
         failMesh(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
                                    vertexCount_, words[k]));
     }
+    constexpr std::size_t kWithColour = 7;  // the keyword, x y z, red green blue
+    if (words.size() >= kWithColour) passedOver_.insert("colours");
     fmt::format_to(std::back_inserter(plain_), "v {} {} {}\n", words[1], words[2], words[3]);
     ++vertexCount_;
   }
@@ -115,12 +126,14 @@ class ObjPass {
   long long vertexCount_ = 0;
   long long faceCount_ = 0;
   HighestIndex highest_;
+  std::set<std::string> passedOver_;
 };
 
 }  // namespace
 
-std::string plainObj(std::string_view text, const std::string& name) {
-  return ObjPass(text, name).run();
+std::string plainObj(std::string_view text, const std::string& name,
+                     std::set<std::string>* passedOver) {
+  return ObjPass(text, name).run(passedOver);
 }
 
 }  // namespace qelm::tool

@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_OBJ_TEXT_H
 #define QELM_TOOLS_OBJ_TEXT_H
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -16,8 +17,9 @@ namespace qelm::tool {
 /// that it does not know. So faces are read here, whatever is wrong is said with
 /// its line, and everything that carries no surface is left out.
 ///
-/// Throws InputError; `name` stands in its messages.
-std::string plainObj(std::string_view text, const std::string& name);
+/// Throws InputError; `name` stands in its messages. What is left out is added to `passedOver`.
+std::string plainObj(std::string_view text, const std::string& name,
+                     std::set<std::string>* passedOver = nullptr);
 
 }  // namespace qelm::tool
 

@@ -58,12 +58,19 @@ class OffReader {
     if (parseDouble(word)) return;
     if (!word.ends_with("OFF")) fail("not an OFF file: it does not begin with 'OFF'");
     const std::string_view prefix = word.substr(0, word.size() - 3);
+    passOver(prefix);
     if (prefix.find_first_not_of("STCN") != std::string_view::npos)
       fail(fmt::format("'{}' is not a surface in space; only OFF, COFF, NOFF and STOFF are", word));
     if (words_.size() > 1 && words_[1] == "BINARY")
       fail("binary OFF files cannot be read; save it as text");
     words_.erase(words_.begin());
     if (words_.empty()) nextLine("the counts of vertices and faces");
+  }
+
+  void passOver(std::string_view prefix) {
+    if (prefix.find('C') != std::string_view::npos) soup_.passedOver.insert("colours");
+    if (prefix.find('N') != std::string_view::npos) soup_.passedOver.insert("normals");
+    if (prefix.starts_with("ST")) soup_.passedOver.insert("texture coordinates");
   }
 
   // The number of edges may be missing, and is never right to rely on.
@@ -106,6 +113,7 @@ class OffReader {
     if (static_cast<std::size_t>(*corners) > size_)
       fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
     needWords(static_cast<std::size_t>(*corners) + 1, wanted);
+    if (words_.size() > static_cast<std::size_t>(*corners) + 1) soup_.passedOver.insert("colours");
     std::vector<int> face;
     for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
       face.push_back(cornerIndex(words_[k], index));

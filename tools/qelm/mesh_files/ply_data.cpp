@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string>
 
 #include "mesh_files/ply_header.h"
 #include "text/error.h"
@@ -121,6 +122,7 @@ class PlyReader {
       : header_(header), numbers_(header, name) {}
 
   PolygonSoup run() {
+    for (const PlyElement& element : header_.elements) noteOthers(element);
     for (const PlyElement& element : header_.elements)
       for (std::size_t k = 0; k < element.count; ++k) {
         numbers_.beginItem(element.name, k);
@@ -135,6 +137,27 @@ class PlyReader {
   }
 
  private:
+  void noteOthers(const PlyElement& element) {
+    if (element.count == 0) return;
+    if (!isVertexElement(element.name) && !isFaceElement(element.name))
+      soup_.passedOver.insert(fmt::format("the elements '{}'", element.name));
+    else
+      for (const PlyProperty& property : element.properties)
+        if (!isCornerList(property) && property.name != "x" && property.name != "y" &&
+            property.name != "z")
+          soup_.passedOver.insert(whatIs(property.name));
+  }
+
+  static std::string whatIs(std::string_view property) {
+    for (const std::string_view colour : {"red", "green", "blue", "alpha", "r", "g", "b", "a"})
+      if (property == colour || property == fmt::format("diffuse_{}", colour)) return "colours";
+    for (const std::string_view normal : {"nx", "ny", "nz"})
+      if (property == normal) return "normals";
+    for (const std::string_view place : {"s", "t", "u", "v", "texture_u", "texture_v", "texcoord"})
+      if (property == place) return "texture coordinates";
+    return fmt::format("the property '{}'", property);
+  }
+
   void vertex(const PlyElement& element) {
     Point point{};
     for (const PlyProperty& property : element.properties) {

@@ -21,6 +21,7 @@ constexpr std::size_t kHeaderSize = 84;
 constexpr std::size_t kCountOffset = 80;
 constexpr std::size_t kFacetSize = 50;
 constexpr std::size_t kNormalSize = 12;
+constexpr std::size_t kAttributeOffset = 48;
 
 template <class T>
 T valueAt(std::string_view bytes, std::size_t offset) {
@@ -142,6 +143,13 @@ void checkBinaryStl(std::string_view bytes, const std::string& name) {
             fmt::format("{}: facet {}: a coordinate of corner {} is not finite; repair the file",
                         name, facet, k / 3));
   }
+}
+
+bool hasAttributes(std::string_view bytes) {
+  for (std::uint64_t facet = 0; facet < facetCount(bytes); ++facet)
+    if (valueAt<std::uint16_t>(bytes, kHeaderSize + kFacetSize * facet + kAttributeOffset) != 0)
+      return true;
+  return false;
 }
 
 std::string plainStl(std::string_view text, const std::string& name) {

@@ -15,6 +15,10 @@ bool isBinaryStl(std::string_view bytes);
 /// is not finite: the reader would merge such a point with any other.
 void checkBinaryStl(std::string_view bytes, const std::string& name);
 
+/// Whether a binary file, checked before, has a facet with attributes: some programs keep its
+/// colour there.
+bool hasAttributes(std::string_view bytes);
+
 /// The same facets as a text of one solid, in lower case, without names and
 /// normals, which could hold anything. Throws InputError with the line of
 /// whatever is wrong.

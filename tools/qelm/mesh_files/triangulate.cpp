@@ -4,12 +4,14 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
 #include <span>
 
 #include "mesh/vec3.h"
+#include "mesh_files/ear_clipping.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -22,16 +24,73 @@ constexpr double kStraightTolerance = 1e-6;
 // A convex outline turns once, by 2 pi; one that turns twice crosses itself.
 constexpr double kMostTurning = 3 * std::numbers::pi;
 
-// The best of all corners is looked for at every cut: more corners than this would
-// take minutes, and nobody models them.
-constexpr std::size_t kMostCorners = 2000;
+// Splitting takes time in proportion to the corners squared: seconds for so many, and nobody
+// models more.
+constexpr std::size_t kMostCorners = 20'000;
+
+// A face that is flatter is flat to the eye.
+constexpr double kFlat = 0.01;
 
 // How many corners of a polygon a message shows.
 constexpr std::size_t kShownCorners = 12;
 
+[[noreturn]] void refuse(const std::vector<int>& outline, int face, const char* why) {
+  const std::span shown(outline.data(), std::min(outline.size(), kShownCorners));
+  throw MeshError(fmt::format("face {} ({}{}): {}; split it into triangles in your modeller", face,
+                              fmt::join(shown, ", "), shown.size() < outline.size() ? ", ..." : "",
+                              why));
+}
+
+int at(const std::vector<int>& outline, std::size_t k) { return outline[k % outline.size()]; }
+
+/// What --strict lets pass: convex polygons, flat or nearly so.
+class ConvexCheck {
+ public:
+  ConvexCheck(std::span<const Point> points, const std::vector<int>& outline, int face)
+      : points_(points), outline_(outline), face_(face) {}
+
+  void run() const {
+    std::vector<int> sorted = outline_;
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())
+      refuse(outline_, face_, "a polygon that names a vertex twice");
+    const Point normal = newellNormal();
+    const double area = length(normal);
+    if (!(area > 0)) refuse(outline_, face_, "a polygon without area");
+    double turning = 0;
+    for (std::size_t k = 0; k < outline_.size(); ++k) {
+      const Point in = point(k + 1) - point(k);
+      const Point out = point(k + 2) - point(k + 1);
+      const double sine = dot(cross(in, out), normal) / area;
+      if (!(sine >= -kStraightTolerance * length(in) * length(out)))
+        refuse(outline_, face_, "a polygon that is not convex");
+      turning += std::atan2(sine, dot(in, out));
+    }
+    if (turning > kMostTurning) refuse(outline_, face_, "a polygon that crosses itself");
+  }
+
+ private:
+  // Twice the area, as a vector (Newell; Sutherland et al., 1974).
+  Point newellNormal() const {
+    Point normal{};
+    const Point origin = point(0);
+    for (std::size_t k = 0; k < outline_.size(); ++k)
+      normal = normal + cross(point(k) - origin, point(k + 1) - origin);
+    return normal;
+  }
+
+  const Point& point(std::size_t k) const {
+    return points_[static_cast<std::size_t>(at(outline_, k))];
+  }
+
+  std::span<const Point> points_;
+  const std::vector<int>& outline_;
+  int face_;
+};
+
 class Splitter {
  public:
-  explicit Splitter(const PolygonSoup& soup) : soup_(soup) {}
+  Splitter(const PolygonSoup& soup, bool strict) : soup_(soup), strict_(strict) {}
 
   Triangulation run() {
     Mesh& mesh = result_.mesh;
@@ -40,110 +99,52 @@ class Splitter {
       mesh.vertices.insert(mesh.vertices.end(), p.begin(), p.end());
     mesh.triangles.reserve(3 * soup_.faces.size());
     for (std::size_t f = 0; f < soup_.faces.size(); ++f) addFace(static_cast<int>(f));
-    if (result_.splitFaceCount == 0) mesh.faceOfTriangle.clear();
+    mesh.leftOutFaces = result_.leftOut.count;
+    if (mesh.triangles.empty())
+      throw MeshError(fmt::format("none of {} faces has three different corners; repair the file",
+                                  soup_.faces.size()));
+    if (result_.splitFaceCount == 0 && result_.leftOut.count == 0) mesh.faceOfTriangle.clear();
     return std::move(result_);
   }
 
  private:
   void addFace(int face) {
-    std::vector<int> outline = soup_.faces[static_cast<std::size_t>(face)];
-    if (outline.size() > 3) {
-      checkOutline(outline, face);
-      ++result_.splitFaceCount;
-    }
-    while (outline.size() > 3) {
-      const std::size_t k = bestEar(outline);
-      addTriangle({before(outline, k), outline[k], after(outline, k)}, face);
-      outline.erase(outline.begin() + static_cast<std::ptrdiff_t>(k));
-    }
-    addTriangle({outline[0], outline[1], outline[2]}, face);
+    const std::vector<int>& corners = soup_.faces[static_cast<std::size_t>(face)];
+    if (strict_ && corners.size() == 3)
+      return addTriangle({corners[0], corners[1], corners[2]}, face);
+    if (strict_) ConvexCheck(soup_.points, corners, face).run();
+    std::vector<int> outline = withoutRepeats(corners);
+    if (outline.empty()) return result_.leftOut.add(face);
+    if (outline.size() < corners.size()) result_.repeatedCorner.add(face);
+    if (outline.size() == 3) return addTriangle({outline[0], outline[1], outline[2]}, face);
+    if (outline.size() > kMostCorners) refuse(outline, face, "a polygon with too many corners");
+    addPolygon(std::move(outline), face);
+  }
+
+  void addPolygon(std::vector<int> outline, int face) {
+    const ClippedPolygon clipped = clipEars(soup_.points, std::move(outline));
+    for (const std::array<int, 3>& corners : clipped.triangles) addTriangle(corners, face);
+    ++result_.splitFaceCount;
+    if (clipped.crossesItself) result_.crossing.add(face);
+    if (clipped.bend > kFlat) result_.bent.add(face);
+    result_.worstBend = std::max(result_.worstBend, clipped.bend);
   }
 
   void addTriangle(const std::array<int, 3>& corners, int face) {
-    std::vector<int>& triangles = result_.mesh.triangles;
-    triangles.insert(triangles.end(), corners.begin(), corners.end());
-    result_.mesh.faceOfTriangle.push_back(face);
-  }
-
-  [[noreturn]] static void refuse(const std::vector<int>& outline, int face, const char* why) {
-    const std::span shown(outline.data(), std::min(outline.size(), kShownCorners));
-    throw MeshError(fmt::format("face {} ({}{}): {}; split it into triangles in your modeller",
-                                face, fmt::join(shown, ", "),
-                                shown.size() < outline.size() ? ", ..." : "", why));
-  }
-
-  void checkOutline(const std::vector<int>& outline, int face) const {
-    if (outline.size() > kMostCorners) refuse(outline, face, "a polygon with too many corners");
-    std::vector<int> sorted = outline;
-    std::sort(sorted.begin(), sorted.end());
-    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())
-      refuse(outline, face, "a polygon that names a vertex twice");
-    const Point normal = newellNormal(outline);
-    const double area = length(normal);
-    if (!(area > 0)) refuse(outline, face, "a polygon without area");
-    double turning = 0;
-    for (std::size_t k = 0; k < outline.size(); ++k) {
-      const Point in = at(outline[k]) - at(before(outline, k));
-      const Point out = at(after(outline, k)) - at(outline[k]);
-      const double sine = dot(cross(in, out), normal) / area;
-      if (!(sine >= -kStraightTolerance * length(in) * length(out)))
-        refuse(outline, face, "a polygon that is not convex");
-      turning += std::atan2(sine, dot(in, out));
-    }
-    if (turning > kMostTurning) refuse(outline, face, "a polygon that crosses itself");
-  }
-
-  // Twice the area, as a vector (Newell; Sutherland et al., 1974).
-  Point newellNormal(const std::vector<int>& outline) const {
-    Point normal{};
-    const Point origin = at(outline[0]);
-    for (std::size_t k = 0; k < outline.size(); ++k)
-      normal = normal + cross(at(outline[k]) - origin, at(after(outline, k)) - origin);
-    return normal;
-  }
-
-  // The corner whose cutting off leaves the best worse half: its own triangle,
-  // or, for a quadrilateral, the remaining one too.
-  std::size_t bestEar(const std::vector<int>& outline) const {
-    std::size_t best = 0;
-    double bestAngle = -1;
-    for (std::size_t k = 0; k < outline.size(); ++k) {
-      double angle = smallestAngle(before(outline, k), outline[k], after(outline, k));
-      if (outline.size() == 4)
-        angle = std::min(
-            angle, smallestAngle(after(outline, k), outline[(k + 2) % 4], before(outline, k)));
-      if (angle > bestAngle) {
-        best = k;
-        bestAngle = angle;
-      }
-    }
-    return best;
-  }
-
-  double smallestAngle(int a, int b, int c) const {
-    return std::min({angleAt(a, b, c), angleAt(b, c, a), angleAt(c, a, b)});
-  }
-
-  double angleAt(int apex, int b, int c) const {
-    const Point u = at(b) - at(apex);
-    const Point v = at(c) - at(apex);
-    return std::atan2(length(cross(u, v)), dot(u, v));
-  }
-
-  const Point& at(int vertex) const { return soup_.points[static_cast<std::size_t>(vertex)]; }
-  static int before(const std::vector<int>& outline, std::size_t k) {
-    return outline[(k + outline.size() - 1) % outline.size()];
-  }
-  static int after(const std::vector<int>& outline, std::size_t k) {
-    return outline[(k + 1) % outline.size()];
+    Mesh& mesh = result_.mesh;
+    mesh.triangles.insert(mesh.triangles.end(), corners.begin(), corners.end());
+    mesh.faceOfTriangle.push_back(face);
   }
 
   const PolygonSoup& soup_;
+  bool strict_;
   Triangulation result_;
 };
 
 }  // namespace
 
-Triangulation triangulate(const PolygonSoup& soup) { return Splitter(soup).run(); }
+Triangulation triangulate(const PolygonSoup& soup) { return Splitter(soup, false).run(); }
+
+Triangulation triangulateStrictly(const PolygonSoup& soup) { return Splitter(soup, true).run(); }
 
 }  // namespace qelm::tool

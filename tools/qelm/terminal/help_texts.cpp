@@ -35,7 +35,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    VERTEX,VALUE,TAG    on each line\n"
      "    a header line       with the columns vertex and value, and tag if wanted, among\n"
      "                        others, as in the files that solve -o writes\n"
-     "  Empty lines and what follows a # are left out.\n"},
+     "  Empty lines and what follows a # are left out, but the last comment may be the\n"
+     "  header. Commas, semicolons, tabs or blanks separate, as the first line has it; but\n"
+     "  between commas, 0,5 is 0.5. The text is UTF-8, or UTF-16 with its mark.\n"},
     {"loads", "what --load adds",
      "  --load FILE.csv adds a load g, so that K u + g = 0 at every free vertex, with K\n"
      "  the surface's stiffness matrix (rows sum to 0, positive diagonal): a positive load\n"
@@ -69,6 +71,11 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  else, within a millionth of the mesh's diagonal; a note says so, and vertex numbers\n"
      "  are those after welding. No command writes over a file that it reads.\n"
      "\n"
+     "  Polygons are split into triangles, concave ones as well. Faces lose corners that they\n"
+     "  repeat; those without three different corners are left out. A vertex in no triangle\n"
+     "  keeps its number and gets no value: an empty field in CSV. Notes say so; --strict\n"
+     "  refuses all of that but convex polygons.\n"
+     "\n"
      "  solve    .csv: the header line vertex,x,y,z,value, then for each vertex its number,\n"
      "           place and value, with the shortest digits that read back as the same doubles\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
@@ -85,7 +92,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           .csv   curve,level,value,closed,x,y,z for each point; also what -o - writes\n"
      "           .svg   a picture with a scale, see 'qelm help pictures'\n"
      "  view     .html, see 'qelm help pictures'\n"
-     "  weld     .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
+     "  weld, repair\n"
+     "           .obj and .ply keep every double, .stl is rounded to single precision; - is\n"
      "           OBJ on the standard output\n"},
     {"pictures", "what --view, --up and --unit say, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
@@ -126,6 +134,15 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  collapse or repeat an earlier one are dropped, then vertices that no triangle uses.\n"
      "  Every corner of an STL facet counts as a vertex. --tolerance is a millionth of the\n"
      "  mesh's diagonal unless given; 0 merges nothing.\n"},
+    {"mending", "what repair does, and in which order",
+     "  In this order: vertices closer together than the tolerance become one, as 'weld' has\n"
+     "  it. Triangles lower than the tolerance go without leaving a hole: of a needle the\n"
+     "  short side collapses; where a corner lies on the opposite side, the neighbour at that\n"
+     "  side is split there. Vertices on a boundary side that passes them are set into it\n"
+     "  (T-joints). Of triangles with the same corners the first stays; vertices that nothing\n"
+     "  uses are dropped. Neighbours are oriented alike where that is possible. The summary\n"
+     "  counts each, and a note says what the result is not good for. --tolerance is a\n"
+     "  millionth of the mesh's diagonal unless given; no vertex moves by much more.\n"},
     {"output", "streams, terminals and exit codes",
      "  Data goes to the standard output, messages go to the standard error stream. A\n"
      "  result's file appears when it is complete, never before. On a terminal, a line\n"
@@ -170,6 +187,10 @@ const char* const kViewExamples =
 const char* const kWeldExamples =
     "  qelm weld part.stl -o part.obj --tolerance 1e-4\n"
     "  qelm weld part.stl -o part.ply --json\n";
+
+const char* const kRepairExamples =
+    "  qelm repair part.stl -o part.obj\n"
+    "  qelm repair part.stl -o part.ply --tolerance 1e-3 --json\n";
 
 const char* const kCompletionExamples =
     "  qelm completion bash\n"

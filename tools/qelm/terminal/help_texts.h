@@ -16,6 +16,7 @@ extern const char* const kHeatmapExamples;
 extern const char* const kCurvesExamples;
 extern const char* const kViewExamples;
 extern const char* const kWeldExamples;
+extern const char* const kRepairExamples;
 extern const char* const kCompletionExamples;
 extern const char* const kManualExamples;
 extern const char* const kHelpExamples;

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -35,6 +36,13 @@ std::string upper(std::string text) {
   return text;
 }
 
+/// What must be named: a choice, "bash|zsh", where a line holds it.
+std::string positional(const CLI::Option& option) {
+  constexpr std::size_t kMost = 60;
+  const std::string choice = option.get_type_name();
+  return escaped(choice.size() <= kMost ? choice : upper(option.get_name(true, false)));
+}
+
 std::string literal(const std::string& body) { return ".nf\n" + escaped(body) + ".fi\n"; }
 
 class PageWriter {
@@ -57,7 +65,7 @@ class PageWriter {
   void command(const CLI::App& command) {
     page_ += fmt::format(".SS qelm {}", escaped(command.get_name()));
     for (const CLI::Option* option : command.get_options())
-      if (option->get_positional()) page_ += " " + escaped(option->get_type_name());
+      if (option->get_positional()) page_ += " " + positional(*option);
     page_ += "\n" + escaped(command.get_description()) + ".\n";
     options(command);
     const std::string footer = command.get_footer();
@@ -67,9 +75,9 @@ class PageWriter {
   void options(const CLI::App& app) {
     for (const CLI::Option* option : app.get_options()) {
       const bool isPositional = option->get_positional();
-      const std::string name =
-          isPositional ? option->get_type_name() : option->get_name(false, true);
-      page_ += fmt::format(".TP\n\\fB{}\\fR", escaped(name));
+      page_ +=
+          fmt::format(".TP\n\\fB{}\\fR",
+                      isPositional ? positional(*option) : escaped(option->get_name(false, true)));
       if (!isPositional && option->get_items_expected_max() > 0)
         page_ += fmt::format(" \\fI{}\\fR", escaped(option->get_type_name()));
       page_ += "\n" + escaped(option->get_description()) + ".\n";

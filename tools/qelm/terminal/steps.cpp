@@ -19,7 +19,8 @@ constexpr auto kEvery = 100ms;
 }  // namespace
 
 struct ProgressLine::Ticker {
-  explicit Ticker(const char* stepName) : name(stepName), thread([this] { run(); }) {}
+  Ticker(const char* stepName, double seconds)
+      : name(stepName), expected(seconds), thread([this] { run(); }) {}
 
   ~Ticker() {
     {
@@ -37,21 +38,29 @@ struct ProgressLine::Ticker {
     for (auto pause = kFirst; !wake.wait_for(lock, pause, [this] { return isDone; });
          pause = kEvery) {
       const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
-      LiveLine::show(fmt::format("{:<10}{:6.1f} s", name, passed.count()));
+      LiveLine::show(describe(passed.count()));
     }
   }
 
+  std::string describe(double passed) const {
+    // Of a step that is expected to be short, the time alone says enough.
+    constexpr double kLong = 2;
+    const std::string line = fmt::format("{:<10}{:6.1f} s", name, passed);
+    return expected < kLong ? line : fmt::format("{} of about {:.0f} s", line, expected);
+  }
+
   const char* name;
+  double expected;
   std::mutex mutex;
   std::condition_variable wake;
   bool isDone = false;
   std::thread thread;  // last: it uses all the others
 };
 
-ProgressLine::ProgressLine(const char* name) {
+ProgressLine::ProgressLine(const char* name, double expected) {
   if (!hasTerminal()) return;
   try {
-    ticker_ = std::make_unique<Ticker>(name);
+    ticker_ = std::make_unique<Ticker>(name, expected);
   } catch (const std::system_error&) {
     // No thread to be had: the work matters, the line does not.
   }

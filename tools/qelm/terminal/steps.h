@@ -17,10 +17,11 @@ struct Step {
 };
 
 /// While it lives, a line on the terminal that says which step runs and for how
-/// long, once that is long enough to wonder. Without a terminal nothing.
+/// long, once that is long enough to wonder, and for how long it is expected to run if that
+/// is known (in seconds; 0 if not). Without a terminal nothing.
 class ProgressLine {
  public:
-  explicit ProgressLine(const char* name);
+  ProgressLine(const char* name, double expected);
   ~ProgressLine();
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
@@ -35,10 +36,10 @@ class Steps {
   Steps() : Steps(Console(true)) {}
   explicit Steps(const Console& console) : console_(console) {}
 
-  /// Runs `action`, returns what it returns, and takes its time.
+  /// Runs `action`, returns what it returns, and takes its time; see ProgressLine.
   template <class Action>
-  auto run(const char* name, Action action) {
-    const Stopwatch stopwatch(*this, name);
+  auto run(const char* name, Action action, double expected = 0) {
+    const Stopwatch stopwatch(*this, name, expected);
     return action();
   }
 
@@ -49,8 +50,8 @@ class Steps {
 
   class Stopwatch {
    public:
-    Stopwatch(Steps& steps, const char* name) : steps_(steps), name_(name) {
-      if (!steps.console_.quiet()) line_ = std::make_unique<ProgressLine>(name);
+    Stopwatch(Steps& steps, const char* name, double expected) : steps_(steps), name_(name) {
+      if (!steps.console_.quiet()) line_ = std::make_unique<ProgressLine>(name, expected);
     }
     ~Stopwatch() {
       const std::chrono::duration<double> passed = Clock::now() - begin_;

@@ -21,12 +21,14 @@ from .errors import (
     MeshError,
     QelmError,
     SingularSystemError,
+    TooLargeError,
     ToolError,
 )
 from .heatmap import write_heat_map
 from .isolines import Segments, isoline_segments
 from .meshcheck import Finding, Report, RobustReport, check, check_robust
 from .plotting import plot
+from .prediction import Prediction, predict
 from .system import FactorisationInfo, MeshSystem
 from .viewing import Page, view
 from .welding import Welded, weld
@@ -42,11 +44,13 @@ __all__ = [
     "MeshError",
     "MeshSystem",
     "Page",
+    "Prediction",
     "QelmError",
     "Report",
     "RobustReport",
     "Segments",
     "SingularSystemError",
+    "TooLargeError",
     "ToolError",
     "Welded",
     "check",
@@ -57,6 +61,7 @@ __all__ = [
     "isoline_segments",
     "library_version",
     "plot",
+    "predict",
     "view",
     "weld",
     "write_heat_map",

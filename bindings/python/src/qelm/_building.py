@@ -7,12 +7,16 @@ from ctypes import byref, c_int, c_void_p
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays, meshcheck
+from . import _arrays, _memory, meshcheck
 from ._handle import Handle
 from ._native import library, require_ok
-from .errors import MeshError
+from ._records import QelmPrediction
+from .errors import MeshError, TooLargeError
 
-_REPEATED_VERTEX, _UNUSED_VERTEX = 23, 24
+DEFECTS = (23, 24)  # a repeated vertex, an unused one
+_TOO_LARGE = 107
+_NO_LIMIT, _MOST_ENTRIES = 2**63 - 1, 2**31 - 1
+_WORTH_ASKING = 2000  # vertices; a factor of fewer takes 24 MB at most
 _HARMLESS_TO_ROBUST = (103, 104)  # areas near zero, sizes out of range
 
 
@@ -22,14 +26,38 @@ def construct(
     """The handle of checked arrays. Raises MeshError for a triangle or vertex that the library refuses."""
     status, pointer = c_int(), c_void_p()
     address = _arrays.address
-    constructor = library().qelmctorRobustTagged if robust else library().qelmctorTagged
-    constructor(
-        len(xyz), address(xyz), len(corners), address(corners), address(tags), None, byref(status), byref(pointer)
+    free = _limit(len(xyz))
+    prediction = QelmPrediction()
+    mesh = (len(xyz), address(xyz), len(corners), address(corners), address(tags))
+    library().qelmctorLimitedTagged(
+        *mesh, robust, free, byref(prediction), None, byref(status), byref(pointer)
     )
-    if status.value in (_REPEATED_VERTEX, _UNUSED_VERTEX):
+    if status.value in DEFECTS:
         refuse_defects(xyz, corners, tags, robust)
+    if status.value == _TOO_LARGE:
+        raise TooLargeError(_too_large(prediction, free), _TOO_LARGE)
     require_ok(status.value)
     return Handle(pointer)
+
+
+def _limit(vertex_count: int) -> int:
+    """The bytes that may be taken."""
+    # Asking the system takes some ten microseconds, more than a small mesh itself.
+    free = _memory.free_bytes() if vertex_count >= _WORTH_ASKING else None
+    return _NO_LIMIT if free is None else free
+
+
+def _too_large(prediction: QelmPrediction, free: int) -> str:
+    entries = prediction.factorEntries
+    if entries > _MOST_ENTRIES:
+        what = f"its factor would need {entries} entries, more than the library can index ({_MOST_ENTRIES})"
+    else:
+        what = (
+            f"it would take {prediction.peakBytes / 1e9:.3g} GB of memory, and {free / 1e9:.3g} GB are free; "
+            f"its factor has {entries} entries"
+        )
+    return f"the system is too large: {what}. A surface takes one or two kilobytes a vertex; more means that "\
+        "triangles join vertices that lie far apart. Fix more vertices, or divide the mesh"
 
 
 def refuse_defects(

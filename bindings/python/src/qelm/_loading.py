@@ -20,9 +20,9 @@ _IS_WINDOWS = sys.platform == "win32"
 
 #: An installation prefix of the native parts; wheels have one.
 PREFIX = pathlib.Path(__file__).resolve().parent / "native"
-_CARRIED_LIBRARY = PREFIX / ("bin/qelm.dll" if _IS_WINDOWS else "lib/libqelm.so.0")
+_CARRIED_LIBRARY = PREFIX / ("bin/qelm.dll" if _IS_WINDOWS else "lib/libqelm.so.1")
 _CARRIED_TOOL = PREFIX / ("bin/qelm.exe" if _IS_WINDOWS else "bin/qelm")
-_SYSTEM_NAME = "qelm.dll" if _IS_WINDOWS else "libqelm.so.0"
+_SYSTEM_NAME = "qelm.dll" if _IS_WINDOWS else "libqelm.so.1"
 
 
 def load() -> Tuple[str, ctypes.CDLL]:

@@ -8,10 +8,10 @@ from __future__ import annotations
 
 import ctypes
 import functools
-from ctypes import POINTER, c_char_p, c_double, c_float, c_int, c_void_p
+from ctypes import POINTER, c_char_p, c_double, c_float, c_int, c_int64, c_void_p
 
 from . import _loading
-from ._records import IsoEdgeMatrix, IsoPointMatrix, QelmCurves, QelmMeshReport, QelmRobustReport
+from ._records import IsoEdgeMatrix, IsoPointMatrix, QelmCurves, QelmMeshReport, QelmPrediction, QelmRobustReport
 from .errors import LibraryError, QelmError
 
 _INT = POINTER(c_int)
@@ -23,6 +23,11 @@ _HANDLE = c_void_p
 FUNCTIONS = {
     "qelmctorTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, _INT, _INT, _POINTER]),
     "qelmctorRobustTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, _INT, _INT, _POINTER]),
+    "qelmctorLimitedTagged": (
+        c_int,
+        [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, c_int, c_int64, POINTER(QelmPrediction), _INT, _INT, _POINTER],
+    ),
+    "qelmpredictTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, c_int, POINTER(QelmPrediction)]),
     "qelmcheckRobustTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, POINTER(QelmRobustReport)]),
     "dupl": (None, [_HANDLE, _POINTER]),
     "qelmfree": (None, [_HANDLE]),

@@ -68,6 +68,21 @@ class QelmRobustReport(ctypes.Structure):
     ]
 
 
+class QelmPrediction(ctypes.Structure):
+    """What constructing a system takes."""
+
+    factorEntries: int
+    handleBytes: int
+    peakBytes: int
+    multiplications: float
+    _fields_ = [
+        ("factorEntries", c_int64),
+        ("handleBytes", c_int64),
+        ("peakBytes", c_int64),
+        ("multiplications", c_double),
+    ]
+
+
 class QelmMeshReport(ctypes.Structure):
     """What the check of a mesh found."""
 

@@ -15,6 +15,7 @@ __all__ = [
     "MeshError",
     "QelmError",
     "SingularSystemError",
+    "TooLargeError",
     "ToolError",
 ]
 
@@ -52,6 +53,10 @@ class FieldError(QelmError, ValueError):
 
 class SingularSystemError(QelmError, ArithmeticError):
     """The equations have no single finite solution."""
+
+
+class TooLargeError(QelmError, MemoryError):
+    """The system would take more memory than is free, or more entries than the library can index."""
 
 
 class ClosedError(QelmError, ValueError):

@@ -67,6 +67,8 @@ class MeshSystem:
         A shape, index, coordinate, tag or triangle is wrong; the message names it.
     SingularSystemError
         With `check`: the factorisation failed.
+    TooLargeError
+        The system would take more memory than is free; the message has the figures.
     TypeError
         An array does not hold real numbers.
     LibraryError
@@ -74,8 +76,9 @@ class MeshSystem:
 
     Notes
     -----
-    When memory runs out inside the native library, the process ends: its exception cannot be caught
-    from Python. A factorisation's memory grows faster than the mesh.
+    A factorisation's memory grows faster than the mesh; :func:`qelm.predict` says what it takes. When memory
+    runs out inside the native library all the same, the process ends: its exception cannot be caught
+    from Python.
 
     A system cannot be pickled. After ``os.fork`` parent and child each have their own.
 

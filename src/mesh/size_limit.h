@@ -1,0 +1,37 @@
+// What constructing a system takes, and a limit to it.
+#ifndef QELM_MESH_SIZE_LIMIT_H
+#define QELM_MESH_SIZE_LIMIT_H
+
+#include <cstdint>
+#include <exception>
+
+#include "factor/symbolic.h"
+#include "interface/mesh_system.h"
+#include "mesh/numbering.h"
+#include "qelm.h"
+
+namespace qelm {
+
+/// Leaves a construction that would exceed its limit, before anything large is allocated.
+class TooLarge : public std::exception {};
+
+/// One construction's.
+struct SizeLimit {
+  std::int64_t mostBytes;  ///< negative: stop in any case
+
+  // Written on the way:
+  std::int64_t assemblyBytes = 0;  ///< the most that is held while elements are added up
+  QelmPrediction prediction = {};
+};
+
+/// While elements are added up, see EdgeSums: an entry for each side of a triangle that is not
+/// between tagged vertices.
+std::int64_t assemblyBytes(const VertexNumbering& numbering, const SystemTriangles& triangles);
+
+/// Of a system that has all but its factor. Throws TooLarge if it would take more than
+/// `limit.mostBytes`, or has more entries than an int can count.
+void hold(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost);
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_SIZE_LIMIT_H

@@ -1,0 +1,23 @@
+// qelm repair
+#ifndef QELM_TOOLS_REPAIR_COMMAND_H
+#define QELM_TOOLS_REPAIR_COMMAND_H
+
+#include <optional>
+#include <string>
+
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct RepairOptions {
+  std::string mesh;
+  bool strict = false;  ///< see MeshSource
+  std::string output;
+  std::optional<std::string> tolerance;  ///< as written; none: the default
+};
+
+void runRepair(const RepairOptions& options, const OutputOptions& output);
+
+}  // namespace qelm::tool
+
+#endif

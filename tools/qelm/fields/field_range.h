@@ -1,0 +1,36 @@
+// The least and the largest value of a field.
+#ifndef QELM_TOOLS_FIELD_RANGE_H
+#define QELM_TOOLS_FIELD_RANGE_H
+
+#include <cstddef>
+#include <limits>
+#include <span>
+
+namespace qelm::tool {
+
+struct FieldRange {
+  double low = std::numeric_limits<double>::infinity();
+  double high = -std::numeric_limits<double>::infinity();
+  int lowest = -1;  ///< where it is least; the first of equals
+  int highest = -1;
+};
+
+/// Vertices in no triangle have no value, which is not a number here: they do not count.
+inline FieldRange rangeOf(std::span<const double> field) {
+  FieldRange range;
+  for (std::size_t i = 0; i < field.size(); ++i) {
+    if (field[i] < range.low) {
+      range.low = field[i];
+      range.lowest = static_cast<int>(i);
+    }
+    if (field[i] > range.high) {
+      range.high = field[i];
+      range.highest = static_cast<int>(i);
+    }
+  }
+  return range;
+}
+
+}  // namespace qelm::tool
+
+#endif
