@@ -35,14 +35,25 @@ Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
 }  // namespace
 
 // Having factorised an empty matrix, Eigen's object counts as initialised, with success.
-Solver::Solver(const Sparse& matrix, const Method& method, const CostReview& review,
-               std::span<const std::int32_t> first)
+Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
+               const CostReview& review)
     : Ldlt(Sparse()) {
   if (matrix.cols() == 0) {
     if (review) review({});
     return;
   }
-  const Sparse upper = first.empty() ? ordered(matrix) : orderedFrom(matrix, first);
+  Sparse upper;
+  if (first.empty()) {
+    order(matrix);
+    upperTriangle(matrix, m_P).swap(upper);
+  } else {
+    const Permutation numbering = Permutation(numbersOf(first));
+    const Sparse numbered = renumbered(matrix, numbering);
+    order(numbered);
+    upperTriangle(numbered, m_P).swap(upper);
+    m_P = m_P * numbering;
+    m_Pinv = m_P.inverse();
+  }
   const EliminationTree tree = eliminationTree(upper);
   if (review) {
     review(costOf(matrix.nonZeros(), upper.nonZeros(), tree,
@@ -52,19 +63,9 @@ Solver::Solver(const Sparse& matrix, const Method& method, const CostReview& rev
   if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);
 }
 
-/// Finds the permutation; returns the upper triangle under it.
-Sparse Solver::ordered(const Sparse& matrix) {
+void Solver::order(const Sparse& matrix) {
   m_Pinv = amdOrder(matrix);
   m_P = m_Pinv.inverse();
-  return upperTriangle(matrix, m_P);
-}
-
-Sparse Solver::orderedFrom(const Sparse& matrix, std::span<const std::int32_t> first) {
-  const Permutation numbers(numbersOf(first));
-  Sparse upper = ordered(renumbered(matrix, numbers));
-  m_P = m_P * numbers;
-  m_Pinv = m_P.inverse();
-  return upper;
 }
 
 /// What analyzePattern() does.

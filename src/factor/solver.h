@@ -51,11 +51,10 @@ class Solver : public Ldlt {
   /// Throws std::bad_alloc before anything large is allocated if L has more entries than an int
   /// can count, as well as when memory runs out.
   explicit Solver(const Sparse& matrix, const Method& method = fastestMethod(),
-                  const CostReview& review = {}, std::span<const std::int32_t> first = {});
+                  std::span<const std::int32_t> first = {}, const CostReview& review = {});
 
  private:
-  Sparse ordered(const Sparse& matrix);
-  Sparse orderedFrom(const Sparse& matrix, std::span<const std::int32_t> first);
+  void order(const Sparse& matrix);
   void keepPattern(const EliminationTree& tree);
   bool tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method);
   void factorizePlainly(const Sparse& upper);

@@ -51,13 +51,14 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
 
   status = QELM_STATUS_OK;
   return factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                          rows.blocks, limit);
+                          rows.blocks, {}, limit);
 }
 
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
-                                             FreeRowBlocks& blocks, SizeLimit* limit,
-                                             std::span<const std::int32_t> freeOrder) {
+                                             FreeRowBlocks& blocks,
+                                             std::span<const std::int32_t> freeOrder,
+                                             SizeLimit* limit) {
   auto system = std::make_unique<MeshSystem>();
   system->fixedCount = taggedCount;
   system->vertexCount = static_cast<std::int64_t>(coordinates.size() / 3);
@@ -70,7 +71,7 @@ std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double
     review = [&](const factor::Cost& cost) { hold(*limit, *system, cost); };
   }
   system->freeSolver = std::make_shared<const factor::Solver>(
-      *system->freeFreeBlock, factor::fastestMethod(), review, freeOrder);
+      *system->freeFreeBlock, factor::fastestMethod(), freeOrder, review);
   return system;
 }
 

@@ -47,11 +47,12 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            int& status);
 
 /// The system of such a mesh from the blocks of its matrix, which are empty afterwards. With an
-/// order of the free vertices, from 0, it is factorised in that order.
+/// order of the free vertices, from 0, it is factorised in that order; `limit` may be null.
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
-                                             FreeRowBlocks& blocks, SizeLimit* limit,
-                                             std::span<const std::int32_t> freeOrder = {});
+                                             FreeRowBlocks& blocks,
+                                             std::span<const std::int32_t> freeOrder,
+                                             SizeLimit* limit);
 
 }  // namespace qelm
 

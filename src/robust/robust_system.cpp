@@ -81,7 +81,7 @@ std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCoun
   status = robust.rows.status;
   if (status != QELM_STATUS_OK) return nullptr;
   auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                                 robust.rows.blocks, limit, robust.freeOrder);
+                                 robust.rows.blocks, robust.freeOrder, limit);
   system->bounds = std::make_shared<const FieldBounds>(boundsOf(*system->freeFreeBlock));
   return system;
 }

@@ -189,7 +189,7 @@ TEST(FactorSolver, FactorisesInAnotherOrderAsThoughItsUnknownsWereNumberedSo) {
     Sparse renumbered(n, n);
     renumbered.setFromTriplets(entries.begin(), entries.end());
     const factor::Solver expected(renumbered);
-    const factor::Solver actual(matrix, factor::fastestMethod(), {}, first);
+    const factor::Solver actual(matrix, factor::fastestMethod(), first);
     EXPECT_EQ(actual.vectorD(), expected.vectorD());
     const Eigen::VectorXd right = Eigen::VectorXd::LinSpaced(n, -1, 2);
     const Eigen::VectorXd field = expected.solve(numbers * right);
