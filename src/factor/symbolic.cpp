@@ -75,7 +75,7 @@ Sparse upperTriangle(const Sparse& matrix, const Permutation& p) {
 }
 
 Cost costOf(std::int64_t matrixEntries, std::int64_t upperEntries, const EliminationTree& tree,
-            bool inBlocks) {
+            const Way& way) {
   const std::int64_t n = tree.parent.size();
   Cost cost;
   cost.entryCount = tree.entryCount();
@@ -83,8 +83,10 @@ Cost costOf(std::int64_t matrixEntries, std::int64_t upperEntries, const Elimina
   // L, D, the two permutations, the tree and the counts.
   cost.keptBytes = bytesOfColumns(n, cost.entryCount) + (kDouble + 4 * kInt) * n;
   const std::int64_t besides = bytesOfColumns(n, upperEntries) + 2 * kInt * n;  // the tree again
-  const std::int64_t working = inBlocks ? blockedBytes(tree) : plainBytes(n);
-  cost.peakBytes = std::max(orderingBytes(n, matrixEntries), cost.keptBytes + besides + working);
+  const std::int64_t working = way.inBlocks ? blockedBytes(tree) : plainBytes(n);
+  const std::int64_t copy = way.renumbered ? bytesOfColumns(n, matrixEntries) + kInt * n : 0;
+  cost.peakBytes =
+      std::max(copy + orderingBytes(n, matrixEntries), cost.keptBytes + besides + working);
   return cost;
 }
 

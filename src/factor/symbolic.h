@@ -27,10 +27,16 @@ struct Cost {
   std::int64_t peakBytes = 0;
 };
 
+/// How a factorisation goes about it.
+struct Way {
+  bool inBlocks;
+  bool renumbered;  ///< ordered from a copy of the matrix under other numbers
+};
+
 /// Of a matrix with so many entries in both triangles, and in the upper one, and this tree. Counts
 /// beyond what an int can, where Solver would throw.
 Cost costOf(std::int64_t matrixEntries, std::int64_t upperEntries, const EliminationTree& tree,
-            bool inBlocks);
+            const Way& way);
 
 }  // namespace qelm::factor
 

@@ -33,15 +33,15 @@ TEST(SizeLimit, AFactorThatAnIntCannotIndexIsTooLargeForAnyLimit) {
   constexpr int kMost = std::numeric_limits<int>::max();
   const MeshSystem system = smallSystem();
   SizeLimit limit{kNoLimit};
-  hold(limit, system, factor::costOf(3, 2, treeOf({kMost - 1, 1}), false));
+  hold(limit, system, factor::costOf(3, 2, treeOf({kMost - 1, 1}), {}));
   EXPECT_EQ(limit.prediction.factorEntries, kMost);
-  EXPECT_THROW(hold(limit, system, factor::costOf(3, 2, treeOf({kMost, 1}), false)), TooLarge);
+  EXPECT_THROW(hold(limit, system, factor::costOf(3, 2, treeOf({kMost, 1}), {})), TooLarge);
   EXPECT_EQ(limit.prediction.factorEntries, std::int64_t{kMost} + 1) << "told nevertheless";
   EXPECT_GT(limit.prediction.peakBytes, 12 * (std::int64_t{kMost} + 1));
 }
 
 TEST(SizeLimit, CountsMultiplicationsBeyondAnInt) {
-  const factor::Cost cost = factor::costOf(3, 2, treeOf({2000000, 1000000}), false);
+  const factor::Cost cost = factor::costOf(3, 2, treeOf({2000000, 1000000}), {});
   EXPECT_EQ(cost.multiplicationCount, 2000000.0 * 2000001 / 2 + 1000000.0 * 1000001 / 2);
 }
 

@@ -199,7 +199,7 @@ test('vertices in no triangle are not shown, and keep their lines in the saved f
   const { positions, triangles } = sheet(4, 2, [-2, 2, -1, 1]);
   // One in front of the others, two behind, far away.
   const strays = { positions: [99, 0, 0, ...positions, 0, 99, 0, 0, 0, 99], triangles: triangles.map((v) => v + 1) };
-  session.make('strays', strays, ...kSides.slice(0), '--levels', '3');
+  session.make('strays', strays, ...kSides, '--levels', '3');
   session.qelm('solve', 'strays.obj', ...kSides, '-o', 'field.csv', '-q');
   await session.open('strays');
   const csv = await session.offered('save-csv');

@@ -129,3 +129,11 @@ def test_refusals(qelm):
     assert "not both" in qelm.fails(2, "repair", "a.obj", "-o", "-", "--json")
     assert "none.obj: no such file" in qelm.fails(3, "repair", "none.obj", "-o", "b.obj")
     assert "name that ends in" in qelm.fails(2, "repair", "a.obj", "-o", "b")
+
+
+def test_a_refusal_for_flat_triangles_leads_here(qelm):
+    qelm.write("cap.obj", shapes.obj(CAP))
+    advice = "zero area; remove such triangles with 'qelm repair', or solve with --robust"
+    assert advice in qelm.fails(4, "solve", "cap.obj", "--fix", "vertex:0=0")
+    done = qelm.run("check", "cap.obj")
+    assert advice in done.stdout and "remove such triangles with 'qelm repair'" in done.stdout.split("Verdict")[0]

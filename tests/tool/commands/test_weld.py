@@ -197,7 +197,8 @@ OTHERS = {
         "v 0 0 0 1 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvn 0 0 1\ng front\nusemtl red\nf 1/1/1 2/1/1 3/1/1\nl 1 2\n",
         "colours, groups, lines, materials, normals, texture coordinates",
     ),
-    "plain.obj": (shapes.obj(shapes.SQUARE), None),
+    "plain.obj": ("# by hand\ns off\n" + shapes.obj(shapes.SQUARE), None),
+    "smooth.obj": ("s 1\n" + shapes.obj(shapes.SQUARE), "smoothing groups"),
     "coloured.off": (shapes.off(shapes.SQUARE).replace("3 0 1 2", "3 0 1 2 255 0 0"), "colours"),
     "all.off": (
         "STCNOFF\n3 1 0\n" + "".join(f"{x} 0 {y} 0 0 1 1 0 0 1 0 0\n" for x, y in ((0, 0), (1, 0), (0, 1))) + "3 0 1 2\n",

@@ -39,7 +39,7 @@ constexpr Line kThin = {
     Element::triangle,
     "triangle has no area, or too little for its size and place",
     "triangles have no area, or too little for their size and place",
-    "remove such triangles, merge their corners, or solve with --robust; move a mesh that is far "
+    "remove such triangles with 'qelm repair', or solve with --robust; move a mesh that is far "
     "away to the origin"};
 
 constexpr Line kUnused = {"unusedVertex",

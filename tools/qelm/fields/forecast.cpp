@@ -36,9 +36,9 @@ std::optional<QelmPrediction> forecast(const Mesh& mesh, std::span<const int> ta
   if (mesh.vertexCount() < kSmall) return {};
   const UsedPart part = usedPart(mesh);
   QelmPrediction prediction = {};
-  const int status = qelmpredictTagged(
-      part.mesh.vertexCount(), part.mesh.vertices.data(), part.mesh.triangleCount(),
-      part.mesh.triangles.data(), part.of(tags).data(), robust, &prediction);
+  const int status = qelmpredictTagged(part.mesh.vertexCount(), part.mesh.vertices.data(),
+                                       part.mesh.triangleCount(), part.mesh.triangles.data(),
+                                       part.of(tags).data(), robust, &prediction);
   if (status != QELM_STATUS_OK) return {};  // the constructor says why
   if (prediction.factorEntries > std::numeric_limits<std::int32_t>::max())
     throw InputError(

@@ -58,8 +58,8 @@ double measuredError(const FieldSystem& system, const Mesh& mesh) {
   const double error = system.constantError();
   if (!(error < kNothingLeft))
     throw SingularError(
-        fmt::format("rounding leaves nothing of a field here: {} is the worst; merge the corners "
-                    "of such triangles, or move a mesh that is far away to the origin",
+        fmt::format("rounding leaves nothing of a field here: {} is the worst; mend the mesh "
+                    "with 'qelm repair', or move one that is far away to the origin",
                     describeWorst(mesh)));
   return error > kNoError ? error : 0;
 }

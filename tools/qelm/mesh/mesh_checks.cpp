@@ -153,7 +153,7 @@ void checkMesh(const Mesh& mesh, const CheckedFor& wanted) {
   refuseFirst(
       mesh.triangleCount(), [&](int t) { return hasNoArea(mesh, t); },
       [&](int t) { return fmt::format("{}: zero area", describeTriangle(mesh, t)); },
-      "remove such triangles, merge their corners, or solve with --robust");
+      "remove such triangles with 'qelm repair', or solve with --robust");
 }
 
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {

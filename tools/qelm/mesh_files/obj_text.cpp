@@ -108,8 +108,9 @@ class ObjPass {
     if (words.empty()) return;
     if (words[0] == "v") vertex(words, number);
     if (words[0] == "f" || words[0] == "fo") face(words, number);
+    const bool isSwitchedOff = words.size() == 2 && (words[1] == "off" || words[1] == "0");
     for (const auto& [keyword, what] : kOthers)
-      if (words[0] == keyword) passedOver_.insert(what);
+      if (words[0] == keyword && !(words[0] == "s" && isSwitchedOff)) passedOver_.insert(what);
     if (words[0] == "g") group(words, number);
     // These take one name, which may have blanks in it.
     if (words[0] == "o") nameFaces(objects_, line, words[0]);
