@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <numeric>
+#include <tuple>
 
 #include "mesh/vec3.h"
 #include "robust/triangle_shape.h"
@@ -13,22 +15,99 @@ namespace {
 
 using Corners = std::array<std::int32_t, 3>;
 
+/// Corners ascending in each, sorted: by the first corner into buckets, which have few each.
 std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
   std::vector<std::int32_t> rank(order.size());
   for (std::size_t r = 0; r < order.size(); ++r)
     rank[asIndex(order[r])] = static_cast<std::int32_t>(r);
+  const auto cornersOf = [&](std::size_t j) {
+    Corners corners;
+    for (std::size_t k = 0; k < 3; ++k) corners[k] = rank[asIndex(triangles[j + k])];
+    std::sort(corners.begin(), corners.end());
+    return corners;
+  };
+  std::vector<std::size_t> starts(order.size() + 1);
+  for (std::size_t j = 0; j < triangles.size(); j += 3) ++starts[asIndex(cornersOf(j)[0])];
+  std::partial_sum(starts.begin(), starts.end(), starts.begin());
   std::vector<Corners> ordered(triangles.size() / 3);
-  for (std::size_t j = 0; j < ordered.size(); ++j) {
-    for (std::size_t k = 0; k < 3; ++k) ordered[j][k] = rank[asIndex(triangles[3 * j + k])];
-    std::sort(ordered[j].begin(), ordered[j].end());
+  // Each bucket's start moves from its end to its beginning.
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const Corners corners = cornersOf(j);
+    ordered[--starts[asIndex(corners[0])]] = corners;
   }
-  std::sort(ordered.begin(), ordered.end());
   std::vector<std::int32_t> packed;
   packed.reserve(triangles.size());
-  for (const Corners& corners : ordered)
-    packed.insert(packed.end(), corners.begin(), corners.end());
+  for (std::size_t first = 0; first < order.size(); ++first) {
+    const auto begin = ordered.begin() + static_cast<std::ptrdiff_t>(starts[first]);
+    const auto end = ordered.begin() + static_cast<std::ptrdiff_t>(starts[first + 1]);
+    std::sort(begin, end);
+    for (auto corners = begin; corners != end; ++corners)
+      packed.insert(packed.end(), corners->begin(), corners->end());
+  }
   return packed;
+}
+
+/// Cells of a cube around all places, 1024 along each edge, on a curve that stays near where it
+/// is (Morton, A computer oriented geodetic data base, 1966): vertices that are neighbours in space
+/// are so in memory, mostly.
+class Cells {
+ public:
+  explicit Cells(std::span<const double> coordinates) {
+    // Halves, so that differences are finite.
+    for (std::size_t i = 0; i < coordinates.size(); ++i) {
+      const double half = coordinates[i] / 2;
+      low_[i % 3] = i < 3 ? half : std::min(low_[i % 3], half);
+    }
+    for (std::size_t i = 0; i < coordinates.size(); ++i)
+      extent_ = std::max(extent_, coordinates[i] / 2 - low_[i % 3]);
+  }
+
+  /// Of a place, below 2^30.
+  std::uint64_t numberOf(const double* place) const {
+    if (extent_ == 0) return 0;
+    std::uint64_t number = 0;
+    for (std::size_t c = 0; c < 3; ++c) {
+      const double share = (place[c] / 2 - low_[c]) / extent_;  // 0 .. 1
+      number |= spread(static_cast<std::uint64_t>(share * 1023)) << c;
+    }
+    return number;
+  }
+
+ private:
+  /// Two zeros between any two of ten bits.
+  static std::uint64_t spread(std::uint64_t x) {
+    x = (x | x << 16) & 0x030000ff;
+    x = (x | x << 8) & 0x0300f00f;
+    x = (x | x << 4) & 0x030c30c3;
+    return (x | x << 2) & 0x09249249;
+  }
+
+  std::array<double, 3> low_ = {};
+  double extent_ = 0;
+};
+
+/// Sorts some vertices by cell, then by x, y, z, then by number.
+void sortByPlace(std::span<std::int32_t> vertices, const Cells& cells,
+                 std::span<const double> coordinates) {
+  std::vector<std::uint64_t> keys;
+  keys.reserve(vertices.size());
+  for (const std::int32_t v : vertices)
+    keys.push_back(cells.numberOf(&coordinates[3 * asIndex(v)]) << 32 |
+                   static_cast<std::uint64_t>(v));
+  std::sort(keys.begin(), keys.end());
+  const auto place = [&](std::uint64_t key) {
+    const double* const p = &coordinates[3 * static_cast<std::uint32_t>(key)];
+    return std::tuple(p[0], p[1], p[2], key);
+  };
+  for (auto begin = keys.begin(); begin != keys.end();) {
+    const auto end = std::find_if(begin, keys.end(),
+                                  [&](std::uint64_t key) { return key >> 32 != *begin >> 32; });
+    std::sort(begin, end, [&](std::uint64_t a, std::uint64_t b) { return place(a) < place(b); });
+    begin = end;
+  }
+  for (std::size_t i = 0; i < keys.size(); ++i)
+    vertices[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(keys[i]));
 }
 
 }  // namespace
@@ -49,18 +128,12 @@ bool haveSteepTriangle(std::int32_t taggedCount, std::span<const double> coordin
 
 std::vector<std::int32_t> orderOfPlaces(std::int32_t taggedCount,
                                         std::span<const double> coordinates) {
-  const auto isBefore = [&](std::int32_t v, std::int32_t w) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      const double x = coordinates[3 * asIndex(v) + c];
-      const double y = coordinates[3 * asIndex(w) + c];
-      if (x != y) return x < y;
-    }
-    return v < w;
-  };
   std::vector<std::int32_t> order(coordinates.size() / 3);
   std::iota(order.begin(), order.end(), 0);
-  std::sort(order.begin(), order.begin() + taggedCount, isBefore);
-  std::sort(order.begin() + taggedCount, order.end(), isBefore);
+  const Cells cells(coordinates);
+  const auto t = static_cast<std::size_t>(taggedCount);
+  sortByPlace(std::span(order).first(t), cells, coordinates);
+  sortByPlace(std::span(order).subspan(t), cells, coordinates);
   return order;
 }
 

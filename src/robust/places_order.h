@@ -7,7 +7,7 @@
 // on the order. Then flips and factorisation are done in an order that every numbering of
 // the same mesh leads to, and give the same bits:
 //
-//   vertices    tagged before free ones, each by x, then y, then z
+//   vertices    tagged before free ones, each by its cell in a fine grid, then by x, y, z
 //   triangles   corners ascending, then by the first, second and third corner
 //
 // The right-hand sides are still summed in the caller's order. Their rounding does not grow:
