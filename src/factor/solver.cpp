@@ -55,9 +55,9 @@ Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::
     m_Pinv = m_P.inverse();
   }
   const EliminationTree tree = eliminationTree(upper);
-  if (review) {
-    review(costOf(matrix.nonZeros(), upper.nonZeros(), tree,
-                  {blocksPay(tree, method), !first.empty()}));
+  if (review && !review(costOf(matrix.nonZeros(), upper.nonZeros(), tree,
+                               {blocksPay(tree, method), !first.empty()}))) {
+    return;
   }
   keepPattern(tree);
   if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);

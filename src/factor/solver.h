@@ -31,8 +31,8 @@ Method fastestMethod();
 /// Whether a factorisation by this method takes blocks.
 bool blocksPay(const EliminationTree& tree, const Method& method);
 
-/// Told what the numeric phase will take before it begins; may throw.
-using CostReview = std::function<void(const Cost&)>;
+/// Told what the numeric phase will take before it begins, which it does if the answer is true.
+using CostReview = std::function<bool(const Cost&)>;
 
 using Ldlt = Eigen::SimplicialLDLT<Sparse, Eigen::Lower, Eigen::AMDOrdering<int>>;
 
@@ -42,7 +42,8 @@ class Solver : public Ldlt {
  public:
   /// Factorises a symmetric matrix both of whose triangles are stored, rows ascending within
   /// columns; values are read from the lower one. How it ended is in info().
-  /// `review`, if there is one, is called once.
+  /// `review`, if there is one, is called once; where it answers false, the object is good for
+  /// nothing but to be destroyed.
   ///
   /// With `first`, a permutation of the unknowns, it does so as if first[0], first[1], ... had
   /// been numbered 0, 1, ...: factor and diagonal have the bits of that matrix, and the

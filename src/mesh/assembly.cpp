@@ -49,9 +49,11 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
     return nullptr;
   }
 
+  auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
+                                 rows.blocks, {}, limit);
   status = QELM_STATUS_OK;
-  return factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
-                          rows.blocks, {}, limit);
+  if (system == nullptr) status = QELM_STATUS_TOO_LARGE;
+  return system;
 }
 
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
@@ -68,10 +70,11 @@ std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double
   system->freeFixedBlock = shared(blocks.freeFixed);
   factor::CostReview review;
   if (limit != nullptr) {
-    review = [&](const factor::Cost& cost) { hold(*limit, *system, cost); };
+    review = [&](const factor::Cost& cost) { return keeps(*limit, *system, cost); };
   }
   system->freeSolver = std::make_shared<const factor::Solver>(
       *system->freeFreeBlock, factor::fastestMethod(), freeOrder, review);
+  if (limit != nullptr && limit->exceeded) return nullptr;
   return system;
 }
 

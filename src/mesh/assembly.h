@@ -40,14 +40,15 @@ AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordina
 /// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a
 /// vertex in none); the result is null unless it is 0. With vertexCount 0 the
 /// result is null and status is left as it was. How the factorisation ended is
-/// in freeSolver->info(), not in status. `limit` may be null; else see hold().
+/// in freeSolver->info(), not in status. `limit` may be null; with one, the status can be 107.
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
                                            SystemTriangles triangles, SizeLimit* limit,
                                            int& status);
 
 /// The system of such a mesh from the blocks of its matrix, which are empty afterwards. With an
-/// order of the free vertices, from 0, it is factorised in that order; `limit` may be null.
+/// order of the free vertices, from 0, it is factorised in that order. Null if there is a limit
+/// that it does not keep.
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
                                              FreeRowBlocks& blocks,

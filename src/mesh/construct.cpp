@@ -50,13 +50,8 @@ int runConstructor(const ConstructorArguments& arguments, AssembleSystem assembl
   const auto n = static_cast<std::size_t>(vertexCount);
   const auto m = static_cast<std::size_t>(triangleCount);
   int taggedCount = 0;
-  std::unique_ptr<MeshSystem> system;
-  try {
-    system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble, limit,
-                             taggedCount, *status);
-  } catch (const TooLarge&) {
-    *status = QELM_STATUS_TOO_LARGE;
-  }
+  auto system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble, limit,
+                                taggedCount, *status);
   if (taggedCountOut != nullptr) *taggedCountOut = taggedCount;
   *handleOut = system.release();
   return 1;

@@ -40,12 +40,11 @@ std::int64_t assemblyBytes(const VertexNumbering& numbering, const SystemTriangl
   return 28 * n + 12 * std::accumulate(firstFree, triangles.higherEnds.end(), std::int64_t{0});
 }
 
-void hold(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost) {
+bool keeps(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost) {
   limit.prediction = predictionOf(system, cost, limit.assemblyBytes);
-  if (limit.prediction.peakBytes > limit.mostBytes ||
-      limit.prediction.factorEntries > std::numeric_limits<int>::max()) {
-    throw TooLarge();
-  }
+  limit.exceeded = limit.prediction.peakBytes > limit.mostBytes ||
+                   limit.prediction.factorEntries > std::numeric_limits<int>::max();
+  return !limit.exceeded;
 }
 
 }  // namespace qelm

@@ -3,7 +3,6 @@
 #define QELM_MESH_SIZE_LIMIT_H
 
 #include <cstdint>
-#include <exception>
 
 #include "factor/symbolic.h"
 #include "interface/mesh_system.h"
@@ -12,9 +11,6 @@
 
 namespace qelm {
 
-/// Leaves a construction that would exceed its limit, before anything large is allocated.
-class TooLarge : public std::exception {};
-
 /// One construction's.
 struct SizeLimit {
   std::int64_t mostBytes;  ///< negative: stop in any case
@@ -22,15 +18,16 @@ struct SizeLimit {
   // Written on the way:
   std::int64_t assemblyBytes = 0;  ///< the most that is held while elements are added up
   QelmPrediction prediction = {};
+  bool exceeded = false;
 };
 
 /// While elements are added up, see EdgeSums: an entry for each side of a triangle that is not
 /// between tagged vertices.
 std::int64_t assemblyBytes(const VertexNumbering& numbering, const SystemTriangles& triangles);
 
-/// Of a system that has all but its factor. Throws TooLarge if it would take more than
-/// `limit.mostBytes`, or has more entries than an int can count.
-void hold(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost);
+/// Whether a system that has all but its factor keeps the limit: takes no more than
+/// `limit.mostBytes`, and its factor has no more entries than an int can count.
+bool keeps(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost);
 
 }  // namespace qelm
 

@@ -82,6 +82,10 @@ std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCoun
   if (status != QELM_STATUS_OK) return nullptr;
   auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
                                  robust.rows.blocks, robust.freeOrder, limit);
+  if (system == nullptr) {
+    status = QELM_STATUS_TOO_LARGE;
+    return nullptr;
+  }
   system->bounds = std::make_shared<const FieldBounds>(boundsOf(*system->freeFreeBlock));
   return system;
 }
