@@ -49,7 +49,8 @@ constexpr std::array kOne = {
 };
 constexpr std::array kTwo = {
     Two{"atan2", [](double a, double b) { return std::atan2(a, b); }},
-    Two{"hypot", [](double a, double b) { return std::hypot(a, b); }},
+    // With three arguments a template; with two, glibc 2.35's.
+    Two{"hypot", [](double a, double b) { return std::hypot(a, b, 0.0); }},
     Two{"max", [](double a, double b) { return std::max(a, b); }},
     Two{"min", [](double a, double b) { return std::min(a, b); }},
     Two{"mod", [](double a, double b) { return a - b * std::floor(a / b); }},

@@ -37,7 +37,8 @@ double sineOfTurn(const Flat& a, const Flat& b, const Flat& c) {
   const Flat in = b - a;
   const Flat out = c - b;
   const double area = wedge(in, out);
-  const double sides = std::hypot(in.x, in.y) * std::hypot(out.x, out.y);
+  // With three arguments a template; with two, glibc 2.35's.
+  const double sides = std::hypot(in.x, in.y, 0.0) * std::hypot(out.x, out.y, 0.0);
   return sides > 0 ? area / sides : 0;
 }
 
