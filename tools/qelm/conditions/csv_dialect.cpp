@@ -38,7 +38,7 @@ std::string fromUtf16(std::string_view bytes, bool isBigEndian) {
   const auto unitAt = [&](std::size_t at) -> std::uint32_t {
     const auto first = static_cast<unsigned char>(bytes[at]);
     const auto second = static_cast<unsigned char>(bytes[at + 1]);
-    return isBigEndian ? first << 8 | second : second << 8 | first;
+    return static_cast<std::uint32_t>(isBigEndian ? first << 8 | second : second << 8 | first);
   };
   std::string text;
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
