@@ -59,8 +59,8 @@ class Columns {
   void prefetchAt([[maybe_unused]] int column, [[maybe_unused]] int distance) const {
 #if defined(__GNUC__)
     constexpr int kCacheLine = 8;
-    const double* const first = values(column) + distance;
-    for (int k = 0; k < size(column); k += kCacheLine) __builtin_prefetch(first + k);
+    const double* const first = values(column);
+    for (int k = 0; k < size(column); k += kCacheLine) __builtin_prefetch(first + k + distance);
 #endif
   }
 

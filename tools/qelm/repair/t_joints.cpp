@@ -90,9 +90,10 @@ class TJoints {
     const int a = corner(t, side % 3);
     const int b = corner(t, side % 3 + 1);
     const Point p = mesh_.point(a);
-    const Point along = mesh_.point(b) - p;
+    const Point q = mesh_.point(b);
+    const Point along = q - p;
     const double size = length(along);
-    const auto [low, high] = std::minmax(p[axis_], mesh_.point(b)[axis_]);
+    const auto [low, high] = std::minmax(p[axis_], q[axis_]);
     std::vector<std::pair<double, int>> on;
     for (auto v =
              std::lower_bound(vertices_.begin(), vertices_.end(), std::pair(low - tolerance_, -1));
