@@ -961,9 +961,9 @@ typedef struct QelmPrediction {
  *            Checked in this order, the first one wins.
  * Ownership: the caller owns everything; no pointer is kept.
  * Threads:   may run at the same time as any other call.
- * Memory:    some 330 bytes for each vertex of a surface, a third of what construction
- *            takes, and an eighth to a third of its time. Exhaustion leaves as
- *            std::bad_alloc, with predictionOut unwritten.
+ * Memory:    some 330 bytes for each vertex of a surface, a quarter to two thirds of what
+ *            construction takes, and 0.08 to 0.4 of its time: less, the larger the mesh.
+ *            Exhaustion leaves as std::bad_alloc, with predictionOut unwritten.
  * Since:     1.0.0
  */
 QELM_API int qelmpredictTagged(int vertexCount, const double* vertices, int triangleCount,

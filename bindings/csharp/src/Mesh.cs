@@ -113,8 +113,8 @@ namespace Qelm
                 && Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, false, out blamed) == null;
         }
 
-        /// <summary>Says what <c>MeshSystem.Build</c> or <c>BuildRobust</c> would take: a microsecond for each vertex and
-        /// a third of the memory, to know.</summary>
+        /// <summary>Says what <c>MeshSystem.Build</c> or <c>BuildRobust</c> would take: about a microsecond for each
+        /// vertex, and part of the memory, to know.</summary>
         /// <param name="vertices">Coordinates x, y, z of each vertex.</param>
         /// <param name="triangles">Three vertex numbers per triangle, from 0.</param>
         /// <param name="tags">One per vertex; 1, 2 and 3 mean "prescribed".</param>

@@ -39,7 +39,7 @@ class Prediction:
 def predict(
     vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.ArrayLike, *, robust: bool = False
 ) -> Prediction:
-    """Says what :class:`MeshSystem` would take, in some microseconds a vertex and a third of its memory.
+    """Says what :class:`MeshSystem` would take, in about a microsecond a vertex and part of its memory.
 
     Parameters
     ----------
