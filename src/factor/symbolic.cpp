@@ -33,23 +33,25 @@ std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
          std::max((kInt + kDouble) * entries, 9 * kInt * n);
 }
 
-/// RowPaths, Passes, Waiting and TargetPanel, see there.
+/// RowPaths, SmallSubtrees, Passes, Waiting and TargetPanel, see there.
 std::int64_t blockedBytes(const EliminationTree& tree) {
   const Supernodes supernodes = fundamentalSupernodes(tree);
   const std::int64_t n = tree.parent.size();
   std::int64_t tails = 0;
   std::int64_t largestPanel = 0;
+  std::int64_t widest = 0;
   for (int s = 0; s < supernodes.count(); ++s) {
     const std::int64_t width = supernodes.width(s);
     const std::int64_t tail = tree.counts[supernodes.starts[s + 1] - 1];
     const std::int64_t stride = (width + kBlock - 1) / kBlock * kBlock;
     tails += tail;
     largestPanel = std::max(largestPanel, (width + tail) * stride);
+    widest = std::max(widest, stride);
   }
   const std::int64_t forEachRow = 7 * kInt;        // Supernodes, Passes, TargetPanel
-  const std::int64_t forEachSupernode = 6 * kInt;  // Supernodes, RowPaths, Waiting
+  const std::int64_t forEachSupernode = 9 * kInt;  // Supernodes, RowPaths, Waiting, SmallSubtrees
   return forEachRow * n + forEachSupernode * supernodes.count() + 2 * tails +
-         kDouble * (largestPanel + kWidestSupernode * (kWidestSupernode + kBlock));
+         kDouble * (largestPanel + widest * (widest + kBlock));
 }
 
 /// Eigen's own loop: one double and two int for each row.
