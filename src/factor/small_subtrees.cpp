@@ -78,11 +78,11 @@ class SmallFactor {
     }
     std::fill_n(counts_.begin(), count, 0);
     entries_.clear();
-    for (std::size_t m = members_.size(); m-- > 0;) {
-      const Panel panel(factor_, supernodes_, members_[m]);
+    for (auto s = members_.rbegin(); s != members_.rend(); ++s) {
+      const Panel panel(factor_, supernodes_, *s);
       for (int p = 0; p < panel.tailSize; ++p) {
         int& first = entriesOfRow_[panel.rows[p]];
-        entries_.push_back({members_[m], p, first});
+        entries_.push_back({*s, p, first});
         first = static_cast<int>(entries_.size()) - 1;
       }
     }

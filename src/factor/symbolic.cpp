@@ -26,8 +26,8 @@ int roomyEntryCount(std::int64_t n, std::int64_t entries) {
   return indexable(entries + entries / 5 + 2 * n);
 }
 
-/// AMD's copy, with a fifth and two entries for each column as elbow room, and nine numbers for each
-/// column.
+/// AMD's copy, with a fifth and two entries for each column as elbow room, and nine numbers for
+/// each column.
 std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
   return kInt * (n + 1) + (kInt + 1) * std::int64_t{roomyEntryCount(n, entries)} + 9 * kInt * n;
 }
@@ -59,8 +59,8 @@ std::int64_t plainBytes(std::int64_t n) { return (kDouble + 2 * kInt) * n; }
 }  // namespace
 
 /// What AMDOrdering does, but without making the matrix symmetric, which it is: a third of the
-/// time at 100 thousand unknowns. The values, which nobody reads, are bytes, and there is elbow room
-/// from the beginning.
+/// time at 100 thousand unknowns. The values, which nobody reads, are bytes, and there is elbow
+/// room from the beginning.
 Permutation amdOrder(const Sparse& matrix) {
   Permutation order;
   Eigen::SparseMatrix<char, Eigen::ColMajor, int> pattern(matrix.rows(), matrix.cols());
