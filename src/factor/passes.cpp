@@ -129,7 +129,7 @@ void Passes::collectFirst(const Source& source, std::size_t index) {
     } else if (r == kAgrees || run(r).pass == 0) {
       together_.push_back(p);
     } else {
-      later_.push_back({index, run(r).pass, {p, 0, source.panel.width}});
+      later_.push_back({static_cast<int>(index), run(r).pass, {p, 0, source.panel.width}});
     }
   }
   togetherView_ = together_;
@@ -154,7 +154,7 @@ void Passes::collectParts(const Source& source, std::size_t index, int position)
     if (pass == 0) {
       collect(part, source.panel.width);
     } else {
-      later_.push_back({index, pass, part});
+      later_.push_back({static_cast<int>(index), pass, part});
     }
   }
 }

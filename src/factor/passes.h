@@ -52,7 +52,7 @@ class Passes {
     }
     for (int pass = 1; pass < passCount_; ++pass) {
       for (std::size_t k = 0; k < later_.size();) {
-        const std::size_t s = later_[k].source;
+        const auto s = static_cast<std::size_t>(later_[k].source);
         k = collectLater(k, pass, sources[s].panel.width);
         performCollected(s);
       }
@@ -82,7 +82,7 @@ class Passes {
   };
   /// A part of a pass after the first.
   struct Later {
-    std::size_t source;
+    int source;  ///< a supernode's sources are fewer than its rows of L, which an int can count
     int pass;
     Part part;
   };

@@ -26,10 +26,16 @@ int roomyEntryCount(std::int64_t n, std::int64_t entries) {
   return indexable(entries + entries / 5 + 2 * n);
 }
 
-/// AMD's copy, with a fifth and two entries for each column as elbow room, and nine numbers for
-/// each column.
+/// Of an array that Eigen puts on the stack where it is small.
+std::int64_t heapBytes(std::int64_t bytes) {
+  return bytes > EIGEN_STACK_ALLOCATION_LIMIT ? bytes : 0;
+}
+
+/// AMD's copy, with a fifth and two entries for each column as elbow room; nine numbers for each
+/// column.
 std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
-  return kInt * (n + 1) + (kInt + 1) * std::int64_t{roomyEntryCount(n, entries)} + 9 * kInt * n;
+  return kInt * (n + 1) + (kInt + 1) * std::int64_t{roomyEntryCount(n, entries)} + kInt * n +
+         heapBytes(8 * kInt * n);
 }
 
 /// RowPaths, SmallSubtrees, Passes, Waiting and TargetPanel, see there.
@@ -54,7 +60,7 @@ std::int64_t blockedBytes(const EliminationTree& tree) {
 }
 
 /// Eigen's own loop: one double and two int for each row.
-std::int64_t plainBytes(std::int64_t n) { return (kDouble + 2 * kInt) * n; }
+std::int64_t plainBytes(std::int64_t n) { return heapBytes(kDouble * n) + 2 * heapBytes(kInt * n); }
 
 }  // namespace
 
