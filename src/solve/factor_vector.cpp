@@ -10,8 +10,9 @@
 // Going up, the entries of a column are subtracted one after the other, and the columns are read
 // from the last to the first.
 //
-// Both ways wait for memory. Processors fetch ahead in rising order only, and begin anew with every
-// column of a group, so the values that come next are asked for here.
+// Where L is larger than the caches, both ways wait for memory. Processors fetch ahead in rising
+// order only, and begin anew with every column of a group, so the values that come next are asked
+// for here.
 #include "solve/factor_vector.h"
 
 #include "interface/compiler.h"
@@ -29,7 +30,8 @@ class Columns {
       : count_(static_cast<int>(lower.cols())),
         starts_(lower.outerIndexPtr()),
         rows_(lower.innerIndexPtr()),
-        values_(lower.valuePtr()) {}
+        values_(lower.valuePtr()),
+        isLarge_(lower.nonZeros() > kCached) {}
 
   int count() const { return count_; }
   int size(int column) const { return starts_[column + 1] - starts_[column]; }
@@ -58,7 +60,11 @@ class Columns {
  private:
   static constexpr int kAhead = 512;  // entries; twice and half of it give the same
 
+  /// Entries, 16 MB of values; with fewer, asking takes longer than it saves.
+  static constexpr Eigen::Index kCached = 2'000'000;
+
   void prefetchAt(int column, int distance) const {
+    if (!isLarge_) return;
     constexpr int kCacheLine = 8;
     const double* const first = values(column);
     for (int k = 0; k < size(column); k += kCacheLine) prefetchToRead(first + k + distance);
@@ -68,6 +74,7 @@ class Columns {
   const int* starts_;
   const int* rows_;
   const double* values_;
+  bool isLarge_;
 };
 
 /// Shorter runs take no less time than their columns one by one.
