@@ -27,6 +27,21 @@ const press = async (text) => {
   throw new Error(`no button ${text}`);
 };
 
+/** What a paste puts into a text box. */
+async function pasted() {
+  const { page } = session;
+  await page.evaluate(() => {
+    const area = document.createElement('textarea');
+    area.id = 'paste';
+    document.body.append(area);
+    area.focus();
+  });
+  await page.keyboard.down('Control');
+  await page.keyboard.press('v', { commands: ['Paste'] });
+  await page.keyboard.up('Control');
+  return page.$eval('#paste', (area) => (area.remove(), area.value));
+}
+
 test('a curve that is pointed at says its level and length, and stands out', async () => {
   await session.open('flat');
   const { page } = session;
@@ -44,6 +59,7 @@ test('a curve that is pointed at says its level and length, and stands out', asy
   assert.ok(before.difference(chosen) > 0.001);
   await press('Copy');
   await page.waitForFunction(() => document.getElementById('announcement').textContent === 'Copied');
+  assert.equal(await pasted(), await page.$eval('#answer-text', (element) => element.textContent));
   await page.keyboard.press('Escape');
   assert.equal(await session.text('#answer'), '');
   await session.closed();
