@@ -110,8 +110,13 @@ test('two places give their distance and the difference of their values', async 
 test('numbers stand on their curves, upright, and not on what is behind', async () => {
   await session.open('flat');
   const { page } = session;
-  await page.evaluate(() => qelmPage.show({ values: true }));
-  await session.settled();
+  const showValues = async (values) => {
+    await page.evaluate((shown) => qelmPage.show({ values: shown }), values);
+    await session.settled();
+    return page.$eval('#labels', (canvas) => canvas.hidden);
+  };
+  const without = await session.picture();
+  assert.equal(await showValues(true), false);
   const drawn = () => page.evaluate(() => qelmPage.labels.drawn.map(({ text, x, y }) => ({ text, value: qelmPage.surface.pick(x, y)?.value })));
   const first = await drawn();
   assert.deepEqual(first.map(({ text }) => text).sort(), ['0.25', '0.5', '0.75']);
@@ -121,6 +126,11 @@ test('numbers stand on their curves, upright, and not on what is behind', async 
   await session.settled();
   for (const { text, value } of await drawn()) assert.ok(Math.abs(value - Number(text)) < 0.03, `turned, ${text}: ${value}`);
   assert.equal((await drawn()).length, 3);
+  await page.keyboard.press('0');
+  const labelled = without.difference(await session.picture());
+  assert.equal(await showValues(false), true, 'an empty canvas takes time to compose');
+  const after = without.difference(await session.picture());
+  assert.ok(labelled > 1e-4 && after < labelled / 10, `${labelled}, ${after}`);
   await session.closed();
 });
 
