@@ -111,10 +111,10 @@ test('a closed mesh stands upright, and buttons and keys show its sides', async 
   const direction = () =>
     page.evaluate(() => {
       const { camera } = qelmPage.surface;
-      return camera.getWorldDirection(camera.position.clone()).toArray().map((c) => Math.round(c) || 0);
+      return camera.getWorldDirection(camera.position.clone()).toArray().map((c) => Math.round(10 * c) / 10 || 0);
     });
-  const wanted = { front: [0, 0, -1], back: [0, 0, 1], left: [1, 0, 0], right: [-1, 0, 0], top: [0, -1, 0] };
-  const keys = { front: '1', back: '2', left: '3', right: '4', top: '5' };
+  const wanted = { front: [0, 0, -1], back: [0, 0, 1], left: [1, 0, 0], right: [-1, 0, 0], top: [0, -1, 0], iso: [-0.4, -0.5, -0.8] };
+  const keys = { front: '1', back: '2', left: '3', right: '4', top: '5', iso: '6' };
   for (const [name, along] of Object.entries(wanted)) {
     await page.click(`#views [data-view=${name}]`);
     assert.deepEqual(await direction(), along, name);
