@@ -27,6 +27,21 @@ const press = async (text) => {
   throw new Error(`no button ${text}`);
 };
 
+/** What a paste puts into a text box. */
+async function pasted() {
+  const { page } = session;
+  await page.evaluate(() => {
+    const area = document.createElement('textarea');
+    area.id = 'paste';
+    document.body.append(area);
+    area.focus();
+  });
+  await page.keyboard.down('Control');
+  await page.keyboard.press('v', { commands: ['Paste'] });
+  await page.keyboard.up('Control');
+  return page.$eval('#paste', (area) => (area.remove(), area.value));
+}
+
 test('a curve that is pointed at says its level and length, and stands out', async () => {
   await session.open('flat');
   const { page } = session;
@@ -44,6 +59,7 @@ test('a curve that is pointed at says its level and length, and stands out', asy
   assert.ok(before.difference(chosen) > 0.001);
   await press('Copy');
   await page.waitForFunction(() => document.getElementById('announcement').textContent === 'Copied');
+  assert.equal(await pasted(), await page.$eval('#answer-text', (element) => element.textContent));
   await page.keyboard.press('Escape');
   assert.equal(await session.text('#answer'), '');
   await session.closed();
@@ -94,8 +110,13 @@ test('two places give their distance and the difference of their values', async 
 test('numbers stand on their curves, upright, and not on what is behind', async () => {
   await session.open('flat');
   const { page } = session;
-  await page.evaluate(() => qelmPage.show({ values: true }));
-  await session.settled();
+  const showValues = async (values) => {
+    await page.evaluate((shown) => qelmPage.show({ values: shown }), values);
+    await session.settled();
+    return page.$eval('#labels', (canvas) => canvas.hidden);
+  };
+  const without = await session.picture();
+  assert.equal(await showValues(true), false);
   const drawn = () => page.evaluate(() => qelmPage.labels.drawn.map(({ text, x, y }) => ({ text, value: qelmPage.surface.pick(x, y)?.value })));
   const first = await drawn();
   assert.deepEqual(first.map(({ text }) => text).sort(), ['0.25', '0.5', '0.75']);
@@ -105,6 +126,11 @@ test('numbers stand on their curves, upright, and not on what is behind', async 
   await session.settled();
   for (const { text, value } of await drawn()) assert.ok(Math.abs(value - Number(text)) < 0.03, `turned, ${text}: ${value}`);
   assert.equal((await drawn()).length, 3);
+  await page.keyboard.press('0');
+  const labelled = without.difference(await session.picture());
+  assert.equal(await showValues(false), true, 'an empty canvas takes time to compose');
+  const after = without.difference(await session.picture());
+  assert.ok(labelled > 1e-4 && after < labelled / 10, `${labelled}, ${after}`);
   await session.closed();
 });
 

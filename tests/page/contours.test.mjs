@@ -9,6 +9,7 @@ import { splitVertices } from '../../tools/page/src/geometry.js';
 import { evenLevels, levelsInSteps, levelTexts, niceTicks, rangeOf, readable, stepIn } from '../../tools/page/src/levels.js';
 import { normalise } from '../../tools/page/src/normalise.js';
 import { cornerNormals } from '../../tools/page/src/normals.js';
+import { followPointer } from '../../tools/page/src/pointer.js';
 import { DepthPicture, visibleParts } from '../../tools/page/src/raster.js';
 import { gapsOf, rankOf } from '../../tools/page/src/spacing.js';
 import { firstView, namedView } from '../../tools/page/src/views.js';
@@ -289,4 +290,23 @@ test('an outline is where the mesh ends or turns away', () => {
   // Seen along its bore: both rims of the bore and the outer one twice, nothing else turns away.
   const across = Float64Array.from(block.positions, (_, k) => block.positions[k - (k % 3) + [0, 2, 1][k % 3]]);
   assert.ok(outlineEdges(block, across).length >= 128);
+});
+
+test('a tap is a tap even where the machine was too busy to see it end', (t) => {
+  t.mock.timers.enable({ apis: ['setTimeout'] });
+  globalThis.requestAnimationFrame = () => {};
+  const listeners = {};
+  const seen = [];
+  followPointer(
+    { addEventListener: (name, listener) => (listeners[name] = listener) },
+    { hover: () => {}, away: () => {}, tap: (x, y) => seen.push(`tap ${x},${y}`), suspend: (is) => seen.push(`suspend ${is}`) },
+  );
+  const finger = { pointerId: 1, pointerType: 'touch', button: 0, offsetX: 50, offsetY: 60 };
+  for (const [held, wanted] of [[40, ['suspend true', 'suspend false', 'tap 50,60']], [600, ['suspend true', 'suspend false']]]) {
+    seen.length = 0;
+    listeners.pointerdown({ ...finger, type: 'pointerdown', timeStamp: 1000 });
+    t.mock.timers.tick(700);
+    listeners.pointerup({ ...finger, type: 'pointerup', timeStamp: 1000 + held });
+    assert.deepEqual(seen, wanted, `held for ${held} ms`);
+  }
 });

@@ -12,6 +12,7 @@ const kScreens = [
   { width: 390, height: 844, touch: true },
   { width: 844, height: 390, touch: true },
   { width: 320, height: 568, touch: true },
+  { width: 568, height: 320, touch: true },
 ];
 const kPhone = { width: 390, height: 844, touch: true };
 const kFinger = 40; // pixels
@@ -110,10 +111,10 @@ test('a closed mesh stands upright, and buttons and keys show its sides', async 
   const direction = () =>
     page.evaluate(() => {
       const { camera } = qelmPage.surface;
-      return camera.getWorldDirection(camera.position.clone()).toArray().map((c) => Math.round(c) || 0);
+      return camera.getWorldDirection(camera.position.clone()).toArray().map((c) => Math.round(10 * c) / 10 || 0);
     });
-  const wanted = { front: [0, 0, -1], back: [0, 0, 1], left: [1, 0, 0], right: [-1, 0, 0], top: [0, -1, 0] };
-  const keys = { front: '1', back: '2', left: '3', right: '4', top: '5' };
+  const wanted = { front: [0, 0, -1], back: [0, 0, 1], left: [1, 0, 0], right: [-1, 0, 0], top: [0, -1, 0], iso: [-0.4, -0.5, -0.8] };
+  const keys = { front: '1', back: '2', left: '3', right: '4', top: '5', iso: '6' };
   for (const [name, along] of Object.entries(wanted)) {
     await page.click(`#views [data-view=${name}]`);
     assert.deepEqual(await direction(), along, name);
@@ -192,6 +193,37 @@ test('a tap reads the value, a finger that stays goes on reading, two fingers zo
   assert.ok(Math.abs((await distance()) / near - 1) < 0.02, 'two fingers side by side do not zoom');
   assert.ok(Math.abs(is[0] - was[0] - 60) < 15 && Math.abs(is[1] - was[1] - 30) < 15, `they move the mesh: ${was} to ${is}`);
   assert.equal(await page.evaluate(() => visualViewport.scale), 1, 'and not the page');
+  await session.closed();
+});
+
+test('on phones an answer takes the place of a panel, and does not lie on what was asked for', async () => {
+  await session.open('roof', { width: 568, height: 320, touch: true });
+  const { page } = session;
+  await page.tap('#tabs [data-tab=view]');
+  assert.ok(await page.$eval('#view', (panel) => panel.offsetHeight > 100));
+  for (const point of [[-8, 0, 1.7], [8, -2, 1.6]]) {
+    const at = await session.onScreen(point);
+    await page.touchscreen.tap(...at);
+    await session.settled();
+    assert.equal(await page.$eval('#view', (panel) => panel.offsetHeight), 0);
+    const marked = await session.onScreen(point);
+    const card = await page.$eval('#answer', (answer) => answer.getBoundingClientRect().toJSON());
+    assert.ok(card.width > 190 && (marked[0] < card.left || marked[0] > card.right), `${marked} lies under ${JSON.stringify(card)}`);
+    await nothingOverlaps('with an answer', false);
+    await page.keyboard.press('Escape');
+  }
+  await session.closed();
+});
+
+test('the name of the mesh comes before its counts where there is little room', async () => {
+  await session.open('roof', { width: 320, height: 568, touch: true });
+  const cut = (text) =>
+    session.page.evaluate((name) => {
+      document.querySelector('h1').textContent = name;
+      return ['h1', '#counts'].map((one) => document.querySelector(one)).map((one) => one.scrollWidth > one.clientWidth);
+    }, text);
+  assert.deepEqual(await cut('a.obj'), [false, false]);
+  assert.deepEqual(await cut('front_panel_left.stl'), [false, true]);
   await session.closed();
 });
 

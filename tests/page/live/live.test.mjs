@@ -225,6 +225,13 @@ test('sliders can be reached on a phone, and fingers move them', async () => {
   await closed();
 });
 
+test('on a desk all sliders are seen at once', async () => {
+  await open([...withPoint(1.5), '--levels', '9'], { width: 1400, height: 900 });
+  const [all, seen] = await page.$eval('#values', (list) => [list.scrollHeight, list.clientHeight]);
+  assert.ok(seen > 200 && all <= seen, `${seen} of ${all} pixels`);
+  await closed();
+});
+
 test('loads and the values of a file are kept', async () => {
   const words = (value) => ['hills.obj', '--fix-file', 'fixed.csv', '--load', 'load.csv', '--fix', `box:2,-9,-9,2,9,9=${value}`];
   await open(words(1));

@@ -5,6 +5,8 @@ import { readable, stepIn, withUnit } from './levels.js';
 
 const kReach = { mouse: 8, touch: 20 }; // pixels from a curve
 
+const kMiddle = -0.05; // between the two places of an answer on a phone that lies, in (-1, 1)
+
 const byId = (id) => document.getElementById(id);
 
 /** Copies text, also where the browser keeps its clipboard from local files. */
@@ -49,6 +51,7 @@ export class Answer {
   /** A place on the mesh was tapped, or none. */
   tapped(hit, isTouch) {
     if (!hit) return this.isMeasuring ? null : this.close();
+    this.#giveWay(hit);
     if (this.isMeasuring) return this.#measureTo(hit);
     const curve = this.curveAt(hit, isTouch);
     this.page.surface.choose(curve);
@@ -66,8 +69,19 @@ export class Answer {
     ]);
   }
 
+  /** On phones: in place of a panel, and on the side where what was asked for is not. */
+  #giveWay({ local }) {
+    const { panels, surface } = this.page;
+    if (!panels.areTabs) return;
+    panels.open(null);
+    surface.camera.updateMatrixWorld();
+    const isLeft = new Vector3(...local).project(surface.camera).x < kMiddle;
+    document.documentElement.classList.toggle('answer-aside', isLeft);
+  }
+
   measure(isOn) {
     this.isMeasuring = isOn;
+    if (this.page.panels.areTabs) this.page.panels.open(null);
     document.documentElement.classList.toggle('measuring', isOn);
     byId('measure').setAttribute('aria-pressed', String(isOn));
     this.#setMeasured([]);

@@ -37,13 +37,14 @@ class LivePage extends Page {
     this.current = [...this.prescribed]; // one for each condition, undefined for a file
     this.undone = []; // what #kept() says before each move, the last one at the end
     this.library = library;
+    document.documentElement.classList.add('live');
     this.times = {};
     this.rule = ruleOf(facts.levels);
     this.#addSwitch();
     this.#addButtons();
     this.#buildFirst();
-    this.fitWindow();
     this.solve();
+    this.fitWindow();
   }
 
   /**

@@ -28,7 +28,7 @@ export function followPointer(canvas, { hover, away, tap, suspend }) {
   };
 
   canvas.addEventListener('pointerdown', (event) => {
-    const place = { x: event.offsetX, y: event.offsetY, isStill: event.button === 0 };
+    const place = { x: event.offsetX, y: event.offsetY, isStill: event.button === 0, since: event.timeStamp };
     pressed.set(event.pointerId, place);
     leave();
     stopHolding();
@@ -39,7 +39,6 @@ export function followPointer(canvas, { hover, away, tap, suspend }) {
         if (!place.isStill) return;
         reads = true;
         suspend(true);
-        place.isStill = false;
         soon(event);
       }, kHold);
     }
@@ -52,8 +51,12 @@ export function followPointer(canvas, { hover, away, tap, suspend }) {
   const up = (event) => {
     const place = pressed.get(event.pointerId);
     pressed.delete(event.pointerId);
+    // On a busy machine a tap may come after the timer of a hold: the events know how long it was.
+    const isHold = reads && event.timeStamp - place?.since >= kHold;
     stopHolding();
-    if (place?.isStill && event.type === 'pointerup') tap(event.offsetX, event.offsetY, event.pointerType === 'touch');
+    if (!place?.isStill || isHold || event.type !== 'pointerup') return;
+    awaited = null;
+    tap(event.offsetX, event.offsetY, event.pointerType === 'touch');
   };
   canvas.addEventListener('pointerup', up);
   canvas.addEventListener('pointercancel', up);

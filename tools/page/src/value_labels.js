@@ -49,14 +49,18 @@ export class ValueLabels {
 
   draw() {
     const { surface, canvas } = this;
+    const isShown = surface.shown.values && surface.shown.curves && this.levels !== undefined;
+    this.drawn = [];
+    // Without a graphics card an empty canvas over all of the window takes a quarter of every frame.
+    if (canvas.hidden && !isShown) return;
+    canvas.hidden = !isShown;
     const context = canvas.getContext('2d');
     const ratio = surface.pixelRatio;
     const [width, height] = [Math.round(surface.width * ratio), Math.round(surface.height * ratio)];
     if (canvas.width !== width || canvas.height !== height) Object.assign(canvas, { width, height });
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
     context.clearRect(0, 0, surface.width, surface.height);
-    this.drawn = [];
-    if (!surface.shown.values || !surface.shown.curves || !this.levels) return;
+    if (!isShown) return;
     const look = kLooks[surface.shown.heatMap ? 'onColours' : surface.theme];
     Object.assign(context, { font: kFont, textAlign: 'center', textBaseline: 'middle', lineJoin: 'round' });
     // Levels that stay when curves are thinned out have their labels first.

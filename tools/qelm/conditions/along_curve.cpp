@@ -125,7 +125,9 @@ class Follower {
   int visit(const Segment& segment, double part, int before) {
     std::size_t vertex = 0;
     double squared = std::numeric_limits<double>::infinity();
-    tree_.knnSearch(segment.at(part).data(), 1, &vertex, &squared);
+    // How many were found is one: meshes have vertices. Later releases of nanoflann insist on an
+    // answer.
+    static_cast<void>(tree_.knnSearch(segment.at(part).data(), 1, &vertex, &squared));
     const int here = static_cast<int>(vertex);
     take(here, segment);
     if (before != kNone && before != here) walk(before, here, segment);
