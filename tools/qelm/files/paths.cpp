@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -15,6 +14,7 @@
 #endif
 
 #include "text/error.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace fs = std::filesystem;
@@ -32,13 +32,7 @@ int processNumber() { return _getpid(); }
 int processNumber() { return getpid(); }
 #endif
 
-std::string lowerExtension(const fs::path& path) {
-  std::string extension = toUtf8(path.extension());
-  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return extension;
-}
+std::string lowerExtension(const fs::path& path) { return lowerCase(toUtf8(path.extension())); }
 
 std::string readFile(const fs::path& path) {
   const std::string name = toUtf8(path);

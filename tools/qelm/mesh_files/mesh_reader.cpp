@@ -9,6 +9,7 @@
 
 #include <limits>
 #include <set>
+#include <span>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -19,6 +20,8 @@
 #include "mesh_files/off_data.h"
 #include "mesh_files/ply_data.h"
 #include "mesh_files/stl_data.h"
+#include "mesh_files/vtk_legacy.h"
+#include "mesh_files/vtk_xml.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -35,7 +38,7 @@ struct ReaderSoup {
   std::vector<std::vector<std::size_t>> faces;
 };
 
-enum class Format { kObj, kOff, kPly, kStl };
+enum class Format { kObj, kOff, kPly, kStl, kVtk, kVtkXml };
 
 Format formatOf(const std::filesystem::path& path) {
   const std::string extension = lowerExtension(path);
@@ -43,6 +46,8 @@ Format formatOf(const std::filesystem::path& path) {
   if (extension == ".off") return Format::kOff;
   if (extension == ".ply") return Format::kPly;
   if (extension == ".stl") return Format::kStl;
+  if (extension == ".vtk") return Format::kVtk;
+  if (extension == ".vtp" || extension == ".vtu") return Format::kVtkXml;
   throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
                               toUtf8(path), kReadableFormats));
 }
@@ -55,8 +60,11 @@ PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) 
   soup.points.reserve(from.points.size());
   for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
   soup.faces.reserve(from.faces.size());
-  for (const std::vector<std::size_t>& face : from.faces)
-    soup.faces.emplace_back(face.begin(), face.end());
+  std::vector<int> corners;
+  for (const std::vector<std::size_t>& face : from.faces) {
+    corners.assign(face.begin(), face.end());
+    soup.faces.push_back(corners);
+  }
   return soup;
 }
 
@@ -99,6 +107,10 @@ PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
       return readOff(bytes, name);
     case Format::kPly:
       return readPly(bytes, name);
+    case Format::kVtk:
+      return readVtkLegacy(bytes, name);
+    case Format::kVtkXml:
+      return readVtkXml(bytes, name);
     default:
       return readStl(std::move(bytes), name);
   }
@@ -113,7 +125,7 @@ void checkSizes(const PolygonSoup& soup, const std::string& name) {
 }
 
 void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& name) {
-  const std::vector<int>& corners = soup.faces[face];
+  const std::span<const int> corners = soup.faces[face];
   if (corners.size() < 3)
     throw MeshError(fmt::format("{}: face {}: has only {} corners", name, face, corners.size()));
   for (const int index : corners)
@@ -125,6 +137,10 @@ void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& nam
 }
 
 }  // namespace
+
+bool hasVertexArrays(std::string_view extension) {
+  return extension == ".ply" || extension == ".vtk" || extension == ".vtp" || extension == ".vtu";
+}
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   formatOf(path);  // refuses the name before the file is touched

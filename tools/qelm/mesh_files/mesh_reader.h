@@ -4,13 +4,17 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
 
 /// The extensions that readPolygonSoup() takes, for messages.
-inline constexpr const char* kReadableFormats = ".obj, .off, .ply or .stl";
+inline constexpr const char* kReadableFormats = ".obj, .off, .ply, .stl, .vtk, .vtp or .vtu";
+
+/// Whether files with this extension may hold numbers for each vertex besides its place.
+bool hasVertexArrays(std::string_view extension);
 
 /// Reads a mesh file. Vertices and faces keep their order in the file and every
 /// double its bits. Corners of an STL file's facets that are exactly equal are

@@ -11,6 +11,7 @@
 #include "files/result_name.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
+#include "mesh_files/vtk_writer.h"
 #include "text/error.h"
 #include "text/text_block.h"
 
@@ -78,13 +79,16 @@ void writeStl(const Mesh& mesh, TextBlock& block) {
 
 MeshFormat writableFormat(const std::string& name) {
   if (name == "-") return MeshFormat::kObj;
-  const std::string extension = promisedFormat(name, {".obj", ".off", ".ply", ".stl"},
-                                               "meshes are written as .obj, .off, .ply or .stl");
+  const std::string extension =
+      promisedFormat(name, {".obj", ".off", ".ply", ".stl", ".vtp", ".vtu"},
+                     fmt::format("meshes are written as {}", kWritableFormats));
   if (extension == ".obj") return MeshFormat::kObj;
   if (extension == ".off") return MeshFormat::kOff;
   if (extension == ".ply") return MeshFormat::kPly;
   if (extension == ".stl") return MeshFormat::kStl;
-  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .off, .ply or .stl", name));
+  if (extension == ".vtp") return MeshFormat::kVtp;
+  if (extension == ".vtu") return MeshFormat::kVtu;
+  throw UsageError(fmt::format("-o {}: give a name that ends in {}", name, kWritableFormats));
 }
 
 int lostToSinglePrecision(const Mesh& mesh) {
@@ -117,6 +121,8 @@ void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   if (format == MeshFormat::kPly) writePly(mesh, block);
   if (format == MeshFormat::kStl) writeStl(mesh, block);
   block.flush();
+  if (format == MeshFormat::kVtp || format == MeshFormat::kVtu)
+    writeVtkMesh(mesh, {}, format == MeshFormat::kVtu, file);
 }
 
 }  // namespace qelm::tool

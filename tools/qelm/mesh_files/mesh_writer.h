@@ -13,8 +13,13 @@ enum class MeshFormat {
   kObj,  ///< text, every double kept
   kOff,  ///< text, every double kept
   kPly,  ///< binary, every double kept
-  kStl   ///< binary, coordinates rounded to single precision
+  kStl,  ///< binary, coordinates rounded to single precision
+  kVtp,  ///< VTK's XML, binary, every double kept
+  kVtu   ///< the same as an unstructured grid
 };
+
+/// The extensions of them all, for messages.
+inline constexpr const char* kWritableFormats = ".obj, .off, .ply, .stl, .vtp or .vtu";
 
 /// The format that a file's extension asks for. Throws UsageError that lists
 /// them; the standard output ("-") is OBJ.

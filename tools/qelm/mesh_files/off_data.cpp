@@ -114,10 +114,10 @@ class OffReader {
       fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
     needWords(static_cast<std::size_t>(*corners) + 1, wanted);
     if (words_.size() > static_cast<std::size_t>(*corners) + 1) soup_.passedOver.insert("colours");
-    std::vector<int> face;
+    corners_.clear();
     for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
-      face.push_back(cornerIndex(words_[k], index));
-    soup_.faces.push_back(std::move(face));
+      corners_.push_back(cornerIndex(words_[k], index));
+    soup_.faces.push_back(corners_);
   }
 
   int cornerIndex(std::string_view word, std::size_t face) const {
@@ -134,6 +134,7 @@ class OffReader {
   std::vector<std::string_view> words_;
   std::size_t vertexCount_ = 0;
   std::size_t faceCount_ = 0;
+  std::vector<int> corners_;
   PolygonSoup soup_;
 };
 
