@@ -2,10 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string_view>
+#include <vector>
 
 #include "colours/colour_ply.h"
 #include "colours/heat_gltf.h"
@@ -86,12 +89,24 @@ void runOneFile(const HeatmapOptions& options, const OutputOptions& output,
     writeOneFile(solved, format, file);
     file.commit();
   });
-  reportField(solved, {options.output}, output, console);
+  reportField(solved, {options.output == "-" ? "standard output" : options.output}, output,
+              console);
 }
 
 }  // namespace
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
+  const std::vector<std::string_view> singles = {".ply", ".glb", ".gltf", ".vtp", ".vtu"};
+  if (options.output == "-" && options.format.empty())
+    throw UsageError("-o -: say which kind of file, as in --format ply");
+  if (output.json && options.output == "-")
+    throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
+  if (!options.format.empty()) {
+    if (std::find(singles.begin(), singles.end(), "." + options.format) == singles.end())
+      throw UsageError(
+          fmt::format("--format {}: one of ply, glb, gltf, vtp and vtu is needed", options.format));
+    return runOneFile(options, output, "." + options.format);
+  }
   const std::string format =
       promisedFormat(options.output, {".obj", ".ply", ".glb", ".gltf", ".vtp", ".vtu"},
                      "'heatmap' writes .obj (with .mtl and viridis.PNG beside it), .ply, .glb, "

@@ -64,16 +64,16 @@ void writeCurvesGltf(const CurveSet& curves, double low, double high, std::size_
     for (; c < curves.size() && curves[c].level == number; ++c) level.add(curves[c]);
     const double value = curves.levels()[number];
     const std::string name = fmt::format("level {}", value);
-    Json& meshes = builder.document()["meshes"];
-    const std::size_t mesh = meshes.size();
     const Json attributes = {{"POSITION", builder.addPositions(places.rounded(level.points))}};
+    const std::size_t indices = builder.addIndices(level.pieces);
+    const std::size_t mesh = builder.document()["meshes"].size();
     builder.document()["materials"].push_back(
         material(name, viridis((value - low) / (high - low))));
-    meshes.push_back({{"name", name},
-                      {"primitives", Json::array({{{"attributes", attributes},
-                                                   {"indices", builder.addIndices(level.pieces)},
-                                                   {"material", mesh},
-                                                   {"mode", kLines}}})}});
+    builder.document()["meshes"].push_back({{"name", name},
+                                            {"primitives", Json::array({{{"attributes", attributes},
+                                                                         {"indices", indices},
+                                                                         {"material", mesh},
+                                                                         {"mode", kLines}}})}});
     builder.show(name, mesh, places.transform(), {{"level", value}});
   }
   builder.write(isBinary, file);

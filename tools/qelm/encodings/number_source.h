@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "encodings/numbers.h"
@@ -22,6 +23,7 @@ class NumberSource {
   NumberSource(std::string_view bytes, const std::string& name, std::size_t firstLine = 1);
 
   void setBinary(ByteOrder order);
+  void setText() { isBinary_ = false; }
   bool isBinary() const { return isBinary_; }
   ByteOrder byteOrder() const { return order_; }
   /// For messages, such as "POINTS".
@@ -30,6 +32,7 @@ class NumberSource {
   bool atEnd() const { return rest_.empty(); }
   std::string_view rest() const { return rest_; }
   void skipBlanks();
+  void passOver(std::size_t size) { rest_.remove_prefix(size); }
   /// What is left of this line, without its end.
   std::string_view line();
   /// The next word, which may be empty at the end.

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 
 #ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
 #include <process.h>
 #else
 #include <unistd.h>
@@ -33,6 +36,20 @@ int processNumber() { return getpid(); }
 #endif
 
 std::string lowerExtension(const fs::path& path) { return lowerCase(toUtf8(path.extension())); }
+
+std::string readStandardInput() {
+#ifdef _WIN32
+  _setmode(_fileno(stdin), _O_BINARY);
+#endif
+  std::string bytes;
+  constexpr std::size_t kBlock = 1 << 16;
+  for (std::size_t read = kBlock; read == kBlock; bytes.resize(bytes.size() - kBlock + read)) {
+    bytes.resize(bytes.size() + kBlock);
+    read = std::fread(bytes.data() + bytes.size() - kBlock, 1, kBlock, stdin);
+  }
+  if (std::ferror(stdin) != 0) throw FileError("the standard input: reading it failed");
+  return bytes;
+}
 
 std::string readFile(const fs::path& path) {
   const std::string name = toUtf8(path);

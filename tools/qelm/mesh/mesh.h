@@ -69,6 +69,8 @@ struct PolygonSoup {
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
   Attributes attributes;
+  /// How many points lay exactly on one before them and became one with it.
+  std::size_t mergedPoints = 0;
   /// What the file holds besides, as people call it: "normals", "colours".
   std::set<std::string> passedOver;
 };

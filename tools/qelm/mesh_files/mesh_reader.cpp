@@ -16,10 +16,13 @@
 #include <vector>
 
 #include "files/paths.h"
+#include "mesh_files/gltf_data.h"
+#include "mesh_files/msh_data.h"
 #include "mesh_files/obj_text.h"
 #include "mesh_files/off_data.h"
 #include "mesh_files/ply_data.h"
 #include "mesh_files/stl_data.h"
+#include "mesh_files/threemf_data.h"
 #include "mesh_files/vtk_legacy.h"
 #include "mesh_files/vtk_xml.h"
 #include "text/error.h"
@@ -38,7 +41,7 @@ struct ReaderSoup {
   std::vector<std::vector<std::size_t>> faces;
 };
 
-enum class Format { kObj, kOff, kPly, kStl, kVtk, kVtkXml };
+enum class Format { kObj, kOff, kPly, kStl, kVtk, kVtkXml, kGltf, kThreemf, kMsh };
 
 Format formatOf(const std::filesystem::path& path) {
   const std::string extension = lowerExtension(path);
@@ -48,6 +51,11 @@ Format formatOf(const std::filesystem::path& path) {
   if (extension == ".stl") return Format::kStl;
   if (extension == ".vtk") return Format::kVtk;
   if (extension == ".vtp" || extension == ".vtu") return Format::kVtkXml;
+  if (extension == ".gltf" || extension == ".glb") return Format::kGltf;
+  if (extension == ".3mf") return Format::kThreemf;
+  if (extension == ".msh") return Format::kMsh;
+  if (toUtf8(path) == "-")
+    throw UsageError("the standard input has no name: say what it holds, as in --read-as obj");
   throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
                               toUtf8(path), kReadableFormats));
 }
@@ -99,7 +107,8 @@ PolygonSoup readStl(std::string bytes, const std::string& name) {
   return result;
 }
 
-PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
+PolygonSoup readAs(Format format, std::string bytes, const std::filesystem::path& path) {
+  const std::string name = toUtf8(path);
   switch (format) {
     case Format::kObj:
       return readObj(std::move(bytes), name);
@@ -111,6 +120,12 @@ PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
       return readVtkLegacy(bytes, name);
     case Format::kVtkXml:
       return readVtkXml(bytes, name);
+    case Format::kGltf:
+      return readGltf(bytes, name, path.parent_path());
+    case Format::kThreemf:
+      return readThreemf(bytes, name);
+    case Format::kMsh:
+      return readMsh(bytes, name);
     default:
       return readStl(std::move(bytes), name);
   }
@@ -139,19 +154,35 @@ void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& nam
 }  // namespace
 
 bool hasVertexArrays(std::string_view extension) {
-  return extension == ".ply" || extension == ".vtk" || extension == ".vtp" || extension == ".vtu";
+  return extension == ".ply" || extension == ".vtk" || extension == ".vtp" || extension == ".vtu" ||
+         extension == ".gltf" || extension == ".glb";
+}
+
+std::string standardInputAs(const std::string& mesh, const std::string& format) {
+  if (mesh != "-")
+    throw UsageError(
+        fmt::format("--read-as {}: only the standard input (-) needs it; {} is read by its name",
+                    format, mesh));
+  const std::string name = "-." + lowerCase(format);
+  try {
+    formatOf(toPath(name));
+  } catch (const FileError&) {
+    throw UsageError(fmt::format("--read-as {}: what is read is {}", format, kReadableFormats));
+  }
+  return name;
 }
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   formatOf(path);  // refuses the name before the file is touched
-  return readPolygonSoup(path, readFile(path));
+  const bool isStandardInput = path.stem() == "-" && !path.has_parent_path();
+  return readPolygonSoup(path, isStandardInput ? readStandardInput() : readFile(path));
 }
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes) {
   const std::string name = toUtf8(path);
   const Format format = formatOf(path);
   if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
-  PolygonSoup soup = readAs(format, std::move(bytes), name);
+  PolygonSoup soup = readAs(format, std::move(bytes), path);
   checkSizes(soup, name);
   for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
   return soup;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "encodings/number_source.h"
-#include "mesh_files/vtk_soup.h"
+#include "mesh_files/cell_soup.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -164,7 +164,7 @@ class LegacyReader {
   }
 
   /// Up to version 4 each cell has its number of corners in front; from 5 on there are two arrays.
-  VtkCells cells() {
+  CellList cells() {
     const std::size_t first = count(1);
     const std::size_t second = count(2);
     source_.skipBlanks();
@@ -172,9 +172,9 @@ class LegacyReader {
                                                                : cellsByCounts(first, second);
   }
 
-  VtkCells cellsByCounts(std::size_t cellCount, std::size_t size) {
+  CellList cellsByCounts(std::size_t cellCount, std::size_t size) {
     std::vector<std::int64_t> all = source_.integers(NumberType::kInt32, size);
-    VtkCells cells;
+    CellList cells;
     if (cellCount > size) fail(fmt::format("{} cells in {} numbers", cellCount, size));
     cells.ends.reserve(cellCount);
     std::size_t to = 0;
@@ -192,8 +192,8 @@ class LegacyReader {
     return cells;
   }
 
-  VtkCells cellsByOffsets(std::size_t offsetCount, std::size_t cornerCount) {
-    VtkCells cells;
+  CellList cellsByOffsets(std::size_t offsetCount, std::size_t cornerCount) {
+    CellList cells;
     nextStatement();
     cells.ends = source_.integers(type(1), offsetCount);
     if (!cells.ends.empty()) {
@@ -276,10 +276,10 @@ class LegacyReader {
 
   NumberSource source_;
   const std::string& name_;
-  VtkSoup soup_;
+  CellSoup soup_;
   std::vector<std::string_view> words_;
   std::string keyword_;
-  VtkCells cells_;
+  CellList cells_;
   std::vector<std::int64_t> types_;
   Association association_ = Association::kNone;
   std::size_t tuples_ = 0;

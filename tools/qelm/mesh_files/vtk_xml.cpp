@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "encodings/xml_scanner.h"
-#include "mesh_files/vtk_soup.h"
+#include "mesh_files/cell_soup.h"
 #include "mesh_files/vtk_xml_arrays.h"
 #include "text/text.h"
 
@@ -173,7 +173,7 @@ class VtkXmlReader {
         scanner_.failAt(piece.place, fmt::format("<{}> has no array '{}'", section, key));
       return numbers.integers(array->second);
     };
-    const VtkCells found{read("offsets"), read("connectivity")};
+    const CellList found{read("offsets"), read("connectivity")};
     require(piece, "offsets", found.ends.size(), cells.count, 1);
     if (section == "Polys") soup_.addPolygons(found);
     if (section == "Strips") soup_.addStrips(found);
@@ -183,7 +183,7 @@ class VtkXmlReader {
   std::string_view bytes_;
   const std::string& name_;
   XmlScanner scanner_;
-  VtkSoup soup_;
+  CellSoup soup_;
   VtkXmlStorage storage_;
   std::vector<Piece> pieces_;
   std::string section_;

@@ -1,6 +1,6 @@
-// From the cells of VTK's files, legacy or XML, to polygons.
-#ifndef QELM_TOOLS_VTK_SOUP_H
-#define QELM_TOOLS_VTK_SOUP_H
+// From cells of any type, as simulations have them, to polygons.
+#ifndef QELM_TOOLS_CELL_SOUP_H
+#define QELM_TOOLS_CELL_SOUP_H
 
 #include <cstddef>
 #include <cstdint>
@@ -13,23 +13,23 @@
 namespace qelm::tool {
 
 /// Cells, their corners one after another in one array; `ends[k]` is where those of cell k end.
-struct VtkCells {
+struct CellList {
   std::vector<std::int64_t> ends;
   std::vector<std::int64_t> corners;
 };
 
 /// Gathers one or more pieces. All throw FileError that names the file.
-class VtkSoup {
+class CellSoup {
  public:
-  explicit VtkSoup(const std::string& name) : name_(name) {}
+  explicit CellSoup(const std::string& name) : name_(name) {}
 
   /// The points of a piece, xyz; what is added after it is numbered from its first point.
   void addPoints(std::span<const double> coordinates);
-  void addPolygons(const VtkCells& cells);
-  void addStrips(const VtkCells& cells);
-  /// Cells of any type: linear and quadratic triangles, quadrilaterals, polygons and strips are
-  /// taken. Others are only counted.
-  void addCells(const VtkCells& cells, std::span<const std::int64_t> types);
+  void addPolygons(const CellList& cells);
+  void addStrips(const CellList& cells);
+  /// Cells of any of VTK's types: linear and quadratic triangles, quadrilaterals, polygons and
+  /// strips are taken. Others are only counted.
+  void addCells(const CellList& cells, std::span<const std::int64_t> types);
   /// Numbers of the piece's points, `components` for each. More than one become arrays NAME.0,
   /// NAME.1 and so on.
   void addArray(const std::string& name, std::size_t components, std::span<const double> values);
@@ -42,7 +42,7 @@ class VtkSoup {
 
  private:
   [[noreturn]] void fail(const std::string& what) const;
-  void checkEnds(const VtkCells& cells) const;
+  void checkEnds(const CellList& cells) const;
   void addFace(std::span<const std::int64_t> corners);
   void addStrip(std::span<const std::int64_t> corners);
   void addCell(std::int64_t type, std::span<const std::int64_t> corners);

@@ -1,4 +1,4 @@
-#include "mesh_files/vtk_soup.h"
+#include "mesh_files/cell_soup.h"
 
 #include <fmt/format.h>
 
@@ -40,18 +40,18 @@ constexpr auto kShapes = std::to_array<CellShape>({
 
 }  // namespace
 
-void VtkSoup::fail(const std::string& what) const {
+void CellSoup::fail(const std::string& what) const {
   throw FileError(fmt::format("{}: {}", name_, what));
 }
 
-void VtkSoup::addPoints(std::span<const double> coordinates) {
+void CellSoup::addPoints(std::span<const double> coordinates) {
   firstPoint_ = soup_.points.size();
   soup_.points.reserve(firstPoint_ + coordinates.size() / 3);
   for (std::size_t k = 0; k + 3 <= coordinates.size(); k += 3)
     soup_.points.push_back({coordinates[k], coordinates[k + 1], coordinates[k + 2]});
 }
 
-void VtkSoup::checkEnds(const VtkCells& cells) const {
+void CellSoup::checkEnds(const CellList& cells) const {
   std::int64_t begin = 0;
   for (std::size_t k = 0; k < cells.ends.size(); ++k) {
     if (cells.ends[k] < begin || cells.ends[k] > static_cast<std::int64_t>(cells.corners.size()))
@@ -63,7 +63,7 @@ void VtkSoup::checkEnds(const VtkCells& cells) const {
 
 /// Calls `use(corners, k)` for each cell.
 template <class Use>
-static void forEachCell(const VtkCells& cells, Use use) {
+static void forEachCell(const CellList& cells, Use use) {
   std::size_t begin = 0;
   for (std::size_t k = 0; k < cells.ends.size(); ++k) {
     const auto end = static_cast<std::size_t>(cells.ends[k]);
@@ -72,7 +72,7 @@ static void forEachCell(const VtkCells& cells, Use use) {
   }
 }
 
-void VtkSoup::addFace(std::span<const std::int64_t> corners) {
+void CellSoup::addFace(std::span<const std::int64_t> corners) {
   // One that does not fit is out of range, like any other one too high.
   constexpr std::int64_t kMost = std::numeric_limits<int>::max();
   const auto first = static_cast<std::int64_t>(firstPoint_);
@@ -86,13 +86,13 @@ void VtkSoup::addFace(std::span<const std::int64_t> corners) {
   soup_.faces.push_back(face_);
 }
 
-void VtkSoup::addPolygons(const VtkCells& cells) {
+void CellSoup::addPolygons(const CellList& cells) {
   checkEnds(cells);
   soup_.faces.reserve(soup_.faces.size() + cells.ends.size());
   forEachCell(cells, [this](auto corners, std::size_t) { addFace(corners); });
 }
 
-void VtkSoup::addStrip(std::span<const std::int64_t> corners) {
+void CellSoup::addStrip(std::span<const std::int64_t> corners) {
   for (std::size_t k = 0; k + 3 <= corners.size(); ++k) {
     std::array<std::int64_t, 3> triangle = {corners[k], corners[k + 1], corners[k + 2]};
     if (k % 2 == 1) std::swap(triangle[0], triangle[1]);
@@ -100,12 +100,12 @@ void VtkSoup::addStrip(std::span<const std::int64_t> corners) {
   }
 }
 
-void VtkSoup::addStrips(const VtkCells& cells) {
+void CellSoup::addStrips(const CellList& cells) {
   checkEnds(cells);
   forEachCell(cells, [this](auto corners, std::size_t) { addStrip(corners); });
 }
 
-void VtkSoup::addCells(const VtkCells& cells, std::span<const std::int64_t> types) {
+void CellSoup::addCells(const CellList& cells, std::span<const std::int64_t> types) {
   checkEnds(cells);
   if (types.size() != cells.ends.size())
     fail(fmt::format("{} cells, but {} types of cells", cells.ends.size(), types.size()));
@@ -113,7 +113,7 @@ void VtkSoup::addCells(const VtkCells& cells, std::span<const std::int64_t> type
   forEachCell(cells, [&](auto corners, std::size_t k) { addCell(types[k], corners); });
 }
 
-void VtkSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
+void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
   if (type == kPolygon) return addFace(corners);
   if (type == kStrip) return addStrip(corners);
   const auto shape = std::find_if(kShapes.begin(), kShapes.end(),
@@ -131,13 +131,14 @@ void VtkSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) 
     addPicked(corners, std::span(shape->picks).subspan(k, shape->perFace));
 }
 
-void VtkSoup::addPicked(std::span<const std::int64_t> corners, std::span<const std::size_t> picks) {
+void CellSoup::addPicked(std::span<const std::int64_t> corners,
+                         std::span<const std::size_t> picks) {
   std::array<std::int64_t, 8> face{};
   for (std::size_t k = 0; k < picks.size(); ++k) face[k] = corners[picks[k]];
   addFace(std::span(face).first(picks.size()));
 }
 
-VertexArray& VtkSoup::arrayNamed(const std::string& name) {
+VertexArray& CellSoup::arrayNamed(const std::string& name) {
   std::vector<VertexArray>& arrays = soup_.attributes.arrays;
   for (VertexArray& array : arrays)
     if (array.name == name) return array;
@@ -145,8 +146,8 @@ VertexArray& VtkSoup::arrayNamed(const std::string& name) {
   return arrays.back();
 }
 
-void VtkSoup::addArray(const std::string& name, std::size_t components,
-                       std::span<const double> values) {
+void CellSoup::addArray(const std::string& name, std::size_t components,
+                        std::span<const double> values) {
   for (std::size_t c = 0; c < components; ++c) {
     VertexArray& array = arrayNamed(components == 1 ? name : fmt::format("{}.{}", name, c));
     passOver(fmt::format("the point data '{}'", name));
@@ -156,7 +157,7 @@ void VtkSoup::addArray(const std::string& name, std::size_t components,
   }
 }
 
-PolygonSoup VtkSoup::finish() {
+PolygonSoup CellSoup::finish() {
   if (soup_.faces.empty() && otherCells_ > 0)
     fail(
         fmt::format("not a surface: its {} cells are points, lines or volumes; extract the "
