@@ -34,8 +34,12 @@ void addOutputOptions(CLI::App& command, OutputOptions& output) {
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
+// Options of these groups take a line together in --help.
+constexpr const char* kPictures = "qelm help pictures";
+constexpr const char* kStreams = "qelm help files";
+
 void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
-  command.add_option("mesh", mesh, "Mesh file, see 'qelm help files'; - is the standard input")
+  command.add_option("mesh", mesh, "Mesh file (see 'qelm help files'), or - (stdin)")
       ->type_name("MESH")
       ->required();
   // Options are looked at in the order in which they are added here.
@@ -43,7 +47,8 @@ void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
       .add_option_function<std::string>(
           "--read-as", [&mesh](const std::string& format) { mesh = standardInputAs(mesh, format); },
           "What the standard input holds: obj, ply, ...")
-      ->type_name("FORMAT");
+      ->type_name("FORMAT")
+      ->group(kStreams);
   command.add_flag("--strict", strict, "Refuse what would be mended or left out");
 }
 
@@ -79,7 +84,6 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
       ->allow_extra_args(false);
 }
 
-constexpr const char* kPictures = "qelm help pictures";
 
 /// Compact: what an option takes, and in words whether it must be given.
 class HelpFormatter : public CLI::Formatter {
@@ -238,11 +242,12 @@ class CommandLine {
     addGivenField(command, heatmap_.field);
     command
         .add_option("-o,--output", heatmap_.output,
-                    "PATH.obj and two more, or .ply, .glb, .vtp ...")
+                    "PATH.obj and two more; .ply, .glb, .vtp")
         ->type_name("PATH")
         ->required();
     command.add_option("--format", heatmap_.format, "Of one file, whatever PATH is")
-        ->type_name("ply|glb|gltf|vtp|vtu");
+        ->type_name("ply|glb|gltf|vtp|vtu")
+        ->group(kStreams);
     addOutputOptions(command, output_);
     command.footer(footer(kHeatmapExamples, "conditions, fields, loads, robust, files, output"));
     onRun(command, [this] {
@@ -262,7 +267,8 @@ class CommandLine {
         ->allow_extra_args(false)
         ->required();
     command.add_option("--format", curves_.format, "Whatever OUT is called")
-        ->type_name("obj|json|svg|dxf|...");
+        ->type_name("obj|json|svg|dxf|...")
+        ->group(kStreams);
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("best|AXIS|X,Y,Z")
         ->group(kPictures);
@@ -317,7 +323,8 @@ class CommandLine {
         ->type_name("OUT")
         ->required();
     command.add_option("--format", weld_.format, "Whatever OUT is called")
-        ->type_name("obj|ply|...");
+        ->type_name("obj|ply|...")
+        ->group(kStreams);
     command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
@@ -333,7 +340,8 @@ class CommandLine {
         ->type_name("OUT")
         ->required();
     command.add_option("--format", repair_.format, "Whatever OUT is called")
-        ->type_name("obj|ply|...");
+        ->type_name("obj|ply|...")
+        ->group(kStreams);
     command
         .add_option("--tolerance", repair_.tolerance, "What is smaller than this counts as none")
         ->type_name("DISTANCE");

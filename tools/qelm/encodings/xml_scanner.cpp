@@ -11,12 +11,12 @@
 namespace qelm::tool {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kXmlBlanks = " \t\r\n";
 
 // Deeper than any format here goes, and little memory.
 constexpr std::size_t kMostDepth = 1000;
 
-void appendUtf8(std::uint32_t code, std::string& text) {
+void appendCharacter(std::uint32_t code, std::string& text) {
   const auto add = [&text](std::uint32_t byte) {
     text += static_cast<char>(static_cast<unsigned char>(byte));
   };
@@ -55,7 +55,7 @@ std::optional<std::string> meaningOf(std::string_view reference) {
   }
   if (reference.empty() || code == 0) return {};
   std::string text;
-  appendUtf8(code, text);
+  appendCharacter(code, text);
   return text;
 }
 
@@ -138,7 +138,7 @@ void XmlScanner::tag() {
   if (isEnd) inside.remove_prefix(1);
   endsAtOnce_ = !isEnd && inside.ends_with('/');
   if (endsAtOnce_) inside.remove_suffix(1);
-  const std::size_t nameEnd = std::min(inside.find_first_of(kBlanks), inside.size());
+  const std::size_t nameEnd = std::min(inside.find_first_of(kXmlBlanks), inside.size());
   element_ = withoutPrefix(inside.substr(0, nameEnd));
   if (element_.empty()) fail("a tag without a name");
   if (isEnd) {
@@ -157,7 +157,7 @@ void XmlScanner::attributes(std::string_view text) {
   for (text = trimmed(text); !text.empty(); text = trimmed(text)) {
     const std::size_t equals = text.find('=');
     const std::string_view name = trimmed(text.substr(0, equals));
-    if (equals == text.npos || name.empty() || name.find_first_of(kBlanks) != name.npos)
+    if (equals == text.npos || name.empty() || name.find_first_of(kXmlBlanks) != name.npos)
       fail(fmt::format("<{}>: an attribute without a value", element_));
     text = trimmed(text.substr(equals + 1));
     const char quote = text.empty() ? '\0' : text[0];

@@ -14,8 +14,8 @@ namespace {
 
 // vtkCellType.h
 constexpr std::int64_t kLastOfPointsAndLines = 4;
-constexpr std::int64_t kStrip = 6;
-constexpr std::int64_t kPolygon = 7;
+constexpr std::int64_t kVtkStrip = 6;
+constexpr std::int64_t kVtkPolygon = 7;
 constexpr std::int64_t kQuadraticEdge = 21;
 
 /// Faces, three or four corners each, by the cell's own numbers.
@@ -29,7 +29,7 @@ struct CellShape {
 
 // Of quadratic cells, whose sides have a vertex in the middle, triangles and quadrilaterals
 // between all their vertices.
-constexpr auto kShapes = std::to_array<CellShape>({
+constexpr auto kCellShapes = std::to_array<CellShape>({
     {5, 3, 3, {0, 1, 2}, 3},
     {8, 4, 4, {0, 1, 3, 2}, 4},  // a pixel, row by row
     {9, 4, 4, {0, 1, 2, 3}, 4},
@@ -114,11 +114,11 @@ void CellSoup::addCells(const CellList& cells, std::span<const std::int64_t> typ
 }
 
 void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
-  if (type == kPolygon) return addFace(corners);
-  if (type == kStrip) return addStrip(corners);
-  const auto shape = std::find_if(kShapes.begin(), kShapes.end(),
+  if (type == kVtkPolygon) return addFace(corners);
+  if (type == kVtkStrip) return addStrip(corners);
+  const auto shape = std::find_if(kCellShapes.begin(), kCellShapes.end(),
                                   [type](const CellShape& known) { return known.type == type; });
-  if (shape == kShapes.end()) {
+  if (shape == kCellShapes.end()) {
     ++otherCells_;
     passOver(type <= kLastOfPointsAndLines || type == kQuadraticEdge ? "points and lines"
                                                                      : "volumes");

@@ -28,7 +28,7 @@ constexpr int kElementArrayBuffer = 34963;
 constexpr int kClampToEdge = 33071;
 constexpr int kLinear = 9729;
 
-constexpr std::uint32_t kMagic = 0x46546c67;      // "glTF"
+constexpr std::uint32_t kGlbMagic = 0x46546c67;      // "glTF"
 constexpr std::uint32_t kJsonChunk = 0x4e4f534a;  // "JSON"
 constexpr std::uint32_t kBinChunk = 0x004e4942;   // "BIN"
 
@@ -131,7 +131,7 @@ void GltfBuilder::write(bool isBinary, ByteSink& file) {
     throw OutputError(
         fmt::format("a .glb file of {} bytes is larger than the format can be", size));
   TextBlock block(file);
-  block.bytes(std::array<std::uint32_t, 5>{kMagic, 2, static_cast<std::uint32_t>(size),
+  block.bytes(std::array<std::uint32_t, 5>{kGlbMagic, 2, static_cast<std::uint32_t>(size),
                                            static_cast<std::uint32_t>(json.size()), kJsonChunk});
   block.flush();
   file.write(json);

@@ -20,9 +20,9 @@ namespace {
 
 using Json = GltfFile::Json;
 
-constexpr std::uint32_t kJsonChunk = 0x4e4f534a;
-constexpr std::uint32_t kBinChunk = 0x004e4942;
-constexpr std::size_t kHeader = 12;
+constexpr std::uint32_t kGlbJson = 0x4e4f534a;
+constexpr std::uint32_t kGlbBuffer = 0x004e4942;
+constexpr std::size_t kGlbHeader = 12;
 constexpr std::size_t kChunkHeader = 8;
 
 // Accessors without stored numbers are all zero: so many are believed besides one for each byte.
@@ -122,23 +122,23 @@ void GltfFile::parse(std::string_view json) {
 }
 
 void GltfFile::readBinary(std::string_view bytes) {
-  if (bytes.size() < kHeader + kChunkHeader) fail("not a glTF file, or cut short");
+  if (bytes.size() < kGlbHeader + kChunkHeader) fail("not a glTF file, or cut short");
   if (wordAt(bytes, 4) != 2)
     fail(fmt::format("glTF {} cannot be read; save it as glTF 2.0", wordAt(bytes, 4)));
   if (wordAt(bytes, 8) > bytes.size())
     fail(fmt::format("{} bytes are announced, {} are there; it may be cut short", wordAt(bytes, 8),
                      bytes.size()));
   std::string_view rest =
-      bytes.substr(kHeader, wordAt(bytes, 8) - std::min<std::size_t>(kHeader, wordAt(bytes, 8)));
+      bytes.substr(kGlbHeader, wordAt(bytes, 8) - std::min<std::size_t>(kGlbHeader, wordAt(bytes, 8)));
   bool isFirst = true;
   while (rest.size() >= kChunkHeader) {
     const std::size_t size = wordAt(rest, 0);
     const std::uint32_t kind = wordAt(rest, 4);
     rest.remove_prefix(kChunkHeader);
     if (size > rest.size()) fail("a chunk is cut short");
-    if (isFirst && kind != kJsonChunk) fail("the first chunk is no JSON");
+    if (isFirst && kind != kGlbJson) fail("the first chunk is no JSON");
     if (isFirst) parse(rest.substr(0, size));
-    if (!isFirst && kind == kBinChunk && !chunk_) chunk_ = rest.substr(0, size);
+    if (!isFirst && kind == kGlbBuffer && !chunk_) chunk_ = rest.substr(0, size);
     isFirst = false;
     rest.remove_prefix(size);
   }

@@ -27,43 +27,43 @@ struct ElementType {
   std::int64_t cell;
 };
 
-constexpr std::int64_t kLine = 3;
-constexpr std::int64_t kTetrahedron = 10;
+constexpr std::int64_t kLineCell = 3;
+constexpr std::int64_t kVolumeCell = 10;
 
 constexpr auto kElementTypes = std::to_array<ElementType>({
-    {1, 2, 2, kLine},
+    {1, 2, 2, kLineCell},
     {2, 3, 3, 5},
     {3, 4, 4, 9},
-    {4, 4, 4, kTetrahedron},
-    {5, 8, 8, kTetrahedron},
-    {6, 6, 6, kTetrahedron},
-    {7, 5, 5, kTetrahedron},
-    {8, 3, 3, kLine},
+    {4, 4, 4, kVolumeCell},
+    {5, 8, 8, kVolumeCell},
+    {6, 6, 6, kVolumeCell},
+    {7, 5, 5, kVolumeCell},
+    {8, 3, 3, kLineCell},
     {9, 6, 6, 22},
     {10, 9, 9, 28},
-    {11, 10, 10, kTetrahedron},
-    {12, 27, 27, kTetrahedron},
-    {13, 18, 18, kTetrahedron},
-    {14, 14, 14, kTetrahedron},
+    {11, 10, 10, kVolumeCell},
+    {12, 27, 27, kVolumeCell},
+    {13, 18, 18, kVolumeCell},
+    {14, 14, 14, kVolumeCell},
     {15, 1, 1, 1},
     {16, 8, 8, 23},
-    {17, 20, 20, kTetrahedron},
-    {18, 15, 15, kTetrahedron},
-    {19, 13, 13, kTetrahedron},
+    {17, 20, 20, kVolumeCell},
+    {18, 15, 15, kVolumeCell},
+    {19, 13, 13, kVolumeCell},
     {20, 9, 3, 5},
     {21, 10, 3, 5},
     {22, 12, 3, 5},
     {23, 15, 3, 5},
     {24, 15, 3, 5},
     {25, 21, 3, 5},
-    {26, 4, 4, kLine},
-    {27, 5, 5, kLine},
-    {28, 6, 6, kLine},
-    {29, 20, 20, kTetrahedron},
-    {30, 35, 35, kTetrahedron},
-    {31, 56, 56, kTetrahedron},
-    {92, 64, 64, kTetrahedron},
-    {93, 125, 125, kTetrahedron},
+    {26, 4, 4, kLineCell},
+    {27, 5, 5, kLineCell},
+    {28, 6, 6, kLineCell},
+    {29, 20, 20, kVolumeCell},
+    {30, 35, 35, kVolumeCell},
+    {31, 56, 56, kVolumeCell},
+    {92, 64, 64, kVolumeCell},
+    {93, 125, 125, kVolumeCell},
 });
 
 constexpr NumberType kInt = NumberType::kInt32;

@@ -24,7 +24,7 @@ constexpr std::string_view kMainModel = "3d/3dmodel.model";
 // Objects may be used often, but a small file does not become a million vertices.
 constexpr std::size_t kFreeElements = 100'000;
 constexpr std::size_t kElementsPerByte = 20;
-constexpr std::size_t kMostDepth = 100;
+constexpr std::size_t kMostComponents = 100;
 
 /// (x y z 1) times a matrix of four rows and three columns.
 struct Transform {
@@ -192,7 +192,7 @@ class ThreemfReader {
   }
 
   void add(const Use& use, const Transform& outer, std::size_t depth) {
-    if (depth > kMostDepth) fail(fmt::format("object '{}' is a part of itself", use.object));
+    if (depth > kMostComponents) fail(fmt::format("object '{}' is a part of itself", use.object));
     if (std::find(models_.begin(), models_.end(), use.path) == models_.end()) load(use.path);
     const auto found = objects_.find({use.path, use.object});
     if (found == objects_.end())
