@@ -29,6 +29,17 @@ else()
   target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${QELM_CGAL_FOLDER}")
 endif()
 
+qelm_header_only(nlohmann_json::nlohmann_json nlohmann_json 3.9 nlohmann)
+
+# zlib, as a static library: no package needs another one for it.
+find_library(QELM_ZLIB_LIBRARY libz.a REQUIRED)
+find_path(QELM_ZLIB_FOLDER zlib.h REQUIRED)
+add_library(qelm_zlib INTERFACE)
+target_link_libraries(qelm_zlib INTERFACE "${QELM_ZLIB_LIBRARY}")
+if(CMAKE_CROSSCOMPILING)
+  target_include_directories(qelm_zlib SYSTEM INTERFACE "${QELM_ZLIB_FOLDER}")
+endif()
+
 add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/along_curve.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
@@ -43,6 +54,11 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/selectors.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/vertex_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/curves/levels.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/base64.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/inflate.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/number_source.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/xml_scanner.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/zip_archive.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/fields/field_csv.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/paths.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
@@ -50,19 +66,31 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/feature_edges.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/mesh_checks.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/used_part.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/cell_soup.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ear_clipping.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/gltf_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/gltf_file.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/msh_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/off_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_header.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/point_merger.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/stl_data.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/threemf_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/triangulate.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/vtk_legacy.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/vtk_writer.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/vtk_xml.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/vtk_xml_arrays.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/terminal/console.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/text/text.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
-target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt)
+target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt qelm_zlib)
+# JSON, for glTF.
+target_link_libraries(qelm_tool_readers PUBLIC nlohmann_json::nlohmann_json)
 # Its headers, for the vertices along a curve.
 target_link_libraries(qelm_tool_readers PRIVATE nanoflann::nanoflann)
 if(QELM_QUICK_BUILD)

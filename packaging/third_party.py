@@ -47,6 +47,8 @@ SOFTWARE = [
              {"nlohmann-json.txt": debian("nlohmann-json3-dev")}),
     Software("libstb-dev", "stb_image_write", "https://github.com/nothings/stb",
              "MIT or public domain", {"stb.txt": debian("libstb-dev")}),
+    Software("zlib1g-dev|libz-mingw-w64-dev", "zlib", "https://zlib.net", "Zlib",
+             {"zlib.txt": debian("zlib1g-dev")}),
     Software(r"(g\+\+|gcc)-mingw-w64-x86-64-posix(-runtime)?|libstdc\+\+-\d+-dev|libgcc-\d+-dev",
              "GCC's run-time library and C++ library", "https://gcc.gnu.org",
              "GPL-3.0-or-later with the GCC Runtime Library Exception",

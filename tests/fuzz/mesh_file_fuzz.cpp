@@ -65,7 +65,7 @@ void requireRoundTrips(const Mesh& mesh) {
 
 std::size_t mostTriangles(const PolygonSoup& soup) {
   std::size_t triangles = 0;
-  for (const std::vector<int>& face : soup.faces) triangles += face.size() - 2;
+  for (std::size_t f = 0; f < soup.faces.size(); ++f) triangles += soup.faces[f].size() - 2;
   return triangles;
 }
 
@@ -109,7 +109,8 @@ void requireFinite(const PolygonSoup& soup) {
 
 void requireGoodSoup(const PolygonSoup& soup) {
   require(!soup.points.empty() && !soup.faces.empty(), "a mesh is not empty");
-  for (const std::vector<int>& face : soup.faces) {
+  for (std::size_t f = 0; f < soup.faces.size(); ++f) {
+    const std::span<const int> face = soup.faces[f];
     require(face.size() >= 3, "at least three corners");
     for (const int v : face)
       require(v >= 0 && static_cast<std::size_t>(v) < soup.points.size(), "indices in range");

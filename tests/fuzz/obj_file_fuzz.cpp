@@ -22,7 +22,7 @@ void requireSameAsText(const qelm::tool::PolygonSoup& soup, const std::string& p
                 "every coordinate keeps its bits");
     } else {
       require(faces < soup.faces.size(), "no face is left out");
-      const std::vector<int>& face = soup.faces[faces++];
+      const std::span<const int> face = soup.faces[faces++];
       require(face.size() + 1 == words.size(), "every corner is there");
       for (std::size_t k = 0; k < face.size(); ++k)
         require(face[k] + 1 == qelm::tool::parseInteger(words[k + 1]), "corners keep their order");

@@ -25,13 +25,14 @@ SENTENCES = {
     "fmt.txt": "Permission is hereby granted",
     "nlohmann-json.txt": "Permission is hereby granted",
     "stb.txt": "public domain",
+    "zlib.txt": "without any express or implied warranty",
     "eigen.txt": "Eigen",
     "cgal.txt": "CGAL",
     "boost.txt": "Boost Software License - Version 1.0",
     "glibc.txt": "GNU C Library",
 }
 LIBRARY_PARTS = {"Eigen", "nanoflann", "GCC's run-time library and C++ library"}
-TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image_write",
+TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image_write", "zlib",
               "three", "three-mesh-bvh"}  # fmt: skip
 
 

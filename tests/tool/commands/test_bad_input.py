@@ -80,7 +80,7 @@ BAD_MESHES = {
     "ply_two_corners": ("a.ply", shapes.ply_text((shapes.SQUARE[0], [(0, 1, 2), (0, 2)])), "a.ply: face 1: has only 2 corners"),
     "off_not": ("a.off", SQUARE, "a.off:1: not an OFF file: it does not begin with 'OFF'"),
     "off_four": ("a.off", shapes.off(shapes.SQUARE).replace("OFF", "4OFF"), "a.off:1: '4OFF' is not a surface in space"),
-    "off_binary": ("a.off", shapes.off(shapes.SQUARE).replace("OFF", "OFF BINARY"), "a.off:1: binary OFF files cannot be read; save it as text"),
+    "off_binary": ("a.off", shapes.off(shapes.SQUARE).replace("OFF", "OFF BINARY"), "are announced, but the file is too short for them"),
     "off_header_only": ("a.off", "OFF\n", "a.off:1: the file ends before the counts of vertices and faces"),
     "off_bad_count": ("a.off", shapes.off(shapes.SQUARE).replace("4 2 0", "four 2 0"), "a.off:2: 'four' is not a number of vertices"),
     "off_too_many": ("a.off", shapes.off(shapes.SQUARE).replace("4 2 0", "4 99999999 0"), "a.off:2: 99999999 faces are announced, but the file is too short for them"),

@@ -110,7 +110,7 @@ def test_what_single_precision_loses_is_said(qelm):
 def test_what_is_too_large_for_single_precision_is_refused(qelm):
     qelm.write("huge.obj", shapes.obj(([(1e40 * c for c in p) for p in GRID[0]], GRID[1])))
     message = qelm.fails(4, "weld", "huge.obj", "-o", "huge.stl")
-    assert "vertex 1 (1e+40, 0, 0): too large for STL, which holds single precision; write .ply or .obj" in message
+    assert "vertex 1 (1e+40, 0, 0): too large for single precision, which STL and binary OFF hold; write .ply or .obj" in message
 
 
 def test_what_a_solve_would_refuse_is_noted(qelm):
@@ -125,7 +125,7 @@ def test_refusals(qelm):
     qelm.write("nan.ply", shapes.ply_binary(([(0, 0, 0), (1, math.nan, 0), (0, 1, 0)], [(0, 1, 2)])))
     cases = [
         (2, ["m.obj"], "--output is required"),
-        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .off, .ply or .stl"),
+        (2, ["m.obj", "-o", "w.step"], "-o w.step: .step is not written here; meshes are written as .obj, .off, .ply, .stl, .vtp or .vtu"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "-1"], "--tolerance -1: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "nan"], "--tolerance nan: a distance is needed"),
         (2, ["m.obj", "-o", "w.obj", "--tolerance", "1mm"], "--tolerance 1mm: a distance is needed"),

@@ -89,10 +89,10 @@ def test_the_files_beside_a_heat_map_do_not_replace_inputs(qelm, square):
         ("solve", "x.ply", ".csv"),
         ("solve", "x.XLSX", ".csv"),
         ("view", "a.png", ".html"),
-        ("heatmap", "h.glb", ".obj (with .mtl and viridis.PNG beside it) or .ply"),
-        ("heatmap", "h.3mf", ".obj (with .mtl and viridis.PNG beside it) or .ply"),
-        ("curves", "c.dxf", ".obj, .json, .csv and .svg"),
-        ("weld", "w.vtk", ".obj, .off, .ply or .stl"),
+        ("heatmap", "h.dae", ".obj (with .mtl and viridis.PNG beside it), .ply, .glb"),
+        ("heatmap", "h.3mf", ".obj (with .mtl and viridis.PNG beside it), .ply, .glb"),
+        ("curves", "c.dwg", ".obj, .json, .csv, .svg, .dxf, .vtp, .glb or .gltf"),
+        ("weld", "w.vtk", ".obj, .off, .ply, .stl, .vtp or .vtu"),
     ],
 )
 def test_a_name_that_promises_another_format_is_refused_before_the_mesh_is_read(qelm, command, name, writes):

@@ -19,10 +19,7 @@
 namespace qelm::tool {
 namespace {
 
-// Viewers repeat textures: at u = 0 and u = 1 they mix the first and the last
-// column. The wider the image, the narrower the band of values in which that
-// shows; at 2048 it is a quarter of a thousandth of the field's range.
-constexpr int kWidth = 2048;
+constexpr int kWidth = kRampWidth;
 // High enough to look at; the texture is read along its middle only.
 constexpr int kHeight = 64;
 constexpr int kChannels = 3;

@@ -17,6 +17,7 @@
 #include "conditions/field_file.h"
 #include "files/output_file.h"
 #include "files/result_name.h"
+#include "mesh_files/mesh_reader.h"
 #include "terminal/completion.h"
 #include "terminal/console.h"
 #include "terminal/help_texts.h"
@@ -33,10 +34,21 @@ void addOutputOptions(CLI::App& command, OutputOptions& output) {
   command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
 }
 
+// Options of these groups take a line together in --help.
+constexpr const char* kPictures = "qelm help pictures";
+constexpr const char* kStreams = "qelm help files";
+
 void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
-  command.add_option("mesh", mesh, "Mesh file: .obj, .off, .ply or .stl")
+  command.add_option("mesh", mesh, "Mesh file (see 'qelm help files'), or - (stdin)")
       ->type_name("MESH")
       ->required();
+  // Options are looked at in the order in which they are added here.
+  command
+      .add_option_function<std::string>(
+          "--read-as", [&mesh](const std::string& format) { mesh = standardInputAs(mesh, format); },
+          "What the standard input holds: obj, ply, ...")
+      ->type_name("FORMAT")
+      ->group(kStreams);
   command.add_flag("--strict", strict, "Refuse what would be mended or left out");
 }
 
@@ -57,7 +69,7 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
 }
 
 void addGivenField(CLI::App& command, FieldOptions& field) {
-  command.add_option("--field", field.field, "Take the field from .csv, .npy or .ply instead")
+  command.add_option("--field", field.field, "Take the field from a file instead")
       ->type_name("FILE[:COLUMN]");
 }
 
@@ -72,7 +84,6 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
       ->allow_extra_args(false);
 }
 
-constexpr const char* kPictures = "qelm help pictures";
 
 /// Compact: what an option takes, and in words whether it must be given.
 class HelpFormatter : public CLI::Formatter {
@@ -229,9 +240,14 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand("heatmap", "Write a mesh with its field in colours");
     addFieldOptions(command, heatmap_.field);
     addGivenField(command, heatmap_.field);
-    command.add_option("-o,--output", heatmap_.output, "PATH.obj and two more files, or OUT.ply")
+    command
+        .add_option("-o,--output", heatmap_.output,
+                    "PATH.obj and two more; .ply, .glb, .vtp")
         ->type_name("PATH")
         ->required();
+    command.add_option("--format", heatmap_.format, "Of one file, whatever PATH is")
+        ->type_name("ply|glb|gltf|vtp|vtu")
+        ->group(kStreams);
     addOutputOptions(command, output_);
     command.footer(footer(kHeatmapExamples, "conditions, fields, loads, robust, files, output"));
     onRun(command, [this] {
@@ -246,12 +262,13 @@ class CommandLine {
     addFieldOptions(command, curves_.field);
     addGivenField(command, curves_.field);
     addLevels(command, curves_.levels);
-    command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .csv; or -")
+    command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .dxf, ...; or -")
         ->type_name("OUT")
         ->allow_extra_args(false)
         ->required();
     command.add_option("--format", curves_.format, "Whatever OUT is called")
-        ->type_name("obj|json|svg|csv");
+        ->type_name("obj|json|svg|dxf|...")
+        ->group(kStreams);
     command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
         ->type_name("best|AXIS|X,Y,Z")
         ->group(kPictures);
@@ -305,6 +322,9 @@ class CommandLine {
     command.add_option("-o,--output", weld_.output, "Where it goes; - is the standard output")
         ->type_name("OUT")
         ->required();
+    command.add_option("--format", weld_.format, "Whatever OUT is called")
+        ->type_name("obj|ply|...")
+        ->group(kStreams);
     command.add_option("--tolerance", weld_.tolerance, "Merge vertices closer than this")
         ->type_name("DISTANCE");
     addOutputOptions(command, output_);
@@ -319,6 +339,9 @@ class CommandLine {
     command.add_option("-o,--output", repair_.output, "Where it goes; - is the standard output")
         ->type_name("OUT")
         ->required();
+    command.add_option("--format", repair_.format, "Whatever OUT is called")
+        ->type_name("obj|ply|...")
+        ->group(kStreams);
     command
         .add_option("--tolerance", repair_.tolerance, "What is smaller than this counts as none")
         ->type_name("DISTANCE");

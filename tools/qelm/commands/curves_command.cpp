@@ -3,12 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <utility>
 
+#include "curves/curve_dxf.h"
 #include "curves/curve_files.h"
+#include "curves/curve_gltf.h"
 #include "curves/curve_set.h"
 #include "curves/curve_svg.h"
+#include "curves/curve_vtp.h"
 #include "curves/field_levels.h"
 #include "curves/projection.h"
 #include "curves/upright.h"
@@ -22,7 +28,19 @@
 namespace qelm::tool {
 namespace {
 
-enum class CurveFormat { kObj, kJson, kSvg, kCsv };
+enum class CurveFormat { kObj, kJson, kSvg, kCsv, kDxf, kVtp, kGlb, kGltf };
+
+constexpr std::array<std::pair<std::string_view, CurveFormat>, 8> kFormats = {{
+    {".obj", CurveFormat::kObj},
+    {".json", CurveFormat::kJson},
+    {".csv", CurveFormat::kCsv},
+    {".svg", CurveFormat::kSvg},
+    {".dxf", CurveFormat::kDxf},
+    {".vtp", CurveFormat::kVtp},
+    {".glb", CurveFormat::kGlb},
+    {".gltf", CurveFormat::kGltf},
+}};
+constexpr const char* kFormatNames = ".obj, .json, .csv, .svg, .dxf, .vtp, .glb or .gltf";
 
 struct Target {
   std::string name;
@@ -32,17 +50,16 @@ struct Target {
 
 CurveFormat formatOf(const std::string& name, const std::string& wanted) {
   if (name == "-" && wanted.empty()) return CurveFormat::kCsv;
-  const std::string extension = wanted.empty()
-                                    ? promisedFormat(name, {".obj", ".json", ".svg", ".csv"},
-                                                     "'curves' writes .obj, .json, .csv and .svg")
-                                    : "." + wanted;
-  if (extension == ".obj") return CurveFormat::kObj;
-  if (extension == ".json") return CurveFormat::kJson;
-  if (extension == ".svg") return CurveFormat::kSvg;
-  if (extension == ".csv") return CurveFormat::kCsv;
-  throw UsageError(fmt::format(
-      "-o {}: give a name that ends in .obj, .json, .svg or .csv, or --format obj and so on",
-      name));
+  std::vector<std::string_view> extensions;
+  for (const auto& format : kFormats) extensions.push_back(format.first);
+  const std::string extension =
+      wanted.empty()
+          ? promisedFormat(name, extensions, fmt::format("'curves' writes {}", kFormatNames))
+          : "." + wanted;
+  for (const auto& format : kFormats)
+    if (format.first == extension) return format.second;
+  throw UsageError(fmt::format("-o {}: give a name that ends in {}, or --format obj and so on",
+                               name, kFormatNames));
 }
 
 /// Opened before anything is computed.
@@ -62,13 +79,18 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
 }
 
 void write(Target& target, const SolvedField& solved, const Mesh& shown, const CurveSet& curves,
-           const Projection& projection, const std::string& unit) {
+           const Projection& projection, std::size_t up, const std::string& unit) {
   OutputFile& file = *target.file;
   if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
   if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
   if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
+  if (target.format == CurveFormat::kDxf) writeCurvesDxf(curves, file);
+  if (target.format == CurveFormat::kVtp) writeCurvesVtp(curves, file);
+  const FieldRange range = rangeOf(solved.fields);
+  const bool isGlb = target.format == CurveFormat::kGlb;
+  if (isGlb || target.format == CurveFormat::kGltf)
+    writeCurvesGltf(curves, range.low, range.high, up, isGlb, file);
   if (target.format == CurveFormat::kSvg) {
-    const FieldRange range = rangeOf(solved.fields);
     writeCurvesSvg({shown, curves, projection, toUtf8(toPath(solved.meshName).filename()),
                     range.low, range.high, unit},
                    file);
@@ -106,8 +128,10 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
     const Mesh shown = usedPart(solved.mesh).mesh;
-    const Projection projection = projectionFor(view, shown, upAxis(up, solved.meshName, shown));
-    for (Target& target : targets) write(target, solved, shown, curves, projection, options.unit);
+    const std::size_t axis = upAxis(up, solved.meshName, shown);
+    const Projection projection = projectionFor(view, shown, axis);
+    for (Target& target : targets)
+      write(target, solved, shown, curves, projection, axis, options.unit);
     std::vector<OutputFile*> files;
     for (const Target& target : targets) files.push_back(target.file.get());
     commitTogether(files);

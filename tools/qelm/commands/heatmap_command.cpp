@@ -2,15 +2,23 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <optional>
 #include <span>
+#include <string_view>
+#include <vector>
 
 #include "colours/colour_ply.h"
+#include "colours/heat_gltf.h"
 #include "colours/heat_obj.h"
 #include "colours/ramp_image.h"
+#include "curves/upright.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
+#include "mesh_files/vtk_writer.h"
 #include "text/error.h"
 
 namespace qelm::tool {
@@ -59,27 +67,52 @@ void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   reportField(solved, {objName, mtlName, rampName}, output, console);
 }
 
+void writeOneFile(const SolvedField& solved, const std::string& format, OutputFile& file) {
+  if (format == ".ply") return writeColourPly(solved.mesh, solved.field(), file);
+  if (format == ".glb" || format == ".gltf") {
+    const UsedPart part = usedPart(solved.mesh);
+    return writeHeatGltf(part.mesh, part.of(solved.field()),
+                         upAxis(std::nullopt, solved.meshName, part.mesh), format == ".glb", file);
+  }
+  const std::array<VtkColumn, 1> columns = {{{"value", solved.field()}}};
+  writeVtkMesh(solved.mesh, columns, format == ".vtu", file);
+}
+
 /// One file instead of three.
-void runColourPly(const HeatmapOptions& options, const OutputOptions& output) {
+void runOneFile(const HeatmapOptions& options, const OutputOptions& output,
+                const std::string& format) {
   const Console console(output);
   OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "colour");
   solved.steps.run("write", [&] {
-    writeColourPly(solved.mesh, solved.field(), file);
+    writeOneFile(solved, format, file);
     file.commit();
   });
-  reportField(solved, {options.output}, output, console);
+  reportField(solved, {options.output == "-" ? "standard output" : options.output}, output,
+              console);
 }
 
 }  // namespace
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output) {
+  const std::vector<std::string_view> singles = {".ply", ".glb", ".gltf", ".vtp", ".vtu"};
+  if (options.output == "-" && options.format.empty())
+    throw UsageError("-o -: say which kind of file, as in --format ply");
+  if (output.json && options.output == "-")
+    throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
+  if (!options.format.empty()) {
+    if (std::find(singles.begin(), singles.end(), "." + options.format) == singles.end())
+      throw UsageError(
+          fmt::format("--format {}: one of ply, glb, gltf, vtp and vtu is needed", options.format));
+    return runOneFile(options, output, "." + options.format);
+  }
   const std::string format =
-      promisedFormat(options.output, {".obj", ".ply"},
-                     "'heatmap' writes .obj (with .mtl and viridis.PNG beside it) or .ply");
-  if (format == ".ply") return runColourPly(options, output);
-  runHeatObj(options, output);
+      promisedFormat(options.output, {".obj", ".ply", ".glb", ".gltf", ".vtp", ".vtu"},
+                     "'heatmap' writes .obj (with .mtl and viridis.PNG beside it), .ply, .glb, "
+                     ".gltf, .vtp or .vtu");
+  if (format.empty() || format == ".obj") return runHeatObj(options, output);
+  runOneFile(options, output, format);
 }
 
 }  // namespace qelm::tool

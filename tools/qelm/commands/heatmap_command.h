@@ -11,7 +11,8 @@ namespace qelm::tool {
 struct HeatmapOptions {
   FieldOptions field;
   std::string output;  ///< the files' path without extension; a final ".obj" is ignored. One that
-                       ///< ends in ".ply" is a single file's
+                       ///< ends in ".ply" and so on is a single file's
+  std::string format;  ///< of a single file, such as "ply", whatever it is called
 };
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output);

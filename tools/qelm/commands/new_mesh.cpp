@@ -21,12 +21,12 @@ std::optional<double> parseTolerance(const std::optional<std::string>& text) {
 
 int noteSinglePrecision(const Mesh& mesh, MeshFormat format, const std::string& output,
                         const Console& console) {
-  const int lost = format == MeshFormat::kStl ? lostToSinglePrecision(mesh) : 0;
+  const int lost = isSinglePrecision(format) ? lostToSinglePrecision(mesh) : 0;
   if (lost > 0)
     console.note(fmt::format(
-        "{}: STL holds single precision, in which neighbouring vertices fall together: {} of {} "
+        "{}: {} holds single precision, in which neighbouring vertices fall together: {} of {} "
         "triangles are lost; write .ply or .obj, or move the mesh to the origin",
-        output, lost, mesh.triangleCount()));
+        output, format == MeshFormat::kStl ? "STL" : "binary OFF", lost, mesh.triangleCount()));
   return lost;
 }
 

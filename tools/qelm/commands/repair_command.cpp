@@ -91,7 +91,7 @@ void runRepair(const RepairOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
   const Console console(output);
-  const MeshFormat format = writableFormat(options.output);
+  const MeshFormat format = writableFormat(options.output, options.format);
   const std::optional<double> tolerance = parseTolerance(options.tolerance);
   RepairRun run;
   run.steps = Steps(console);

@@ -66,7 +66,7 @@ void runWeld(const WeldOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
   const Console console(output);
-  const MeshFormat format = writableFormat(options.output);
+  const MeshFormat format = writableFormat(options.output, options.format);
   WeldRun run;
   run.steps = Steps(console);
   const std::optional<double> tolerance = parseTolerance(options.tolerance);

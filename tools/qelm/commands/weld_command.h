@@ -13,6 +13,7 @@ struct WeldOptions {
   std::string mesh;
   bool strict = false;  ///< see MeshSource
   std::string output;
+  std::string format;  ///< such as "ply", whatever the output is called; empty: by its name
   std::optional<std::string> tolerance;  ///< as written; none: the default
 };
 

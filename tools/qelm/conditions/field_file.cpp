@@ -131,11 +131,13 @@ std::vector<double> propertyOf(const PolygonSoup& soup, const FieldSource& sourc
   if (soup.points.size() != n)
     failSource(source, fmt::format("{} vertices, but the mesh has {}", soup.points.size(), n));
   const std::string wanted = source.column.empty() ? "value" : source.column;
+  const std::vector<VertexArray>& arrays = soup.attributes.arrays;
   std::vector<std::string> names;
-  for (const VertexArray& array : soup.attributes.arrays) {
+  for (const VertexArray& array : arrays) {
     if (array.name == wanted) return array.values;
     names.push_back(array.name);
   }
+  if (source.column.empty() && arrays.size() == 1) return arrays[0].values;
   failSource(source, fmt::format("its vertices have no property '{}', but {}", wanted,
                                  names.empty() ? "no other either"
                                                : fmt::format("{}", fmt::join(names, ", "))));
@@ -145,7 +147,7 @@ std::vector<double> valuesOf(const FieldSource& source, std::string bytes, int v
   const auto n = static_cast<std::size_t>(vertexCount);
   const std::string extension = lowerExtension(toPath(source.file));
   if (extension == ".npy") return columnOf(parseNpy(bytes, source.file), source, n);
-  if (extension == ".ply")
+  if (hasVertexArrays(extension))
     return propertyOf(readPolygonSoup(toPath(source.file), std::move(bytes)), source, n);
   return FieldCsv(source, bytes, vertexCount).run();
 }

@@ -30,14 +30,6 @@ struct Row {
   int tag;
 };
 
-std::string lowerCase(std::string_view title) {
-  std::string lower(title);
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return lower;
-}
-
 /// What sets the two kinds of files apart.
 struct Form {
   const char* what;      ///< "load"

@@ -2,19 +2,22 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 
 #ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
 #include <process.h>
 #else
 #include <unistd.h>
 #endif
 
 #include "text/error.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace fs = std::filesystem;
@@ -32,12 +35,20 @@ int processNumber() { return _getpid(); }
 int processNumber() { return getpid(); }
 #endif
 
-std::string lowerExtension(const fs::path& path) {
-  std::string extension = toUtf8(path.extension());
-  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return extension;
+std::string lowerExtension(const fs::path& path) { return lowerCase(toUtf8(path.extension())); }
+
+std::string readStandardInput() {
+#ifdef _WIN32
+  _setmode(_fileno(stdin), _O_BINARY);
+#endif
+  std::string bytes;
+  constexpr std::size_t kBlock = 1 << 16;
+  for (std::size_t read = kBlock; read == kBlock; bytes.resize(bytes.size() - kBlock + read)) {
+    bytes.resize(bytes.size() + kBlock);
+    read = std::fread(bytes.data() + bytes.size() - kBlock, 1, kBlock, stdin);
+  }
+  if (std::ferror(stdin) != 0) throw FileError("the standard input: reading it failed");
+  return bytes;
 }
 
 std::string readFile(const fs::path& path) {

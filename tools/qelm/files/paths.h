@@ -18,6 +18,9 @@ int processNumber();
 /// The file's extension in lower case, with its dot.
 std::string lowerExtension(const std::filesystem::path& path);
 
+/// All bytes of the standard input.
+std::string readStandardInput();
+
 /// All bytes of a file; an InputError that names the file and the reason when it
 /// cannot be read.
 std::string readFile(const std::filesystem::path& path);

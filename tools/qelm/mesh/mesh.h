@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <initializer_list>
 #include <set>
 #include <span>
 #include <string>
@@ -32,14 +33,44 @@ struct Attributes {
   std::vector<VertexSet> materials;
 };
 
+/// Polygons, their corners one after another in one array: a million small arrays would take
+/// longer than reading them.
+class Faces {
+ public:
+  std::size_t size() const { return ends_.size(); }
+  bool empty() const { return ends_.empty(); }
+  std::size_t cornerCount() const { return corners_.size(); }
+  std::span<const int> operator[](std::size_t face) const {
+    const std::size_t begin = face == 0 ? 0 : ends_[face - 1];
+    return {corners_.data() + begin, ends_[face] - begin};
+  }
+  void reserve(std::size_t faces) {
+    ends_.reserve(faces);
+    corners_.reserve(3 * faces);
+  }
+  void push_back(std::span<const int> corners) {
+    corners_.insert(corners_.end(), corners.begin(), corners.end());
+    ends_.push_back(corners_.size());
+  }
+  void push_back(std::initializer_list<int> corners) {
+    push_back(std::span<const int>(corners.begin(), corners.size()));
+  }
+
+ private:
+  std::vector<int> corners_;
+  std::vector<std::size_t> ends_;
+};
+
 /// What a file holds: points and polygons over them, nothing checked but that
 /// every index is in range.
 struct PolygonSoup {
   std::vector<Point> points;
-  std::vector<std::vector<int>> faces;
+  Faces faces;
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
   Attributes attributes;
+  /// How many points lay exactly on one before them and became one with it.
+  std::size_t mergedPoints = 0;
   /// What the file holds besides, as people call it: "normals", "colours".
   std::set<std::string> passedOver;
 };

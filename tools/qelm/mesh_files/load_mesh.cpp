@@ -84,6 +84,11 @@ Loaded load(const MeshSource& source, const Console& console) {
   const bool asTheyAre = source.strict || soup.facetsOwnTheirCorners;
   Triangulation result =
       naming(name, [&] { return asTheyAre ? triangulateStrictly(soup) : triangulate(soup); });
+  if (soup.mergedPoints > 0)
+    console.note(fmt::format(
+        "{}: {} of {} vertices lie exactly on another one and became one with it; vertex numbers "
+        "are those after that",
+        name, soup.mergedPoints, soup.mergedPoints + soup.points.size()));
   noteSplits(name, result, soup.faces.size(), console);
   noteLeftOut(name, result, console);
   // Vertices stay what they are.

@@ -9,16 +9,22 @@
 
 #include <limits>
 #include <set>
+#include <span>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "files/paths.h"
+#include "mesh_files/gltf_data.h"
+#include "mesh_files/msh_data.h"
 #include "mesh_files/obj_text.h"
 #include "mesh_files/off_data.h"
 #include "mesh_files/ply_data.h"
 #include "mesh_files/stl_data.h"
+#include "mesh_files/threemf_data.h"
+#include "mesh_files/vtk_legacy.h"
+#include "mesh_files/vtk_xml.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -35,7 +41,7 @@ struct ReaderSoup {
   std::vector<std::vector<std::size_t>> faces;
 };
 
-enum class Format { kObj, kOff, kPly, kStl };
+enum class Format { kObj, kOff, kPly, kStl, kVtk, kVtkXml, kGltf, kThreemf, kMsh };
 
 Format formatOf(const std::filesystem::path& path) {
   const std::string extension = lowerExtension(path);
@@ -43,6 +49,13 @@ Format formatOf(const std::filesystem::path& path) {
   if (extension == ".off") return Format::kOff;
   if (extension == ".ply") return Format::kPly;
   if (extension == ".stl") return Format::kStl;
+  if (extension == ".vtk") return Format::kVtk;
+  if (extension == ".vtp" || extension == ".vtu") return Format::kVtkXml;
+  if (extension == ".gltf" || extension == ".glb") return Format::kGltf;
+  if (extension == ".3mf") return Format::kThreemf;
+  if (extension == ".msh") return Format::kMsh;
+  if (toUtf8(path) == "-")
+    throw UsageError("the standard input has no name: say what it holds, as in --read-as obj");
   throw FileError(fmt::format("{}: not a mesh file by its name; give one that ends in {}",
                               toUtf8(path), kReadableFormats));
 }
@@ -55,8 +68,11 @@ PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) 
   soup.points.reserve(from.points.size());
   for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
   soup.faces.reserve(from.faces.size());
-  for (const std::vector<std::size_t>& face : from.faces)
-    soup.faces.emplace_back(face.begin(), face.end());
+  std::vector<int> corners;
+  for (const std::vector<std::size_t>& face : from.faces) {
+    corners.assign(face.begin(), face.end());
+    soup.faces.push_back(corners);
+  }
   return soup;
 }
 
@@ -91,7 +107,8 @@ PolygonSoup readStl(std::string bytes, const std::string& name) {
   return result;
 }
 
-PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
+PolygonSoup readAs(Format format, std::string bytes, const std::filesystem::path& path) {
+  const std::string name = toUtf8(path);
   switch (format) {
     case Format::kObj:
       return readObj(std::move(bytes), name);
@@ -99,6 +116,16 @@ PolygonSoup readAs(Format format, std::string bytes, const std::string& name) {
       return readOff(bytes, name);
     case Format::kPly:
       return readPly(bytes, name);
+    case Format::kVtk:
+      return readVtkLegacy(bytes, name);
+    case Format::kVtkXml:
+      return readVtkXml(bytes, name);
+    case Format::kGltf:
+      return readGltf(bytes, name, path.parent_path());
+    case Format::kThreemf:
+      return readThreemf(bytes, name);
+    case Format::kMsh:
+      return readMsh(bytes, name);
     default:
       return readStl(std::move(bytes), name);
   }
@@ -113,7 +140,7 @@ void checkSizes(const PolygonSoup& soup, const std::string& name) {
 }
 
 void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& name) {
-  const std::vector<int>& corners = soup.faces[face];
+  const std::span<const int> corners = soup.faces[face];
   if (corners.size() < 3)
     throw MeshError(fmt::format("{}: face {}: has only {} corners", name, face, corners.size()));
   for (const int index : corners)
@@ -126,16 +153,36 @@ void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& nam
 
 }  // namespace
 
+bool hasVertexArrays(std::string_view extension) {
+  return extension == ".ply" || extension == ".vtk" || extension == ".vtp" || extension == ".vtu" ||
+         extension == ".gltf" || extension == ".glb";
+}
+
+std::string standardInputAs(const std::string& mesh, const std::string& format) {
+  if (mesh != "-")
+    throw UsageError(
+        fmt::format("--read-as {}: only the standard input (-) needs it; {} is read by its name",
+                    format, mesh));
+  const std::string name = "-." + lowerCase(format);
+  try {
+    formatOf(toPath(name));
+  } catch (const FileError&) {
+    throw UsageError(fmt::format("--read-as {}: what is read is {}", format, kReadableFormats));
+  }
+  return name;
+}
+
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   formatOf(path);  // refuses the name before the file is touched
-  return readPolygonSoup(path, readFile(path));
+  const bool isStandardInput = path.stem() == "-" && !path.has_parent_path();
+  return readPolygonSoup(path, isStandardInput ? readStandardInput() : readFile(path));
 }
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes) {
   const std::string name = toUtf8(path);
   const Format format = formatOf(path);
   if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
-  PolygonSoup soup = readAs(format, std::move(bytes), name);
+  PolygonSoup soup = readAs(format, std::move(bytes), path);
   checkSizes(soup, name);
   for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
   return soup;

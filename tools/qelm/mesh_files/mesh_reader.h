@@ -4,13 +4,22 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
 
 /// The extensions that readPolygonSoup() takes, for messages.
-inline constexpr const char* kReadableFormats = ".obj, .off, .ply or .stl";
+inline constexpr const char* kReadableFormats =
+    ".obj, .off, .ply, .stl, .vtk, .vtp, .vtu, .gltf, .glb, .3mf or .msh";
+
+/// Whether files with this extension may hold numbers for each vertex besides its place.
+bool hasVertexArrays(std::string_view extension);
+
+/// What stands for the standard input as a mesh file: "-.obj" and the like, for --read-as. (A file
+/// of such a name is ./-.obj.) Throws UsageError when `mesh` is not "-", or nothing reads `format`.
+std::string standardInputAs(const std::string& mesh, const std::string& format);
 
 /// Reads a mesh file. Vertices and faces keep their order in the file and every
 /// double its bits. Corners of an STL file's facets that are exactly equal are

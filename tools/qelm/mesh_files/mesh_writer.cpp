@@ -2,15 +2,21 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "files/result_name.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
+#include "mesh_files/vtk_writer.h"
 #include "text/error.h"
 #include "text/text_block.h"
 
@@ -39,6 +45,27 @@ void writeOff(const Mesh& mesh, TextBlock& block) {
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
     block.text("3 {} {} {}\n", c[0], c[1], c[2]);
+  }
+}
+
+template <class Number>
+void writeBigEndian(Number number, TextBlock& block) {
+  std::array<char, sizeof number> raw;
+  std::memcpy(raw.data(), &number, raw.size());
+  std::reverse(raw.begin(), raw.end());
+  block.bytes(raw);
+}
+
+void writeBinaryOff(const Mesh& mesh, TextBlock& block) {
+  block.text("OFF BINARY\n");
+  for (const int count : {mesh.vertexCount(), mesh.triangleCount(), 0})
+    writeBigEndian(std::int32_t{count}, block);
+  for (const double coordinate : mesh.vertices)
+    writeBigEndian(static_cast<float>(coordinate), block);
+  for (int t = 0; t < mesh.triangleCount(); ++t) {
+    const auto c = mesh.corners(t);
+    // Three corners, and no numbers of a colour.
+    for (const int word : {3, c[0], c[1], c[2], 0}) writeBigEndian(std::int32_t{word}, block);
   }
 }
 
@@ -76,15 +103,30 @@ void writeStl(const Mesh& mesh, TextBlock& block) {
 
 }  // namespace
 
-MeshFormat writableFormat(const std::string& name) {
-  if (name == "-") return MeshFormat::kObj;
-  const std::string extension = promisedFormat(name, {".obj", ".off", ".ply", ".stl"},
-                                               "meshes are written as .obj, .off, .ply or .stl");
-  if (extension == ".obj") return MeshFormat::kObj;
-  if (extension == ".off") return MeshFormat::kOff;
-  if (extension == ".ply") return MeshFormat::kPly;
-  if (extension == ".stl") return MeshFormat::kStl;
-  throw UsageError(fmt::format("-o {}: give a name that ends in .obj, .off, .ply or .stl", name));
+MeshFormat writableFormat(const std::string& name, const std::string& wanted) {
+  constexpr std::array<std::pair<std::string_view, MeshFormat>, 7> kFormats = {{
+      {".obj", MeshFormat::kObj},
+      {".off", MeshFormat::kOff},
+      {".ply", MeshFormat::kPly},
+      {".stl", MeshFormat::kStl},
+      {".vtp", MeshFormat::kVtp},
+      {".vtu", MeshFormat::kVtu},
+      {".off-binary", MeshFormat::kOffBinary},
+  }};
+  if (name == "-" && wanted.empty()) return MeshFormat::kObj;
+  std::string extension = "." + wanted;
+  if (wanted.empty()) {
+    std::vector<std::string_view> extensions;
+    for (const auto& format : kFormats) extensions.push_back(format.first);
+    extension =
+        promisedFormat(name, extensions, fmt::format("meshes are written as {}", kWritableFormats));
+  }
+  for (const auto& format : kFormats)
+    if (format.first == extension) return format.second;
+  if (!wanted.empty())
+    throw UsageError(fmt::format(
+        "--format {}: one of obj, off, off-binary, ply, stl, vtp and vtu is needed", wanted));
+  throw UsageError(fmt::format("-o {}: give a name that ends in {}", name, kWritableFormats));
 }
 
 int lostToSinglePrecision(const Mesh& mesh) {
@@ -96,9 +138,9 @@ int lostToSinglePrecision(const Mesh& mesh) {
   for (int v = 0; v < mesh.vertexCount(); ++v)
     for (const double coordinate : mesh.point(v))
       if (std::abs(coordinate) > kLargest)
-        throw MeshError(
-            fmt::format("{}: too large for STL, which holds single precision; write .ply or .obj",
-                        describeVertex(mesh, v)));
+        throw MeshError(fmt::format(
+            "{}: too large for single precision, which STL and binary OFF hold; write .ply or .obj",
+            describeVertex(mesh, v)));
   int lost = 0;
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
@@ -114,9 +156,12 @@ void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   TextBlock block(file);
   if (format == MeshFormat::kObj) writeObj(mesh, block);
   if (format == MeshFormat::kOff) writeOff(mesh, block);
+  if (format == MeshFormat::kOffBinary) writeBinaryOff(mesh, block);
   if (format == MeshFormat::kPly) writePly(mesh, block);
   if (format == MeshFormat::kStl) writeStl(mesh, block);
   block.flush();
+  if (format == MeshFormat::kVtp || format == MeshFormat::kVtu)
+    writeVtkMesh(mesh, {}, format == MeshFormat::kVtu, file);
 }
 
 }  // namespace qelm::tool

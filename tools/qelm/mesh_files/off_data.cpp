@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "encodings/number_source.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -25,6 +26,7 @@ class OffReader {
   PolygonSoup run() {
     nextLine("the counts of vertices and faces");
     keyword();
+    if (isBinary_) return readBinary();
     counts();
     for (std::size_t v = 0; v < vertexCount_; ++v) vertex(v);
     for (std::size_t f = 0; f < faceCount_; ++f) face(f);
@@ -61,8 +63,10 @@ class OffReader {
     passOver(prefix);
     if (prefix.find_first_not_of("STCN") != std::string_view::npos)
       fail(fmt::format("'{}' is not a surface in space; only OFF, COFF, NOFF and STOFF are", word));
-    if (words_.size() > 1 && words_[1] == "BINARY")
-      fail("binary OFF files cannot be read; save it as text");
+    if (words_.size() > 1 && words_[1] == "BINARY") {
+      isBinary_ = true;
+      return;
+    }
     words_.erase(words_.begin());
     if (words_.empty()) nextLine("the counts of vertices and faces");
   }
@@ -114,10 +118,41 @@ class OffReader {
       fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
     needWords(static_cast<std::size_t>(*corners) + 1, wanted);
     if (words_.size() > static_cast<std::size_t>(*corners) + 1) soup_.passedOver.insert("colours");
-    std::vector<int> face;
+    corners_.clear();
     for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
-      face.push_back(cornerIndex(words_[k], index));
-    soup_.faces.push_back(std::move(face));
+      corners_.push_back(cornerIndex(words_[k], index));
+    soup_.faces.push_back(corners_);
+  }
+
+  /// Big-endian: the counts of vertices, faces and edges, each vertex's coordinates as floats, and
+  /// of each face the corners' count, their numbers, and the count of the colour's floats with
+  /// them.
+  PolygonSoup readBinary() {
+    if (words_[0] != "OFF")
+      fail(fmt::format("a binary {} file; only OFF itself is read in binary", words_[0]));
+    NumberSource source(lines_.rest(), name_);
+    source.setBinary(ByteOrder::kBig);
+    source.setPlace("counts");
+    constexpr NumberType kInt = NumberType::kInt32;
+    const std::size_t vertexCount = source.count(kInt, 12, 3);
+    const std::size_t faceCount = source.count(kInt, 8, 2);
+    source.integer(kInt);
+    soup_.points.reserve(vertexCount);
+    for (std::size_t v = 0; v < vertexCount; ++v) {
+      if (v == 0) source.setPlace("vertices");
+      Point& point = soup_.points.emplace_back();
+      for (double& coordinate : point) coordinate = source.number(NumberType::kFloat32);
+    }
+    for (std::size_t f = 0; f < faceCount; ++f) {
+      source.setPlace(fmt::format("face {}", f));
+      const std::vector<std::int64_t> corners = source.integers(kInt, source.count(kInt, 4, 1));
+      corners_.assign(corners.begin(), corners.end());
+      soup_.faces.push_back(corners_);
+      const std::size_t colour = source.count(kInt, 4, 1);
+      for (std::size_t k = 0; k < colour; ++k) source.number(NumberType::kFloat32);
+      if (colour > 0) soup_.passedOver.insert("colours");
+    }
+    return std::move(soup_);
   }
 
   int cornerIndex(std::string_view word, std::size_t face) const {
@@ -132,8 +167,10 @@ class OffReader {
   const std::string& name_;
   std::size_t size_;
   std::vector<std::string_view> words_;
+  bool isBinary_ = false;
   std::size_t vertexCount_ = 0;
   std::size_t faceCount_ = 0;
+  std::vector<int> corners_;
   PolygonSoup soup_;
 };
 

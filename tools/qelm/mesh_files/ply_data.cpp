@@ -195,14 +195,14 @@ class PlyReader {
   }
 
   void face(const PlyElement& element) {
-    std::vector<int> corners;
+    corners_.clear();
     for (const PlyProperty& property : element.properties) {
       if (property.countType)
-        list(property, isCornerList(property) && isWhole(property.type) ? &corners : nullptr);
+        list(property, isCornerList(property) && isWhole(property.type) ? &corners_ : nullptr);
       else
         numbers_.next(property.type);
     }
-    soup_.faces.push_back(std::move(corners));
+    soup_.faces.push_back(corners_);
   }
 
   void passOver(const PlyElement& element) {
@@ -229,6 +229,7 @@ class PlyReader {
   PlyNumbers numbers_;
   PolygonSoup soup_;
   std::vector<std::size_t> arrayOf_;
+  std::vector<int> corners_;
 };
 
 }  // namespace

@@ -34,14 +34,6 @@ std::uint64_t facetCount(std::string_view bytes) {
   return valueAt<std::uint32_t>(bytes, kCountOffset);
 }
 
-std::string lower(std::string_view word) {
-  std::string copy(word);
-  std::transform(copy.begin(), copy.end(), copy.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return copy;
-}
-
 class StlPass {
  public:
   StlPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {}
@@ -69,7 +61,7 @@ class StlPass {
   // One line may hold several statements: some programs write whole facets so.
   void statement(const std::vector<std::string_view>& words) {
     for (std::size_t k = 0; k < words.size(); ++k) {
-      const std::string word = lower(words[k]);
+      const std::string word = lowerCase(words[k]);
       if (word == "solid" || word == "endsolid") return;  // a name may follow
       if (word == "facet") beginFacet();
       if (word == "endfacet") endFacet();
@@ -124,7 +116,7 @@ class StlPass {
 bool isBinaryStl(std::string_view bytes) {
   if (bytes.size() < kHeaderSize) return false;
   if (bytes.size() == kHeaderSize + kFacetSize * facetCount(bytes)) return true;
-  return lower(trimmed(withoutMark(bytes).substr(0, kCountOffset)).substr(0, 5)) != "solid";
+  return lowerCase(trimmed(withoutMark(bytes).substr(0, kCountOffset)).substr(0, 5)) != "solid";
 }
 
 void checkBinaryStl(std::string_view bytes, const std::string& name) {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <numbers>
 #include <span>
+#include <utility>
 
 #include "mesh/vec3.h"
 #include "mesh_files/ear_clipping.h"
@@ -109,11 +110,15 @@ class Splitter {
 
  private:
   void addFace(int face) {
-    const std::vector<int>& corners = soup_.faces[static_cast<std::size_t>(face)];
+    const std::span<const int> corners = soup_.faces[static_cast<std::size_t>(face)];
+    if (corners.size() == 3 && corners[0] != corners[1] && corners[1] != corners[2] &&
+        corners[2] != corners[0])
+      return addTriangle({corners[0], corners[1], corners[2]}, face);
     if (strict_ && corners.size() == 3)
       return addTriangle({corners[0], corners[1], corners[2]}, face);
-    if (strict_) ConvexCheck(soup_.points, corners, face).run();
-    std::vector<int> outline = withoutRepeats(corners);
+    std::vector<int> outline(corners.begin(), corners.end());
+    if (strict_) ConvexCheck(soup_.points, outline, face).run();
+    outline = withoutRepeats(std::move(outline));
     if (outline.empty()) return result_.leftOut.add(face);
     if (outline.size() < corners.size()) result_.repeatedCorner.add(face);
     if (outline.size() == 3) return addTriangle({outline[0], outline[1], outline[2]}, face);

@@ -62,8 +62,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  part:near:X,Y,Z         the part of the vertex nearest to a point\n"
      "  group:NAME              the faces of an OBJ file's group (g) or object (o)\n"
      "  material:NAME           the faces of an OBJ file's material (usemtl)\n"
-     "  property:NAME           where a vertex property of the file is not 0; with the\n"
-     "                          value *, where it is a number\n"
+     "  property:NAME           where a vertex property of a PLY, VTK or glTF file is not 0;\n"
+     "                          with the value *, where it is a number\n"
      "  feature:ANGLE           edges whose triangles bend by more than ANGLE degrees\n"
      "  curve:FILE              along the polylines of an .obj, or of CSV points X,Y,Z: the\n"
      "                          nearest vertices, joined along edges\n"
@@ -94,7 +94,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                            where there is a column vertex. Without a header line,\n"
      "                            COLUMN is a number from 0\n"
      "    .npy                    a numpy array with a row per vertex; COLUMN as a number\n"
-     "    .ply                    the vertex property COLUMN (value unless given)\n"
+     "    .ply, .vtk, .vtp, .vtu, .gltf, .glb\n"
+     "                            the vertex property COLUMN (value unless given, or the only\n"
+     "                            one); of several components NAME.0, NAME.1 and so on\n"
      "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
@@ -118,7 +120,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  A value at or above a level counts as above it. Higher values lie at the left of a\n"
      "  curve, seen from where triangles are counter-clockwise.\n"},
     {"files", "what is read and what is written",
-     "  Meshes are read from .obj, .off, .ply and .stl files, text or binary (not binary OFF).\n"
+     "  Meshes are read from .obj, .off, .ply, .stl, .vtk, .vtp, .vtu, .gltf, .glb, .3mf and\n"
+     "  .msh files, text or binary. - is the standard input; --read-as obj and so on says what\n"
+     "  it holds. -o - is the standard output; --format ply and so on says what it gets.\n"
      "  Every facet of an STL file has corners of its own. They are welded before anything\n"
      "  else, within a millionth of the mesh's diagonal; a note says so, and vertex numbers\n"
      "  are those after welding. No command writes over a file that it reads.\n"
@@ -136,7 +140,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           come in the library's order (fixed ones first), not in the mesh's.\n"
      "           With a PATH that ends in .ply instead: one binary PLY file in the mesh's\n"
      "           order, with the value (double) and the colour (red, green, blue) of every\n"
-     "           vertex\n"
+     "           vertex; .vtp and .vtu: the same for VTK, with the value alone; .glb and .gltf:\n"
+     "           the mesh in single precision with the colours as its texture\n"
      "  curves   by the extension of OUT, and -o may be given often; --format says so for a\n"
      "           name that ends otherwise:\n"
      "           .obj   polylines (l), closed ones closed, a group level_V for each level\n"
@@ -144,10 +149,14 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                  is closed, and its points\n"
      "           .csv   curve,level,value,closed,x,y,z for each point; also what -o - writes\n"
      "           .svg   a picture with a scale, see 'qelm help pictures'\n"
+     "           .dxf   3D polylines of release 12, a layer and a text for each level\n"
+     "           .vtp   lines for VTK, each with its level\n"
+     "           .glb, .gltf\n"
+     "                  lines in single precision, a node for each level\n"
      "  view     .html, see 'qelm help pictures'\n"
      "  weld, repair\n"
-     "           .obj, .off and .ply keep every double, .stl has single precision; - is\n"
-     "           OBJ on the standard output\n"},
+     "           .obj, .off, .ply, .vtp and .vtu keep every double; .stl and, with --format\n"
+     "           off-binary, .off have single precision; - is OBJ unless --format is given\n"},
     {"pictures", "what --view, --up and --unit say, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
      "  an axis (x, -x, y, -y, z, -z), along X,Y,Z towards the viewer, or across the\n"

@@ -102,6 +102,14 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
+std::string lowerCase(std::string_view text) {
+  std::string copy(text);
+  std::transform(copy.begin(), copy.end(), copy.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return copy;
+}
+
 std::string printable(std::string_view text) {
   std::string result;
   while (!text.empty()) {

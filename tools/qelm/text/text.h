@@ -28,6 +28,9 @@ std::vector<std::string_view> splitAt(std::string_view text, char separator);
 std::vector<std::string_view> splitAtBlanks(std::string_view text);
 std::string_view trimmed(std::string_view text);
 
+/// With small letters for those of ASCII.
+std::string lowerCase(std::string_view text);
+
 /// The text without what could steer a terminal, or end a C string: files and their
 /// names may hold anything. Bytes that are no UTF-8 become "\xff" as well. Line ends stay.
 std::string printable(std::string_view text);

@@ -1,0 +1,22 @@
+// A mesh with its field as one glTF file.
+#ifndef QELM_TOOLS_HEAT_GLTF_H
+#define QELM_TOOLS_HEAT_GLTF_H
+
+#include <cstddef>
+#include <span>
+
+#include "mesh/mesh.h"
+#include "text/byte_sink.h"
+
+namespace qelm::tool {
+
+/// glTF 2.0: the mesh in single precision, the colour ramp as its texture, of which each vertex has
+/// its place (TEXCOORD_0), and the field as _VALUE. There are no vertex colours: glTF would
+/// multiply the texture by them. `up` is 0, 1 or 2 for x, y or z. The field must have a range, and
+/// every vertex a value.
+void writeHeatGltf(const Mesh& mesh, std::span<const double> field, std::size_t up, bool isBinary,
+                   ByteSink& file);
+
+}  // namespace qelm::tool
+
+#endif

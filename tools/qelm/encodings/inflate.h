@@ -1,0 +1,26 @@
+// What zlib has compressed.
+#ifndef QELM_TOOLS_INFLATE_H
+#define QELM_TOOLS_INFLATE_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qelm::tool {
+
+enum class Wrapping {
+  kZlib,  ///< with its header and check sum (RFC 1950), as in VTK's files
+  kNone   ///< the compressed data alone (RFC 1951), as in ZIP archives
+};
+
+/// Adds the `size` bytes that `compressed` stands for to `bytes`. False when it is damaged or
+/// stands for another number of bytes; memory is taken only for what it can stand for.
+bool inflate(std::string_view compressed, Wrapping wrapping, std::size_t size, std::string& bytes);
+
+/// The check sum of ZIP archives.
+unsigned long crc32Of(std::string_view bytes);
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,71 @@
+// Files that hold lines of words and blocks of numbers, the numbers as text or as bytes.
+#ifndef QELM_TOOLS_NUMBER_SOURCE_H
+#define QELM_TOOLS_NUMBER_SOURCE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "encodings/numbers.h"
+
+namespace qelm::tool {
+
+/// Reads them in order. What is announced is compared with what the file can hold before memory is
+/// taken. Numbers are text until setBinary(). All throw FileError that names the line of a text,
+/// the place of binary numbers.
+class NumberSource {
+ public:
+  /// `name` is the file's, for messages; both must outlive this. `firstLine` is where in the file
+  /// the bytes begin.
+  NumberSource(std::string_view bytes, const std::string& name, std::size_t firstLine = 1);
+
+  void setBinary(ByteOrder order);
+  void setText() { isBinary_ = false; }
+  bool isBinary() const { return isBinary_; }
+  ByteOrder byteOrder() const { return order_; }
+  /// For messages, such as "POINTS".
+  void setPlace(std::string place) { place_ = std::move(place); }
+
+  bool atEnd() const { return rest_.empty(); }
+  std::string_view rest() const { return rest_; }
+  void skipBlanks();
+  void passOver(std::size_t size) { rest_.remove_prefix(size); }
+  /// What is left of this line, without its end.
+  std::string_view line();
+  /// The next word, which may be empty at the end.
+  std::string_view word();
+
+  /// tuples * components numbers.
+  std::vector<double> numbers(NumberType type, std::size_t tuples, std::size_t components);
+  std::vector<std::int64_t> integers(NumberType type, std::size_t count);
+
+  /// A single one.
+  double number(NumberType type);
+  std::int64_t integer(NumberType type);
+  /// A single one that says how many there are of what takes at least `least` bytes, or in a text
+  /// two characters for each of `words` numbers.
+  std::size_t count(NumberType type, std::size_t least, std::size_t words);
+
+  [[noreturn]] void fail(const std::string& what) const;
+
+ private:
+  void require(std::size_t count, std::size_t least) const;
+  std::string_view take(std::size_t size);
+  double parsedNumber();
+  std::int64_t parsedInteger();
+
+  std::string_view bytes_;
+  std::string_view rest_;
+  const std::string& name_;
+  std::size_t firstLine_;
+  bool isBinary_ = false;
+  ByteOrder order_ = ByteOrder::kLittle;
+  std::string place_;
+};
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,104 @@
+// Numbers in binary files: of several types, in either byte order.
+#ifndef QELM_TOOLS_NUMBERS_H
+#define QELM_TOOLS_NUMBERS_H
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <type_traits>
+
+namespace qelm::tool {
+
+static_assert(std::endian::native == std::endian::little, "bytes of big-endian files are turned");
+
+enum class NumberType {
+  kInt8,
+  kUint8,
+  kInt16,
+  kUint16,
+  kInt32,
+  kUint32,
+  kInt64,
+  kUint64,
+  kFloat32,
+  kFloat64
+};
+
+enum class ByteOrder { kLittle, kBig };
+
+constexpr std::size_t sizeOf(NumberType type) {
+  constexpr std::array<std::size_t, 10> kSizes = {1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
+  return kSizes[static_cast<std::size_t>(type)];
+}
+
+constexpr bool isWhole(NumberType type) {
+  return type != NumberType::kFloat32 && type != NumberType::kFloat64;
+}
+
+/// The number at the front of `bytes`, which must be long enough.
+template <class Number>
+Number numberAt(const char* bytes, ByteOrder order) {
+  std::array<char, sizeof(Number)> raw;
+  std::memcpy(raw.data(), bytes, raw.size());
+  if (order == ByteOrder::kBig) std::reverse(raw.begin(), raw.end());
+  Number number;
+  std::memcpy(&number, raw.data(), raw.size());
+  return number;
+}
+
+/// Calls `use(number)` for each number in `bytes`, whatever their type.
+template <class Use>
+void forEachNumber(std::string_view bytes, NumberType type, ByteOrder order, Use use) {
+  const auto all = [&]<class Number>(Number) {
+    for (std::size_t k = 0; k + sizeof(Number) <= bytes.size(); k += sizeof(Number))
+      use(numberAt<Number>(bytes.data() + k, order));
+  };
+  switch (type) {
+    case NumberType::kInt8:
+      return all(std::int8_t{});
+    case NumberType::kUint8:
+      return all(std::uint8_t{});
+    case NumberType::kInt16:
+      return all(std::int16_t{});
+    case NumberType::kUint16:
+      return all(std::uint16_t{});
+    case NumberType::kInt32:
+      return all(std::int32_t{});
+    case NumberType::kUint32:
+      return all(std::uint32_t{});
+    case NumberType::kInt64:
+      return all(std::int64_t{});
+    case NumberType::kUint64:
+      return all(std::uint64_t{});
+    case NumberType::kFloat32:
+      return all(float{});
+    case NumberType::kFloat64:
+      return all(double{});
+  }
+}
+
+/// As an integer. What does not fit becomes the end of the range.
+template <class Number>
+std::int64_t wholeOf(Number number) {
+  if constexpr (std::is_floating_point_v<Number>) {
+    // The next power of two: the largest integer itself is no double.
+    constexpr double kLimit = 9223372036854775808.0;
+    if (!(number > -kLimit)) return std::numeric_limits<std::int64_t>::min();
+    if (!(number < kLimit)) return std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(number);
+  } else if constexpr (std::is_same_v<Number, std::uint64_t>) {
+    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(std::min(number, kMost));
+  } else {
+    return number;
+  }
+}
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,68 @@
+// XML, one tag after another: files of millions of elements are never held as a tree, and VTK's
+// may have bytes behind their tags that are no XML.
+#ifndef QELM_TOOLS_XML_SCANNER_H
+#define QELM_TOOLS_XML_SCANNER_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qelm::tool {
+
+/// Takes UTF-8 without a document type, which is where XML's entities would be declared. Prefixes
+/// of namespaces are left out of elements' names and kept in attributes'.
+class XmlScanner {
+ public:
+  /// `name` is the file's, for messages. Both must outlive the scanner.
+  XmlScanner(std::string_view text, const std::string& name);
+
+  enum class Event { kBegin, kEnd, kDone };
+
+  /// Moves to where the next element begins or ends; an empty one (<a/>) does both. Throws
+  /// FileError that names the line.
+  Event next();
+
+  /// Of the element that begins or ends here.
+  std::string_view element() const { return element_; }
+  /// How many elements are open around this place, its own included.
+  std::size_t depth() const { return open_.size(); }
+
+  /// An attribute of the element that begins here, without the references it may have (&amp;).
+  std::optional<std::string> attribute(std::string_view name) const;
+  /// The same as it stands there: for numbers, which have no references.
+  std::optional<std::string_view> plainAttribute(std::string_view name) const;
+  /// The text between this tag and the next one.
+  std::string_view text() const;
+  /// Everything behind this tag. Goes on behind `size` bytes of it.
+  std::string_view rest() const { return text_.substr(at_); }
+  void passOver(std::size_t size) { at_ += size; }
+
+  /// The line of a place in the text, counted from 1.
+  std::size_t lineOf(const char* place) const;
+  /// Throws FileError that names this tag's line.
+  [[noreturn]] void fail(const std::string& what) const;
+  /// The same for a place in the text.
+  [[noreturn]] void failAt(const char* place, const std::string& what) const;
+
+ private:
+  void tag();
+  void attributes(std::string_view text);
+  bool passOverOther();
+  void passOverTo(std::string_view end);
+
+  std::string_view text_;
+  const std::string& name_;
+  std::size_t at_ = 0;
+  std::size_t tagAt_ = 0;
+  bool endsAtOnce_ = false;
+  std::string_view element_;
+  std::vector<std::string_view> open_;
+  std::vector<std::pair<std::string_view, std::string_view>> attributes_;
+};
+
+}  // namespace qelm::tool
+
+#endif

@@ -1,0 +1,172 @@
+#include "mesh_files/cell_soup.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "text/error.h"
+
+namespace qelm::tool {
+namespace {
+
+// vtkCellType.h
+constexpr std::int64_t kLastOfPointsAndLines = 4;
+constexpr std::int64_t kVtkStrip = 6;
+constexpr std::int64_t kVtkPolygon = 7;
+constexpr std::int64_t kQuadraticEdge = 21;
+
+/// Faces, three or four corners each, by the cell's own numbers.
+struct CellShape {
+  std::int64_t type;
+  std::size_t corners;
+  std::size_t perFace;
+  std::array<std::size_t, 16> picks;
+  std::size_t pickCount;
+};
+
+// Of quadratic cells, whose sides have a vertex in the middle, triangles and quadrilaterals
+// between all their vertices.
+constexpr auto kCellShapes = std::to_array<CellShape>({
+    {5, 3, 3, {0, 1, 2}, 3},
+    {8, 4, 4, {0, 1, 3, 2}, 4},  // a pixel, row by row
+    {9, 4, 4, {0, 1, 2, 3}, 4},
+    {22, 6, 3, {0, 3, 5, 3, 1, 4, 5, 4, 2, 3, 4, 5}, 12},
+    {23, 8, 8, {0, 4, 1, 5, 2, 6, 3, 7}, 8},
+    {28, 9, 4, {0, 4, 8, 7, 4, 1, 5, 8, 8, 5, 2, 6, 7, 8, 6, 3}, 16},
+});
+
+}  // namespace
+
+void CellSoup::fail(const std::string& what) const {
+  throw FileError(fmt::format("{}: {}", name_, what));
+}
+
+void CellSoup::addPoints(std::span<const double> coordinates) {
+  firstPoint_ = soup_.points.size();
+  soup_.points.reserve(firstPoint_ + coordinates.size() / 3);
+  for (std::size_t k = 0; k + 3 <= coordinates.size(); k += 3)
+    soup_.points.push_back({coordinates[k], coordinates[k + 1], coordinates[k + 2]});
+}
+
+void CellSoup::checkEnds(const CellList& cells) const {
+  std::int64_t begin = 0;
+  for (std::size_t k = 0; k < cells.ends.size(); ++k) {
+    if (cells.ends[k] < begin || cells.ends[k] > static_cast<std::int64_t>(cells.corners.size()))
+      fail(fmt::format("cell {}: its corners end at {}, but begin at {}, of {} in all", k,
+                       cells.ends[k], begin, cells.corners.size()));
+    begin = cells.ends[k];
+  }
+}
+
+/// Calls `use(corners, k)` for each cell.
+template <class Use>
+static void forEachCell(const CellList& cells, Use use) {
+  std::size_t begin = 0;
+  for (std::size_t k = 0; k < cells.ends.size(); ++k) {
+    const auto end = static_cast<std::size_t>(cells.ends[k]);
+    use(std::span(cells.corners).subspan(begin, end - begin), k);
+    begin = end;
+  }
+}
+
+void CellSoup::addFace(std::span<const std::int64_t> corners) {
+  // One that does not fit is out of range, like any other one too high.
+  constexpr std::int64_t kMost = std::numeric_limits<int>::max();
+  const auto first = static_cast<std::int64_t>(firstPoint_);
+  const auto last = static_cast<std::int64_t>(soup_.points.size());
+  face_.clear();
+  for (const std::int64_t v : corners)
+    // A corner of another piece is out of range, too: the file's own numbers are in the message.
+    face_.push_back(static_cast<int>(std::clamp(
+        v < 0 || v >= last - first ? (v < 0 ? v : last + (v - (last - first))) : first + v, -kMost,
+        kMost)));
+  soup_.faces.push_back(face_);
+}
+
+void CellSoup::addPolygons(const CellList& cells) {
+  checkEnds(cells);
+  soup_.faces.reserve(soup_.faces.size() + cells.ends.size());
+  forEachCell(cells, [this](auto corners, std::size_t) { addFace(corners); });
+}
+
+void CellSoup::addStrip(std::span<const std::int64_t> corners) {
+  for (std::size_t k = 0; k + 3 <= corners.size(); ++k) {
+    std::array<std::int64_t, 3> triangle = {corners[k], corners[k + 1], corners[k + 2]};
+    if (k % 2 == 1) std::swap(triangle[0], triangle[1]);
+    addFace(triangle);
+  }
+}
+
+void CellSoup::addStrips(const CellList& cells) {
+  checkEnds(cells);
+  forEachCell(cells, [this](auto corners, std::size_t) { addStrip(corners); });
+}
+
+void CellSoup::addCells(const CellList& cells, std::span<const std::int64_t> types) {
+  checkEnds(cells);
+  if (types.size() != cells.ends.size())
+    fail(fmt::format("{} cells, but {} types of cells", cells.ends.size(), types.size()));
+  soup_.faces.reserve(soup_.faces.size() + cells.ends.size());
+  forEachCell(cells, [&](auto corners, std::size_t k) { addCell(types[k], corners); });
+}
+
+void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
+  if (type == kVtkPolygon) return addFace(corners);
+  if (type == kVtkStrip) return addStrip(corners);
+  const auto shape = std::find_if(kCellShapes.begin(), kCellShapes.end(),
+                                  [type](const CellShape& known) { return known.type == type; });
+  if (shape == kCellShapes.end()) {
+    ++otherCells_;
+    passOver(type <= kLastOfPointsAndLines || type == kQuadraticEdge ? "points and lines"
+                                                                     : "volumes");
+    return;
+  }
+  if (corners.size() != shape->corners)
+    fail(fmt::format("a cell of type {} with {} corners instead of {}", type, corners.size(),
+                     shape->corners));
+  for (std::size_t k = 0; k < shape->pickCount; k += shape->perFace)
+    addPicked(corners, std::span(shape->picks).subspan(k, shape->perFace));
+}
+
+void CellSoup::addPicked(std::span<const std::int64_t> corners,
+                         std::span<const std::size_t> picks) {
+  std::array<std::int64_t, 8> face{};
+  for (std::size_t k = 0; k < picks.size(); ++k) face[k] = corners[picks[k]];
+  addFace(std::span(face).first(picks.size()));
+}
+
+VertexArray& CellSoup::arrayNamed(const std::string& name) {
+  std::vector<VertexArray>& arrays = soup_.attributes.arrays;
+  for (VertexArray& array : arrays)
+    if (array.name == name) return array;
+  arrays.push_back({name, {}});
+  return arrays.back();
+}
+
+void CellSoup::addArray(const std::string& name, std::size_t components,
+                        std::span<const double> values) {
+  for (std::size_t c = 0; c < components; ++c) {
+    VertexArray& array = arrayNamed(components == 1 ? name : fmt::format("{}.{}", name, c));
+    passOver(fmt::format("the point data '{}'", name));
+    // One that an earlier piece has not, or that comes twice, is left out at the end.
+    if (array.values.size() != firstPoint_) continue;
+    for (std::size_t k = c; k < values.size(); k += components) array.values.push_back(values[k]);
+  }
+}
+
+PolygonSoup CellSoup::finish() {
+  if (soup_.faces.empty() && otherCells_ > 0)
+    fail(
+        fmt::format("not a surface: its {} cells are points, lines or volumes; extract the "
+                    "surface first",
+                    otherCells_));
+  std::erase_if(soup_.attributes.arrays, [this](const VertexArray& array) {
+    return array.values.size() != soup_.points.size();
+  });
+  return std::move(soup_);
+}
+
+}  // namespace qelm::tool

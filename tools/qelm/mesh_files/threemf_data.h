@@ -1,0 +1,20 @@
+// 3MF files, as slicers write them.
+#ifndef QELM_TOOLS_THREEMF_DATA_H
+#define QELM_TOOLS_THREEMF_DATA_H
+
+#include <string>
+#include <string_view>
+
+#include "mesh/mesh.h"
+
+namespace qelm::tool {
+
+/// Reads the triangles of all objects that the build names, each where its components and item put
+/// it; parts in models of their own as well. Coordinates are in the file's unit. Indices are not
+/// looked at. Throws FileError that names the line of the model. Format: 3MF Consortium, "3D
+/// Manufacturing Format, Core Specification" and "Production Extension".
+PolygonSoup readThreemf(std::string_view bytes, const std::string& name);
+
+}  // namespace qelm::tool
+
+#endif

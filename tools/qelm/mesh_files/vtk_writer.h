@@ -1,0 +1,43 @@
+// VTK's XML files: meshes and lines with their numbers.
+#ifndef QELM_TOOLS_VTK_WRITER_H
+#define QELM_TOOLS_VTK_WRITER_H
+
+#include <span>
+#include <string>
+
+#include "mesh/mesh.h"
+#include "text/byte_sink.h"
+
+namespace qelm::tool {
+
+struct VtkColumn {
+  std::string name;
+  std::span<const double> values;
+};
+
+/// Points and the cells of one kind over them.
+struct VtkOutput {
+  std::span<const double> points;  ///< packed xyz
+  std::span<const int> corners;    ///< of all cells, one after another
+  std::span<const int> ends;       ///< where each cell's end
+  std::span<const VtkColumn> pointData = {};
+  std::span<const VtkColumn> cellData = {};
+};
+
+enum class VtkKind {
+  kPolygons,  ///< PolyData, .vtp
+  kLines,     ///< the same, of polylines
+  kTriangles  ///< UnstructuredGrid of triangles, .vtu
+};
+
+/// Version 1.0, which VTK 6 and later read: bytes behind the tags, little-endian, every double
+/// kept, not compressed.
+void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file);
+
+/// A mesh as .vtp or, if `isGrid`, .vtu.
+void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData, bool isGrid,
+                  ByteSink& file);
+
+}  // namespace qelm::tool
+
+#endif

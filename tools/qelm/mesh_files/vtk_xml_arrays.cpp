@@ -1,0 +1,178 @@
+#include "mesh_files/vtk_xml_arrays.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "encodings/base64.h"
+#include "encodings/inflate.h"
+#include "encodings/number_source.h"
+#include "text/error.h"
+#include "text/text.h"
+
+namespace qelm::tool {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, NumberType>, 10> kXmlTypes = {{
+    {"Int8", NumberType::kInt8},
+    {"UInt8", NumberType::kUint8},
+    {"Int16", NumberType::kInt16},
+    {"UInt16", NumberType::kUint16},
+    {"Int32", NumberType::kInt32},
+    {"UInt32", NumberType::kUint32},
+    {"Int64", NumberType::kInt64},
+    {"UInt64", NumberType::kUint64},
+    {"Float32", NumberType::kFloat32},
+    {"Float64", NumberType::kFloat64},
+}};
+
+std::size_t countAt(const XmlScanner& scanner, std::string_view key, std::size_t otherwise) {
+  const auto text = scanner.plainAttribute(key);
+  if (!text) return otherwise;
+  const auto number = parseInteger(trimmed(*text));
+  if (!number || *number < 0) scanner.fail(fmt::format("{}=\"{}\" is not a count", key, *text));
+  return static_cast<std::size_t>(*number);
+}
+
+}  // namespace
+
+std::optional<VtkXmlArray> vtkXmlArrayAt(const XmlScanner& scanner) {
+  VtkXmlArray array;
+  array.name = scanner.attribute("Name").value_or("");
+  const std::string_view type = scanner.plainAttribute("type").value_or("");
+  const auto known = std::find_if(kXmlTypes.begin(), kXmlTypes.end(),
+                                  [type](const auto& each) { return each.first == type; });
+  if (known == kXmlTypes.end()) return {};
+  array.type = known->second;
+  array.components = std::max<std::size_t>(1, countAt(scanner, "NumberOfComponents", 1));
+  array.text = scanner.text();
+  const std::string_view form = scanner.plainAttribute("format").value_or("ascii");
+  if (form == "binary") {
+    array.form = VtkXmlArray::Form::kBase64;
+  } else if (form == "appended") {
+    array.form = VtkXmlArray::Form::kAppended;
+    if (!scanner.plainAttribute("offset")) scanner.fail("appended data without an offset");
+    array.offset = countAt(scanner, "offset", 0);
+  } else if (form != "ascii") {
+    scanner.fail(fmt::format("format=\"{}\" is none of ascii, binary and appended", form));
+  }
+  return array;
+}
+
+void VtkXmlNumbers::fail(const VtkXmlArray& array, const std::string& what) const {
+  scanner_.failAt(array.text.data(), fmt::format("the array '{}': {}", array.name, what));
+}
+
+void VtkXmlNumbers::spend(const VtkXmlArray& array, std::size_t size) {
+  if (size > left_) fail(array, "more data than the file can hold; arrays must not overlap");
+  left_ -= size;
+}
+
+std::uint64_t VtkXmlNumbers::header(const VtkXmlArray& array, std::string_view stored,
+                                    std::size_t k) const {
+  const std::size_t size = sizeOf(storage_.header);
+  if (stored.size() / size <= k) fail(array, "its header is cut short");
+  const char* const place = stored.data() + k * size;
+  return size == 4 ? numberAt<std::uint32_t>(place, storage_.order)
+                   : numberAt<std::uint64_t>(place, storage_.order);
+}
+
+/// The array's own bytes. `stored` begins with their size; of compressed ones with the number of
+/// blocks, the size of each but the last, the size of the last one (0 when it is as large), and
+/// the compressed size of each.
+std::string_view VtkXmlNumbers::plain(const VtkXmlArray& array, std::string_view stored,
+                                      std::string& room) {
+  const std::uint64_t first = header(array, stored, 0);
+  const std::size_t word = sizeOf(storage_.header);
+  if (!storage_.isCompressed) {
+    if (first > stored.size() - word)
+      fail(array, fmt::format("{} bytes are announced, {} are there", first, stored.size() - word));
+    spend(array, static_cast<std::size_t>(first));
+    return stored.substr(word, static_cast<std::size_t>(first));
+  }
+  if (first == 0) return {};
+  const std::uint64_t blockSize = header(array, stored, 1);
+  const std::uint64_t lastSize = header(array, stored, 2);
+  if (first > stored.size() / word) fail(array, "its header is cut short");
+  std::string_view rest = stored.substr(std::min(stored.size(), word * (3 + first)));
+  for (std::size_t k = 0; k < first; ++k) {
+    const std::uint64_t size = header(array, stored, 3 + k);
+    if (size > rest.size()) fail(array, fmt::format("block {} is cut short", k));
+    spend(array, static_cast<std::size_t>(size));
+    const bool isLast = k + 1 == first && lastSize != 0;
+    if (!inflate(rest.substr(0, static_cast<std::size_t>(size)), Wrapping::kZlib,
+                 static_cast<std::size_t>(isLast ? lastSize : blockSize), room))
+      fail(array, fmt::format("block {} is damaged", k));
+    rest.remove_prefix(static_cast<std::size_t>(size));
+  }
+  return room;
+}
+
+/// Calls `use` with the array's own bytes.
+template <class Use>
+void VtkXmlNumbers::decode(const VtkXmlArray& array, Use use) {
+  std::string letters;
+  std::string room;
+  std::string_view stored = array.text;
+  if (array.form == VtkXmlArray::Form::kAppended) {
+    stored = storage_.appended;
+    if (array.offset >= stored.size())
+      fail(array, fmt::format("its offset {} is beyond the appended data", array.offset));
+    stored.remove_prefix(array.offset);
+  }
+  const bool isAppended = array.form == VtkXmlArray::Form::kAppended;
+  if (!isAppended || storage_.isAppendedBase64) {
+    if (isAppended) {
+      const std::vector<std::size_t>& offsets = storage_.offsets;
+      const auto next = std::upper_bound(offsets.begin(), offsets.end(), array.offset);
+      if (next != offsets.end()) stored = stored.substr(0, *next - array.offset);
+      spend(array, stored.size() / 4);  // before it is decoded
+      left_ += stored.size() / 4;
+    }
+    auto decoded = fromBase64(stored);
+    if (!decoded) fail(array, "damaged base64");
+    letters = std::move(*decoded);
+    stored = letters;
+  }
+  use(plain(array, stored, room));
+}
+
+template <class Number>
+std::vector<Number> VtkXmlNumbers::words(const VtkXmlArray& array) const {
+  NumberSource source(array.text, name_, scanner_.lineOf(array.text.data()));
+  std::vector<Number> result;
+  for (source.skipBlanks(); !source.atEnd(); source.skipBlanks()) {
+    if constexpr (std::is_same_v<Number, double>)
+      result.push_back(source.number(array.type));
+    else
+      result.push_back(source.integer(array.type));
+  }
+  return result;
+}
+
+std::vector<double> VtkXmlNumbers::numbers(const VtkXmlArray& array) {
+  if (array.form == VtkXmlArray::Form::kText) return words<double>(array);
+  std::vector<double> result;
+  decode(array, [&](std::string_view bytes) {
+    result.reserve(bytes.size() / sizeOf(array.type));
+    forEachNumber(bytes, array.type, storage_.order,
+                  [&result](auto number) { result.push_back(static_cast<double>(number)); });
+  });
+  return result;
+}
+
+std::vector<std::int64_t> VtkXmlNumbers::integers(const VtkXmlArray& array) {
+  if (!isWhole(array.type)) fail(array, "whole numbers are needed here");
+  if (array.form == VtkXmlArray::Form::kText) return words<std::int64_t>(array);
+  std::vector<std::int64_t> result;
+  decode(array, [&](std::string_view bytes) {
+    result.reserve(bytes.size() / sizeOf(array.type));
+    forEachNumber(bytes, array.type, storage_.order,
+                  [&result](auto number) { result.push_back(wholeOf(number)); });
+  });
+  return result;
+}
+
+}  // namespace qelm::tool
