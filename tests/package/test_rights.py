@@ -24,15 +24,15 @@ SENTENCES = {
     "three-mesh-bvh.txt": "Permission is hereby granted",
     "fmt.txt": "Permission is hereby granted",
     "nlohmann-json.txt": "Permission is hereby granted",
-    "stb.txt": "public domain",
+    "stb.txt": "public domain", "colour-ramps.txt": "Kenneth Moreland", "Apache-2.0.txt": "Apache License",
     "eigen.txt": "Eigen",
     "cgal.txt": "CGAL",
     "boost.txt": "Boost Software License - Version 1.0",
     "glibc.txt": "GNU C Library",
 }
 LIBRARY_PARTS = {"Eigen", "nanoflann", "GCC's run-time library and C++ library"}
-TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image_write",
-              "three", "three-mesh-bvh"}  # fmt: skip
+TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image and stb_image_write",
+              "colour ramps: viridis and magma, cividis, turbo, coolwarm", "three", "three-mesh-bvh"}  # fmt: skip
 
 
 def folder_of(request, name):

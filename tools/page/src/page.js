@@ -42,7 +42,7 @@ const counted = (count, one, many) => `${count.toLocaleString('en')} ${count ===
 export class Page {
   /**
    * facts: {name, vertices, triangles, conditions: [{text, value, vertices}], levels: [...],
-   * toward: [x, y, z] or null, up: 'x', 'y' or 'z', unit: '' or a text}; data: what decodeMesh() returns.
+   * toward: [x, y, z] or null, up: 'x', 'y' or 'z', unit: '' or a text, range: [low, high] of the colours or null}; data: what decodeMesh() returns.
    */
   constructor(facts, data) {
     this.facts = facts;
@@ -50,7 +50,7 @@ export class Page {
     this.canvas = byId('canvas');
     this.theme = 'auto';
     this.changed = () => {};
-    this.surface = new SurfaceScene(this.canvas, data, paintStill);
+    this.surface = new SurfaceScene(this.canvas, data, paintStill, facts.range);
     this.labels = new ValueLabels(byId('labels'), this.surface);
     this.surface.afterDraw = () => this.labels.draw();
     this.legend = new Legend(byId('legend'), data.colours, facts.unit, () => this.fitWindow());
@@ -72,7 +72,7 @@ export class Page {
   /** Another field, cut at other levels or at the ones before. */
   setField(field, levels = this.levels) {
     this.surface.setField(field, levels);
-    this.legend.setRange(this.surface.range);
+    this.legend.setRange(this.surface.colourRange, this.surface.range);
     this.#showLevels(levels);
   }
 

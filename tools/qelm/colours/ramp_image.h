@@ -4,14 +4,13 @@
 
 #include <string>
 
+#include "colours/ramp.h"
+
 namespace qelm::tool {
 
-/// The name that the library writes into material files.
-inline constexpr const char* kRampFileName = "viridis.PNG";
-
-/// The bytes of a PNG image of the viridis ramp, yellow at the left: the heat
-/// map's texture coordinate is 0 where the field is largest.
-std::string rampImage();
+/// The bytes of a PNG image of the ramp, the colour of the largest value at the left: the heat
+/// map's texture coordinate is 0 there. Of viridis it is the image that packages bring.
+std::string rampImage(const Ramp& ramp);
 
 }  // namespace qelm::tool
 

@@ -62,17 +62,13 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
 }
 
 void write(Target& target, const SolvedField& solved, const Mesh& shown, const CurveSet& curves,
-           const Projection& projection, const std::string& unit) {
+           const Projection& projection, const ColourScale& colours, const Caption& caption) {
   OutputFile& file = *target.file;
   if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
   if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
   if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
-  if (target.format == CurveFormat::kSvg) {
-    const FieldRange range = rangeOf(solved.fields);
-    writeCurvesSvg({shown, curves, projection, toUtf8(toPath(solved.meshName).filename()),
-                    range.low, range.high, unit},
-                   file);
-  }
+  if (target.format == CurveFormat::kSvg)
+    writeCurvesSvg({shown, curves, projection, rangeOf(solved.fields), colours, caption}, file);
 }
 
 /// For the summary, such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
@@ -95,19 +91,23 @@ ReportItem report(const CurveSet& curves) {
 void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice(options.levels);
-  const ViewChoice view = parseView(options.view);
-  const std::optional<std::size_t> up = parseUp(options.up);
+  const ViewChoice view = parseView(options.picture.view);
+  const std::optional<std::size_t> up = parseUp(options.picture.up);
+  const ColourChoice colours(options.picture.colours);
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
   const std::vector<double> levels = levelsOf(choice, solved, console);
   const CurveSet curves =
       solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
+  const ColourScale scale = colours.scaleFor(rangeOf(solved.fields), console);
+  Caption caption = options.picture.caption;
+  if (caption.title.empty()) caption.title = toUtf8(toPath(solved.meshName).filename());
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
     const Mesh shown = usedPart(solved.mesh).mesh;
     const Projection projection = projectionFor(view, shown, upAxis(up, solved.meshName, shown));
-    for (Target& target : targets) write(target, solved, shown, curves, projection, options.unit);
+    for (Target& target : targets) write(target, solved, shown, curves, projection, scale, caption);
     std::vector<OutputFile*> files;
     for (const Target& target : targets) files.push_back(target.file.get());
     commitTogether(files);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/picture_options.h"
 #include "curves/levels.h"
 #include "fields/solve_job.h"
 
@@ -15,9 +16,7 @@ struct CurvesOptions {
   LevelOptions levels;
   std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
   std::string format;                ///< instead of the extensions'; empty: none
-  std::string view = "best";         ///< for pictures
-  std::string up = "auto";           ///< for pictures
-  std::string unit;                  ///< of the values, for pictures; empty: none
+  PictureOptions picture;
 };
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output);

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "commands/picture_options.h"
 #include "fields/solve_job.h"
 
 namespace qelm::tool {
@@ -12,6 +13,7 @@ struct HeatmapOptions {
   FieldOptions field;
   std::string output;  ///< the files' path without extension; a final ".obj" is ignored. One that
                        ///< ends in ".ply" is a single file's
+  PictureOptions picture;
 };
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output);

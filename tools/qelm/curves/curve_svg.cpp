@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <vector>
 
-#include "colours/viridis.h"
 #include "curves/curve_labels.h"
 #include "curves/curve_picture.h"
 #include "text/text.h"
@@ -61,7 +60,7 @@ class SvgWriter {
       : drawing_(drawing),
         picture_(picture),
         levels_(drawing.curves.levels()),
-        texts_(levelTexts(levels_, drawing.high - drawing.low)),
+        texts_(levelTexts(levels_, drawing.colours.high - drawing.colours.low)),
         isFine_(levels_.size() > kManyLevels),
         block_(file) {}
 
@@ -84,13 +83,9 @@ class SvgWriter {
   double pageWidth() const { return picture_.width + 2 * kMargin + kScaleColumn; }
   double pageHeight() const { return plotHeight() + kHeading + 1.5 * kMargin; }
 
-  double part(double level) const {
-    return std::clamp((level - drawing_.low) / (drawing_.high - drawing_.low), 0.0, 1.0);
-  }
-  std::string unit() const {
-    return drawing_.unit.empty() ? "" : fmt::format(" {}", escaped(drawing_.unit));
-  }
-  std::string colourOf(double level) const { return hex(viridis(part(level))); }
+  double part(double level) const { return drawing_.colours.part(level); }
+  std::string unit() const { return escaped(drawing_.caption.unitAfter()); }
+  std::string colourOf(double level) const { return hex(drawing_.colours(level)); }
 
   void open() {
     block_.text(
@@ -98,7 +93,7 @@ class SvgWriter {
         "viewBox=\"0 0 {0:.0f} {1:.0f}\" font-family=\"Helvetica, Arial, 'Liberation Sans', "
         "sans-serif\" fill=\"#222\">\n<title>{2}</title>\n"
         "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n",
-        pageWidth(), pageHeight(), escaped(drawing_.title));
+        pageWidth(), pageHeight(), escaped(drawing_.caption.title));
   }
 
   void heading() {
@@ -112,7 +107,7 @@ class SvgWriter {
     block_.text(
         "<text x=\"{0:.0f}\" y=\"36\" font-size=\"18\" font-weight=\"bold\">{1}</text>\n"
         "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}</text>\n",
-        kMargin, escaped(drawing_.title), what, drawing_.projection.description);
+        kMargin, escaped(drawing_.caption.title), what, drawing_.projection.description);
   }
 
   void outline() {
@@ -193,7 +188,7 @@ class SvgWriter {
         left, above);
     for (int k = 0; k <= kBarStops; ++k) {
       const double t = static_cast<double>(k) / kBarStops;
-      block_.text("<stop offset=\"{}\" stop-color=\"{}\"/>\n", t, hex(viridis(t)));
+      block_.text("<stop offset=\"{}\" stop-color=\"{}\"/>\n", t, hex(drawing_.colours.ramp(t)));
     }
     block_.text(
         "</linearGradient></defs>\n<rect width=\"{}\" height=\"{:.2f}\" fill=\"url(#ramp)\"/>\n",
@@ -204,18 +199,22 @@ class SvgWriter {
   }
 
   void ends(double height) {
+    const auto& [ramp, low, high, isFixed] = drawing_.colours;
     // Half a thousandth of the bar is less than a pixel.
-    const double step = (drawing_.high - drawing_.low) / 1000;
+    const double step = (high - low) / 1000;
+    // A range that was given is not the field's: its ends may stand for all that is beyond.
+    const char* const top = !isFixed ? "max " : drawing_.range.high > high ? "\u2265 " : "";
+    const char* const bottom = !isFixed ? "min " : drawing_.range.low < low ? "\u2264 " : "";
     block_.text(
-        "<g fill=\"#595959\"><text y=\"-8\">max {}{}</text>\n"
-        "<text y=\"{:.2f}\">min {}{}</text></g>\n",
-        digits(drawing_.high, step), unit(), height + 18, digits(drawing_.low, step), unit());
+        "<g fill=\"#595959\"><text y=\"-8\">{}{}{}</text>\n"
+        "<text y=\"{:.2f}\">{}{}{}</text></g>\n",
+        top, digits(high, step), unit(), height + 18, bottom, digits(low, step), unit());
   }
 
   void ticks(double height) {
     const std::size_t every = labelEvery(height);
     for (std::size_t k = 0; k < levels_.size(); ++k) {
-      if (levels_[k] < drawing_.low || levels_[k] > drawing_.high) continue;
+      if (levels_[k] < drawing_.colours.low || levels_[k] > drawing_.colours.high) continue;
       const double y = height * (1 - part(levels_[k]));
       // On the bar in whichever of black and white stands out.
       block_.text(

@@ -2,8 +2,8 @@
 #ifndef QELM_TOOLS_CURVE_SVG_H
 #define QELM_TOOLS_CURVE_SVG_H
 
-#include <string>
-
+#include "colours/caption.h"
+#include "colours/colour_scale.h"
 #include "curves/curve_set.h"
 #include "curves/projection.h"
 #include "files/output_file.h"
@@ -15,12 +15,12 @@ struct CurveDrawing {
   const Mesh& mesh;
   const CurveSet& curves;
   const Projection& projection;
-  std::string title;
-  double low, high;  ///< the field's range, which the colours span
-  std::string unit;  ///< of the values; empty: none
+  FieldRange range;  ///< the field's
+  const ColourScale& colours;
+  const Caption& caption;
 };
 
-/// An SVG with the curves in viridis' colours on white, what the mesh hides
+/// An SVG with the curves in their colours on white, what the mesh hides
 /// faintly, the mesh's outline in grey, values on the curves and a scale. Every
 /// level is a group with its value as data-level, for those who edit it further.
 void writeCurvesSvg(const CurveDrawing& drawing, OutputFile& file);

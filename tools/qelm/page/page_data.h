@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "colours/ramp.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
@@ -16,7 +17,8 @@ struct PageContent {
   std::span<const double> field;
   std::span<const double> load;  ///< n values, or none
   std::vector<int> fixedBy;  ///< n; 0: free, else the condition's place in the page's list, from 1
-  bool isExact;              ///< positions in full, not as 24-bit fractions of the box
+  const Ramp& ramp;
+  bool isExact;  ///< positions in full, not as 24-bit fractions of the box
 };
 
 /// One block of bytes, little-endian; decode.js has the layout. Compact: a corner of a mesh in a

@@ -132,8 +132,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           place and value, with the shortest digits that read back as the same doubles\n"
      "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields.\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
-     "           yellow, the smallest dark blue. Files of those names are replaced. Vertices\n"
-     "           come in the library's order (fixed ones first), not in the mesh's.\n"
+     "           yellow, the smallest dark blue. With another --ramp it is magma.PNG and so on,\n"
+     "           or PATH-ramp.PNG. Files of those names are replaced. Vertices come in the\n"
+     "           library's order (fixed ones first), not in the mesh's.\n"
      "           With a PATH that ends in .ply instead: one binary PLY file in the mesh's\n"
      "           order, with the value (double) and the colour (red, green, blue) of every\n"
      "           vertex\n"
@@ -148,7 +149,20 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  weld, repair\n"
      "           .obj, .off and .ply keep every double, .stl has single precision; - is\n"
      "           OBJ on the standard output\n"},
-    {"pictures", "what --view, --up and --unit say, and what is on a page",
+    {"colours", "titles, units and colours of heat maps, drawings and pages",
+     "  --title TEXT is the heading, in place of the mesh file's name; --unit TEXT is written\n"
+     "  behind values. In heat maps both are comments.\n"
+     "\n"
+     "  --ramp says which colours values have. viridis, unless given, magma and cividis grow\n"
+     "  evenly lighter; cividis looks alike to colour-blind eyes; turbo has more colours to\n"
+     "  tell apart; coolwarm is for fields with a middle. FILE.png is read along its middle,\n"
+     "  from the colour of the largest value at the left, as in the images beside heat maps,\n"
+     "  or at the top of an image that is higher than wide. reversed:RAMP turns one round.\n"
+     "\n"
+     "  --range LOW,HIGH are the values at the ends of the colours, in place of the field's\n"
+     "  own smallest and largest, so that two pictures can be compared. Values outside have\n"
+     "  the end's colour; a note says that there are any.\n"},
+    {"pictures", "what --view and --up say, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
      "  an axis (x, -x, y, -y, z, -z), along X,Y,Z towards the viewer, or across the\n"
      "  best-fitting plane (best; a page chooses for itself). In an .svg what the mesh\n"
@@ -157,8 +171,6 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  --up says which axis points up. auto is z, but y for glTF, and for OBJ files\n"
      "  the axis that the mesh stands on most firmly; roofs and terrains keep z. The\n"
      "  front is at -y with z up, at z with y up.\n"
-     "\n"
-     "  --unit TEXT is written behind the values of an .svg or a page.\n"
      "\n"
      "  The page that 'qelm view' writes is one HTML file that needs nothing else, not\n"
      "  even a network: the mesh with its heat map and level curves, a scale, and the\n"
