@@ -132,7 +132,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           place and value, with the shortest digits that read back as the same doubles\n"
      "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields.\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
-     "           yellow, the smallest dark blue. With another --ramp it is magma.PNG and so on,\n"
+     "           yellow, the smallest dark blue. Another --ramp makes magma.PNG or so,\n"
      "           or PATH-ramp.PNG. Files of those names are replaced. Vertices come in the\n"
      "           library's order (fixed ones first), not in the mesh's.\n"
      "           With a PATH that ends in .ply instead: one binary PLY file in the mesh's\n"
