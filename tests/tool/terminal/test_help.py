@@ -9,7 +9,7 @@ import built
 import shapes
 from tool import Tool, run_all
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "repair"]
+COMMANDS = ["info", "check", "solve", "gradient", "heatmap", "curves", "view", "weld", "repair"]
 
 
 @pytest.fixture(scope="module")

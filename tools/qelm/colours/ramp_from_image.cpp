@@ -36,6 +36,22 @@ constexpr std::size_t kMostBytes = 256 << 10;
   throw FileError(fmt::format("{}: {}", name, what));
 }
 
+/// Whether the file has the chunks in full that it announces; memory is taken for them unseen.
+bool hasItsChunks(std::string_view bytes) {
+  constexpr std::size_t kSignature = 8;
+  constexpr std::size_t kAround = 12;  // a chunk's length, name and check sum
+  if (bytes.size() < kSignature) return false;
+  bytes.remove_prefix(kSignature);
+  while (bytes.size() >= kAround) {
+    std::size_t size = kAround;
+    for (std::size_t k = 0; k < 4; ++k)
+      size += std::size_t{static_cast<unsigned char>(bytes[k])} << (8 * (3 - k));
+    if (size > bytes.size()) return false;
+    bytes.remove_prefix(size);
+  }
+  return true;
+}
+
 struct FreePixels {
   void operator()(unsigned char* pixels) const { stbi_image_free(pixels); }
 };
@@ -50,7 +66,7 @@ Ramp rampOfImage(std::string_view bytes, const std::string& name) {
   int height = 0;
   int channels = 0;
   // The size is looked at first: a small file may announce a large image.
-  if (stbi_info_from_memory(raw, size, &width, &height, &channels) == 0)
+  if (!hasItsChunks(bytes) || stbi_info_from_memory(raw, size, &width, &height, &channels) == 0)
     failImage(name, "not a PNG image, or a damaged one");
   if (width > kMostPixels / height) failImage(name, "too large for a ramp of colours");
   constexpr int kRgb = 3;

@@ -8,6 +8,7 @@
 
 #include "commands/check_command.h"
 #include "commands/curves_command.h"
+#include "commands/gradient_command.h"
 #include "commands/heatmap_command.h"
 #include "commands/help_formatter.h"
 #include "commands/info_command.h"
@@ -43,6 +44,7 @@ class CommandLine {
     addInfo();
     addCheck();
     addSolve();
+    addGradient();
     addHeatmap();
     addCurves();
     addView();
@@ -91,13 +93,33 @@ class CommandLine {
     solve_.field.several = true;
     command.add_option("-o,--output", solve_.output, "Write the field; - is the standard output")
         ->type_name("FIELD.csv");
+    command.add_flag("--gradient", solve_.gradient, "Write its gradient at the vertices as well");
     command.add_flag("--compare-plain", solve_.comparePlain,
                      "With --robust, say how far the plain field is off");
     addOutputOptions(command, output_);
-    command.footer(footer(kSolveExamples, "conditions, selectors, loads, robust, files, output"));
+    command.footer(
+        footer(kSolveExamples, "conditions, selectors, loads, gradients, robust, files"));
     onRun(command, [this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
+    });
+  }
+
+  void addGradient() {
+    CLI::App& command =
+        *app_.add_subcommand("gradient", "Write in which direction a field grows, and how steeply");
+    addFieldOptions(command, gradient_.field);
+    addGivenField(command, gradient_.field);
+    command.add_option("--per", gradient_.per, "What has one vector each")
+        ->type_name("triangle|vertex");
+    command.add_option("-o,--output", gradient_.output, "As .csv, .npy, .ply; or -")
+        ->type_name("OUT");
+    addOutputOptions(command, output_);
+    command.footer(
+        footer(kGradientExamples, "gradients, conditions, fields, loads, robust, output"));
+    onRun(command, [this] {
+      requireFixes(gradient_.field);
+      runGradient(gradient_, output_);
     });
   }
 
@@ -133,6 +155,7 @@ class CommandLine {
     addFieldOptions(command, curves_.field);
     addGivenField(command, curves_.field);
     addLevels(command, curves_.levels);
+    addSimplify(command, curves_.simplify);
     command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .csv; or -")
         ->type_name("OUT")
         ->allow_extra_args(false)
@@ -277,6 +300,7 @@ class CommandLine {
   CheckOptions check_;
   InfoOptions info_;
   SolveOptions solve_;
+  GradientOptions gradient_;
   HeatmapOptions heatmap_;
   CurvesOptions curves_;
   ViewOptions view_;

@@ -3,14 +3,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <optional>
 
+#include "curves/curve_distances.h"
 #include "curves/curve_files.h"
 #include "curves/curve_set.h"
 #include "curves/curve_svg.h"
 #include "curves/field_levels.h"
 #include "curves/projection.h"
+#include "curves/simplify.h"
 #include "curves/upright.h"
 #include "fields/field_range.h"
 #include "files/output_file.h"
@@ -18,6 +21,7 @@
 #include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/error.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace {
@@ -86,10 +90,34 @@ ReportItem report(const CurveSet& curves) {
            {"points", curves.pointCount()}}};
 }
 
+/// 0 of an empty text.
+double parsedTolerance(const std::string& text) {
+  if (text.empty()) return 0;
+  const auto tolerance = parseDouble(trimmed(text));
+  if (!tolerance || !std::isfinite(*tolerance) || *tolerance <= 0)
+    throw UsageError(fmt::format("--simplify {}: a distance larger than 0 is needed", text));
+  return *tolerance;
+}
+
+/// How even the curves of --spacing are.
+ReportItem spacingReport(const CurveSet& curves, double spacing) {
+  constexpr double kStepsToASpacing = 8;
+  const auto distances = distancesBetween(curves, spacing / kStepsToASpacing);
+  if (!distances) return {"spacing", "one level only", {{"spacing", nullptr}}};
+  const auto& [smallest, largest] = *distances;
+  const std::string low = digits(smallest, smallest / 1000);
+  const std::string high = digits(largest, largest / 1000);
+  return {"spacing",
+          fmt::format("neighbouring curves are {} apart",
+                      low == high ? low : fmt::format("{} to {}", low, high)),
+          {{"spacing", {{"smallest", smallest}, {"largest", largest}}}}};
+}
+
 }  // namespace
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   const Console console(output);
+  const double tolerance = parsedTolerance(options.simplify);
   const LevelChoice choice(options.levels);
   const ViewChoice view = parseView(options.picture.view);
   const std::optional<std::size_t> up = parseUp(options.picture.up);
@@ -98,8 +126,11 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
   const std::vector<double> levels = levelsOf(choice, solved, console);
-  const CurveSet curves =
+  CurveSet curves =
       solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
+  const std::size_t pointsBefore = curves.pointCount();
+  if (tolerance > 0)
+    curves = solved.steps.run("simplify", [&] { return simplify(curves, tolerance); });
   const ColourScale scale = colours.scaleFor(rangeOf(solved.fields), console);
   Caption caption = options.picture.caption;
   if (caption.title.empty()) caption.title = toUtf8(toPath(solved.meshName).filename());
@@ -114,7 +145,14 @@ void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   });
   for (const Target& target : targets)
     results.push_back(target.name == "-" ? "standard output" : target.name);
-  reportField(solved, results, output, console, {report(curves)});
+  std::vector<ReportItem> reports = {report(curves)};
+  if (tolerance > 0)
+    reports.push_back(
+        {"simplify",
+         fmt::format("{} of {} points left out", pointsBefore - curves.pointCount(), pointsBefore),
+         {{"pointsBefore", pointsBefore}}});
+  if (choice.spacing() > 0) reports.push_back(spacingReport(curves, choice.spacing()));
+  reportField(solved, results, output, console, reports);
 }
 
 }  // namespace qelm::tool

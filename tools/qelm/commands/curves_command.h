@@ -15,6 +15,7 @@ struct CurvesOptions {
   FieldOptions field;
   LevelOptions levels;
   std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string simplify;              ///< a distance; empty: every point stays
   std::string format;                ///< instead of the extensions'; empty: none
   PictureOptions picture;
 };

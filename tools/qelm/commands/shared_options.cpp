@@ -5,6 +5,7 @@ namespace {
 
 // Groups that --help shows in one line; see HelpFormatter.
 constexpr const char* kPictures = "qelm help pictures";
+constexpr const char* kLevels = "qelm help levels";
 constexpr const char* kColours = "qelm help colours";
 
 }  // namespace
@@ -49,10 +50,20 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
   command.add_flag("--round", levels.round, "Take round levels, about as many");
   command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
   command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
+  command.add_option("--spacing", levels.spacing, "Cut so that curves are this far apart")
+      ->type_name("DISTANCE")
+      ->group(kLevels);
   command
       .add_option("--through", levels.through, "Cut through the surface's point nearest to this")
       ->type_name("near:X,Y,Z")
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->group(kLevels);
+}
+
+void addSimplify(CLI::App& command, std::string& simplify) {
+  command.add_option("--simplify", simplify, "Drop points that are this near to those that stay")
+      ->type_name("DISTANCE")
+      ->group(kLevels);
 }
 
 void addViewOptions(CLI::App& command, PictureOptions& picture, const char* lookedFrom) {

@@ -23,6 +23,7 @@ void addFieldOptions(CLI::App& command, FieldOptions& field);
 void addGivenField(CLI::App& command, FieldOptions& field);
 
 void addLevels(CLI::App& command, LevelOptions& levels);
+void addSimplify(CLI::App& command, std::string& simplify);
 
 /// Of what is looked at: --view, for which `lookedFrom` is the help, and --up.
 void addViewOptions(CLI::App& command, PictureOptions& picture, const char* lookedFrom);

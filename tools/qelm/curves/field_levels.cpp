@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "curves/spacing.h"
 #include "curves/through.h"
 #include "fields/field_range.h"
 #include "mesh_files/load_mesh.h"
@@ -10,16 +11,19 @@ namespace qelm::tool {
 
 std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved,
                              const Console& console) {
-  std::vector<double> through;
+  std::vector<double> more;
+  if (choice.spacing() > 0)
+    more = naming(solved.meshName,
+                  [&] { return spacedLevels(solved.mesh, solved.field(), choice.spacing()); });
   for (const Point& p : choice.through()) {
     const PlaceOnMesh place = nearestPlace(solved.mesh, solved.field(), p);
-    through.push_back(place.value);
+    more.push_back(place.value);
     console.line(fmt::format("through  near:{},{},{} = {}, {:.6g} away", p[0], p[1], p[2],
                              place.value, place.distance));
   }
   const FieldRange range = rangeOf(solved.fields);
   return naming(solved.meshName,
-                [&] { return choice.levels(range.low, range.high, console, through); });
+                [&] { return choice.levels(range.low, range.high, console, more); });
 }
 
 }  // namespace qelm::tool

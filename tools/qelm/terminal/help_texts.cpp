@@ -96,6 +96,20 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    .npy                    a numpy array with a row per vertex; COLUMN as a number\n"
      "    .ply                    the vertex property COLUMN (value unless given)\n"
      "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
+    {"gradients", "what gradient writes, and solve --gradient",
+     "  The gradient says in which direction along the surface a field grows most, and its\n"
+     "  length, the slope, by how much on a unit of length. The field is linear on each\n"
+     "  triangle, so there is one gradient for each triangle, in the triangle's plane; that of\n"
+     "  a vertex is the mean over its triangles, by their areas. A triangle without area has\n"
+     "  none (empty in CSV, else nan), and a note counts them.\n"
+     "    --per triangle   .csv: triangle,x,y,z,gx,gy,gz,slope with the triangle's centre;\n"
+     "                     .npy: (m, 3). That is so unless --per is given\n"
+     "    --per vertex     .csv: vertex,x,y,z,value,gx,gy,gz,slope, as 'solve --gradient'\n"
+     "                     writes; .npy: (n, 3)\n"
+     "  A .ply has gx, gy, gz and slope as properties of its faces or vertices. 'solve\n"
+     "  --gradient' writes the vertices' columns, also as .npy: value, gx, gy, gz, slope; of\n"
+     "  several fields all values come first, then gx1 and so on.\n"
+     "  --field FILE.csv:slope cuts or colours the slope.\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
      "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"
@@ -111,10 +125,16 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                the step that gives nearest to N of them\n"
      "  --at V,V,...  these levels\n"
      "  --every STEP  all multiples of STEP strictly inside\n"
+     "  --spacing L   from the smallest value upwards, so that the area between neighbouring\n"
+     "                curves, divided by the mean of their lengths, is L: curves about L\n"
+     "                apart along the surface. The summary says the smallest and the largest\n"
+     "                distance met\n"
      "  --through near:X,Y,Z\n"
      "                the value at the place on the surface nearest to a point; may be given\n"
      "                often, and with any of the others\n"
      "  Without any of them there are about ten round levels.\n"
+     "  --simplify T leaves out points of curves that are less than T from what stays; no\n"
+     "  curve comes to cross or touch another one or itself, and closed ones stay closed.\n"
      "  A value at or above a level counts as above it. Higher values lie at the left of a\n"
      "  curve, seen from where triangles are counter-clockwise.\n"},
     {"files", "what is read and what is written",
@@ -236,6 +256,10 @@ const char* const kCheckExamples =
 const char* const kSolveExamples =
     "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
     "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - -q\n";
+
+const char* const kGradientExamples =
+    "  qelm gradient roof.obj --fix loop:0=0 --fix loop:1=1 -o slopes.csv\n"
+    "  qelm gradient roof.obj --fix loop:0=0 --fix loop:1=1 -o slopes.ply\n";
 
 const char* const kHeatmapExamples =
     "  qelm heatmap roof.obj --fix loop:0=0 --fix loop:1=1 -o heat\n"
