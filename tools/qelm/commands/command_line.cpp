@@ -153,6 +153,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
     addFieldOptions(command, curves_.field);
+    curves_.field.several = true;
     addGivenField(command, curves_.field);
     addLevels(command, curves_.levels);
     addSimplify(command, curves_.simplify);
@@ -163,6 +164,7 @@ class CommandLine {
     command.add_option("--format", curves_.format, "Whatever OUT is called")
         ->type_name("obj|json|svg|csv");
     addViewOptions(command, curves_.picture, "From where an .svg looks at the mesh");
+    addSheetOptions(command, curves_.sheet);
     addColourOptions(command, curves_.picture);
     addOutputOptions(command, output_);
     command.footer(
@@ -177,6 +179,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("view", "Write a page that shows the field in a browser");
     addFieldOptions(command, view_.field);
+    view_.field.several = true;
     addGivenField(command, view_.field);
     addLevels(command, view_.levels);
     command.add_option("-o,--output", view_.output, "Where it goes; - is the standard output")
@@ -275,7 +278,7 @@ class CommandLine {
   }
 
   static void requireFixes(const FieldOptions& field) {
-    if (field.fixes.empty() && field.fixFile.empty() && field.field.empty())
+    if (field.fixes.empty() && field.fixFile.empty() && field.given.empty())
       throw UsageError(
           "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
   }

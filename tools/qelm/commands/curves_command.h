@@ -7,6 +7,7 @@
 
 #include "commands/picture_options.h"
 #include "curves/levels.h"
+#include "curves/sheet.h"
 #include "fields/solve_job.h"
 
 namespace qelm::tool {
@@ -18,6 +19,7 @@ struct CurvesOptions {
   std::string simplify;              ///< a distance; empty: every point stays
   std::string format;                ///< instead of the extensions'; empty: none
   PictureOptions picture;
+  SheetOptions sheet;  ///< for pictures
 };
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output);

@@ -41,8 +41,9 @@ void addFieldOptions(CLI::App& command, FieldOptions& field) {
 }
 
 void addGivenField(CLI::App& command, FieldOptions& field) {
-  command.add_option("--field", field.field, "Take the field from .csv, .npy or .ply instead")
-      ->type_name("FILE[:COLUMN]");
+  command.add_option("--field", field.given, "Take the field from .csv, .npy or .ply instead")
+      ->type_name("FILE[:COLUMN]")
+      ->allow_extra_args(false);
 }
 
 void addLevels(CLI::App& command, LevelOptions& levels) {
@@ -72,6 +73,18 @@ void addViewOptions(CLI::App& command, PictureOptions& picture, const char* look
       ->group(kPictures);
   command.add_option("--up", picture.up, "What points up")
       ->type_name("x|y|z|auto")
+      ->group(kPictures);
+}
+
+void addSheetOptions(CLI::App& command, SheetOptions& sheet) {
+  command.add_option("--scale", sheet.scale, "Draw the .svg to scale")
+      ->type_name("1:N")
+      ->group(kPictures);
+  command.add_option("--paper", sheet.paper, "The page of a drawing to scale")
+      ->type_name("A0...A4|letter|tabloid|W,H")
+      ->group(kPictures);
+  command.add_option("--mesh-unit", sheet.meshUnit, "What the mesh is measured in")
+      ->type_name("mm|cm|m|in|ft")
       ->group(kPictures);
 }
 

@@ -8,6 +8,7 @@
 
 #include "commands/picture_options.h"
 #include "curves/levels.h"
+#include "curves/sheet.h"
 #include "fields/solve_job.h"
 #include "terminal/console.h"
 
@@ -27,6 +28,8 @@ void addSimplify(CLI::App& command, std::string& simplify);
 
 /// Of what is looked at: --view, for which `lookedFrom` is the help, and --up.
 void addViewOptions(CLI::App& command, PictureOptions& picture, const char* lookedFrom);
+/// Of drawings to scale: --scale, --paper, --mesh-unit.
+void addSheetOptions(CLI::App& command, SheetOptions& sheet);
 /// Of what has colours: --title, --unit, --ramp, --range.
 void addColourOptions(CLI::App& command, PictureOptions& picture);
 

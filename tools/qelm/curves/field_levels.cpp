@@ -9,19 +9,19 @@
 
 namespace qelm::tool {
 
-std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved,
+std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved, std::size_t k,
                              const Console& console) {
   std::vector<double> more;
   if (choice.spacing() > 0)
     more = naming(solved.meshName,
-                  [&] { return spacedLevels(solved.mesh, solved.field(), choice.spacing()); });
+                  [&] { return spacedLevels(solved.mesh, solved.field(k), choice.spacing()); });
   for (const Point& p : choice.through()) {
-    const PlaceOnMesh place = nearestPlace(solved.mesh, solved.field(), p);
+    const PlaceOnMesh place = nearestPlace(solved.mesh, solved.field(k), p);
     more.push_back(place.value);
     console.line(fmt::format("through  near:{},{},{} = {}, {:.6g} away", p[0], p[1], p[2],
                              place.value, place.distance));
   }
-  const FieldRange range = rangeOf(solved.fields);
+  const FieldRange range = rangeOf(solved.field(k));
   return naming(solved.meshName,
                 [&] { return choice.levels(range.low, range.high, console, more); });
 }

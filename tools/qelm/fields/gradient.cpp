@@ -25,8 +25,8 @@ TriangleGradient gradientIn(const std::array<Point, 3>& p, const std::array<doub
   const double twiceArea = length(normal);
   const Point along = scaledSum(u[1] - u[0], p[0] - p[2], u[2] - u[0], p[1] - p[0]);
   Point vector = cross(normal, along);
-  // Two divisions, not one by the square, which may underflow.
-  for (double& component : vector) component = component / twiceArea / twiceArea;
+  // Two divisions, not one by the square, which may underflow; and no negative zero.
+  for (double& component : vector) component = component / twiceArea / twiceArea + 0.0;
   return {vector, twiceArea};
 }
 

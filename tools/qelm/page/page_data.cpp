@@ -97,6 +97,7 @@ std::string pageData(const PageContent& content) {
     appendVarint(block, zigzag(corner - before));
     before = corner;
   }
+  append(block, content.others);
   return block;
 }
 

@@ -33,8 +33,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  part must be fixed.\n"
      "\n"
      "  --fix SELECTOR=VALUE,VALUE,... gives one value for each field, a single VALUE is for\n"
-     "  all. They are solved together, in much less time than one after another, and\n"
-     "  written to columns value1, value2 and so on.\n"
+     "  all. They are solved together, in much less time than one after another. 'solve'\n"
+     "  writes columns value1, value2 and so on; 'curves' and 'view' take several as well.\n"
      "\n"
      "  --fix-file FILE.csv has one of these forms:\n"
      "    VERTEX,VALUE        on each line\n"
@@ -95,6 +95,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                            COLUMN is a number from 0\n"
      "    .npy                    a numpy array with a row per vertex; COLUMN as a number\n"
      "    .ply                    the vertex property COLUMN (value unless given)\n"
+     "  'curves' and 'view' take several --field: all are in each result, in a drawing with\n"
+     "  lines of their own, and on the page there is a choice of them.\n"
      "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
     {"gradients", "what gradient writes, and solve --gradient",
      "  The gradient says in which direction along the surface a field grows most, and its\n"
@@ -182,7 +184,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  --range LOW,HIGH are the values at the ends of the colours, in place of the field's\n"
      "  own smallest and largest, so that two pictures can be compared. Values outside have\n"
      "  the end's colour; a note says that there are any.\n"},
-    {"pictures", "what --view and --up say, and what is on a page",
+    {"pictures", "--view, --up, drawings to scale, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
      "  an axis (x, -x, y, -y, z, -z), along X,Y,Z towards the viewer, or across the\n"
      "  best-fitting plane (best; a page chooses for itself). In an .svg what the mesh\n"
@@ -191,6 +193,12 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  --up says which axis points up. auto is z, but y for glTF, and for OBJ files\n"
      "  the axis that the mesh stands on most firmly; roofs and terrains keep z. The\n"
      "  front is at -y with z up, at z with y up.\n"
+     "\n"
+     "  --scale 1:50 (or 2:1) draws an .svg to scale, in millimetres of paper, with a bar of\n"
+     "  lengths; --mesh-unit mm, cm, m, in or ft is what the mesh is measured in, and --unit,\n"
+     "  if it is one of these, serves for both. --paper A3 (A0 to A4, letter, tabloid, or\n"
+     "  WIDTH,HEIGHT in mm) is the page: without it the smallest of A4 to A0 that has room,\n"
+     "  and without --scale the largest round scale for which the page has.\n"
      "\n"
      "  The page that 'qelm view' writes is one HTML file that needs nothing else, not\n"
      "  even a network: the mesh with its heat map and level curves, a scale, and the\n"
