@@ -20,7 +20,7 @@ const state = () =>
   session.page.evaluate(() => ({
     levels: qelmPage.levels,
     range: qelmPage.surface.range,
-    conditions: [...document.querySelectorAll('#conditions code')].map((code) => code.textContent),
+    conditions: [...document.querySelectorAll('#conditions code')].map((code) => code.textContent.replaceAll(/\s/g, ' ')),
     hash: window.location.hash,
   }));
 
