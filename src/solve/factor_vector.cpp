@@ -14,6 +14,8 @@
 // column of a group, so the values that come next are asked for here.
 #include "solve/factor_vector.h"
 
+#include "interface/compiler.h"
+
 namespace qelm {
 namespace {
 
@@ -56,12 +58,10 @@ class Columns {
  private:
   static constexpr int kAhead = 512;  // entries; twice and half of it give the same
 
-  void prefetchAt([[maybe_unused]] int column, [[maybe_unused]] int distance) const {
-#if defined(__GNUC__)
+  void prefetchAt(int column, int distance) const {
     constexpr int kCacheLine = 8;
     const double* const first = values(column);
-    for (int k = 0; k < size(column); k += kCacheLine) __builtin_prefetch(first + k + distance);
-#endif
+    for (int k = 0; k < size(column); k += kCacheLine) prefetchToRead(first + k + distance);
   }
 
   int count_;
