@@ -40,7 +40,18 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(qelm_zlib SYSTEM INTERFACE "${QELM_ZLIB_FOLDER}")
 endif()
 
+# Images of colour ramps, read and written.
+find_path(QELM_STB_FOLDER stb/stb_image_write.h PATHS /usr/include
+  NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+if(CMAKE_CROSSCOMPILING)
+  qelm_link_to_headers("${QELM_STB_FOLDER}" stb)
+endif()
+
 add_library(qelm_tool_readers OBJECT
+  "${PROJECT_SOURCE_DIR}/tools/qelm/colours/colour_scale.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/colours/published_ramps.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/colours/ramp.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/colours/ramp_from_image.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/along_curve.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/conditions.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/conditions/csv_dialect.cpp"

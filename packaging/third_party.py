@@ -45,7 +45,7 @@ SOFTWARE = [
     Software("libfmt-dev", "fmt", "https://fmt.dev", "MIT", {"fmt.txt": debian("libfmt-dev")}),
     Software("nlohmann-json3-dev", "JSON for Modern C++", "https://json.nlohmann.me", "MIT",
              {"nlohmann-json.txt": debian("nlohmann-json3-dev")}),
-    Software("libstb-dev", "stb_image_write", "https://github.com/nothings/stb",
+    Software("libstb-dev", "stb_image and stb_image_write", "https://github.com/nothings/stb",
              "MIT or public domain", {"stb.txt": debian("libstb-dev")}),
     Software("zlib1g-dev|libz-mingw-w64-dev", "zlib", "https://zlib.net", "Zlib",
              {"zlib.txt": debian("zlib1g-dev")}),
@@ -70,7 +70,7 @@ of all licences are in this folder.
 |---|---|---|---|---|
 """
 CLOSING = """
-All of it is used unchanged, and its source code is at the addresses above. The GCC Runtime Library
+All of it is used unchanged, but for the colour ramps, whose text says what was changed, and its source code is at the addresses above. The GCC Runtime Library
 Exception lets programs that contain GCC's libraries be passed on under any terms.
 """
 LGPL = """
@@ -157,6 +157,14 @@ def of_page(page_folder):
     return entries
 
 
+COLOUR_RAMPS = Software(
+    "", "colour ramps: viridis and magma, cividis, turbo, coolwarm",
+    "https://matplotlib.org/stable/users/explain/colors/colormaps.html",
+    "CC0; Matplotlib's; Apache-2.0; Matplotlib's",
+    {"colour-ramps.txt": ROOT / "packaging/licenses/colour-ramps.txt", "Apache-2.0.txt": COMMON / "Apache-2.0"},
+)  # fmt: skip
+
+
 class Contents(NamedTuple):
     """What one compiled file contains."""
     file: str
@@ -170,6 +178,8 @@ def contents_of(file, tree, artefact, sources, link_map, root):
     software = []
     if any(item.endswith("view.html") for item in _lines("ninja", "-C", tree, "-t", "inputs", artefact)):
         software += of_page(root / "tools/page")
+    if any(path.name == "published_ramps.cpp" for path in files):
+        software.append((COLOUR_RAMPS, "of no version"))
     for known in software_of(packages):
         first = sorted(name for name in packages if re.fullmatch(known.packages, name))[0]
         software.append((known, _version(first)))

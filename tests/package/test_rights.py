@@ -24,7 +24,7 @@ SENTENCES = {
     "three-mesh-bvh.txt": "Permission is hereby granted",
     "fmt.txt": "Permission is hereby granted",
     "nlohmann-json.txt": "Permission is hereby granted",
-    "stb.txt": "public domain",
+    "stb.txt": "public domain", "colour-ramps.txt": "Kenneth Moreland", "Apache-2.0.txt": "Apache License",
     "zlib.txt": "without any express or implied warranty",
     "eigen.txt": "Eigen",
     "cgal.txt": "CGAL",
@@ -32,8 +32,8 @@ SENTENCES = {
     "glibc.txt": "GNU C Library",
 }
 LIBRARY_PARTS = {"Eigen", "nanoflann", "GCC's run-time library and C++ library"}
-TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image_write", "zlib",
-              "three", "three-mesh-bvh"}  # fmt: skip
+TOOL_PARTS = {"CGAL, the readers of mesh files", "Boost", "CLI11", "fmt", "JSON for Modern C++", "stb_image and stb_image_write", "zlib",
+              "colour ramps: viridis and magma, cividis, turbo, coolwarm", "three", "three-mesh-bvh"}  # fmt: skip
 
 
 def folder_of(request, name):

@@ -221,7 +221,5 @@ def test_values_and_tags_that_do_not_fit_are_refused(qelm):
     for fixes, message in cases:
         arguments = [word for fix in fixes for word in ("--fix", fix)]
         assert message in qelm.fails(2, "solve", "grid.obj", *arguments)
-    for command in ("heatmap", "curves"):
-        assert "takes one field" in qelm.fails(
-            2, command, "grid.obj", "--fix", "vertex:0=0,1", "-o", "out.obj",
-            *(["--levels", "3"] if command == "curves" else []))
+    for command, name in (("heatmap", "out.obj"), ("gradient", "out.csv")):
+        assert "takes one field" in qelm.fails(2, command, "grid.obj", "--fix", "vertex:0=0,1", "-o", name)

@@ -189,8 +189,8 @@ def test_refusals(qelm, grid):
     level = ["--levels", "3"]
     out = ["-o", "c.obj"]
     cases = [
-        (2, [*LEFT_RIGHT, "--every", "1", "--round", *out], "--round is for --levels; --at and --every say exactly"),
-        (2, [*LEFT_RIGHT, *level, "--at", "1", *out], "give only one of --levels, --at and --every"),
+        (2, [*LEFT_RIGHT, "--every", "1", "--round", *out], "--round is for --levels; the others say exactly"),
+        (2, [*LEFT_RIGHT, *level, "--at", "1", *out], "give only one of --levels, --at, --every and --spacing"),
         (2, [*LEFT_RIGHT, "--levels", "0", *out], "--levels 0: a whole number from 1 to 10000"),
         (2, [*LEFT_RIGHT, "--levels", "99999999999", *out], "a whole number from 1 to 10000"),
         (2, [*LEFT_RIGHT, "--at", "1,two", *out], "--at 1,two: 'two' is not a number"),

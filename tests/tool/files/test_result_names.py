@@ -9,7 +9,7 @@ import built
 import shapes
 
 FIX = ["--fix", "vertex:0=0", "--fix", "vertex:2=1"]
-ENDING = {"solve": ".csv", "heatmap": ".ply", "curves": ".csv", "view": ".html", "weld": ".obj", "repair": ".obj"}
+ENDING = {"solve": ".csv", "gradient": ".csv", "heatmap": ".ply", "curves": ".csv", "view": ".html", "weld": ".obj", "repair": ".obj"}
 
 
 def arguments_of(command):

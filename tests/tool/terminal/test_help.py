@@ -9,7 +9,7 @@ import built
 import shapes
 from tool import Tool, run_all
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "repair"]
+COMMANDS = ["info", "check", "solve", "gradient", "heatmap", "curves", "view", "weld", "repair"]
 
 
 @pytest.fixture(scope="module")
@@ -100,7 +100,7 @@ def test_the_grammar_of_conditions_and_the_exit_codes_are_topics(qelm):
     assert re.findall(r"^    (\d)  ", section, re.MULTILINE) == list("012345")
 
 
-@pytest.mark.parametrize("page", ["boundary-conditions.md", "tool.md"])
+@pytest.mark.parametrize("page", ["boundary-conditions.md", "reading-the-picture.md", "tool.md"])
 def test_examples_in_the_documents_run(qelm, page):
     text = (built.SOURCE / "docs" / page).read_text()
     write_example_files(qelm)

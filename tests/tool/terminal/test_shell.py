@@ -8,7 +8,7 @@ import pytest
 
 import built
 
-COMMANDS = ["info", "check", "solve", "heatmap", "curves", "view", "weld", "repair", "completion", "manual", "help"]
+COMMANDS = ["info", "check", "solve", "gradient", "heatmap", "curves", "view", "weld", "repair", "completion", "manual", "help"]
 posix_only = pytest.mark.skipif(built.IS_WINDOWS, reason="shells of POSIX")
 
 

@@ -98,7 +98,7 @@ function readCorners(reader, vertexCount, triangleCount) {
 
 /**
  * {positions: Float64Array(3n), triangles: Uint32Array(3m), field: Float64Array(n),
- *  load: Float64Array(n) or null, colours: Uint8Array(768), fixedBy: Uint32Array(n)}. Throws Error when `bytes` are not
+ *  fields: [field, and further ones], load: Float64Array(n) or null, colours: Uint8Array(768), fixedBy: Uint32Array(n)}. Throws Error when `bytes` are not
  * such a block. Needs a little-endian machine, as every one with a browser is.
  */
 export function decodeMesh(bytes) {
@@ -114,5 +114,7 @@ export function decodeMesh(bytes) {
   const colours = reader.take(3 * kColourSteps);
   const fixedBy = readRuns(reader, n);
   const triangles = readCorners(reader, n, m);
-  return { positions, triangles, field, load, colours, fixedBy };
+  const fields = [field];
+  while (reader.place < bytes.length) fields.push(reader.doubles(n));
+  return { positions, triangles, field, fields, load, colours, fixedBy };
 }

@@ -54,13 +54,16 @@ export class Legend {
       gradient(colours, 'scale-along', { x1: 0, x2: 1, y1: 0, y2: 0 }),
     );
     this.range = { low: 0, high: 1 };
+    this.beyond = { low: false, high: false };
     this.levels = [];
     this.pointer = element('path', {});
     new ResizeObserver(() => this.#draw()).observe(svg.parentElement);
   }
 
-  setRange(range) {
+  /** Of the colours, and of the field, which may go beyond. */
+  setRange(range, field) {
     this.range = range;
+    this.beyond = { low: field.low < range.low, high: field.high > range.high };
     this.#draw();
   }
 
@@ -103,7 +106,8 @@ export class Legend {
 
   #ends() {
     const { low, high } = this.range;
-    return [low, high].map((value) => endText(value, high - low));
+    const [lowText, highText] = [low, high].map((value) => endText(value, high - low));
+    return [this.beyond.low ? `\u2264 ${lowText}` : lowText, this.beyond.high ? `\u2265 ${highText}` : highText];
   }
 
   #draw() {
@@ -114,7 +118,8 @@ export class Legend {
     const bar = this.lies
       ? { x: this.#start, y: near, width: this.#length, height: kBar.thickness, fill: 'url(#scale-along)' }
       : { x: near, y: this.#start, width: kBar.thickness, height: this.#length, fill: 'url(#scale-up)' };
-    const marks = this.levels.map((level) => this.#line(level, near, far, 'level'));
+    const isOnScale = (level) => level >= this.range.low && level <= this.range.high;
+    const marks = this.levels.filter(isOnScale).map((level) => this.#line(level, near, far, 'level'));
     this.pointer = element('path', {
       class: 'pointer',
       d: this.lies ? `M0 ${far + 1}l-5 7h10z` : `M${far + 1} 0l7 -5v10z`,

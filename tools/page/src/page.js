@@ -1,6 +1,7 @@
 // The page round the scene: facts, scale, controls, reading, themes.
 import { followAddress, linkTo } from './address.js';
 import { Answer, copyText } from './answer.js';
+import { FieldChoice } from './field_choice.js';
 import { curvesObj, drawingSvg, fieldCsv, offer } from './files.js';
 import { freeRectangles } from './fit.js';
 import { fillLevelList } from './level_list.js';
@@ -42,7 +43,8 @@ const counted = (count, one, many) => `${count.toLocaleString('en')} ${count ===
 export class Page {
   /**
    * facts: {name, vertices, triangles, conditions: [{text, value, vertices}], levels: [...],
-   * toward: [x, y, z] or null, up: 'x', 'y' or 'z', unit: '' or a text}; data: what decodeMesh() returns.
+   * toward: [x, y, z] or null, up: 'x', 'y' or 'z', unit: '' or a text, range: [low, high] of the
+   * colours or null, fields: [{name, levels}] of several fields}; data: what decodeMesh() returns.
    */
   constructor(facts, data) {
     this.facts = facts;
@@ -50,12 +52,13 @@ export class Page {
     this.canvas = byId('canvas');
     this.theme = 'auto';
     this.changed = () => {};
-    this.surface = new SurfaceScene(this.canvas, data, paintStill);
+    this.surface = new SurfaceScene(this.canvas, data, paintStill, facts.range);
     this.labels = new ValueLabels(byId('labels'), this.surface);
     this.surface.afterDraw = () => this.labels.draw();
     this.legend = new Legend(byId('legend'), data.colours, facts.unit, () => this.fitWindow());
     this.setField(data.field, facts.levels);
     this.#describe();
+    this.fieldChoice = new FieldChoice(this);
     this.panels = new Panels(() => this.fitWindow());
     this.navigation = new Navigation(this.surface, facts, () => this.changed());
     this.answer = new Answer(this);
@@ -72,7 +75,7 @@ export class Page {
   /** Another field, cut at other levels or at the ones before. */
   setField(field, levels = this.levels) {
     this.surface.setField(field, levels);
-    this.legend.setRange(this.surface.range);
+    this.legend.setRange(this.surface.colourRange, this.surface.range);
     this.#showLevels(levels);
   }
 
@@ -138,10 +141,12 @@ export class Page {
 
   /** What a page with more on it keeps in its address besides, as {name: text}, and takes from there. */
   ownState() {
-    return {};
+    return this.fieldChoice.state();
   }
 
-  takeOwnState() {}
+  takeOwnState(state) {
+    this.fieldChoice.take(state);
+  }
 
   levelText = (l) => withUnit(this.levelTexts[l], this.facts.unit);
 
@@ -161,9 +166,7 @@ export class Page {
     const { name, vertices, triangles, conditions } = this.facts;
     document.querySelector('h1').textContent = name;
     byId('counts').textContent = `${counted(vertices, 'vertex', 'vertices')}, ${counted(triangles, 'triangle', 'triangles')}`;
-    const list = byId('conditions');
-    this.items = conditions.map((condition, number) => this.conditionItem(condition, number));
-    list.replaceChildren(...this.items);
+    this.listConditions(conditions);
     byId('key-list').replaceChildren(
       ...kKeys.flatMap(([key, meaning]) => {
         const term = document.createElement('dt');
@@ -173,6 +176,11 @@ export class Page {
         return [term, description];
       }),
     );
+  }
+
+  listConditions(conditions) {
+    this.items = conditions.map((condition, number) => this.conditionItem(condition, number));
+    byId('conditions').replaceChildren(...this.items);
   }
 
   /** A file's vertices have a value each: it stands there without one. */

@@ -19,7 +19,7 @@ function shadeOf(points, a, b, c) {
 function paintSurface(scene, points, depth, image) {
   const { triangles } = scene.mesh;
   const { colours } = scene.data;
-  const { low, high } = scene.range;
+  const { low, high } = scene.colourRange;
   for (let k = 0; k < triangles.length; k += 3) {
     const [a, b, c] = [triangles[k], triangles[k + 1], triangles[k + 2]];
     const shade = shadeOf(points, 3 * a, 3 * b, 3 * c);

@@ -59,12 +59,14 @@ function rendererFor(canvas) {
 export class SurfaceScene {
   /**
    * data: what decodeMesh() returns. Draws when something changes, not all the time. Where there
-   * is no WebGL 2, `paint(scene)` draws instead.
+   * is no WebGL 2, `paint(scene)` draws instead. `fixedRange`: [low, high], the values at the ends of
+   * the colours; null: the field's own.
    */
-  constructor(canvas, data, paint) {
+  constructor(canvas, data, paint, fixedRange = null) {
     this.canvas = canvas;
     this.data = data;
     this.paint = paint;
+    this.fixedRange = fixedRange;
     this.place = normalise(data.positions);
     this.mesh = { positions: this.place.local, triangles: data.triangles };
     this.outermost = outermost(this.place.local);
@@ -94,13 +96,18 @@ export class SurfaceScene {
   /** Another field on the same mesh, cut at other levels or at the ones before. */
   setField(field, levels = this.levels) {
     Object.assign(this, { field, range: rangeOf(field), levels });
-    const { low, high } = this.range;
+    const { low, high } = this.colourRange;
     const { uv } = this.surface.geometry.attributes;
     for (let k = 0; k < uv.array.length; ++k)
       uv.array[k] = textureCoordinate((field[this.vertexOf[k]] - low) / (high - low || 1));
     uv.needsUpdate = true;
     this.#cut();
     this.draw();
+  }
+
+  /** {low, high}: the values at the ends of the colours. */
+  get colourRange() {
+    return this.fixedRange ? { low: this.fixedRange[0], high: this.fixedRange[1] } : this.range;
   }
 
   setLevels(levels) {
@@ -331,7 +338,8 @@ export class SurfaceScene {
 
   /** A value's colour in the heat map. */
   colourOf(value) {
-    const t = (value - this.range.low) / (this.range.high - this.range.low || 1);
+    const { low, high } = this.colourRange;
+    const t = (value - low) / (high - low || 1);
     const step = Math.round(Math.min(1, Math.max(0, t)) * (kColourSteps - 1));
     const [r, g, b] = this.data.colours.subarray(3 * step, 3 * step + 3);
     return new Color().setRGB(r / 255, g / 255, b / 255, SRGBColorSpace);

@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "colours/viridis.h"
-#include "fields/field_range.h"
+#include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -16,9 +15,14 @@ constexpr Colour kNoValue = {128, 128, 128};
 
 static_assert(std::endian::native == std::endian::little, "binary PLY is little-endian here");
 
-void writeHeader(const Mesh& mesh, TextBlock& block) {
+void writeHeader(const Mesh& mesh, const ColourScale& scale, const Caption& caption,
+                 TextBlock& block) {
+  block.text("ply\nformat binary_little_endian 1.0\ncomment written by qelm\n");
+  if (!caption.title.empty()) block.text("comment {}\n", oneLine(caption.title));
+  if (!caption.unit.empty()) block.text("comment value in {}\n", oneLine(caption.unit));
+  if (scale.isFixed) block.text("comment colours from {} to {}\n", scale.low, scale.high);
   block.text(
-      "ply\nformat binary_little_endian 1.0\ncomment written by qelm\nelement vertex {}\n"
+      "element vertex {}\n"
       "property double x\nproperty double y\nproperty double z\n"
       "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty double value\n"
       "element face {}\nproperty list uchar int vertex_indices\nend_header\n",
@@ -27,15 +31,14 @@ void writeHeader(const Mesh& mesh, TextBlock& block) {
 
 }  // namespace
 
-void writeColourPly(const Mesh& mesh, std::span<const double> field, OutputFile& file) {
-  const FieldRange range = rangeOf(field);
+void writeColourPly(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
+                    const Caption& caption, OutputFile& file) {
   TextBlock block(file);
-  writeHeader(mesh, block);
+  writeHeader(mesh, scale, caption, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const double value = field[static_cast<std::size_t>(v)];
     for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
-    const double part = (value - range.low) / (range.high - range.low);
-    for (const std::uint8_t channel : std::isnan(value) ? kNoValue : viridis(part))
+    for (const std::uint8_t channel : std::isnan(value) ? kNoValue : scale(value))
       block.bytes(channel);
     block.bytes(value);
   }

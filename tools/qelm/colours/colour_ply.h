@@ -4,15 +4,18 @@
 
 #include <span>
 
+#include "colours/caption.h"
+#include "colours/colour_scale.h"
 #include "files/output_file.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
 
 /// Binary, in the mesh's order: of every vertex its place and value as doubles and
-/// its colour, viridis over the field's range, as red, green, blue. The field must
-/// have a range; a vertex without a value is grey.
-void writeColourPly(const Mesh& mesh, std::span<const double> field, OutputFile& file);
+/// its colour as red, green, blue; a vertex without a value is grey. What the caption says, and a
+/// range that was given, stand in comments.
+void writeColourPly(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
+                    const Caption& caption, OutputFile& file);
 
 }  // namespace qelm::tool
 

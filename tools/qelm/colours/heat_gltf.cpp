@@ -3,20 +3,18 @@
 #include <vector>
 
 #include "colours/ramp_image.h"
-#include "fields/field_range.h"
 #include "mesh_files/gltf_builder.h"
 
 namespace qelm::tool {
 namespace {
 
-/// From the middle of the ramp's first column, yellow and the largest value, to that of its last.
-std::vector<float> rampPlaces(std::span<const double> field) {
-  const FieldRange range = rangeOf(field);
+/// From the middle of the ramp's first column, the largest value, to that of its last.
+std::vector<float> rampPlaces(std::span<const double> field, const ColourScale& scale) {
   std::vector<float> uv;
   uv.reserve(2 * field.size());
   for (const double value : field) {
-    const double part = (value - range.low) / (range.high - range.low);
-    uv.push_back(static_cast<float>(((1 - part) * (kRampWidth - 1) + 0.5) / kRampWidth));
+    uv.push_back(
+        static_cast<float>(((1 - scale.part(value)) * (kRampWidth - 1) + 0.5) / kRampWidth));
     uv.push_back(0.5F);
   }
   return uv;
@@ -24,12 +22,12 @@ std::vector<float> rampPlaces(std::span<const double> field) {
 
 }  // namespace
 
-void writeHeatGltf(const Mesh& mesh, std::span<const double> field, std::size_t up, bool isBinary,
-                   ByteSink& file) {
+void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
+                   std::size_t up, bool isBinary, ByteSink& file) {
   const GltfPlaces places(mesh.vertices, up);
   const std::vector<std::uint32_t> corners(mesh.triangles.begin(), mesh.triangles.end());
   GltfBuilder builder;
-  const std::size_t texture = builder.addTexture(rampImage());
+  const std::size_t texture = builder.addTexture(rampImage(scale.ramp));
   builder.document()["materials"] = {{{"name", "Heat"},
                                       {"doubleSided", true},
                                       {"pbrMetallicRoughness",
@@ -38,7 +36,7 @@ void writeHeatGltf(const Mesh& mesh, std::span<const double> field, std::size_t 
                                         {"roughnessFactor", 0.8}}}}};
   const GltfBuilder::Json attributes = {
       {"POSITION", builder.addPositions(places.rounded(mesh.vertices))},
-      {"TEXCOORD_0", builder.addTextureCoordinates(rampPlaces(field))},
+      {"TEXCOORD_0", builder.addTextureCoordinates(rampPlaces(field, scale))},
       {"_VALUE", builder.addScalars(std::vector<float>(field.begin(), field.end()))}};
   builder.document()["meshes"].push_back(
       {{"primitives", GltfBuilder::Json::array({{{"attributes", attributes},

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <span>
 
+#include "colours/colour_scale.h"
 #include "mesh/mesh.h"
 #include "text/byte_sink.h"
 
@@ -14,8 +15,8 @@ namespace qelm::tool {
 /// its place (TEXCOORD_0), and the field as _VALUE. There are no vertex colours: glTF would
 /// multiply the texture by them. `up` is 0, 1 or 2 for x, y or z. The field must have a range, and
 /// every vertex a value.
-void writeHeatGltf(const Mesh& mesh, std::span<const double> field, std::size_t up, bool isBinary,
-                   ByteSink& file);
+void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
+                   std::size_t up, bool isBinary, ByteSink& file);
 
 }  // namespace qelm::tool
 

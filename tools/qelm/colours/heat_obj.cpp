@@ -1,9 +1,9 @@
 #include "colours/heat_obj.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
+#include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -19,20 +19,29 @@ std::vector<int> systemOrder(std::span<const int> tags) {
   return order;
 }
 
+/// The texture coordinates alone do not tell the values.
+void writeComments(const ColourScale& scale, const Caption& caption, TextBlock& block) {
+  if (!caption.title.empty()) block.text("# {}\n", oneLine(caption.title));
+  if (!caption.unit.empty() || scale.isFixed)
+    block.text("# u = 1 at {0}{2}, u = 0 at {1}{2}\n", scale.low, scale.high,
+               oneLine(caption.unitAfter()));
+}
+
 }  // namespace
 
 void writeHeatObj(const Mesh& mesh, std::span<const double> field, std::span<const int> tags,
-                  const std::string& material, ByteSink& file) {
+                  const ColourScale& scale, const Caption& caption, const std::string& material,
+                  ByteSink& file) {
   const std::vector<int> order = systemOrder(tags);
   TextBlock block(file);
+  writeComments(scale, caption, block);
   block.text("mtllib {}\nusemtl Heat\n", material);
   for (const int v : order) {
     const Point p = mesh.point(v);
     block.text("v {} {} {}\n", p[0], p[1], p[2]);
   }
-  const auto [low, high] = std::minmax_element(field.begin(), field.end());
   for (const int v : order)
-    block.text("vt {} 0.5\n", 1 - (field[static_cast<std::size_t>(v)] - *low) / (*high - *low));
+    block.text("vt {} 0.5\n", 1 - scale.part(field[static_cast<std::size_t>(v)]));
   std::vector<int> number(order.size());  // from 1
   for (std::size_t k = 0; k < order.size(); ++k)
     number[static_cast<std::size_t>(order[k])] = static_cast<int>(k) + 1;
@@ -45,16 +54,16 @@ void writeHeatObj(const Mesh& mesh, std::span<const double> field, std::span<con
 }
 
 // The blanks and tabs at the ends belong to the lines.
-void writeHeatMtl(ByteSink& file) {
-  file.write(
+void writeHeatMtl(const std::string& image, ByteSink& file) {
+  const std::string material =
       "newmtl Heat \n"
       "Kd 1 1 1             \n"
       "Ns 96.0784\t\t\t \n"
       "d 1\t\t\t\t\t \n"
       "illum 1\t\t\t\t \n"
       "Ka 0 0 0\t\t\t \n"
-      "Ks 1 1 1\t\t\t \n"
-      "map_Kd viridis.PNG\n");
+      "Ks 1 1 1\t\t\t \n";
+  file.write(material + "map_Kd " + image + "\n");
 }
 
 }  // namespace qelm::tool

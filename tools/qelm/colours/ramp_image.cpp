@@ -4,8 +4,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "colours/viridis.h"
-
 // The one file that holds stb_image_write's code.
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
@@ -26,12 +24,12 @@ constexpr int kChannels = 3;
 
 }  // namespace
 
-std::string rampImage() {
+std::string rampImage(const Ramp& ramp) {
   std::vector<std::uint8_t> pixels;
   pixels.reserve(static_cast<std::size_t>(kWidth) * kHeight * kChannels);
   for (int y = 0; y < kHeight; ++y)
     for (int x = 0; x < kWidth; ++x) {
-      const Colour colour = viridis(1.0 - static_cast<double>(x) / (kWidth - 1));
+      const Colour colour = ramp(1.0 - static_cast<double>(x) / (kWidth - 1));
       pixels.insert(pixels.end(), colour.begin(), colour.end());
     }
   std::string png;

@@ -8,16 +8,17 @@
 
 #include "commands/check_command.h"
 #include "commands/curves_command.h"
+#include "commands/gradient_command.h"
 #include "commands/heatmap_command.h"
+#include "commands/help_formatter.h"
 #include "commands/info_command.h"
+#include "commands/named_inputs.h"
 #include "commands/repair_command.h"
+#include "commands/shared_options.h"
 #include "commands/solve_command.h"
 #include "commands/view_command.h"
 #include "commands/weld_command.h"
-#include "conditions/field_file.h"
 #include "files/output_file.h"
-#include "files/result_name.h"
-#include "mesh_files/mesh_reader.h"
 #include "terminal/completion.h"
 #include "terminal/console.h"
 #include "terminal/help_texts.h"
@@ -26,131 +27,6 @@
 
 namespace qelm::tool {
 namespace {
-
-void addOutputOptions(CLI::App& command, OutputOptions& output) {
-  CLI::Option* const quiet = command.add_flag("-q,--quiet", output.quiet, "Say nothing but errors");
-  command.add_flag("-v,--verbose", output.verbose, "Say more: every step and its time")
-      ->excludes(quiet);
-  command.add_flag("--json", output.json, "Print the summary as JSON on the standard output");
-}
-
-// Options of these groups take a line together in --help.
-constexpr const char* kPictures = "qelm help pictures";
-constexpr const char* kStreams = "qelm help files";
-
-void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
-  command.add_option("mesh", mesh, "Mesh file (see 'qelm help files'), or - (stdin)")
-      ->type_name("MESH")
-      ->required();
-  // Options are looked at in the order in which they are added here.
-  command
-      .add_option_function<std::string>(
-          "--read-as", [&mesh](const std::string& format) { mesh = standardInputAs(mesh, format); },
-          "What the standard input holds: obj, ply, ...")
-      ->type_name("FORMAT")
-      ->group(kStreams);
-  command.add_flag("--strict", strict, "Refuse what would be mended or left out");
-}
-
-void addFixes(CLI::App& command, std::vector<std::string>& fixes, std::string& fixFile) {
-  command.add_option("--fix", fixes, "Hold vertices at a value; may be given often")
-      ->type_name("SELECTOR=VALUE[:TAG]")
-      ->allow_extra_args(false);
-  command.add_option("--fix-file", fixFile, "Hold the vertices that a file names")
-      ->type_name("FILE.csv");
-}
-
-void addFieldOptions(CLI::App& command, FieldOptions& field) {
-  addMesh(command, field.mesh, field.strict);
-  addFixes(command, field.fixes, field.fixFile);
-  command.add_option("--load", field.load, "Add a load: by vertex, or uniform=Q by area")
-      ->type_name("FILE.csv");
-  command.add_flag("--robust", field.robust, "In range on bad triangles, too; auto: if needed");
-}
-
-void addGivenField(CLI::App& command, FieldOptions& field) {
-  command.add_option("--field", field.field, "Take the field from a file instead")
-      ->type_name("FILE[:COLUMN]");
-}
-
-void addLevels(CLI::App& command, LevelOptions& levels) {
-  command.add_option("--levels", levels.count, "Cut at N levels, evenly spaced")->type_name("N");
-  command.add_flag("--round", levels.round, "Take round levels, about as many");
-  command.add_option("--at", levels.at, "Cut at these levels")->type_name("V,V,...");
-  command.add_option("--every", levels.every, "Cut at all multiples of a step")->type_name("STEP");
-  command
-      .add_option("--through", levels.through, "Cut through the surface's point nearest to this")
-      ->type_name("near:X,Y,Z")
-      ->allow_extra_args(false);
-}
-
-
-/// Compact: what an option takes, and in words whether it must be given.
-class HelpFormatter : public CLI::Formatter {
- public:
-  HelpFormatter() { column_width(kColumn); }
-
-  /// No heading for the one thing that must be named.
-  std::string make_positionals(const CLI::App* app) const override {
-    std::string text;
-    for (const CLI::Option* option :
-         app->get_options([](const CLI::Option* o) { return o->get_positional(); }))
-      text += make_option(option, true);
-    return text;
-  }
-
-  std::string make_option_opts(const CLI::Option* option) const override {
-    if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
-    return " " + option->get_type_name();
-  }
-  /// Options of a group that is named after a topic take one line together: with all of them in
-  /// full --help would not fit a screen. The manual page and completion have them in full.
-  std::string make_group(std::string group, bool isPositional,
-                         std::vector<const CLI::Option*> options) const override {
-    if (group.rfind("qelm help ", 0) != 0)
-      return CLI::Formatter::make_group(std::move(group), isPositional, std::move(options));
-    std::string names = " ";
-    for (const CLI::Option* option : options) names += " --" + option->get_lnames()[0];
-    names.resize(std::max(names.size() + 2, get_column_width()), ' ');
-    return names + "See '" + group + "'\n";
-  }
-  /// Such lines follow the others without a gap.
-  std::string make_help(const CLI::App* app, std::string name,
-                        CLI::AppFormatMode mode) const override {
-    std::string text = CLI::Formatter::make_help(app, std::move(name), mode);
-    for (std::size_t at = text.find("\n\n  --"); at != text.npos; at = text.find("\n\n  --"))
-      text.erase(at, 1);
-    return text;
-  }
-  std::string make_option_desc(const CLI::Option* option) const override {
-    return option->get_description() +
-           (option->get_required() && !option->get_positional() ? " (required)" : "");
-  }
-
- private:
-  static constexpr std::size_t kColumn = 30;
-};
-
-/// What is wrong with a condition is said when it is its turn.
-void addFilesOf(const std::string& condition, InputNames& names) {
-  try {
-    for (std::string& file : filesOf(parseCondition(condition))) names.push_back(std::move(file));
-  } catch (const UsageError&) {
-  }
-}
-
-/// All that the command line says, but where results go: what of it is a file may be read.
-InputNames inputsOf(const CLI::App& command) {
-  InputNames names;
-  for (const CLI::Option* option : command.get_options())
-    if (!option->check_lname("output"))
-      for (const std::string& value : option->results()) {
-        names.push_back(value);
-        if (option->check_lname("fix")) addFilesOf(value, names);
-        if (option->check_lname("field")) names.push_back(parseFieldSource(value).file);
-      }
-  return names;
-}
 
 class CommandLine {
  public:
@@ -168,6 +44,7 @@ class CommandLine {
     addInfo();
     addCheck();
     addSolve();
+    addGradient();
     addHeatmap();
     addCurves();
     addView();
@@ -216,13 +93,33 @@ class CommandLine {
     solve_.field.several = true;
     command.add_option("-o,--output", solve_.output, "Write the field; - is the standard output")
         ->type_name("FIELD.csv");
+    command.add_flag("--gradient", solve_.gradient, "Write its gradient at the vertices as well");
     command.add_flag("--compare-plain", solve_.comparePlain,
                      "With --robust, say how far the plain field is off");
     addOutputOptions(command, output_);
-    command.footer(footer(kSolveExamples, "conditions, selectors, loads, robust, files, output"));
+    command.footer(
+        footer(kSolveExamples, "conditions, selectors, loads, gradients, robust, files"));
     onRun(command, [this] {
       requireFixes(solve_.field);
       runSolve(solve_, output_);
+    });
+  }
+
+  void addGradient() {
+    CLI::App& command =
+        *app_.add_subcommand("gradient", "Write in which direction a field grows, and how steeply");
+    addFieldOptions(command, gradient_.field);
+    addGivenField(command, gradient_.field);
+    command.add_option("--per", gradient_.per, "What has one vector each")
+        ->type_name("triangle|vertex");
+    command.add_option("-o,--output", gradient_.output, "As .csv, .npy, .ply; or -")
+        ->type_name("OUT");
+    addOutputOptions(command, output_);
+    command.footer(
+        footer(kGradientExamples, "gradients, conditions, fields, loads, robust, output"));
+    onRun(command, [this] {
+      requireFixes(gradient_.field);
+      runGradient(gradient_, output_);
     });
   }
 
@@ -240,14 +137,13 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand("heatmap", "Write a mesh with its field in colours");
     addFieldOptions(command, heatmap_.field);
     addGivenField(command, heatmap_.field);
-    command
-        .add_option("-o,--output", heatmap_.output,
-                    "PATH.obj and two more; .ply, .glb, .vtp")
+    command.add_option("-o,--output", heatmap_.output, "PATH.obj and two more; .ply, .glb, .vtp")
         ->type_name("PATH")
         ->required();
     command.add_option("--format", heatmap_.format, "Of one file, whatever PATH is")
         ->type_name("ply|glb|gltf|vtp|vtu")
         ->group(kStreams);
+    addColourOptions(command, heatmap_.picture);
     addOutputOptions(command, output_);
     command.footer(footer(kHeatmapExamples, "conditions, fields, loads, robust, files, output"));
     onRun(command, [this] {
@@ -260,8 +156,10 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("curves", "Cut a field's level curves: polylines, or a picture");
     addFieldOptions(command, curves_.field);
+    curves_.field.several = true;
     addGivenField(command, curves_.field);
     addLevels(command, curves_.levels);
+    addSimplify(command, curves_.simplify);
     command.add_option("-o,--output", curves_.outputs, "As .obj, .json, .svg, .dxf, ...; or -")
         ->type_name("OUT")
         ->allow_extra_args(false)
@@ -269,15 +167,9 @@ class CommandLine {
     command.add_option("--format", curves_.format, "Whatever OUT is called")
         ->type_name("obj|json|svg|dxf|...")
         ->group(kStreams);
-    command.add_option("--view", curves_.view, "From where an .svg looks at the mesh")
-        ->type_name("best|AXIS|X,Y,Z")
-        ->group(kPictures);
-    command.add_option("--up", curves_.up, "What points up in an .svg")
-        ->type_name("x|y|z|auto")
-        ->group(kPictures);
-    command.add_option("--unit", curves_.unit, "The values' unit, for an .svg")
-        ->type_name("TEXT")
-        ->group(kPictures);
+    addViewOptions(command, curves_.picture, "From where an .svg looks at the mesh");
+    addSheetOptions(command, curves_.sheet);
+    addColourOptions(command, curves_.picture);
     addOutputOptions(command, output_);
     command.footer(
         footer(kCurvesExamples, "levels, conditions, fields, loads, robust, files, output"));
@@ -291,6 +183,7 @@ class CommandLine {
     CLI::App& command =
         *app_.add_subcommand("view", "Write a page that shows the field in a browser");
     addFieldOptions(command, view_.field);
+    view_.field.several = true;
     addGivenField(command, view_.field);
     addLevels(command, view_.levels);
     command.add_option("-o,--output", view_.output, "Where it goes; - is the standard output")
@@ -298,15 +191,8 @@ class CommandLine {
         ->required();
     command.add_option("--page", view_.page, "Fill in this page, such as the live one")
         ->type_name("TEMPLATE.html");
-    command.add_option("--view", view_.view, "From where the page looks at first")
-        ->type_name("best|AXIS|X,Y,Z")
-        ->group(kPictures);
-    command.add_option("--up", view_.up, "What points up")
-        ->type_name("x|y|z|auto")
-        ->group(kPictures);
-    command.add_option("--unit", view_.unit, "The values' unit")
-        ->type_name("TEXT")
-        ->group(kPictures);
+    addViewOptions(command, view_.picture, "From where the page looks at first");
+    addColourOptions(command, view_.picture);
     addOutputOptions(command, output_);
     command.footer(footer(kViewExamples, "levels, conditions, fields, loads, robust, output"));
     onRun(command, [this] {
@@ -402,7 +288,7 @@ class CommandLine {
   }
 
   static void requireFixes(const FieldOptions& field) {
-    if (field.fixes.empty() && field.fixFile.empty() && field.field.empty())
+    if (field.fixes.empty() && field.fixFile.empty() && field.given.empty())
       throw UsageError(
           "no vertex is fixed; give at least one --fix SELECTOR=VALUE, such as --fix loop:0=0");
   }
@@ -427,6 +313,7 @@ class CommandLine {
   CheckOptions check_;
   InfoOptions info_;
   SolveOptions solve_;
+  GradientOptions gradient_;
   HeatmapOptions heatmap_;
   CurvesOptions curves_;
   ViewOptions view_;

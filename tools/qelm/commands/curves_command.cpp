@@ -4,19 +4,24 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 
+#include "curves/curve_distances.h"
 #include "curves/curve_dxf.h"
 #include "curves/curve_files.h"
 #include "curves/curve_gltf.h"
 #include "curves/curve_set.h"
 #include "curves/curve_svg.h"
 #include "curves/curve_vtp.h"
+#include "curves/field_curves.h"
 #include "curves/field_levels.h"
 #include "curves/projection.h"
+#include "curves/simplify.h"
 #include "curves/upright.h"
 #include "fields/field_range.h"
 #include "files/output_file.h"
@@ -24,6 +29,7 @@
 #include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/error.h"
+#include "text/text.h"
 
 namespace qelm::tool {
 namespace {
@@ -78,67 +84,157 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
   return targets;
 }
 
-void write(Target& target, const SolvedField& solved, const Mesh& shown, const CurveSet& curves,
-           const Projection& projection, std::size_t up, const std::string& unit) {
+/// What is written besides the curves themselves.
+struct Look {
+  const Mesh& mesh;
+  const Projection& projection;
+  std::size_t up;  ///< axis
+  const Caption& caption;
+  const std::optional<SheetChoice>& sheet;
+};
+
+void write(Target& target, const std::string& meshName, std::span<const FieldCurves> fields,
+           const Look& look) {
   OutputFile& file = *target.file;
-  if (target.format == CurveFormat::kObj) writeCurvesObj(curves, file);
-  if (target.format == CurveFormat::kJson) writeCurvesJson(curves, solved.meshName, file);
-  if (target.format == CurveFormat::kCsv) writeCurvesCsv(curves, file);
-  if (target.format == CurveFormat::kDxf) writeCurvesDxf(curves, file);
-  if (target.format == CurveFormat::kVtp) writeCurvesVtp(curves, file);
-  const FieldRange range = rangeOf(solved.fields);
-  const bool isGlb = target.format == CurveFormat::kGlb;
-  if (isGlb || target.format == CurveFormat::kGltf)
-    writeCurvesGltf(curves, range.low, range.high, up, isGlb, file);
-  if (target.format == CurveFormat::kSvg) {
-    writeCurvesSvg({shown, curves, projection, toUtf8(toPath(solved.meshName).filename()),
-                    range.low, range.high, unit},
-                   file);
+  switch (target.format) {
+    case CurveFormat::kObj:
+      return writeCurvesObj(fields, file);
+    case CurveFormat::kJson:
+      return writeCurvesJson(fields, meshName, file);
+    case CurveFormat::kCsv:
+      return writeCurvesCsv(fields, file);
+    case CurveFormat::kSvg:
+      return writeCurvesSvg({look.mesh, fields, look.projection, look.caption, look.sheet}, file);
+    case CurveFormat::kDxf:
+      return writeCurvesDxf(fields, file);
+    case CurveFormat::kVtp:
+      return writeCurvesVtp(fields, file);
+    case CurveFormat::kGlb:
+    case CurveFormat::kGltf:
+      return writeCurvesGltf(fields, look.up, target.format == CurveFormat::kGlb, file);
   }
 }
 
-/// For the summary, such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
-ReportItem report(const CurveSet& curves) {
+/// 0 of an empty text.
+double parsedTolerance(const std::string& text) {
+  if (text.empty()) return 0;
+  const auto tolerance = parseDouble(trimmed(text));
+  if (!tolerance || !std::isfinite(*tolerance) || *tolerance <= 0)
+    throw UsageError(fmt::format("--simplify {}: a distance larger than 0 is needed", text));
+  return *tolerance;
+}
+
+/// Such as "9 (3 closed, 6 open) with 5236 points, at 9 levels".
+std::string describe(const CurveSet& curves, std::size_t closed) {
   const std::vector<double>& levels = curves.levels();
+  return fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {} to {}",
+                     curves.size(), closed, curves.size() - closed, curves.pointCount(),
+                     levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back());
+}
+
+/// How even the curves of --spacing are.
+ReportItem spacingReport(const CurveSet& curves, double spacing) {
+  constexpr double kStepsToASpacing = 8;
+  const auto distances = distancesBetween(curves, spacing / kStepsToASpacing);
+  if (!distances) return {"spacing", "one level only", {{"spacing", nullptr}}};
+  const auto& [smallest, largest] = *distances;
+  const std::string low = digits(smallest, smallest / 1000);
+  const std::string high = digits(largest, largest / 1000);
+  return {"spacing",
+          fmt::format("neighbouring curves are {} apart",
+                      low == high ? low : fmt::format("{} to {}", low, high)),
+          {{"spacing", {{"smallest", smallest}, {"largest", largest}}}}};
+}
+
+/// What is to be done with every field.
+struct Cutting {
+  LevelChoice levels;
+  ColourChoice colours;
+  double tolerance;  ///< of --simplify; 0: every point stays
+};
+
+/// The curves of field k, with what the summary says of them.
+FieldCurves cutField(SolvedField& solved, std::size_t k, const Cutting& cutting,
+                     const Console& console, std::vector<ReportItem>& reports) {
+  const FieldRange range = rangeOf(solved.field(k));
+  const std::vector<double> levels = levelsOf(cutting.levels, solved, k, console);
+  CurveSet curves =
+      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(k), levels); });
+  const std::size_t before = curves.pointCount();
+  if (cutting.tolerance > 0)
+    curves = solved.steps.run("simplify", [&] { return simplify(curves, cutting.tolerance); });
   std::size_t closed = 0;
   for (std::size_t c = 0; c < curves.size(); ++c) closed += curves[c].closed ? 1 : 0;
-  return {"curves",
-          fmt::format("{} ({} closed, {} open) with {} points, at {} level{}, {} to {}",
-                      curves.size(), closed, curves.size() - closed, curves.pointCount(),
-                      levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back()),
-          {{"levels", levels},
-           {"curves", curves.size()},
-           {"closedCurves", closed},
-           {"points", curves.pointCount()}}};
+  reports.push_back({"curves",
+                     describe(curves, closed),
+                     {{"levels", levels},
+                      {"curves", curves.size()},
+                      {"closedCurves", closed},
+                      {"points", curves.pointCount()}}});
+  if (cutting.tolerance > 0)
+    reports.push_back(
+        {"simplify",
+         fmt::format("{} of {} points left out", before - curves.pointCount(), before),
+         {{"pointsBefore", before}}});
+  if (cutting.levels.spacing() > 0)
+    reports.push_back(spacingReport(curves, cutting.levels.spacing()));
+  return {solved.fieldCount() > 1 ? solved.fieldName(k) : "", std::move(curves), range,
+          cutting.colours.scaleFor(range, console)};
+}
+
+/// The reports of several fields: lines that name them, and one list for programs.
+void joinReports(std::vector<ReportItem>& reports, const std::vector<FieldCurves>& fields,
+                 const std::vector<std::size_t>& counts) {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  std::size_t at = 0;
+  for (std::size_t k = 0; k < fields.size(); ++k) {
+    list.push_back({{"name", fields[k].name}});
+    for (; at < counts[k]; ++at) {
+      reports[at].text = fmt::format("{}: {}", fields[k].name, reports[at].text);
+      list.back().update(reports[at].members);
+      reports[at].members = nlohmann::ordered_json::object();
+    }
+  }
+  reports.push_back({"", "", {{"cuts", list}}});
 }
 
 }  // namespace
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output) {
   const Console console(output);
-  const LevelChoice choice(options.levels);
-  const ViewChoice view = parseView(options.view);
-  const std::optional<std::size_t> up = parseUp(options.up);
+  const Cutting cutting = {LevelChoice(options.levels), ColourChoice(options.picture.colours),
+                           parsedTolerance(options.simplify)};
+  const ViewChoice view = parseView(options.picture.view);
+  const std::optional<std::size_t> up = parseUp(options.picture.up);
+  std::optional<SheetChoice> sheet;
+  if (isToScale(options.sheet)) sheet.emplace(options.sheet, options.picture.caption.unit);
   std::vector<Target> targets = openTargets(options, output);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "cut");
-  const std::vector<double> levels = levelsOf(choice, solved, console);
-  const CurveSet curves =
-      solved.steps.run("cut", [&] { return CurveSet(*solved.system, solved.field(), levels); });
+  std::vector<FieldCurves> fields;
+  std::vector<ReportItem> reports;
+  std::vector<std::size_t> counts;  // of reports, after each field
+  for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
+    fields.push_back(cutField(solved, k, cutting, console, reports));
+    counts.push_back(reports.size());
+  }
+  if (fields.size() > 1) joinReports(reports, fields, counts);
+  Caption caption = options.picture.caption;
+  if (caption.title.empty()) caption.title = toUtf8(toPath(solved.meshName).filename());
   std::vector<std::string> results;
   solved.steps.run("write", [&] {
     const Mesh shown = usedPart(solved.mesh).mesh;
     const std::size_t axis = upAxis(up, solved.meshName, shown);
     const Projection projection = projectionFor(view, shown, axis);
     for (Target& target : targets)
-      write(target, solved, shown, curves, projection, axis, options.unit);
+      write(target, solved.meshName, fields, {shown, projection, axis, caption, sheet});
     std::vector<OutputFile*> files;
     for (const Target& target : targets) files.push_back(target.file.get());
     commitTogether(files);
   });
   for (const Target& target : targets)
     results.push_back(target.name == "-" ? "standard output" : target.name);
-  reportField(solved, results, output, console, {report(curves)});
+  reportField(solved, results, output, console, reports);
 }
 
 }  // namespace qelm::tool

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "commands/picture_options.h"
 #include "curves/levels.h"
+#include "curves/sheet.h"
 #include "fields/solve_job.h"
 
 namespace qelm::tool {
@@ -14,10 +16,10 @@ struct CurvesOptions {
   FieldOptions field;
   LevelOptions levels;
   std::vector<std::string> outputs;  ///< the extension is the format; "-" is CSV
+  std::string simplify;              ///< a distance; empty: every point stays
   std::string format;                ///< instead of the extensions'; empty: none
-  std::string view = "best";         ///< for pictures
-  std::string up = "auto";           ///< for pictures
-  std::string unit;                  ///< of the values, for pictures; empty: none
+  PictureOptions picture;
+  SheetOptions sheet;  ///< for pictures
 };
 
 void runCurves(const CurvesOptions& options, const OutputOptions& output);

@@ -11,10 +11,12 @@
 #include <vector>
 
 #include "colours/colour_ply.h"
+#include "colours/colour_scale.h"
 #include "colours/heat_gltf.h"
 #include "colours/heat_obj.h"
 #include "colours/ramp_image.h"
 #include "curves/upright.h"
+#include "fields/field_range.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
@@ -38,6 +40,13 @@ std::string withExtension(fs::path base, const char* extension) {
   return toUtf8(base += extension);
 }
 
+/// Beside the OBJ file. Heat maps in one folder share a published ramp's image.
+std::string rampNameFor(const fs::path& base, const Ramp& ramp) {
+  const std::string name =
+      ramp.name().empty() ? toUtf8(base.filename()) + "-ramp.PNG" : ramp.name() + ".PNG";
+  return toUtf8(fs::path(base).replace_filename(toPath(name)));
+}
+
 /// Three files that appear together.
 void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   const Console console(output);
@@ -45,20 +54,22 @@ void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   // What cannot be written is better known before a long solve.
   const std::string objName = withExtension(base, ".obj");
   const std::string mtlName = withExtension(base, ".mtl");
-  const std::string rampName = toUtf8(fs::path(base).replace_filename(kRampFileName));
+  const ColourChoice colours(options.picture.colours);
+  const std::string rampName = rampNameFor(base, colours.ramp());
   OutputFile obj(objName, output.inputs);
   OutputFile mtl(mtlName, output.inputs);
   OutputFile ramp(rampName, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "colour");
+  const ColourScale scale = colours.scaleFor(rangeOf(solved.fields), console);
   solved.steps.run("write", [&] {
     // A reader looks for the material from where the OBJ file lies.
     const UsedPart part = usedPart(solved.mesh);
     writeHeatObj(part.mesh, part.of(solved.field()),
-                 part.of(std::span<const int>(solved.prescribed.tags)),
-                 withExtension(base.filename(), ".mtl"), obj);
-    writeHeatMtl(mtl);
-    ramp.write(rampImage());
+                 part.of(std::span<const int>(solved.prescribed.tags)), scale,
+                 options.picture.caption, withExtension(base.filename(), ".mtl"), obj);
+    writeHeatMtl(toUtf8(toPath(rampName).filename()), mtl);
+    ramp.write(rampImage(scale.ramp));
     // The OBJ file comes last: where it is, what it refers to is there as well.
     commitTogether({&ramp, &mtl, &obj});
   });
@@ -67,11 +78,12 @@ void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   reportField(solved, {objName, mtlName, rampName}, output, console);
 }
 
-void writeOneFile(const SolvedField& solved, const std::string& format, OutputFile& file) {
-  if (format == ".ply") return writeColourPly(solved.mesh, solved.field(), file);
+void writeOneFile(const SolvedField& solved, const std::string& format, const ColourScale& scale,
+                  const Caption& caption, OutputFile& file) {
+  if (format == ".ply") return writeColourPly(solved.mesh, solved.field(), scale, caption, file);
   if (format == ".glb" || format == ".gltf") {
     const UsedPart part = usedPart(solved.mesh);
-    return writeHeatGltf(part.mesh, part.of(solved.field()),
+    return writeHeatGltf(part.mesh, part.of(solved.field()), scale,
                          upAxis(std::nullopt, solved.meshName, part.mesh), format == ".glb", file);
   }
   const std::array<VtkColumn, 1> columns = {{{"value", solved.field()}}};
@@ -82,11 +94,13 @@ void writeOneFile(const SolvedField& solved, const std::string& format, OutputFi
 void runOneFile(const HeatmapOptions& options, const OutputOptions& output,
                 const std::string& format) {
   const Console console(output);
+  const ColourChoice colours(options.picture.colours);
   OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "colour");
+  const ColourScale scale = colours.scaleFor(rangeOf(solved.fields), console);
   solved.steps.run("write", [&] {
-    writeOneFile(solved, format, file);
+    writeOneFile(solved, format, scale, options.picture.caption, file);
     file.commit();
   });
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output,

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "commands/picture_options.h"
 #include "fields/solve_job.h"
 
 namespace qelm::tool {
@@ -13,6 +14,7 @@ struct HeatmapOptions {
   std::string output;  ///< the files' path without extension; a final ".obj" is ignored. One that
                        ///< ends in ".ply" and so on is a single file's
   std::string format;  ///< of a single file, such as "ply", whatever it is called
+  PictureOptions picture;
 };
 
 void runHeatmap(const HeatmapOptions& options, const OutputOptions& output);

@@ -5,9 +5,11 @@
 #include <cmath>
 #include <optional>
 
+#include "commands/gradient_command.h"
 #include "conditions/npy_array.h"
 #include "fields/field_csv.h"
 #include "fields/field_range.h"
+#include "fields/gradient_files.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/mesh_checks.h"
@@ -67,18 +69,24 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
+  std::vector<ReportItem> more;
+  FieldColumns columns = {fieldTitles(solved.fieldCount()), solved.fields};
+  if (options.gradient) {
+    const std::vector<Gradient> gradients = gradientsOf(solved, console);
+    columns = withGradients(solved.fields, gradients);
+    more.push_back(gradientReport(solved, gradients));
+  }
   std::vector<std::string> results;
   if (file) {
     solved.steps.run("write", [&] {
       if (lowerExtension(toPath(options.output)) == ".npy")
-        writeNpy(solved.fields, static_cast<std::size_t>(solved.mesh.vertexCount()), *file);
+        writeNpy(columns.values, static_cast<std::size_t>(solved.mesh.vertexCount()), *file);
       else
-        writeFieldCsv(solved.mesh, solved.fields, *file);
+        writeFieldCsv(solved.mesh, columns.titles, columns.values, *file);
       file->commit();
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);
   }
-  std::vector<ReportItem> more;
   if (options.comparePlain)
     more.push_back(solved.steps.run("compare", [&] { return comparePlain(solved); }));
   reportField(solved, results, output, console, more);

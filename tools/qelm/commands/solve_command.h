@@ -12,6 +12,7 @@ struct SolveOptions {
   FieldOptions field;
   std::string output;         ///< empty: nothing is written
   bool comparePlain = false;  ///< to the robust field
+  bool gradient = false;      ///< write it beside the field
 };
 
 void runSolve(const SolveOptions& options, const OutputOptions& output);

@@ -30,35 +30,58 @@ struct FirstView {
   std::optional<std::size_t> up;
 };
 
-std::string nameOf(const SolvedField& solved) { return toUtf8(toPath(solved.meshName).filename()); }
+std::string titleOf(const SolvedField& solved, const ViewOptions& options) {
+  const std::string& title = options.picture.caption.title;
+  return title.empty() ? toUtf8(toPath(solved.meshName).filename()) : title;
+}
 
 /// A value that differs from vertex to vertex belongs to the text: the page could not show it as
 /// a number, nor change it.
 Json conditionFacts(const Condition& condition, int vertices) {
-  if (!condition.values[0].isNumber())
+  const bool areNumbers = std::all_of(condition.values.begin(), condition.values.end(),
+                                      [](const Value& value) { return value.isNumber(); });
+  if (!areNumbers)
     return {{"text", condition.text + "=" + describeValues(condition)}, {"vertices", vertices}};
-  return {{"text", condition.text}, {"value", condition.values[0].number}, {"vertices", vertices}};
+  Json facts = {
+      {"text", condition.text}, {"value", condition.values[0].number}, {"vertices", vertices}};
+  // One for each field.
+  if (condition.values.size() > 1)
+    for (const Value& value : condition.values) facts["values"].push_back(value.number);
+  return facts;
+}
+
+/// By name and levels, of several fields; nothing of a single one.
+Json fieldFacts(const SolvedField& solved, const std::vector<std::vector<double>>& levels) {
+  Json list = Json::array();
+  if (levels.size() > 1)
+    for (std::size_t k = 0; k < levels.size(); ++k)
+      list.push_back({{"name", solved.fieldName(k)}, {"levels", levels[k]}});
+  return list;
 }
 
 /// What the page writes into its corner, and what it begins with.
 Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& options,
-               const FirstView& view, const std::vector<double>& levels) {
+               const FirstView& view, const ColourChoice& colours,
+               const std::vector<std::vector<double>>& levels) {
   Json conditions = Json::array();
   if (solved.fromFile > 0)
     conditions.push_back({{"text", toUtf8(toPath(options.field.fixFile).filename())},
                           {"vertices", solved.fromFile}});
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     conditions.push_back(conditionFacts(solved.conditions[k], solved.prescribed.selected[k]));
-  Json facts = {{"name", nameOf(solved)},
+  Json facts = {{"name", titleOf(solved, options)},
                 {"vertices", solved.mesh.vertexCount()},
                 {"triangles", solved.mesh.triangleCount()},
                 {"load", !options.field.load.empty()},
                 {"conditions", conditions},
-                {"levels", levels},
-                {"unit", options.unit},
+                {"levels", levels[0]},
+                {"fields", fieldFacts(solved, levels)},
+                {"unit", options.picture.caption.unit},
+                {"range", nullptr},
                 {"up", nullptr},
                 {"toward", nullptr},
                 {"noValue", Json::array()}};
+  if (colours.range()) facts["range"] = {colours.range()->low, colours.range()->high};
   const std::vector<bool> used = usedVertices(solved.mesh);
   for (int v = 0; v < solved.mesh.vertexCount(); ++v)
     if (!used[static_cast<std::size_t>(v)])
@@ -83,12 +106,19 @@ std::vector<int> fixedBy(const SolvedField& solved) {
 constexpr int kMostExact = 100'000;
 
 /// Vertices in no triangle have nothing to show.
-std::string pageDataOf(const SolvedField& solved, const UsedPart& part, bool isExact) {
+std::string pageDataOf(const SolvedField& solved, const UsedPart& part, const Ramp& ramp,
+                       bool isExact) {
   const std::vector<double> field = part.of(solved.field());
+  std::vector<double> others;
+  for (std::size_t k = 1; k < solved.fieldCount(); ++k) {
+    const std::vector<double> other = part.of(solved.field(k));
+    others.insert(others.end(), other.begin(), other.end());
+  }
   std::vector<double> load;
   if (!solved.load.empty()) load = part.of(std::span<const double>(solved.load));
   const std::vector<int> places = fixedBy(solved);
-  return pageData({part.mesh, field, load, part.of(std::span<const int>(places)), isExact});
+  return pageData(
+      {part.mesh, field, others, load, part.of(std::span<const int>(places)), ramp, isExact});
 }
 
 /// A page of the caller's own may solve with the positions.
@@ -155,13 +185,23 @@ void writeFilled(std::string_view page,
   file.write(page);
 }
 
+/// The first field's levels are those of the summary.
+ReportItem levelReport(const SolvedField& solved, std::size_t k,
+                       const std::vector<double>& levels) {
+  const std::string name = solved.fieldCount() > 1 ? solved.fieldName(k) + ": " : "";
+  return {"levels",
+          fmt::format("{}{}, {} to {}", name, levels.size(), levels.front(), levels.back()),
+          k == 0 ? Json{{"levels", levels}} : Json::object()};
+}
+
 }  // namespace
 
 void runView(const ViewOptions& options, const OutputOptions& output) {
   const Console console(output);
   const LevelChoice choice(options.levels);
-  const FirstView view = {parseView(options.view), parseUp(options.up)};
-  if (!options.field.field.empty() && !options.page.empty())
+  const FirstView view = {parseView(options.picture.view), parseUp(options.picture.up)};
+  const ColourChoice colours(options.picture.colours);
+  if (!options.field.given.empty() && !options.page.empty())
     throw UsageError("--page fills in a page that solves, for which --field has nothing");
   const std::string page = pageToFill(options);
   if (output.json && options.output == "-")
@@ -170,22 +210,28 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   OutputFile file(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   requireRange(solved, "show");
-  const std::vector<double> levels = levelsOf(choice, solved, console);
+  if (solved.fieldCount() > 1 && !options.page.empty())
+    throw UsageError("--page fills in a page that solves, which it does for one field");
+  std::vector<std::vector<double>> levels;
+  std::vector<ReportItem> reports;
+  for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
+    colours.scaleFor(rangeOf(solved.field(k)),
+                     console);  // for its note: the page colours by itself
+    levels.push_back(levelsOf(choice, solved, k, console));
+    reports.push_back(levelReport(solved, k, levels[k]));
+  }
   solved.steps.run("write", [&] {
     const UsedPart part = usedPart(solved.mesh);
-    writeFilled(page,
-                {{kTitleMark, inHtml(nameOf(solved)) + " \u2013 qelm"},
-                 {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, levels))},
-                 {kMeshMark, base64(pageDataOf(solved, part, isExact(solved, options)))}},
-                file);
+    writeFilled(
+        page,
+        {{kTitleMark, inHtml(titleOf(solved, options)) + " \u2013 qelm"},
+         {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, colours, levels))},
+         {kMeshMark, base64(pageDataOf(solved, part, colours.ramp(), isExact(solved, options)))}},
+        file);
     file.commit();
   });
-  const ReportItem report = {
-      "levels",
-      fmt::format("{}, {} to {}", levels.size(), levels.front(), levels.back()),
-      {{"levels", levels}}};
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
-              {report});
+              reports);
 }
 
 }  // namespace qelm::tool

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "commands/picture_options.h"
 #include "curves/levels.h"
 #include "fields/solve_job.h"
 
@@ -13,9 +14,7 @@ struct ViewOptions {
   FieldOptions field;
   LevelOptions levels;  ///< none given: about ten round ones
   std::string output;
-  std::string view = "best";
-  std::string up = "auto";
-  std::string unit;  ///< of the values; empty: none
+  PictureOptions picture;
   std::string page;  ///< a page to fill in instead of the built-in one; empty: none
 };
 

@@ -32,20 +32,24 @@ struct Box {
   Point high = {-INFINITY, -INFINITY, -INFINITY};
 };
 
-Box boxOf(const CurveSet& curves) {
+Box boxOf(std::span<const FieldCurves> fields) {
   Box box;
-  for (std::size_t c = 0; c < curves.size(); ++c)
-    for (std::size_t k = 0; k < curves[c].size(); ++k)
-      for (std::size_t axis = 0; axis < 3; ++axis) {
-        box.low[axis] = std::min(box.low[axis], curves[c].point(k)[axis]);
-        box.high[axis] = std::max(box.high[axis], curves[c].point(k)[axis]);
-      }
-  if (curves.size() == 0) box = {{0, 0, 0}, {0, 0, 0}};
+  for (const FieldCurves& field : fields)
+    for (std::size_t c = 0; c < field.curves.size(); ++c) {
+      const Curve curve = field.curves[c];
+      for (std::size_t k = 0; k < curve.size(); ++k)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+          box.low[axis] = std::min(box.low[axis], curve.point(k)[axis]);
+          box.high[axis] = std::max(box.high[axis], curve.point(k)[axis]);
+        }
+    }
+  if (box.low[0] > box.high[0]) box = {{0, 0, 0}, {0, 0, 0}};
   return box;
 }
 
-std::string layerOf(double level) {
-  std::string name = fmt::format("LEVEL_{}", level);
+/// `field` is "" of a single one, else such as "FIELD1_".
+std::string layerOf(const std::string& field, double level) {
+  std::string name = fmt::format("{}LEVEL_{}", field, level);
   std::erase(name, '+');
   for (char& c : name) c = c == '.' ? 'P' : c == 'e' ? 'E' : c;
   return name;
@@ -59,28 +63,35 @@ int colourOf(std::size_t level, std::size_t count) {
 
 class DxfWriter {
  public:
-  DxfWriter(const CurveSet& curves, ByteSink& file)
-      : curves_(curves), box_(boxOf(curves)), block_(file) {}
+  DxfWriter(std::span<const FieldCurves> fields, ByteSink& file)
+      : fields_(fields), box_(boxOf(fields)), block_(file) {}
 
   void run() {
     header();
     tables();
     block_.text("0\nSECTION\n2\nENTITIES\n");
     const double height = kTextPart * length(box_.high - box_.low);
-    for (std::size_t c = 0; c < curves_.size(); ++c) {
-      const Curve curve = curves_[c];
-      const double level = curves_.levels()[curve.level];
-      const std::string layer = layerOf(level);
-      polyline(curve, layer);
-      if (height > 0)
-        block_.text("0\nTEXT\n8\n{}\n{}40\n{}\n1\n{}\n", layer,
-                    place(curve.point(curve.size() / 2)), height, level);
+    for (std::size_t f = 0; f < fields_.size(); ++f) {
+      const CurveSet& curves = fields_[f].curves;
+      for (std::size_t c = 0; c < curves.size(); ++c) {
+        const Curve curve = curves[c];
+        const double level = curves.levels()[curve.level];
+        const std::string layer = layerOf(fieldPart(f), level);
+        polyline(curve, layer);
+        if (height > 0)
+          block_.text("0\nTEXT\n8\n{}\n{}40\n{}\n1\n{}\n", layer,
+                      place(curve.point(curve.size() / 2)), height, level);
+      }
     }
     block_.text("0\nENDSEC\n0\nEOF\n");
     block_.flush();
   }
 
  private:
+  std::string fieldPart(std::size_t f) const {
+    return fields_.size() > 1 ? fmt::format("FIELD{}_", f) : "";
+  }
+
   static std::string place(const Point& p, int first = 10) {
     return fmt::format("{}\n{}\n{}\n{}\n{}\n{}\n", first, p[0], first + 10, p[1], first + 20, p[2]);
   }
@@ -93,14 +104,18 @@ class DxfWriter {
   }
 
   void tables() {
-    const std::vector<double>& levels = curves_.levels();
+    std::size_t count = 1;
+    for (const FieldCurves& field : fields_) count += field.curves.levels().size();
     block_.text(
         "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLTYPE\n70\n1\n0\nLTYPE\n2\nCONTINUOUS\n70\n0\n3\n"
         "Solid line\n72\n65\n73\n0\n40\n0\n0\nENDTAB\n");
-    block_.text("0\nTABLE\n2\nLAYER\n70\n{}\n", levels.size() + 1);
+    block_.text("0\nTABLE\n2\nLAYER\n70\n{}\n", count);
     layer("0", 7);
-    for (std::size_t k = 0; k < levels.size(); ++k)
-      layer(layerOf(levels[k]), colourOf(k, levels.size()));
+    for (std::size_t f = 0; f < fields_.size(); ++f) {
+      const std::vector<double>& levels = fields_[f].curves.levels();
+      for (std::size_t k = 0; k < levels.size(); ++k)
+        layer(layerOf(fieldPart(f), levels[k]), colourOf(k, levels.size()));
+    }
     block_.text("0\nENDTAB\n0\nENDSEC\n");
   }
 
@@ -119,13 +134,15 @@ class DxfWriter {
     block_.text("0\nSEQEND\n8\n{}\n", layer);
   }
 
-  const CurveSet& curves_;
+  std::span<const FieldCurves> fields_;
   Box box_;
   TextBlock block_;
 };
 
 }  // namespace
 
-void writeCurvesDxf(const CurveSet& curves, ByteSink& file) { DxfWriter(curves, file).run(); }
+void writeCurvesDxf(std::span<const FieldCurves> fields, ByteSink& file) {
+  DxfWriter(fields, file).run();
+}
 
 }  // namespace qelm::tool

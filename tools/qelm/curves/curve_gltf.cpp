@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "colours/viridis.h"
 #include "mesh_files/gltf_builder.h"
 #include "text/error.h"
 
@@ -49,32 +48,37 @@ struct Level {
 
 }  // namespace
 
-void writeCurvesGltf(const CurveSet& curves, double low, double high, std::size_t up, bool isBinary,
+void writeCurvesGltf(std::span<const FieldCurves> fields, std::size_t up, bool isBinary,
                      ByteSink& file) {
-  if (curves.size() == 0) throw OutputError("there are no curves, and glTF has no empty scenes");
   std::vector<double> all;
-  for (std::size_t c = 0; c < curves.size(); ++c)
-    all.insert(all.end(), curves[c].coordinates.begin(), curves[c].coordinates.end());
+  for (const FieldCurves& field : fields)
+    for (std::size_t c = 0; c < field.curves.size(); ++c)
+      all.insert(all.end(), field.curves[c].coordinates.begin(), field.curves[c].coordinates.end());
+  if (all.empty()) throw OutputError("there are no curves, and glTF has no empty scenes");
   const GltfPlaces places(all, up);
   GltfBuilder builder;
   builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
-  for (std::size_t c = 0; c < curves.size();) {
-    const std::size_t number = curves[c].level;
-    Level level;
-    for (; c < curves.size() && curves[c].level == number; ++c) level.add(curves[c]);
-    const double value = curves.levels()[number];
-    const std::string name = fmt::format("level {}", value);
-    const Json attributes = {{"POSITION", builder.addPositions(places.rounded(level.points))}};
-    const std::size_t indices = builder.addIndices(level.pieces);
-    const std::size_t mesh = builder.document()["meshes"].size();
-    builder.document()["materials"].push_back(
-        material(name, viridis((value - low) / (high - low))));
-    builder.document()["meshes"].push_back({{"name", name},
-                                            {"primitives", Json::array({{{"attributes", attributes},
-                                                                         {"indices", indices},
-                                                                         {"material", mesh},
-                                                                         {"mode", kLines}}})}});
-    builder.show(name, mesh, places.transform(), {{"level", value}});
+  for (const FieldCurves& field : fields) {
+    const CurveSet& curves = field.curves;
+    for (std::size_t c = 0; c < curves.size();) {
+      const std::size_t number = curves[c].level;
+      Level level;
+      for (; c < curves.size() && curves[c].level == number; ++c) level.add(curves[c]);
+      const double value = curves.levels()[number];
+      const std::string name =
+          fmt::format("{}{}level {}", field.name, field.name.empty() ? "" : " ", value);
+      const Json attributes = {{"POSITION", builder.addPositions(places.rounded(level.points))}};
+      const std::size_t indices = builder.addIndices(level.pieces);
+      const std::size_t mesh = builder.document()["meshes"].size();
+      builder.document()["materials"].push_back(material(name, field.colours(value)));
+      builder.document()["meshes"].push_back(
+          {{"name", name},
+           {"primitives", Json::array({{{"attributes", attributes},
+                                        {"indices", indices},
+                                        {"material", mesh},
+                                        {"mode", kLines}}})}});
+      builder.show(name, mesh, places.transform(), {{"level", value}});
+    }
   }
   builder.write(isBinary, file);
 }

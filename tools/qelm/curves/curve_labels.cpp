@@ -68,7 +68,7 @@ class Placer {
  public:
   explicit Placer(double width, double height) : width_(width), height_(height) {}
 
-  bool place(const Stroke& stroke, std::size_t level, const std::string& text) {
+  bool place(const Stroke& stroke, const std::string& text) {
     const double size = static_cast<double>(text.size()) * kDigitWidth;
     const Measured curve(stroke);
     if (curve.length() < kLeastLength * size) return false;
@@ -78,7 +78,7 @@ class Placer {
       if (distance(a, b) < kStraight * size) continue;
       const PicturePoint centre = {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2};
       if (!isFree(centre, size)) continue;
-      labels.push_back({level, text, centre, upright(a, b)});
+      labels.push_back({text, centre, upright(a, b)});
       sizes_.push_back(size);
       return true;
     }
@@ -125,17 +125,18 @@ std::vector<std::string> levelTexts(const std::vector<double>& levels, double sp
 }
 
 std::vector<CurveLabel> placeLabels(const CurvePicture& picture,
-                                    const std::vector<std::string>& texts) {
+                                    const std::vector<std::vector<std::string>>& texts) {
   Placer placer(picture.width, picture.height);
-  for (std::size_t level = 0; level < texts.size(); ++level) {
-    std::vector<const Stroke*> strokes;
-    for (const Stroke& stroke : picture.levels[level].front) strokes.push_back(&stroke);
-    std::stable_sort(strokes.begin(), strokes.end(), [](const Stroke* a, const Stroke* b) {
-      return Measured(*a).length() > Measured(*b).length();
-    });
-    for (const Stroke* stroke : strokes)
-      if (placer.place(*stroke, level, texts[level])) break;
-  }
+  for (std::size_t field = 0; field < texts.size(); ++field)
+    for (std::size_t level = 0; level < texts[field].size(); ++level) {
+      std::vector<const Stroke*> strokes;
+      for (const Stroke& stroke : picture.fields[field][level].front) strokes.push_back(&stroke);
+      std::stable_sort(strokes.begin(), strokes.end(), [](const Stroke* a, const Stroke* b) {
+        return Measured(*a).length() > Measured(*b).length();
+      });
+      for (const Stroke* stroke : strokes)
+        if (placer.place(*stroke, texts[field][level])) break;
+    }
   return std::move(placer.labels);
 }
 

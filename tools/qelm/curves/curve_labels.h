@@ -10,7 +10,6 @@
 namespace qelm::tool {
 
 struct CurveLabel {
-  std::size_t level;
   std::string text;
   PicturePoint centre;
   double degrees;  ///< clockwise, never upside down
@@ -22,10 +21,10 @@ inline constexpr double kLabelSize = 11;  ///< the font's size, in pixels
 /// `span` away; at least three.
 std::vector<std::string> levelTexts(const std::vector<double>& levels, double span);
 
-/// At most one label for each level, on its longest visible curve that is long and
+/// At most one label for each level of each field, on its longest visible curve that is long and
 /// straight enough there; labels keep clear of each other.
 std::vector<CurveLabel> placeLabels(const CurvePicture& picture,
-                                    const std::vector<std::string>& texts);
+                                    const std::vector<std::vector<std::string>>& texts);
 
 }  // namespace qelm::tool
 

@@ -17,7 +17,7 @@ constexpr double kStep = 3;
 /// From space to the picture.
 class Fit {
  public:
-  Fit(const Mesh& mesh, const Projection& projection, double mostWidth, double mostHeight)
+  Fit(const Mesh& mesh, const Projection& projection, const PictureFrame& frame)
       : projection_(projection) {
     Point high = projection(mesh.point(0));
     low_ = high;
@@ -29,8 +29,10 @@ class Fit {
       }
     }
     const Point size = high - low_;
-    scale_ = std::min(size[0] > 0 ? mostWidth / size[0] : mostHeight / size[1],
-                      size[1] > 0 ? mostHeight / size[1] : mostWidth / size[0]);
+    const auto& [mostWidth, mostHeight, scale] = frame;
+    scale_ = scale > 0 ? scale
+                       : std::min(size[0] > 0 ? mostWidth / size[0] : mostHeight / size[1],
+                                  size[1] > 0 ? mostHeight / size[1] : mostWidth / size[0]);
     width_ = size[0] * scale_;
     height_ = size[1] * scale_;
   }
@@ -160,19 +162,27 @@ std::vector<Stroke> drawOutline(const Mesh& mesh, const std::vector<Point>& flat
 
 }  // namespace
 
-CurvePicture drawCurves(const Mesh& mesh, const CurveSet& curves, const Projection& projection,
-                        double mostWidth, double mostHeight) {
-  const Fit fit(mesh, projection, mostWidth, mostHeight);
+PicturePoint extentOf(const Mesh& mesh, const Projection& projection) {
+  const Fit fit(mesh, projection, {1, 1, 1});
+  return {fit.width(), fit.height()};
+}
+
+CurvePicture drawCurves(const Mesh& mesh, std::span<const FieldCurves> fields,
+                        const Projection& projection, const PictureFrame& frame) {
+  const Fit fit(mesh, projection, frame);
   std::vector<Point> flat;
   for (int v = 0; v < mesh.vertexCount(); ++v) flat.push_back(fit(mesh.point(v)));
   const DepthImage depth(flat, mesh, fit.width(), fit.height());
   CurvePicture picture{fit.width(), fit.height(), {}, drawOutline(mesh, flat, depth)};
-  picture.levels.resize(curves.levels().size());
-  for (std::size_t c = 0; c < curves.size(); ++c) {
-    const Curve curve = curves[c];
-    std::vector<Point> points;
-    for (std::size_t k = 0; k < curve.size(); ++k) points.push_back(fit(curve.point(k)));
-    Cutter(depth, picture.levels[curve.level]).add(points, curve.closed);
+  for (const FieldCurves& field : fields) {
+    std::vector<LevelStrokes> levels(field.curves.levels().size());
+    for (std::size_t c = 0; c < field.curves.size(); ++c) {
+      const Curve curve = field.curves[c];
+      std::vector<Point> points;
+      for (std::size_t k = 0; k < curve.size(); ++k) points.push_back(fit(curve.point(k)));
+      Cutter(depth, levels[curve.level]).add(points, curve.closed);
+    }
+    picture.fields.push_back(std::move(levels));
   }
   return picture;
 }

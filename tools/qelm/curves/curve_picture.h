@@ -4,10 +4,11 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "curves/curve_set.h"
+#include "curves/field_curves.h"
 #include "curves/projection.h"
 #include "mesh/mesh.h"
 
@@ -27,14 +28,22 @@ struct LevelStrokes {
 
 struct CurvePicture {
   double width, height;
-  std::vector<LevelStrokes> levels;  ///< one for each of the curves' levels
+  std::vector<std::vector<LevelStrokes>> fields;  ///< of each field one for each of its levels
   /// Where the mesh ends, and where it turns away from the viewer, in front only.
   std::vector<Stroke> outline;
 };
 
-/// Fits the mesh into a box of at most these sides, in pixels.
-CurvePicture drawCurves(const Mesh& mesh, const CurveSet& curves, const Projection& projection,
-                        double mostWidth, double mostHeight);
+/// In pixels.
+struct PictureFrame {
+  double mostWidth, mostHeight;
+  double scale = 0;  ///< pixels for a unit of the mesh; 0: as large as fits
+};
+
+/// Width and height of a mesh as it is seen, in its own units.
+PicturePoint extentOf(const Mesh& mesh, const Projection& projection);
+
+CurvePicture drawCurves(const Mesh& mesh, std::span<const FieldCurves> fields,
+                        const Projection& projection, const PictureFrame& frame);
 
 }  // namespace qelm::tool
 

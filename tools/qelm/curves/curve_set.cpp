@@ -2,9 +2,19 @@
 
 #include <fmt/format.h>
 
+#include <memory>
+
+#include "qelm.h"
 #include "text/error.h"
 
 namespace qelm::tool {
+namespace {
+
+struct Free {
+  void operator()(QelmCurves* curves) const { qelmfreecurves(curves); }
+};
+
+}  // namespace
 
 CurveSet::CurveSet(const FieldSystem& system, std::span<const double> field,
                    std::vector<double> levels)
@@ -14,17 +24,26 @@ CurveSet::CurveSet(const FieldSystem& system, std::span<const double> field,
   const std::vector<double> own = system.used(field);
   qelmcurvesTagged(system.handle(), own.data(), static_cast<int>(levels_.size()), levels_.data(),
                    &curves, &status);
-  curves_.reset(curves);
+  const std::unique_ptr<QelmCurves, Free> owner(curves);
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to cut curves with status {}", status));
+  for (int c = 0; c < curves->curveCount; ++c) {
+    const auto first = static_cast<std::size_t>(curves->starts[c]);
+    const auto last = static_cast<std::size_t>(curves->starts[c + 1]);
+    add({curves->points + 3 * first, 3 * (last - first)},
+        static_cast<std::size_t>(curves->levels[c]), curves->closed[c] != 0);
+  }
+}
+
+void CurveSet::add(std::span<const double> coordinates, std::size_t level, bool closed) {
+  curves_.push_back({coordinates_.size(), level, closed});
+  coordinates_.insert(coordinates_.end(), coordinates.begin(), coordinates.end());
 }
 
 Curve CurveSet::operator[](std::size_t k) const {
-  const auto first = static_cast<std::size_t>(curves_->starts[k]);
-  const auto last = static_cast<std::size_t>(curves_->starts[k + 1]);
-  return {{curves_->points + 3 * first, 3 * (last - first)},
-          static_cast<std::size_t>(curves_->levels[k]),
-          curves_->closed[k] != 0};
+  const Place& place = curves_[k];
+  const std::size_t end = k + 1 < size() ? curves_[k + 1].begin : coordinates_.size();
+  return {{coordinates_.data() + place.begin, end - place.begin}, place.level, place.closed};
 }
 
 }  // namespace qelm::tool

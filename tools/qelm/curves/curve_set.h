@@ -1,15 +1,14 @@
-// The library's level curves, owned.
+// Level curves with their levels.
 #ifndef QELM_TOOLS_CURVE_SET_H
 #define QELM_TOOLS_CURVE_SET_H
 
 #include <cstddef>
-#include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "fields/field_system.h"
 #include "mesh/mesh.h"
-#include "qelm.h"
 
 namespace qelm::tool {
 
@@ -26,22 +25,30 @@ struct Curve {
 
 class CurveSet {
  public:
+  /// Without curves.
+  explicit CurveSet(std::vector<double> levels) : levels_(std::move(levels)) {}
   /// Cuts the mesh at the levels; `field` is in the mesh's order.
   CurveSet(const FieldSystem& system, std::span<const double> field, std::vector<double> levels);
 
   const std::vector<double>& levels() const { return levels_; }
-  std::size_t size() const { return static_cast<std::size_t>(curves_->curveCount); }
-  std::size_t pointCount() const { return static_cast<std::size_t>(curves_->pointCount); }
+  std::size_t size() const { return curves_.size(); }
+  std::size_t pointCount() const { return coordinates_.size() / 3; }
 
   /// Curves come by level, in the order of levels().
   Curve operator[](std::size_t k) const;
 
+  /// Adds a curve at the end, of the last one's level or a later one.
+  void add(std::span<const double> coordinates, std::size_t level, bool closed);
+
  private:
-  struct Free {
-    void operator()(QelmCurves* curves) const { qelmfreecurves(curves); }
+  struct Place {
+    std::size_t begin;  ///< of its coordinates; they end where the next one's begin
+    std::size_t level;
+    bool closed;
   };
   std::vector<double> levels_;
-  std::unique_ptr<QelmCurves, Free> curves_;
+  std::vector<double> coordinates_;
+  std::vector<Place> curves_;
 };
 
 }  // namespace qelm::tool

@@ -4,115 +4,133 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
+#include <string>
 #include <vector>
 
-#include "colours/viridis.h"
 #include "curves/curve_labels.h"
 #include "curves/curve_picture.h"
-#include "text/text.h"
+#include "curves/svg_scales.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
 namespace {
 
-// The page, in pixels: a heading, the curves, and a scale at the right.
+// The page, in pixels: a heading, the curves, and a scale of colours for each field at the right;
+// on a sheet a bar of lengths below them.
 constexpr double kMargin = 40;
 constexpr double kHeading = 58;
 constexpr double kScaleColumn = 100;
+constexpr double kFooter = 30;
 constexpr double kMostWidth = 1000;
 constexpr double kMostHeight = 760;
 constexpr double kLeastHeight = 220;
-
-// The scale's bar, and how far its labels keep apart.
-constexpr double kBarWidth = 16;
 constexpr double kMostBar = 360;
-constexpr double kLabelPitch = 17;
-constexpr int kBarStops = 16;
+constexpr double kFieldName = 56;  // above a bar, where there are several
+
+constexpr double kPixelsToMillimetre = 96 / 25.4;  // as CSS has it
 
 // More levels than this are drawn with finer lines.
 constexpr std::size_t kManyLevels = 24;
 
-std::string hex(const Colour& colour) {
-  return fmt::format("#{:02x}{:02x}{:02x}", colour[0], colour[1], colour[2]);
+// The lines of the first field, the second and so on.
+constexpr std::array<const char*, 4> kDashes = {
+    "", " stroke-dasharray=\"8 5\"", " stroke-dasharray=\"2 5\"", " stroke-dasharray=\"12 4 2 4\""};
+
+double columnsOf(const CurveDrawing& drawing) {
+  return kScaleColumn * static_cast<double>(drawing.fields.size());
 }
 
-std::string escaped(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    if (c == '&')
-      result += "&amp;";
-    else if (c == '<')
-      result += "&lt;";
-    else if (c == '>')
-      result += "&gt;";
-    else if (static_cast<unsigned char>(c) < 0x20)
-      result += ' ';  // no other character is forbidden in XML
-    else
-      result += c;
-  }
-  return result;
+std::optional<Sheet> sheetOf(const CurveDrawing& drawing) {
+  if (!drawing.sheet) return {};
+  const auto [width, height] = extentOf(drawing.mesh, drawing.projection);
+  return drawing.sheet->sheetFor({width, height,
+                                  (2 * kMargin + columnsOf(drawing)) / kPixelsToMillimetre,
+                                  (kHeading + 1.5 * kMargin + kFooter) / kPixelsToMillimetre});
+}
+
+PictureFrame frameOf(const std::optional<Sheet>& sheet) {
+  return {kMostWidth, kMostHeight, sheet ? sheet->millimetres * kPixelsToMillimetre : 0};
 }
 
 class SvgWriter {
  public:
-  SvgWriter(const CurveDrawing& drawing, const CurvePicture& picture, OutputFile& file)
-      : drawing_(drawing),
-        picture_(picture),
-        levels_(drawing.curves.levels()),
-        texts_(levelTexts(levels_, drawing.high - drawing.low)),
-        isFine_(levels_.size() > kManyLevels),
-        block_(file) {}
+  SvgWriter(const CurveDrawing& drawing, const std::optional<Sheet>& sheet,
+            const CurvePicture& picture, ByteSink& file)
+      : drawing_(drawing), sheet_(sheet), picture_(picture), block_(file) {
+    for (const FieldCurves& field : drawing.fields) {
+      levelCount_ += field.curves.levels().size();
+      texts_.push_back(levelTexts(field.curves.levels(), field.colours.high - field.colours.low));
+    }
+  }
 
   void run() {
     open();
     heading();
-    block_.text("<g transform=\"translate({:.2f} {:.2f})\">\n", kMargin, top());
+    block_.text("<g transform=\"translate({:.2f} {:.2f})\">\n",
+                kMargin + (plotWidth() - picture_.width) / 2,
+                kHeading + kMargin / 2 + (plotHeight() - picture_.height) / 2);
     outline();
     curves();
     labels();
     block_.text("</g>\n");
-    scale();
+    for (std::size_t k = 0; k < drawing_.fields.size(); ++k) scale(k);
+    if (sheet_)
+      writeLengthBar(*sheet_, kPixelsToMillimetre, kMargin, pageHeight() - kMargin * 0.75, block_);
     block_.text("</svg>\n");
     block_.flush();
   }
 
  private:
-  double plotHeight() const { return std::max(picture_.height, kLeastHeight); }
-  double top() const { return kHeading + kMargin / 2 + (plotHeight() - picture_.height) / 2; }
-  double pageWidth() const { return picture_.width + 2 * kMargin + kScaleColumn; }
-  double pageHeight() const { return plotHeight() + kHeading + 1.5 * kMargin; }
-
-  double part(double level) const {
-    return std::clamp((level - drawing_.low) / (drawing_.high - drawing_.low), 0.0, 1.0);
+  bool hasSeveral() const { return drawing_.fields.size() > 1; }
+  double beside() const { return 2 * kMargin + columnsOf(drawing_); }
+  double around() const { return kHeading + 1.5 * kMargin + (sheet_ ? kFooter : 0); }
+  double plotWidth() const {
+    return sheet_ ? sheet_->width * kPixelsToMillimetre - beside() : picture_.width;
   }
-  std::string unit() const {
-    return drawing_.unit.empty() ? "" : fmt::format(" {}", escaped(drawing_.unit));
+  double plotHeight() const {
+    return sheet_ ? sheet_->height * kPixelsToMillimetre - around()
+                  : std::max(picture_.height, kLeastHeight);
   }
-  std::string colourOf(double level) const { return hex(viridis(part(level))); }
+  double pageWidth() const { return plotWidth() + beside(); }
+  double pageHeight() const { return plotHeight() + around(); }
 
+  /// Of a sheet to a hundredth of a pixel: lengths are to be measured.
   void open() {
+    const std::string size =
+        sheet_ ? fmt::format("width=\"{0}mm\" height=\"{1}mm\" viewBox=\"0 0 {2:.4f} {3:.4f}\"",
+                             sheet_->width, sheet_->height, pageWidth(), pageHeight())
+               : fmt::format("width=\"{0:.0f}\" height=\"{1:.0f}\" viewBox=\"0 0 {0:.0f} {1:.0f}\"",
+                             pageWidth(), pageHeight());
     block_.text(
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0:.0f}\" height=\"{1:.0f}\" "
-        "viewBox=\"0 0 {0:.0f} {1:.0f}\" font-family=\"Helvetica, Arial, 'Liberation Sans', "
-        "sans-serif\" fill=\"#222\">\n<title>{2}</title>\n"
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" {} font-family=\"Helvetica, Arial, 'Liberation "
+        "Sans', sans-serif\" fill=\"#222\">\n<title>{}</title>\n"
         "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n",
-        pageWidth(), pageHeight(), escaped(drawing_.title));
+        size, escaped(drawing_.caption.title));
   }
 
   void heading() {
-    std::string what = fmt::format("{} level curve{}", drawing_.curves.size(),
-                                   drawing_.curves.size() == 1 ? "" : "s");
-    if (levels_.size() > 1)
-      what += fmt::format(" at {} levels, {} to {}{}", levels_.size(), texts_.front(),
-                          texts_.back(), unit());
-    else if (!levels_.empty())
-      what += " at " + texts_.front() + unit();
     block_.text(
         "<text x=\"{0:.0f}\" y=\"36\" font-size=\"18\" font-weight=\"bold\">{1}</text>\n"
-        "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}</text>\n",
-        kMargin, escaped(drawing_.title), what, drawing_.projection.description);
+        "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}{4}</text>\n",
+        kMargin, escaped(drawing_.caption.title), contents(), drawing_.projection.description,
+        sheet_ ? fmt::format(", scale {}", sheet_->scale) : "");
+  }
+
+  /// "12 level curves at 9 levels, 0.1 to 0.9 kN".
+  std::string contents() const {
+    std::size_t count = 0;
+    for (const FieldCurves& field : drawing_.fields) count += field.curves.size();
+    std::string text = fmt::format("{} level curve{}", count, count == 1 ? "" : "s");
+    const std::string unit = escaped(drawing_.caption.unitAfter());
+    if (hasSeveral())
+      text += fmt::format(" of {} fields", drawing_.fields.size());
+    else if (levelCount_ > 1)
+      text += fmt::format(" at {} levels, {} to {}{}", levelCount_, texts_[0].front(),
+                          texts_[0].back(), unit);
+    else if (levelCount_ == 1)
+      text += " at " + texts_[0].front() + unit;
+    return text;
   }
 
   void outline() {
@@ -123,22 +141,41 @@ class SvgWriter {
     block_.text("</g>\n");
   }
 
-  // Every line lies on a wider dark one: yellow would be lost on white.
   void curves() {
-    const double width = isFine_ ? 1.1 : 2;
     block_.text(
         "<g id=\"curves\" fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n");
-    for (std::size_t k = 0; k < levels_.size(); ++k) {
-      const LevelStrokes& strokes = picture_.levels[k];
+    for (std::size_t k = 0; k < drawing_.fields.size(); ++k) {
+      if (hasSeveral())
+        block_.text("<g data-field=\"{}\"{}>\n", quoted(drawing_.fields[k].name), dashes(k));
+      field(drawing_.fields[k], picture_.fields[k]);
+      if (hasSeveral()) block_.text("</g>\n");
+    }
+    block_.text("</g>\n");
+  }
+
+  static const char* dashes(std::size_t field) { return kDashes[field % kDashes.size()]; }
+
+  static std::string quoted(const std::string& name) {
+    std::string text = escaped(name);
+    for (std::size_t at = text.find('"'); at != text.npos; at = text.find('"', at))
+      text.replace(at, 1, "&quot;");
+    return text;
+  }
+
+  // Every line lies on a wider dark one: yellow would be lost on white.
+  void field(const FieldCurves& field, const std::vector<LevelStrokes>& drawn) {
+    const double width = levelCount_ > kManyLevels ? 1.1 : 2;
+    const std::vector<double>& levels = field.curves.levels();
+    for (std::size_t k = 0; k < levels.size(); ++k) {
+      const LevelStrokes& strokes = drawn[k];
       if (strokes.front.empty() && strokes.behind.empty()) continue;
-      const std::string colour = colourOf(levels_[k]);
-      block_.text("<g data-level=\"{}\">\n", levels_[k]);
+      const std::string colour = hex(field.colours(levels[k]));
+      block_.text("<g data-level=\"{}\">\n", levels[k]);
       group(strokes.behind, colour, width * 0.6, " stroke-opacity=\"0.3\"");
       group(strokes.front, "#333", width + 1, " stroke-opacity=\"0.75\"");
       group(strokes.front, colour, width, "");
       block_.text("</g>\n");
     }
-    block_.text("</g>\n");
   }
 
   void group(const std::vector<Stroke>& strokes, const std::string& colour, double width,
@@ -183,76 +220,30 @@ class SvgWriter {
     block_.text("</g>\n");
   }
 
-  void scale() {
-    const double height = std::min(kMostBar, plotHeight());
-    const double left = kMargin * 1.75 + picture_.width;
-    const double above = kHeading + kMargin / 2 + (plotHeight() - height) / 2;
-    block_.text(
-        "<g id=\"scale\" font-size=\"12\" transform=\"translate({:.2f} {:.2f})\">\n"
-        "<defs><linearGradient id=\"ramp\" x1=\"0\" y1=\"1\" x2=\"0\" y2=\"0\">\n",
-        left, above);
-    for (int k = 0; k <= kBarStops; ++k) {
-      const double t = static_cast<double>(k) / kBarStops;
-      block_.text("<stop offset=\"{}\" stop-color=\"{}\"/>\n", t, hex(viridis(t)));
-    }
-    block_.text(
-        "</linearGradient></defs>\n<rect width=\"{}\" height=\"{:.2f}\" fill=\"url(#ramp)\"/>\n",
-        kBarWidth, height);
-    ends(height);
-    ticks(height);
-    block_.text("</g>\n");
-  }
-
-  void ends(double height) {
-    // Half a thousandth of the bar is less than a pixel.
-    const double step = (drawing_.high - drawing_.low) / 1000;
-    block_.text(
-        "<g fill=\"#595959\"><text y=\"-8\">max {}{}</text>\n"
-        "<text y=\"{:.2f}\">min {}{}</text></g>\n",
-        digits(drawing_.high, step), unit(), height + 18, digits(drawing_.low, step), unit());
-  }
-
-  void ticks(double height) {
-    const std::size_t every = labelEvery(height);
-    for (std::size_t k = 0; k < levels_.size(); ++k) {
-      if (levels_[k] < drawing_.low || levels_[k] > drawing_.high) continue;
-      const double y = height * (1 - part(levels_[k]));
-      // On the bar in whichever of black and white stands out.
-      block_.text(
-          "<path d=\"M0 {0:.2f}H{1}\" stroke=\"{2}\"/><path d=\"M{1} {0:.2f}h5\" "
-          "stroke=\"#595959\"/>\n",
-          y, kBarWidth, part(levels_[k]) < 0.6 ? "#fff" : "#222");
-      if (k % every == 0)
-        block_.text("<text x=\"{}\" y=\"{:.2f}\" dy=\"0.36em\">{}</text>\n", kBarWidth + 9, y,
-                    texts_[k]);
-    }
-  }
-
-  /// Labels every so many levels, so that those at the closest levels keep apart.
-  std::size_t labelEvery(double height) const {
-    for (std::size_t every = 1; every < levels_.size(); ++every) {
-      bool isFree = true;
-      for (std::size_t k = every; k < levels_.size() && isFree; k += every)
-        isFree = height * (part(levels_[k]) - part(levels_[k - every])) >= kLabelPitch;
-      if (isFree) return every;
-    }
-    return std::max<std::size_t>(levels_.size(), 1);
+  void scale(std::size_t k) {
+    const double name = hasSeveral() ? kFieldName : 0;
+    const double height = std::min(kMostBar, plotHeight() - name);
+    const double left = kMargin * 1.75 + plotWidth() + kScaleColumn * static_cast<double>(k);
+    const double top = kHeading + kMargin / 2 + name + (plotHeight() - name - height) / 2;
+    writeColourScale(drawing_.fields[k], texts_[k], drawing_.caption, k, dashes(k),
+                     {left, top, height}, block_);
   }
 
   const CurveDrawing& drawing_;
+  const std::optional<Sheet>& sheet_;
   const CurvePicture& picture_;
-  const std::vector<double>& levels_;
-  const std::vector<std::string> texts_;
-  bool isFine_;
+  std::vector<std::vector<std::string>> texts_;  ///< of each field's levels
+  std::size_t levelCount_ = 0;
   TextBlock block_;
 };
 
 }  // namespace
 
-void writeCurvesSvg(const CurveDrawing& drawing, OutputFile& file) {
+void writeCurvesSvg(const CurveDrawing& drawing, ByteSink& file) {
+  const std::optional<Sheet> sheet = sheetOf(drawing);
   const CurvePicture picture =
-      drawCurves(drawing.mesh, drawing.curves, drawing.projection, kMostWidth, kMostHeight);
-  SvgWriter(drawing, picture, file).run();
+      drawCurves(drawing.mesh, drawing.fields, drawing.projection, frameOf(sheet));
+  SvgWriter(drawing, sheet, picture, file).run();
 }
 
 }  // namespace qelm::tool

@@ -2,28 +2,33 @@
 #ifndef QELM_TOOLS_CURVE_SVG_H
 #define QELM_TOOLS_CURVE_SVG_H
 
-#include <string>
+#include <optional>
+#include <span>
 
-#include "curves/curve_set.h"
+#include "colours/caption.h"
+#include "curves/field_curves.h"
 #include "curves/projection.h"
-#include "files/output_file.h"
+#include "curves/sheet.h"
 #include "mesh/mesh.h"
+#include "text/byte_sink.h"
 
 namespace qelm::tool {
 
 struct CurveDrawing {
   const Mesh& mesh;
-  const CurveSet& curves;
+  std::span<const FieldCurves> fields;
   const Projection& projection;
-  std::string title;
-  double low, high;  ///< the field's range, which the colours span
-  std::string unit;  ///< of the values; empty: none
+  const Caption& caption;
+  const std::optional<SheetChoice>& sheet;  ///< none: as large as a screen shows well
 };
 
-/// An SVG with the curves in viridis' colours on white, what the mesh hides
+/// An SVG with the curves in their colours on white, what the mesh hides
 /// faintly, the mesh's outline in grey, values on the curves and a scale. Every
-/// level is a group with its value as data-level, for those who edit it further.
-void writeCurvesSvg(const CurveDrawing& drawing, OutputFile& file);
+/// level is a group with its value as data-level, for those who edit it further; of several fields
+/// each is a group with its name as data-field and its lines are dashed in their own way. On a
+/// sheet sizes are in millimetres, and a bar shows a length. Throws RequestError where the drawing
+/// does not fit on its paper.
+void writeCurvesSvg(const CurveDrawing& drawing, ByteSink& file);
 
 }  // namespace qelm::tool
 

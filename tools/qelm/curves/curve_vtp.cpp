@@ -8,23 +8,28 @@
 
 namespace qelm::tool {
 
-void writeCurvesVtp(const CurveSet& curves, ByteSink& file) {
+void writeCurvesVtp(std::span<const FieldCurves> fields, ByteSink& file) {
   std::vector<double> points;
   std::vector<int> corners;
   std::vector<int> ends;
   std::vector<double> levels;
-  points.reserve(3 * curves.pointCount());
-  for (std::size_t c = 0; c < curves.size(); ++c) {
-    const Curve curve = curves[c];
-    const int first = static_cast<int>(points.size() / 3);
-    for (std::size_t k = 0; k < curve.size(); ++k) corners.push_back(first + static_cast<int>(k));
-    if (curve.closed) corners.push_back(first);
-    points.insert(points.end(), curve.coordinates.begin(), curve.coordinates.end());
-    ends.push_back(static_cast<int>(corners.size()));
-    levels.push_back(curves.levels()[curve.level]);
+  std::vector<double> numbers;
+  for (std::size_t f = 0; f < fields.size(); ++f) {
+    const CurveSet& curves = fields[f].curves;
+    for (std::size_t c = 0; c < curves.size(); ++c) {
+      const Curve curve = curves[c];
+      const int first = static_cast<int>(points.size() / 3);
+      for (std::size_t k = 0; k < curve.size(); ++k) corners.push_back(first + static_cast<int>(k));
+      if (curve.closed) corners.push_back(first);
+      points.insert(points.end(), curve.coordinates.begin(), curve.coordinates.end());
+      ends.push_back(static_cast<int>(corners.size()));
+      levels.push_back(curves.levels()[curve.level]);
+      numbers.push_back(static_cast<double>(f));
+    }
   }
-  const std::array<VtkColumn, 1> cellData = {{{"level", levels}}};
-  writeVtkXml({points, corners, ends, {}, cellData}, VtkKind::kLines, file);
+  const std::array<VtkColumn, 2> cellData = {{{"level", levels}, {"field", numbers}}};
+  writeVtkXml({points, corners, ends, {}, std::span(cellData).first(fields.size() > 1 ? 2 : 1)},
+              VtkKind::kLines, file);
 }
 
 }  // namespace qelm::tool

@@ -13,7 +13,12 @@ namespace {
 // in pixels, is for rounding.
 constexpr float kRoom = 0.75F;
 
+// Of the image's sides.
+constexpr double kMostPixels = 2000;
+
 constexpr float kNothing = -std::numeric_limits<float>::infinity();
+
+Point scaled(const Point& p, double scale) { return {p[0] * scale, p[1] * scale, p[2] * scale}; }
 
 double twiceArea(const Point& a, const Point& b, double x, double y) {
   return (b[0] - a[0]) * (y - a[1]) - (b[1] - a[1]) * (x - a[0]);
@@ -23,10 +28,11 @@ double twiceArea(const Point& a, const Point& b, double x, double y) {
 
 DepthImage::DepthImage(std::span<const Point> vertices, const Mesh& mesh, double width,
                        double height)
-    : width_(static_cast<int>(width) + 1),
-      height_(static_cast<int>(height) + 1),
+    : scale_(std::min(1.0, kMostPixels / std::max(width, height))),
+      width_(static_cast<int>(width * scale_) + 1),
+      height_(static_cast<int>(height * scale_) + 1),
       depth_(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_), kNothing) {
-  const auto at = [&](int v) { return vertices[static_cast<std::size_t>(v)]; };
+  const auto at = [&](int v) { return scaled(vertices[static_cast<std::size_t>(v)], scale_); };
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
     draw(at(c[0]), at(c[1]), at(c[2]));
@@ -54,7 +60,8 @@ void DepthImage::draw(const Point& a, const Point& b, const Point& c) {
     }
 }
 
-bool DepthImage::shows(const Point& p) const {
+bool DepthImage::shows(const Point& point) const {
+  const Point p = scaled(point, scale_);
   const int x = static_cast<int>(p[0]);
   const int y = static_cast<int>(p[1]);
   float least = std::numeric_limits<float>::infinity();

@@ -2,6 +2,7 @@
 #ifndef QELM_TOOLS_FIELD_LEVELS_H
 #define QELM_TOOLS_FIELD_LEVELS_H
 
+#include <cstddef>
 #include <vector>
 
 #include "curves/levels.h"
@@ -9,9 +10,9 @@
 
 namespace qelm::tool {
 
-/// What `choice` means for this field, with a line about each place that a curve goes through.
-/// Throws RequestError that names the mesh.
-std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved,
+/// What `choice` means for the field number k, with a line about each place that a curve goes
+/// through. Throws RequestError that names the mesh.
+std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved, std::size_t k,
                              const Console& console);
 
 }  // namespace qelm::tool

@@ -13,8 +13,6 @@
 namespace qelm::tool {
 namespace {
 
-// More curves than anyone can look at, and few enough to be cut in a moment.
-constexpr int kMostLevels = 10000;
 // Of a field that nobody has looked at yet: enough to see its shape, few enough to label.
 constexpr int kLevelsUnlessGiven = 10;
 
@@ -26,11 +24,11 @@ int parsedCount(const std::string& text) {
   return static_cast<int>(*count);
 }
 
-double parsedStep(const std::string& text) {
-  const auto step = parseDouble(trimmed(text));
-  if (!step || !std::isfinite(*step) || *step <= 0)
-    throw UsageError(fmt::format("--every {}: a step larger than 0 is needed", text));
-  return *step;
+double parsedPositive(const char* option, const std::string& text, const char* what) {
+  const auto value = parseDouble(trimmed(text));
+  if (!value || !std::isfinite(*value) || *value <= 0)
+    throw UsageError(fmt::format("{} {}: {} larger than 0 is needed", option, text, what));
+  return *value;
 }
 
 std::vector<double> parsedList(const std::string& text) {
@@ -94,24 +92,27 @@ std::vector<double> multiplesOf(RoundStep step, double low, double high) {
 }  // namespace
 
 LevelChoice::LevelChoice(const LevelOptions& options) {
-  const int given = !options.count.empty() + !options.at.empty() + !options.every.empty();
-  if (given > 1) throw UsageError("give only one of --levels, --at and --every");
+  const int given = !options.count.empty() + !options.at.empty() + !options.every.empty() +
+                    !options.spacing.empty();
+  if (given > 1) throw UsageError("give only one of --levels, --at, --every and --spacing");
   if (options.round && given == 1 && options.count.empty())
-    throw UsageError("--round is for --levels; --at and --every say exactly which levels");
+    throw UsageError("--round is for --levels; the others say exactly which levels");
   round_ = options.round || given == 0;
   count_ = given == 0 ? kLevelsUnlessGiven : 0;
   if (!options.count.empty()) count_ = parsedCount(options.count);
   if (!options.at.empty()) list_ = parsedList(options.at);
-  if (!options.every.empty()) step_ = parsedStep(options.every);
+  if (!options.every.empty()) step_ = parsedPositive("--every", options.every, "a step");
+  if (!options.spacing.empty())
+    spacing_ = parsedPositive("--spacing", options.spacing, "a distance");
   for (const std::string& text : options.through) through_.push_back(parsedPoint(text));
-  onlyThrough_ = !through_.empty() && given == 0 && !options.round;
+  onlyMore_ = spacing_ > 0 || (!through_.empty() && given == 0 && !options.round);
 }
 
 std::vector<double> LevelChoice::levels(double low, double high, const Console& console,
-                                        std::span<const double> through) const {
+                                        std::span<const double> more) const {
   std::vector<double> all;
-  if (!onlyThrough_) all = chosen(low, high, console);
-  for (const double level : through) all.push_back(level + 0.0);
+  if (!onlyMore_) all = chosen(low, high, console);
+  for (const double level : more) all.push_back(level + 0.0);
   std::sort(all.begin(), all.end());
   all.erase(std::unique(all.begin(), all.end()), all.end());
   return all;

@@ -11,11 +11,15 @@
 
 namespace qelm::tool {
 
-/// As on the command line; of the first three texts one is not empty at most.
+// More curves than anyone can look at, and few enough to be cut in a moment.
+inline constexpr int kMostLevels = 10000;
+
+/// As on the command line; of the first four texts one is not empty at most.
 struct LevelOptions {
   std::string count;                 ///< --levels
   std::string at;                    ///< --at
   std::string every;                 ///< --every
+  std::string spacing;               ///< --spacing
   bool round = false;                ///< --round
   std::vector<std::string> through;  ///< --through; with any of the others or alone
 };
@@ -32,10 +36,14 @@ class LevelChoice {
   ///    ten; evenly spaced ones where there is none;
   ///  - a step: all its multiples strictly between low and high;
   ///  - a list: as given, with a note about those outside;
-  ///  - `through`, the values at the points of through(), beside these or alone.
+  ///  - `more`: the values at the points of through(), beside these or alone, and the levels that
+  ///    spacing() asks for, which take the place of these.
   /// Throws RequestError when nothing lies between.
   std::vector<double> levels(double low, double high, const Console& console,
-                             std::span<const double> through = {}) const;
+                             std::span<const double> more = {}) const;
+
+  /// How far apart curves shall be; 0 where that is not asked for.
+  double spacing() const { return spacing_; }
 
   /// The points that --through names.
   const std::vector<Point>& through() const { return through_; }
@@ -51,7 +59,8 @@ class LevelChoice {
   double step_ = 0;
   std::vector<double> list_;
   std::vector<Point> through_;
-  bool onlyThrough_ = false;
+  double spacing_ = 0;
+  bool onlyMore_ = false;
 };
 
 }  // namespace qelm::tool

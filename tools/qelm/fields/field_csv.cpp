@@ -1,37 +1,34 @@
 #include "fields/field_csv.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cmath>
 #include <cstddef>
 #include <iterator>
-#include <string>
 
 namespace qelm::tool {
 
-namespace {
-
-std::string header(std::size_t fieldCount) {
-  if (fieldCount == 1) return "vertex,x,y,z,value\n";
-  std::string line = "vertex,x,y,z";
-  for (std::size_t k = 1; k <= fieldCount; ++k) line += fmt::format(",value{}", k);
-  return line + "\n";
+std::vector<std::string> fieldTitles(std::size_t fieldCount) {
+  if (fieldCount == 1) return {"value"};
+  std::vector<std::string> titles;
+  for (std::size_t k = 1; k <= fieldCount; ++k) titles.push_back(fmt::format("value{}", k));
+  return titles;
 }
 
-}  // namespace
-
-void writeFieldCsv(const Mesh& mesh, std::span<const double> fields, ByteSink& file) {
+void writeFieldCsv(const Mesh& mesh, const std::vector<std::string>& titles,
+                   std::span<const double> columns, ByteSink& file) {
   constexpr std::size_t kBlock = 1 << 16;
   const auto n = static_cast<std::size_t>(mesh.vertexCount());
   fmt::memory_buffer block;
   const auto out = std::back_inserter(block);
-  fmt::format_to(out, "{}", header(fields.size() / n));
+  fmt::format_to(out, "vertex,x,y,z,{}\n", fmt::join(titles, ","));
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const Point p = mesh.point(v);
     fmt::format_to(out, "{},{},{},{}", v, p[0], p[1], p[2]);
-    for (auto i = static_cast<std::size_t>(v); i < fields.size(); i += n) {
+    for (auto i = static_cast<std::size_t>(v); i < columns.size(); i += n) {
       block.push_back(',');
-      if (!std::isnan(fields[i])) fmt::format_to(out, "{}", fields[i]);
+      if (!std::isnan(columns[i])) fmt::format_to(out, "{}", columns[i]);
     }
     block.push_back('\n');
     if (block.size() >= kBlock) {

@@ -1,6 +1,8 @@
 #include "fields/given_field.h"
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "conditions/field_file.h"
 #include "mesh/mesh_checks.h"
@@ -10,21 +12,30 @@
 
 namespace qelm::tool {
 
-SolvedField givenField(const FieldOptions& options, const Console& console) {
+SolvedField givenFields(const FieldOptions& options, const Console& console) {
   if (!options.fixes.empty() || !options.fixFile.empty() || !options.load.empty() ||
       !options.robust.empty())
     throw UsageError(
         "--field takes the place of a solve: leave out --fix, --fix-file, --load and --robust");
+  if (!options.several && options.given.size() > 1)
+    throw UsageError(
+        "--field is given several times, but this command takes one field; 'curves' "
+        "and 'view' take several");
   SolvedField solved;
   solved.meshName = options.mesh;
-  solved.given = options.field;
+  solved.given = options.given;
   solved.steps = Steps(console);
   Steps& steps = solved.steps;
   solved.mesh = steps.run("read", [&] {
     return loadWeldedMesh({options.mesh, options.strict}, console);
   });
   const Mesh& mesh = solved.mesh;
-  solved.fields = readField(parseFieldSource(options.field), usedVertices(mesh));
+  const std::vector<bool> used = usedVertices(mesh);
+  for (const std::string& given : options.given) {
+    const std::vector<double> field = readField(parseFieldSource(given), used);
+    solved.fields.insert(solved.fields.end(), field.begin(), field.end());
+  }
+  solved.prescribed.fieldCount = options.given.size();
   // Nothing is divided by an area: thin triangles do no harm.
   const bool isRobust = true;
   naming(options.mesh + ": will not work", [&] {

@@ -1,4 +1,4 @@
-// --field: a field from a file, in place of one that is solved for.
+// --field: fields from files, in place of those that are solved for.
 #ifndef QELM_TOOLS_GIVEN_FIELD_H
 #define QELM_TOOLS_GIVEN_FIELD_H
 
@@ -6,9 +6,9 @@
 
 namespace qelm::tool {
 
-/// Reads mesh and field; no vertex counts as held. Throws UsageError where there are conditions as
-/// well, InputError.
-SolvedField givenField(const FieldOptions& options, const Console& console);
+/// Reads mesh and fields; no vertex counts as held. Throws UsageError where there are conditions as
+/// well, or several fields for a command that takes one, InputError.
+SolvedField givenFields(const FieldOptions& options, const Console& console);
 
 }  // namespace qelm::tool
 

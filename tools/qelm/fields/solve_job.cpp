@@ -105,8 +105,10 @@ Json summaryJson(const SolvedField& solved, const std::vector<std::string>& resu
     summary["fields"] = Json::array();
     for (std::size_t k = 0; k < solved.fieldCount(); ++k)
       summary["fields"].push_back(rangeJson(solved, k));
+    for (std::size_t k = 0; k < solved.given.size(); ++k)
+      summary["fields"][k]["field"] = solved.given[k];
   }
-  if (!solved.given.empty()) summary["field"] = solved.given;
+  if (solved.given.size() == 1) summary["field"] = solved.given[0];
   if (solved.loadPerArea)
     summary["load"] = {{"perArea", *solved.loadPerArea}, {"total", totalLoad(solved)}};
   if (solved.robust) summary["robust"] = robustJson(*solved.robust);
@@ -140,7 +142,7 @@ std::string describeSelected(const SolvedField& solved, std::size_t k) {
 void printRanges(const SolvedField& solved, const Console& console) {
   for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
     const FieldRange range = rangeOf(solved.field(k));
-    if (solved.fieldCount() > 1) console.line(fmt::format("field {}", k + 1));
+    if (solved.fieldCount() > 1) console.line(fmt::format("field {}", solved.fieldName(k)));
     console.line("minimum  " + describeValue(solved, k, range.lowest));
     console.line("maximum  " + describeValue(solved, k, range.highest));
   }
@@ -150,9 +152,8 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
                 const Console& console, const std::vector<ReportItem>& more) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
                            solved.mesh.vertexCount(), solved.mesh.triangleCount()));
-  if (!solved.given.empty())
-    console.line("field    " + solved.given);
-  else
+  if (solved.given.size() == 1) console.line("field    " + solved.given[0]);
+  if (solved.given.empty())
     console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
   if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
@@ -166,7 +167,8 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
     console.line("matrix   " + (solved.robust->changed != 0
                                     ? "robust: " + describe(*solved.robust)
                                     : std::string("plain, which is good here")));
-  for (const ReportItem& item : more) console.line(fmt::format("{:<9}{}", item.name, item.text));
+  for (const ReportItem& item : more)
+    if (!item.text.empty()) console.line(fmt::format("{:<9}{}", item.name, item.text));
   console.line("time     " + describeTimes(solved.steps));
   console.line(fmt::format("result   {}", results.empty()
                                               ? "not written; -o FIELD.csv writes it"
@@ -206,16 +208,20 @@ void noteOvershoots(const SolvedField& solved, const Console& console) {
 
 }  // namespace
 
+std::string SolvedField::fieldName(std::size_t k) const {
+  return given.empty() ? fmt::format("{}", k + 1) : given[k];
+}
+
 SolvedField solveField(const FieldOptions& options, const Console& console) {
-  if (!options.field.empty()) return givenField(options, console);
+  if (!options.given.empty()) return givenFields(options, console);
   SolvedField solved;
   solved.meshName = options.mesh;
   solved.steps = Steps(console);
   for (const std::string& fix : options.fixes) solved.conditions.push_back(parseCondition(fix));
   if (!options.several && fieldCount(solved.conditions) > 1)
     throw UsageError(
-        "a --fix has several values, but this command takes one field; 'qelm solve' "
-        "takes several");
+        "a --fix has several values, but this command takes one field; 'solve', 'curves' and "
+        "'view' take several");
   const Construction construction = parseConstruction(options.robust);
   const std::optional<double> perArea = parseUniformLoad(options.load);
   Steps& steps = solved.steps;
@@ -268,12 +274,15 @@ SolvedField solveField(const FieldOptions& options, const Console& console) {
 void requireRange(const SolvedField& solved, const char* use) {
   // Stretched over all colours or levels, rounding would show as noise.
   constexpr double kConstant = 1e-12;
-  const FieldRange range = rangeOf(solved.fields);
-  if (range.high - range.low <= kConstant * std::max(std::abs(range.low), std::abs(range.high)))
-    throw RequestError(
-        fmt::format("{}: the field is {} everywhere, so there is no range to {}{}", solved.meshName,
-                    digits(range.low), use,
-                    solved.given.empty() ? "; fix vertices at two different values at least" : ""));
+  for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
+    const FieldRange range = rangeOf(solved.field(k));
+    if (range.high - range.low > kConstant * std::max(std::abs(range.low), std::abs(range.high)))
+      continue;
+    throw RequestError(fmt::format(
+        "{}: the field{} is {} everywhere, so there is no range to {}{}", solved.meshName,
+        solved.fieldCount() > 1 ? " " + solved.fieldName(k) : "", digits(range.low), use,
+        solved.given.empty() ? "; fix vertices at two different values at least" : ""));
+  }
 }
 
 void reportField(const SolvedField& solved, const std::vector<std::string>& results,

@@ -24,16 +24,17 @@ struct FieldOptions {
   std::string mesh;
   bool strict = false;  ///< see MeshSource
   std::vector<std::string> fixes;
-  std::string fixFile;   ///< a CSV file; empty: none
-  std::string load;      ///< a CSV file, or uniform=Q; empty: no load
-  std::string robust;    ///< see parseConstruction()
-  std::string field;     ///< FILE[:COLUMN] in place of all these; empty: none
-  bool several = false;  ///< whether conditions may have several values, one for each field
+  std::string fixFile;             ///< a CSV file; empty: none
+  std::string load;                ///< a CSV file, or uniform=Q; empty: no load
+  std::string robust;              ///< see parseConstruction()
+  std::vector<std::string> given;  ///< --field: each FILE[:COLUMN] in place of all these
+  bool several = false;  ///< whether there may be several fields: of --field, or of conditions
+                         ///< with several values, one for each
 };
 
 struct SolvedField {
   std::string meshName;
-  std::string given;  ///< of --field; empty where the field was solved for
+  std::vector<std::string> given;  ///< of --field; empty where the fields were solved for
   Mesh mesh;
   std::vector<Condition> conditions;
   int fromFile = 0;  ///< vertices that --fix-file fixes
@@ -48,6 +49,8 @@ struct SolvedField {
   Steps steps;
 
   std::size_t fieldCount() const { return prescribed.fieldCount; }
+  /// What a field is called beside others: as it was given, or by its number from 1.
+  std::string fieldName(std::size_t k) const;
   std::span<const double> field(std::size_t k = 0) const {
     const auto n = static_cast<std::size_t>(mesh.vertexCount());
     return {fields.data() + k * n, n};
@@ -58,14 +61,14 @@ struct SolvedField {
 /// InputError.
 SolvedField solveField(const FieldOptions& options, const Console& console);
 
-/// Throws RequestError when the field is the same everywhere, but for the rounding of
+/// Throws RequestError when a field is the same everywhere, but for the rounding of
 /// its solve: "no range to `use`".
 void requireRange(const SolvedField& solved, const char* use);
 
 /// "read 0.012 s, check 0.001 s".
 std::string describeTimes(const Steps& steps);
 
-/// What a command has to add to the summary: a line for people, members for programs.
+/// What a command has to add to the summary: a line for people, if any, members for programs.
 struct ReportItem {
   std::string name;
   std::string text;

@@ -70,6 +70,8 @@ bool hasBadSize(const Mesh& mesh, int triangle) {
   return longest > 0 && !(longest >= kShortestLongestEdge && longest <= kLongestLongestEdge);
 }
 
+}  // namespace
+
 bool hasNoArea(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
   const Point p = mesh.point(c[0]);
@@ -84,8 +86,6 @@ bool hasNoArea(const Mesh& mesh, int triangle) {
   // could not use either.
   return !(twiceArea > noise * longest) || !std::isfinite(twiceArea);
 }
-
-}  // namespace
 
 std::vector<int> lowestOfPart(const Mesh& mesh) {
   std::vector<int> parent(static_cast<std::size_t>(mesh.vertexCount()));

@@ -30,6 +30,10 @@ void checkFinite(const Mesh& mesh);
 /// part.
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);
 
+/// Whether a triangle is lower than rounding of its coordinates can tell from one without area, or
+/// so large or small that its area overflows or underflows.
+bool hasNoArea(const Mesh& mesh, int triangle);
+
 /// The lowest vertex of each vertex's connected part; triangles are connected when
 /// they share a vertex.
 std::vector<int> lowestOfPart(const Mesh& mesh);

@@ -6,8 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "colours/viridis.h"
-
 namespace qelm::tool {
 namespace {
 
@@ -70,9 +68,9 @@ void appendRuns(std::string& block, std::span<const int> fixedBy) {
   }
 }
 
-void appendColours(std::string& block) {
+void appendColours(std::string& block, const Ramp& ramp) {
   for (int k = 0; k < kColourSteps; ++k)
-    for (const std::uint8_t channel : viridis(static_cast<double>(k) / (kColourSteps - 1)))
+    for (const std::uint8_t channel : ramp(static_cast<double>(k) / (kColourSteps - 1)))
       block.push_back(static_cast<char>(channel));
 }
 
@@ -92,13 +90,14 @@ std::string pageData(const PageContent& content) {
     appendFractions(block, mesh);
   append(block, content.field);
   append(block, content.load);
-  appendColours(block);
+  appendColours(block, content.ramp);
   appendRuns(block, content.fixedBy);
   int before = 0;
   for (const int corner : mesh.triangles) {
     appendVarint(block, zigzag(corner - before));
     before = corner;
   }
+  append(block, content.others);
   return block;
 }
 

@@ -33,8 +33,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  part must be fixed.\n"
      "\n"
      "  --fix SELECTOR=VALUE,VALUE,... gives one value for each field, a single VALUE is for\n"
-     "  all. They are solved together, in much less time than one after another, and\n"
-     "  written to columns value1, value2 and so on.\n"
+     "  all. They are solved together, in much less time than one after another. 'solve'\n"
+     "  writes columns value1, value2 and so on; 'curves' and 'view' take several as well.\n"
      "\n"
      "  --fix-file FILE.csv has one of these forms:\n"
      "    VERTEX,VALUE        on each line\n"
@@ -97,7 +97,23 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "    .ply, .vtk, .vtp, .vtu, .gltf, .glb\n"
      "                            the vertex property COLUMN (value unless given, or the only\n"
      "                            one); of several components NAME.0, NAME.1 and so on\n"
+     "  'curves' and 'view' take several --field: all are in each result, in a drawing with\n"
+     "  lines of their own, and on the page there is a choice of them.\n"
      "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
+    {"gradients", "what gradient writes, and solve --gradient",
+     "  The gradient says in which direction along the surface a field grows most, and its\n"
+     "  length, the slope, by how much on a unit of length. The field is linear on each\n"
+     "  triangle, so there is one gradient for each triangle, in the triangle's plane; that of\n"
+     "  a vertex is the mean over its triangles, by their areas. A triangle without area has\n"
+     "  none (empty in CSV, else nan), and a note counts them.\n"
+     "    --per triangle   .csv: triangle,x,y,z,gx,gy,gz,slope with the triangle's centre;\n"
+     "                     .npy: (m, 3). That is so unless --per is given\n"
+     "    --per vertex     .csv: vertex,x,y,z,value,gx,gy,gz,slope, as 'solve --gradient'\n"
+     "                     writes; .npy: (n, 3)\n"
+     "  A .ply has gx, gy, gz and slope as properties of its faces or vertices. 'solve\n"
+     "  --gradient' writes the vertices' columns, also as .npy: value, gx, gy, gz, slope; of\n"
+     "  several fields all values come first, then gx1 and so on.\n"
+     "  --field FILE.csv:slope cuts or colours the slope.\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
      "  the same vertices. Slivers, triangles without area and edges of three triangles do no\n"
@@ -113,10 +129,16 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                the step that gives nearest to N of them\n"
      "  --at V,V,...  these levels\n"
      "  --every STEP  all multiples of STEP strictly inside\n"
+     "  --spacing L   from the smallest value upwards, so that the area between neighbouring\n"
+     "                curves, divided by the mean of their lengths, is L: curves about L\n"
+     "                apart along the surface. The summary says the smallest and the largest\n"
+     "                distance met\n"
      "  --through near:X,Y,Z\n"
      "                the value at the place on the surface nearest to a point; may be given\n"
      "                often, and with any of the others\n"
      "  Without any of them there are about ten round levels.\n"
+     "  --simplify T leaves out points of curves that are less than T from what stays; no\n"
+     "  curve comes to cross or touch another one or itself, and closed ones stay closed.\n"
      "  A value at or above a level counts as above it. Higher values lie at the left of a\n"
      "  curve, seen from where triangles are counter-clockwise.\n"},
     {"files", "what is read and what is written",
@@ -136,8 +158,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           place and value, with the shortest digits that read back as the same doubles\n"
      "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields.\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
-     "           yellow, the smallest dark blue. Files of those names are replaced. Vertices\n"
-     "           come in the library's order (fixed ones first), not in the mesh's.\n"
+     "           yellow, the smallest dark blue. Another --ramp makes magma.PNG or so,\n"
+     "           or PATH-ramp.PNG. Files of those names are replaced. Vertices come in the\n"
+     "           library's order (fixed ones first), not in the mesh's.\n"
      "           With a PATH that ends in .ply instead: one binary PLY file in the mesh's\n"
      "           order, with the value (double) and the colour (red, green, blue) of every\n"
      "           vertex; .vtp and .vtu: the same for VTK, with the value alone; .glb and .gltf:\n"
@@ -157,7 +180,20 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  weld, repair\n"
      "           .obj, .off, .ply, .vtp and .vtu keep every double; .stl and, with --format\n"
      "           off-binary, .off have single precision; - is OBJ unless --format is given\n"},
-    {"pictures", "what --view, --up and --unit say, and what is on a page",
+    {"colours", "titles, units and colours of heat maps, drawings and pages",
+     "  --title TEXT is the heading, in place of the mesh file's name; --unit TEXT is written\n"
+     "  behind values. In heat maps both are comments.\n"
+     "\n"
+     "  --ramp says which colours values have. viridis, unless given, magma and cividis grow\n"
+     "  evenly lighter; cividis looks alike to colour-blind eyes; turbo has more colours to\n"
+     "  tell apart; coolwarm is for fields with a middle. FILE.png is read along its middle,\n"
+     "  from the colour of the largest value at the left, as in the images beside heat maps,\n"
+     "  or at the top of an image that is higher than wide. reversed:RAMP turns one round.\n"
+     "\n"
+     "  --range LOW,HIGH are the values at the ends of the colours, in place of the field's\n"
+     "  own smallest and largest, so that two pictures can be compared. Values outside have\n"
+     "  the end's colour; a note says that there are any.\n"},
+    {"pictures", "--view, --up, drawings to scale, and what is on a page",
      "  --view says from where an .svg, or at first a page, looks at the mesh: along\n"
      "  an axis (x, -x, y, -y, z, -z), along X,Y,Z towards the viewer, or across the\n"
      "  best-fitting plane (best; a page chooses for itself). In an .svg what the mesh\n"
@@ -167,7 +203,11 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  the axis that the mesh stands on most firmly; roofs and terrains keep z. The\n"
      "  front is at -y with z up, at z with y up.\n"
      "\n"
-     "  --unit TEXT is written behind the values of an .svg or a page.\n"
+     "  --scale 1:50 (or 2:1) draws an .svg to scale, in millimetres of paper, with a bar of\n"
+     "  lengths; --mesh-unit mm, cm, m, in or ft is what the mesh is measured in, and --unit,\n"
+     "  if it is one of these, serves for both. --paper A3 (A0 to A4, letter, tabloid, or\n"
+     "  WIDTH,HEIGHT in mm) is the page: without it the smallest of A4 to A0 that has room,\n"
+     "  and without --scale the largest round scale for which the page has.\n"
      "\n"
      "  The page that 'qelm view' writes is one HTML file that needs nothing else, not\n"
      "  even a network: the mesh with its heat map and level curves, a scale, and the\n"
@@ -233,6 +273,10 @@ const char* const kCheckExamples =
 const char* const kSolveExamples =
     "  qelm solve roof.obj --fix loop:0=0 --fix loop:1=1 -o field.csv\n"
     "  qelm solve part.stl --fix vertex:0,7=20.5 --fix near:0,0,10=80 -o - -q\n";
+
+const char* const kGradientExamples =
+    "  qelm gradient roof.obj --fix loop:0=0 --fix loop:1=1 -o slopes.csv\n"
+    "  qelm gradient roof.obj --fix loop:0=0 --fix loop:1=1 -o slopes.ply\n";
 
 const char* const kHeatmapExamples =
     "  qelm heatmap roof.obj --fix loop:0=0 --fix loop:1=1 -o heat\n"

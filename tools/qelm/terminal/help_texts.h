@@ -12,6 +12,7 @@ namespace qelm::tool {
 extern const char* const kInfoExamples;
 extern const char* const kCheckExamples;
 extern const char* const kSolveExamples;
+extern const char* const kGradientExamples;
 extern const char* const kHeatmapExamples;
 extern const char* const kCurvesExamples;
 extern const char* const kViewExamples;

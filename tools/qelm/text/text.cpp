@@ -125,6 +125,12 @@ std::string printable(std::string_view text) {
   return result;
 }
 
+std::string oneLine(std::string text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
+  return text;
+}
+
 std::string_view withoutMark(std::string_view text) {
   constexpr std::string_view kMark = "\xef\xbb\xbf";
   return text.starts_with(kMark) ? text.substr(kMark.size()) : text;

@@ -35,6 +35,9 @@ std::string lowerCase(std::string_view text);
 /// names may hold anything. Bytes that are no UTF-8 become "\xff" as well. Line ends stay.
 std::string printable(std::string_view text);
 
+/// The text in one line: control characters, such as line ends, become blanks.
+std::string oneLine(std::string text);
+
 /// The text without the byte order mark that some programs put in front of UTF-8.
 std::string_view withoutMark(std::string_view text);
 

@@ -24,6 +24,7 @@ from .errors import (
     TooLargeError,
     ToolError,
 )
+from .gradients import Gradient, gradient
 from .heatmap import write_heat_map
 from .isolines import Segments, isoline_segments
 from .meshcheck import Finding, Report, RobustReport, check, check_robust
@@ -40,6 +41,7 @@ __all__ = [
     "FactorisationInfo",
     "FieldError",
     "Finding",
+    "Gradient",
     "LibraryError",
     "MeshError",
     "MeshSystem",
@@ -58,6 +60,7 @@ __all__ = [
     "decode",
     "encode",
     "even_levels",
+    "gradient",
     "isoline_segments",
     "library_version",
     "plot",

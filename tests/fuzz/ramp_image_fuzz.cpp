@@ -1,0 +1,17 @@
+// Any bytes as a ramp's image: colours or a FileError.
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+
+#include "colours/ramp.h"
+#include "text/error.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  try {
+    const qelm::tool::Ramp ramp =
+        qelm::tool::rampOfImage({reinterpret_cast<const char*>(data), size}, "ramp.png");
+    if (ramp.reversed()(0) != ramp(1)) std::abort();
+  } catch (const qelm::tool::FileError&) {
+  }
+  return 0;
+}

@@ -1,0 +1,29 @@
+// qelm gradient
+#ifndef QELM_TOOLS_GRADIENT_COMMAND_H
+#define QELM_TOOLS_GRADIENT_COMMAND_H
+
+#include <span>
+#include <string>
+
+#include "fields/gradient.h"
+#include "fields/solve_job.h"
+
+namespace qelm::tool {
+
+struct GradientOptions {
+  FieldOptions field;
+  std::string per = "triangle";  ///< or "vertex"
+  std::string output;            ///< empty: nothing is written
+};
+
+void runGradient(const GradientOptions& options, const OutputOptions& output);
+
+/// Of every field in turn, with a note about triangles without area.
+std::vector<Gradient> gradientsOf(SolvedField& solved, const Console& console);
+
+/// For the summary, of one field: where the gradient is longest.
+ReportItem gradientReport(const SolvedField& solved, std::span<const Gradient> gradients);
+
+}  // namespace qelm::tool
+
+#endif
