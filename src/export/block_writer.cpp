@@ -7,7 +7,7 @@ namespace {
 
 // Large enough that the system calls vanish beside the formatting, small enough to
 // stay in the processor's cache.
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
 
 }  // namespace
 

@@ -59,8 +59,6 @@ inline constexpr double kNear = 0x1p-20;
 ///
 /// Whether a crossing is nearer to the low end cannot be foreseen: what depends on it
 /// is looked up, not branched on. The points at the ends must outlive the line.
-/// Whether a crossing is nearer to the low end cannot be foreseen: what depends on it
-/// is looked up, not branched on. The points at the ends must outlive the line.
 class CrossedLine {
  public:
   CrossedLine(const Vec3& low, const Vec3& high, double lowValue, double highValue)

@@ -183,6 +183,8 @@ TEST(CurvesOfExtremes, AreExactWhereDifferencesOverflow) {
             (Polylines{open(0, {{0.5, 0, 0}, {0, 0.5, 0}})}));
   EXPECT_EQ(curvesOf(rightTriangle(), {most, -most, -most}, {most / 2}),
             (Polylines{open(0, {{0.25, 0, 0}, {0, 0.25, 0}})}));
+  EXPECT_EQ(curvesOf(rightTriangle(), {most, -most, -most}, {-most / 2}),
+            (Polylines{open(0, {{0.75, 0, 0}, {0, 0.75, 0}})}));
   const Mesh huge = rightTriangle().mapped([=](Point p) {
     return Point{(2 * p.x - 1) * most, (2 * p.y - 1) * most, 0};
   });

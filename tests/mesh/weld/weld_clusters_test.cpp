@@ -134,5 +134,15 @@ TEST(WeldClusters, OnAPlaneThroughTheOriginAreWelded) {
   EXPECT_EQ(welded, plainWeld(soup.vertices, soup.triangles, 1e-9));
 }
 
+TEST(WeldClusters, AreFoundBehindAFirstVertexThatIsNotFinite) {
+  // Two cells with so many points that boxes around them are compared first.
+  Field cloud = {std::nan(""), 0, 0};
+  for (int k = 0; k < 10; ++k) add(cloud, {0.05 * k, 0, 0});
+  for (int k = 0; k < 10; ++k) add(cloud, {1.04 + 0.04 * k, 0, 0});
+  const Welded welded = weld(cloud, {}, 1.0);
+  EXPECT_EQ(welded.vertices.size(), 2U * 3U);
+  EXPECT_EQ(welded.vertexMap.back(), 1);
+}
+
 }  // namespace
 }  // namespace qelm::test
