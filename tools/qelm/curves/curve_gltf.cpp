@@ -9,7 +9,6 @@
 
 #include "colours/viridis.h"
 #include "mesh_files/gltf_builder.h"
-#include "text/error.h"
 
 namespace qelm::tool {
 namespace {
@@ -51,13 +50,12 @@ struct Level {
 
 void writeCurvesGltf(const CurveSet& curves, double low, double high, std::size_t up, bool isBinary,
                      ByteSink& file) {
-  if (curves.size() == 0) throw OutputError("there are no curves, and glTF has no empty scenes");
   std::vector<double> all;
   for (std::size_t c = 0; c < curves.size(); ++c)
     all.insert(all.end(), curves[c].coordinates.begin(), curves[c].coordinates.end());
   const GltfPlaces places(all, up);
   GltfBuilder builder;
-  builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
+  if (curves.size() > 0) builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
   for (std::size_t c = 0; c < curves.size();) {
     const std::size_t number = curves[c].level;
     Level level;
