@@ -88,3 +88,13 @@ def test_a_level_of_gltf_is_a_node_with_its_value(qelm, curves):
     document = json.loads(content[20 : 20 + int.from_bytes(content[12:16], "little")])
     assert [node["extras"]["level"] for node in document["nodes"]] == sorted(curves["levels"])
     assert document["nodes"][0]["name"] == "level -0.25"
+
+
+def test_no_curves_are_good_files_too(qelm):
+    qelm.write("m.obj", shapes.obj(RING))
+    qelm.ok("curves", "m.obj", *FIX, "--at", "7", "-o", "c.dxf", "-o", "c.glb", "-o", "c.gltf", "-o", "c.vtp")
+    assert len(ezdxf.readfile(qelm.folder / "c.dxf").modelspace()) == 0
+    assert json.loads((qelm.folder / "c.gltf").read_text()) == {"asset": {"version": "2.0", "generator": "qelm"}}
+    content = (qelm.folder / "c.glb").read_bytes()
+    assert int.from_bytes(content[8:12], "little") == len(content)
+    assert b'NumberOfLines="0"' in (qelm.folder / "c.vtp").read_bytes()

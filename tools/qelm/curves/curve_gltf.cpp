@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "mesh_files/gltf_builder.h"
-#include "text/error.h"
 
 namespace qelm::tool {
 namespace {
@@ -54,10 +53,9 @@ void writeCurvesGltf(std::span<const FieldCurves> fields, std::size_t up, bool i
   for (const FieldCurves& field : fields)
     for (std::size_t c = 0; c < field.curves.size(); ++c)
       all.insert(all.end(), field.curves[c].coordinates.begin(), field.curves[c].coordinates.end());
-  if (all.empty()) throw OutputError("there are no curves, and glTF has no empty scenes");
   const GltfPlaces places(all, up);
   GltfBuilder builder;
-  builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
+  if (!all.empty()) builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
   for (const FieldCurves& field : fields) {
     const CurveSet& curves = field.curves;
     for (std::size_t c = 0; c < curves.size();) {

@@ -116,12 +116,18 @@ void GltfBuilder::show(const std::string& name, std::size_t mesh, const Json& tr
 
 void GltfBuilder::write(bool isBinary, ByteSink& file) {
   pad(buffer_, '\0');
-  document_["buffers"] = {{{"byteLength", buffer_.size()}}};
+  if (buffer_.empty()) {  // a scene of nothing: there are no empty lists in glTF
+    const Json asset = document_["asset"];
+    document_ = {{"asset", asset}};
+  } else {
+    document_["buffers"] = {{{"byteLength", buffer_.size()}}};
+  }
   const auto dumped = [this](int indent) {
     return document_.dump(indent, ' ', false, Json::error_handler_t::replace);
   };
   if (!isBinary) {
-    document_["buffers"][0]["uri"] = "data:application/octet-stream;base64," + toBase64(buffer_);
+    if (!buffer_.empty())
+      document_["buffers"][0]["uri"] = "data:application/octet-stream;base64," + toBase64(buffer_);
     return file.write(dumped(1) + "\n");
   }
   std::string json = dumped(-1);

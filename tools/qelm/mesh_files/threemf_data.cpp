@@ -79,9 +79,9 @@ class ModelReader {
       const std::string_view element = scanner_.element();
       if (event == Event::kEnd) {
         if (element == "object") current_ = nullptr;
-      } else if (element == "vertex") {
+      } else if (element == "vertex" && current_ != nullptr) {
         vertex();
-      } else if (element == "triangle") {
+      } else if (element == "triangle" && current_ != nullptr) {
         triangle();
       } else if (element == "object") {
         const std::string id = scanner_.attribute("id").value_or("");
@@ -99,12 +99,6 @@ class ModelReader {
   }
 
  private:
-  Object& current() {
-    if (current_ == nullptr)
-      scanner_.fail(fmt::format("<{}> outside of an object", scanner_.element()));
-    return *current_;
-  }
-
   void vertex() {
     Point point{};
     constexpr std::array<std::string_view, 3> kAxes = {"x", "y", "z"};
@@ -115,13 +109,13 @@ class ModelReader {
         scanner_.fail(fmt::format("a vertex with {}=\"{}\"", kAxes[k], text.value_or("nothing")));
       point[k] = *value;
     }
-    current().points.push_back(point);
+    current_->points.push_back(point);
   }
 
   void triangle() {
     std::array<int, 3> corners{};
     constexpr std::array<std::string_view, 3> kCorners = {"v1", "v2", "v3"};
-    Object& object = current();
+    Object& object = *current_;
     for (std::size_t k = 0; k < 3; ++k) {
       const auto text = scanner_.plainAttribute(kCorners[k]);
       const auto value = text ? parseInteger(trimmed(*text)) : std::nullopt;

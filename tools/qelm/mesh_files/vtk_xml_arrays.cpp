@@ -128,8 +128,7 @@ void VtkXmlNumbers::decode(const VtkXmlArray& array, Use use) {
       const std::vector<std::size_t>& offsets = storage_.offsets;
       const auto next = std::upper_bound(offsets.begin(), offsets.end(), array.offset);
       if (next != offsets.end()) stored = stored.substr(0, *next - array.offset);
-      spend(array, stored.size() / 4);  // before it is decoded
-      left_ += stored.size() / 4;
+      spend(array, stored.size());
     }
     auto decoded = fromBase64(stored);
     if (!decoded) fail(array, "damaged base64");

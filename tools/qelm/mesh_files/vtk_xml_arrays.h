@@ -45,7 +45,7 @@ class VtkXmlNumbers {
  public:
   VtkXmlNumbers(const VtkXmlStorage& storage, const XmlScanner& scanner, std::string_view file,
                 const std::string& name)
-      : storage_(storage), scanner_(scanner), name_(name), left_(file.size()) {}
+      : storage_(storage), scanner_(scanner), name_(name), left_(2 * file.size()) {}
 
   std::vector<double> numbers(const VtkXmlArray& array);
   std::vector<std::int64_t> integers(const VtkXmlArray& array);
@@ -63,8 +63,8 @@ class VtkXmlNumbers {
   const VtkXmlStorage& storage_;
   const XmlScanner& scanner_;
   const std::string& name_;
-  /// Arrays do not overlap: together they are no larger than the file. Else a small file could
-  /// name one block a thousand times.
+  /// Arrays do not overlap: together they are no larger than the file, in base64 and decoded. Else
+  /// a small file could name one block a thousand times.
   std::size_t left_;
 };
 
