@@ -84,7 +84,6 @@ void addLevels(CLI::App& command, LevelOptions& levels) {
       ->allow_extra_args(false);
 }
 
-
 /// Compact: what an option takes, and in words whether it must be given.
 class HelpFormatter : public CLI::Formatter {
  public:
@@ -240,9 +239,7 @@ class CommandLine {
     CLI::App& command = *app_.add_subcommand("heatmap", "Write a mesh with its field in colours");
     addFieldOptions(command, heatmap_.field);
     addGivenField(command, heatmap_.field);
-    command
-        .add_option("-o,--output", heatmap_.output,
-                    "PATH.obj and two more; .ply, .glb, .vtp")
+    command.add_option("-o,--output", heatmap_.output, "PATH.obj and two more; .ply, .glb, .vtp")
         ->type_name("PATH")
         ->required();
     command.add_option("--format", heatmap_.format, "Of one file, whatever PATH is")

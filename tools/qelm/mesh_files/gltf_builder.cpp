@@ -28,7 +28,7 @@ constexpr int kElementArrayBuffer = 34963;
 constexpr int kClampToEdge = 33071;
 constexpr int kLinear = 9729;
 
-constexpr std::uint32_t kGlbMagic = 0x46546c67;      // "glTF"
+constexpr std::uint32_t kGlbMagic = 0x46546c67;   // "glTF"
 constexpr std::uint32_t kJsonChunk = 0x4e4f534a;  // "JSON"
 constexpr std::uint32_t kBinChunk = 0x004e4942;   // "BIN"
 

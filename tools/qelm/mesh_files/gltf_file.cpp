@@ -128,8 +128,8 @@ void GltfFile::readBinary(std::string_view bytes) {
   if (wordAt(bytes, 8) > bytes.size())
     fail(fmt::format("{} bytes are announced, {} are there; it may be cut short", wordAt(bytes, 8),
                      bytes.size()));
-  std::string_view rest =
-      bytes.substr(kGlbHeader, wordAt(bytes, 8) - std::min<std::size_t>(kGlbHeader, wordAt(bytes, 8)));
+  std::string_view rest = bytes.substr(
+      kGlbHeader, wordAt(bytes, 8) - std::min<std::size_t>(kGlbHeader, wordAt(bytes, 8)));
   bool isFirst = true;
   while (rest.size() >= kChunkHeader) {
     const std::size_t size = wordAt(rest, 0);
