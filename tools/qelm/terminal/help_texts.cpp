@@ -163,7 +163,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           library's order (fixed ones first), not in the mesh's.\n"
      "           With a PATH that ends in .ply instead: one binary PLY file in the mesh's\n"
      "           order, with the value (double) and the colour (red, green, blue) of every\n"
-     "           vertex; .vtp and .vtu: the same for VTK, with the value alone; .glb and .gltf:\n"
+     "           vertex; .vtp and .vtu: the same for VTK, with the value alone; .glb, .gltf:\n"
      "           the mesh in single precision with the colours as its texture\n"
      "  curves   by the extension of OUT, and -o may be given often; --format says so for a\n"
      "           name that ends otherwise:\n"
