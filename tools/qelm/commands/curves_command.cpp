@@ -138,8 +138,9 @@ ReportItem spacingReport(const CurveSet& curves, double spacing) {
   const auto distances = distancesBetween(curves, spacing / kStepsToASpacing);
   if (!distances) return {"spacing", "one level only", {{"spacing", nullptr}}};
   const auto& [smallest, largest] = *distances;
-  const std::string low = digits(smallest, smallest / 1000);
-  const std::string high = digits(largest, largest / 1000);
+  const double step = std::max(smallest / 100, largest / 1e5);
+  const std::string low = digits(smallest, step);
+  const std::string high = digits(largest, step);
   return {"spacing",
           fmt::format("neighbouring curves are {} apart",
                       low == high ? low : fmt::format("{} to {}", low, high)),

@@ -106,14 +106,14 @@ class SvgWriter {
         "<svg xmlns=\"http://www.w3.org/2000/svg\" {} font-family=\"Helvetica, Arial, 'Liberation "
         "Sans', sans-serif\" fill=\"#222\">\n<title>{}</title>\n"
         "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n",
-        size, escaped(drawing_.caption.title));
+        size, xmlText(drawing_.caption.title));
   }
 
   void heading() {
     block_.text(
         "<text x=\"{0:.0f}\" y=\"36\" font-size=\"18\" font-weight=\"bold\">{1}</text>\n"
         "<text x=\"{0:.0f}\" y=\"56\" font-size=\"12\" fill=\"#595959\">{2}, {3}{4}</text>\n",
-        kMargin, escaped(drawing_.caption.title), contents(), drawing_.projection.description,
+        kMargin, xmlText(drawing_.caption.title), contents(), drawing_.projection.description,
         sheet_ ? fmt::format(", scale {}", sheet_->scale) : "");
   }
 
@@ -122,7 +122,7 @@ class SvgWriter {
     std::size_t count = 0;
     for (const FieldCurves& field : drawing_.fields) count += field.curves.size();
     std::string text = fmt::format("{} level curve{}", count, count == 1 ? "" : "s");
-    const std::string unit = escaped(drawing_.caption.unitAfter());
+    const std::string unit = xmlText(drawing_.caption.unitAfter());
     if (hasSeveral())
       text += fmt::format(" of {} fields", drawing_.fields.size());
     else if (levelCount_ > 1)
@@ -156,7 +156,7 @@ class SvgWriter {
   static const char* dashes(std::size_t field) { return kDashes[field % kDashes.size()]; }
 
   static std::string quoted(const std::string& name) {
-    std::string text = escaped(name);
+    std::string text = xmlText(name);
     for (std::size_t at = text.find('"'); at != text.npos; at = text.find('"', at))
       text.replace(at, 1, "&quot;");
     return text;

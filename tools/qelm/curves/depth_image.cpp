@@ -18,7 +18,7 @@ constexpr double kMostPixels = 2000;
 
 constexpr float kNothing = -std::numeric_limits<float>::infinity();
 
-Point scaled(const Point& p, double scale) { return {p[0] * scale, p[1] * scale, p[2] * scale}; }
+Point onImage(const Point& p, double scale) { return {p[0] * scale, p[1] * scale, p[2] * scale}; }
 
 double twiceArea(const Point& a, const Point& b, double x, double y) {
   return (b[0] - a[0]) * (y - a[1]) - (b[1] - a[1]) * (x - a[0]);
@@ -32,7 +32,7 @@ DepthImage::DepthImage(std::span<const Point> vertices, const Mesh& mesh, double
       width_(static_cast<int>(width * scale_) + 1),
       height_(static_cast<int>(height * scale_) + 1),
       depth_(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_), kNothing) {
-  const auto at = [&](int v) { return scaled(vertices[static_cast<std::size_t>(v)], scale_); };
+  const auto at = [&](int v) { return onImage(vertices[static_cast<std::size_t>(v)], scale_); };
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
     draw(at(c[0]), at(c[1]), at(c[2]));
@@ -61,7 +61,7 @@ void DepthImage::draw(const Point& a, const Point& b, const Point& c) {
 }
 
 bool DepthImage::shows(const Point& point) const {
-  const Point p = scaled(point, scale_);
+  const Point p = onImage(point, scale_);
   const int x = static_cast<int>(p[0]);
   const int y = static_cast<int>(p[1]);
   float least = std::numeric_limits<float>::infinity();

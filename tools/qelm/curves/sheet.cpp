@@ -39,7 +39,7 @@ constexpr std::size_t kIsoPapers = 5;
 constexpr double kLargestSide = 20'000;
 
 // Rounding must not push a drawing off a page that was made for it.
-constexpr double kRoom = 1e-6;
+constexpr double kSlack = 1e-6;
 
 double positive(std::string_view text) {
   const auto value = parseDouble(trimmed(text));
@@ -81,7 +81,7 @@ std::string scaleText(double scale) {
 double roundScale(double most) {
   const double power = std::pow(10, std::floor(std::log10(most)));
   for (const double digit : {10.0, 5.0, 2.0})
-    if (digit * power <= most * (1 + kRoom)) return digit * power;
+    if (digit * power <= most * (1 + kSlack)) return digit * power;
   return power;
 }
 
@@ -113,8 +113,8 @@ std::optional<SheetChoice::Paper> SheetChoice::fitting(const Paper& paper,
                                                        double scale) const {
   const double width = content.width * unit_ * scale + content.besideWidth;
   const double height = content.height * unit_ * scale + content.besideHeight;
-  if (width <= paper.width + kRoom && height <= paper.height + kRoom) return paper;
-  if (paper.mayTurn && width <= paper.height + kRoom && height <= paper.width + kRoom)
+  if (width <= paper.width + kSlack && height <= paper.height + kSlack) return paper;
+  if (paper.mayTurn && width <= paper.height + kSlack && height <= paper.width + kSlack)
     return Paper{paper.height, paper.width, false};
   return {};
 }

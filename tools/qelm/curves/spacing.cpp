@@ -21,7 +21,7 @@ constexpr double kClose = 1e-13;
 
 // On a smooth quotient false position takes some eight steps, bisection fifty.
 constexpr int kFalsePositions = 30;
-constexpr int kMostSteps = 100;
+constexpr int kMostTrials = 100;
 
 /// A triangle with its values in order, low <= middle <= high, low < high.
 struct Slice {
@@ -151,7 +151,7 @@ class Spacer {
   /// halves the value of an end that stays), or bisection where that does not close in.
   std::optional<double> between(double under, double underBy, double over, double overBy) const {
     int moved = 0;  // the end that moved last: -1 the lower, 1 the upper
-    for (int k = 0; k < kMostSteps; ++k) {
+    for (int k = 0; k < kMostTrials; ++k) {
       const double part = k < kFalsePositions ? overBy / (overBy - underBy) : 0.5;
       const double middle = over - part * (over - under);
       if (!(middle > under && middle < over)) {

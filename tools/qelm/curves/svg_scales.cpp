@@ -27,7 +27,7 @@ class ColourScaleWriter {
       : field_(field),
         levels_(field.curves.levels()),
         texts_(texts),
-        unit_(escaped(caption.unitAfter())),
+        unit_(xmlText(caption.unitAfter())),
         height_(height),
         block_(block) {}
 
@@ -76,7 +76,7 @@ class ColourScaleWriter {
   void name(const std::string& dashes) {
     std::string text = field_.name;
     if (text.size() > kLongestName) text = text.substr(0, kLongestName - 1) + "\u2026";
-    block_.text("<text y=\"-28\" font-weight=\"bold\">{}</text>\n", escaped(printable(text)));
+    block_.text("<text y=\"-28\" font-weight=\"bold\">{}</text>\n", xmlText(printable(text)));
     block_.text("<path d=\"M0 -46h48\" stroke=\"#333\" stroke-width=\"2\"{}/>\n", dashes);
   }
 
@@ -113,7 +113,7 @@ std::string hex(const Colour& colour) {
   return fmt::format("#{:02x}{:02x}{:02x}", colour[0], colour[1], colour[2]);
 }
 
-std::string escaped(const std::string& text) {
+std::string xmlText(const std::string& text) {
   std::string result;
   for (const char c : oneLine(text)) {  // no other character is forbidden in XML
     if (c == '&')

@@ -15,7 +15,7 @@ namespace qelm::tool {
 /// "#fde725".
 std::string hex(const Colour& colour);
 /// As text of an XML element.
-std::string escaped(const std::string& text);
+std::string xmlText(const std::string& text);
 
 /// A rectangle of the page, in pixels.
 struct SvgArea {
