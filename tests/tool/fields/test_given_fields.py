@@ -144,7 +144,7 @@ BAD = {
     "q.npy": (b"\x93NUMPY\x01\x00\x3f\x00" + b"{'descr': '<c8', 'fortran_order': False, 'shape': (20,), }".ljust(63), "numbers of the type '<c8' cannot be read"),
     "r.npy": (b"\x93NUMPY\x01\x00\x3f\x00" + b"{'descr': '<f8', 'fortran_order': False, 'shape': (2,2,5)}".ljust(63), "the array has 3 axes"),
     "s.npy": (b"\x93NUMPY\x01\x00\x4f\x00" + b"{'descr': '<f8', 'fortran_order': False, 'shape': (9999999999, 9999999999), }".ljust(79), "is announced, but the file is too short"),
-    "t.ply": (with_values(GRID, VALUES, "t"), "t.ply: its vertices have no property 'value', but t"),
+    "t.ply:u": (with_values(GRID, VALUES, "t"), "t.ply: its vertices have no property 'u', but t"),
     "u.ply": (shapes.ply_text(shapes.SQUARE), "u.ply: 4 vertices, but the mesh has 20"),
 }  # fmt: skip
 

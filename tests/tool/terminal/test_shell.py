@@ -56,7 +56,7 @@ def test_bash_completes_commands(bash):
 
 
 def test_bash_completes_options_of_the_command(bash):
-    assert bash("weld", "a.obj", "--") == sorted(["--help", "--strict", "--output", "--tolerance", "--quiet", "--verbose", "--json"])
+    assert bash("weld", "a.obj", "--") == sorted(["--help", "--strict", "--read-as", "--output", "--format", "--tolerance", "--quiet", "--verbose", "--json"])
     assert bash("curves", "a.obj", "--le") == ["--levels"]
     assert bash("weld", "a.obj", "--le") == []
 
