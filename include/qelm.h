@@ -883,9 +883,8 @@ QELM_API int qelmctorRobustTagged(int vertexCount, const double* vertices, int t
 /** What the robust construction does to a mesh. All 0 where the plain matrix is good. */
 typedef struct QelmRobustReport {
   int64_t changed;          /**< 1 if the matrix is not the plain one, else 0 */
-  int64_t sheets;           /**< 2 over a surface that is open where nothing is prescribed,
-                                 not oriented or not a surface at all, or, mostly, has a steep
-                                 triangle; else 1 */
+  int64_t sheets;           /**< 2 over a surface that is open where nothing is prescribed, that
+                                 has one side only, or is not a surface at all; else 1 */
   int64_t flatTriangles;    /**< triangles too flat as they are */
   int64_t notDelaunayEdges; /**< edges whose opposite angles add up to more than a straight
                                  one, at a boundary twice the one; where three or more

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "export/number_text.h"
-
 namespace qelm {
 namespace {
 
@@ -15,7 +13,7 @@ constexpr std::size_t kBlockSize = 64 * 1024;
 
 BlockWriter::BlockWriter(std::ostream& out) : out_(out), block_(kBlockSize) {}
 
-BlockWriter& BlockWriter::operator<<(std::string_view text) {
+void BlockWriter::write(std::string_view text) {
   while (!text.empty()) {
     char* const room = roomFor(1);
     const std::size_t count = std::min(text.size(), block_.size() - used_);
@@ -23,23 +21,6 @@ BlockWriter& BlockWriter::operator<<(std::string_view text) {
     used_ += count;
     text.remove_prefix(count);
   }
-  return *this;
-}
-
-BlockWriter& BlockWriter::operator<<(char character) {
-  *roomFor(1) = character;
-  ++used_;
-  return *this;
-}
-
-BlockWriter& BlockWriter::operator<<(double number) {
-  usedUpTo(writeNumber(roomFor(kNumberRoom), number));
-  return *this;
-}
-
-BlockWriter& BlockWriter::operator<<(std::int32_t number) {
-  usedUpTo(writeNumber(roomFor(kNumberRoom), number));
-  return *this;
 }
 
 void BlockWriter::finish() {

@@ -3,25 +3,19 @@
 #define QELM_EXPORT_BLOCK_WRITER_H
 
 #include <cstddef>
-#include <cstdint>
 #include <ostream>
 #include <string_view>
 #include <vector>
 
 namespace qelm {
 
-/// Numbers look as a stream in its default state writes them, whatever the global
-/// locale: doubles in general notation with six significant digits, integers in
-/// plain decimal. Lines end with a newline, which a stream in text mode translates.
+/// Lines end with a newline, which a stream in text mode translates.
 /// Nothing is certain to have reached the stream before finish().
 class BlockWriter {
  public:
   explicit BlockWriter(std::ostream& out);
 
-  BlockWriter& operator<<(std::string_view text);
-  BlockWriter& operator<<(char character);
-  BlockWriter& operator<<(double number);
-  BlockWriter& operator<<(std::int32_t number);
+  void write(std::string_view text);
 
   /// Room for `length` characters, much less than a block, to be written in place.
   char* roomFor(std::size_t length) {

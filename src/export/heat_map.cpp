@@ -76,8 +76,9 @@ void writeFaces(BlockWriter& text, std::span<const std::int32_t> triangles) {
 void writeObj(std::ostream& out, const HeatMap& map, std::string_view path) {
   BlockWriter text(out);
   // The whole path as the caller gave it, folders included, on purpose.
-  text << "mtllib " << path << ".mtl\n";
-  text << "usemtl Heat\n";
+  text.write("mtllib ");
+  text.write(path);
+  text.write(".mtl\nusemtl Heat\n");
   writeVertices(text, map.vertices);
   writeTextureCoordinates(text, map.field);
   writeFaces(text, map.triangles);
@@ -87,14 +88,15 @@ void writeObj(std::ostream& out, const HeatMap& map, std::string_view path) {
 // The blanks and tabs at the ends belong to the lines.
 void writeMtl(std::ostream& out) {
   BlockWriter text(out);
-  text << "newmtl Heat \n"
-          "Kd 1 1 1             \n"
-          "Ns 96.0784\t\t\t \n"
-          "d 1\t\t\t\t\t \n"
-          "illum 1\t\t\t\t \n"
-          "Ka 0 0 0\t\t\t \n"
-          "Ks 1 1 1\t\t\t \n"
-          "map_Kd viridis.PNG\n";
+  text.write(
+      "newmtl Heat \n"
+      "Kd 1 1 1             \n"
+      "Ns 96.0784\t\t\t \n"
+      "d 1\t\t\t\t\t \n"
+      "illum 1\t\t\t\t \n"
+      "Ka 0 0 0\t\t\t \n"
+      "Ks 1 1 1\t\t\t \n"
+      "map_Kd viridis.PNG\n");
   text.finish();
 }
 

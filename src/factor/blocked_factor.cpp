@@ -14,6 +14,9 @@
 //        r    Y Y Y               r    t t           4. it is put back and becomes a source
 //           a source             the target
 //
+// Supernodes of small subtrees at the bottom of the tree are computed before, without panels
+// (factorizeSmall()); they are sources all the same.
+//
 // A source waits in the list of the supernode that its next row is a column of. Panels keep Y until
 // all is done: as a row it is needed undivided, as a column it is divided when it is packed for the
 // kernel. Cost: as many multiplications as any factorisation under this ordering; what is gained is
@@ -30,7 +33,9 @@
 #include "factor/columns.h"
 #include "factor/passes.h"
 #include "factor/row_paths.h"
+#include "factor/small_subtrees.h"
 #include "factor/target_panel.h"
+#include "interface/compiler.h"
 
 namespace qelm::factor {
 namespace {
@@ -54,15 +59,22 @@ class Waiting {
     first_[target] = s;
   }
 
+  /// Sources lie anywhere: the memory of all is asked for before the first is looked at.
   void take(int target, const FactorArrays& factor, const Supernodes& supernodes,
             std::vector<Source>& sources) const {
     sources.clear();
     for (int s = first_[target]; s != kNoSupernode; s = next_[s]) {
       const Panel panel(factor, supernodes, s);
-      const int pastTarget = supernodes.starts[target + 1];
+      sources.push_back({s, panel, firstRow_[s], 0});
+      prefetchToRead(panel.rows + firstRow_[s]);
+      prefetchToRead(panel.tailRow(firstRow_[s]));
+    }
+    const int pastTarget = supernodes.starts[target + 1];
+    for (Source& source : sources) {
+      const int* const tail = source.panel.rows;
       const int* const past =
-          std::lower_bound(panel.rows + firstRow_[s], panel.rows + panel.tailSize, pastTarget);
-      sources.push_back({s, panel, firstRow_[s], static_cast<int>(past - panel.rows)});
+          std::lower_bound(tail + source.firstRow, tail + source.panel.tailSize, pastTarget);
+      source.pastColumns = static_cast<int>(past - tail);
     }
     std::sort(sources.begin(), sources.end(),
               [](const Source& a, const Source& b) { return a.supernode < b.supernode; });
@@ -74,11 +86,22 @@ class Waiting {
   Eigen::VectorXi firstRow_;
 };
 
+/// How many of the tail's rows are columns of the same small subtree: the first ones.
+int rowsWithin(const SmallSubtrees& subtrees, const Supernodes& supernodes, const Panel& panel) {
+  const int* const past =
+      std::partition_point(panel.rows, panel.rows + panel.tailSize,
+                           [&](int row) { return subtrees.contains(supernodes.ofColumn[row]); });
+  return static_cast<int>(past - panel.rows);
+}
+
 /// Everything but the last step. False as factorizeBlocked().
 bool computePanels(const Sparse& upper, const EliminationTree& tree, const Supernodes& supernodes,
-                   const PanelKernel& kernel, const FactorArrays& factor) {
+                   const SmallSubtrees& subtrees, const PanelKernel& kernel,
+                   const FactorArrays& factor) {
   const RowPaths paths(upper, tree, supernodes, factor);
   if (!paths.fits()) return false;
+
+  if (!factorizeSmall(subtrees, supernodes, paths, factor)) return false;
 
   Passes passes(paths, static_cast<std::size_t>(upper.cols()));
   Waiting waiting(supernodes.count());
@@ -86,6 +109,10 @@ bool computePanels(const Sparse& upper, const EliminationTree& tree, const Super
   std::vector<Source> sources;
   for (int s = 0; s < supernodes.count(); ++s) {
     const Panel panel(factor, supernodes, s);
+    if (subtrees.contains(s)) {
+      waiting.put(s, panel, rowsWithin(subtrees, supernodes, panel), supernodes);
+      continue;
+    }
     waiting.take(s, factor, supernodes, sources);
     target.load(panel);
     passes.visitAll(sources,
@@ -103,9 +130,9 @@ bool computePanels(const Sparse& upper, const EliminationTree& tree, const Super
 }  // namespace
 
 bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
-                      const Supernodes& supernodes, const PanelKernel& kernel,
-                      const FactorArrays& factor) {
-  if (!computePanels(upper, tree, supernodes, kernel, factor)) return false;
+                      const Supernodes& supernodes, const SmallSubtrees& subtrees,
+                      const PanelKernel& kernel, const FactorArrays& factor) {
+  if (!computePanels(upper, tree, supernodes, subtrees, kernel, factor)) return false;
   toColumns(supernodes, factor);
   return true;
 }

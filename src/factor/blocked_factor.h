@@ -5,6 +5,7 @@
 #include "factor/elimination_tree.h"
 #include "factor/factor_arrays.h"
 #include "factor/panel_kernel.h"
+#include "factor/small_subtrees.h"
 #include "factor/supernodes.h"
 
 namespace qelm::factor {
@@ -17,8 +18,8 @@ namespace qelm::factor {
 /// the arrays, if a pivot is zero or not finite, or if a row has too many paths to tell their
 /// order: those are for Eigen's own loop.
 bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
-                      const Supernodes& supernodes, const PanelKernel& kernel,
-                      const FactorArrays& factor);
+                      const Supernodes& supernodes, const SmallSubtrees& subtrees,
+                      const PanelKernel& kernel, const FactorArrays& factor);
 
 }  // namespace qelm::factor
 

@@ -8,15 +8,7 @@
 #include <cstring>
 #include <utility>
 
-// GCC and clang on 64-bit x86 can compile one function for another processor.
-#if defined(__x86_64__) && defined(__GNUC__)
-#define QELM_X86 1
-#define QELM_INLINE __attribute__((always_inline)) inline
-#elif defined(__GNUC__)
-#define QELM_INLINE __attribute__((always_inline)) inline
-#else
-#define QELM_INLINE inline
-#endif
+#include "interface/compiler.h"
 
 namespace qelm::factor {
 namespace {
@@ -158,9 +150,7 @@ constexpr PanelKernel kAll[] = {{"AVX-512", 8, updateAvx512, substituteAvx512},
                                 {"AVX2", 4, updateAvx2, substituteAvx2},
                                 {"baseline", 2, updateBaseline, substituteBaseline}};
 
-std::size_t fastest() {
-  return __builtin_cpu_supports("avx512f") ? 0 : __builtin_cpu_supports("avx2") ? 1 : 2;
-}
+std::size_t fastest() { return hasAvx512() ? 0 : hasAvx2() ? 1 : 2; }
 #else
 constexpr PanelKernel kAll[] = {{"baseline", 2, updateBaseline, substituteBaseline}};
 

@@ -32,6 +32,7 @@ void Passes::arrange(std::span<const Source> sources) {
   ++target_;
   passCount_ = 1;
   disagreeing_.clear();
+  later_.clear();
   findDisagreeing(sources);
   if (disagreeing_.empty()) return;
   runs_.clear();
@@ -112,25 +113,26 @@ void Passes::assignPasses(int r) {
   }
 }
 
-/// What a source has for this pass. False if nothing.
-bool Passes::collect(const Source& source, std::size_t index, int pass) {
+/// What a source has for the first pass; the rest goes to later_.
+void Passes::collectFirst(const Source& source, std::size_t index) {
   alone_.clear();
   if (disagreeing_.empty() || allAgree_[index]) {
     collectAll(source);
-    return pass == 0;
+    return;
   }
   together_.clear();
   const int* runs = runOfUpdate_.data() + updateStarts_[index];
   for (int p = source.firstRow; p < source.panel.tailSize; ++p) {
     const int r = *runs++;
     if (r == kInParts) {
-      collectParts(source, p, pass);
-    } else if (pass == (r == kAgrees ? 0 : run(r).pass)) {
+      collectParts(source, index, p);
+    } else if (r == kAgrees || run(r).pass == 0) {
       together_.push_back(p);
+    } else {
+      later_.push_back({static_cast<int>(index), run(r).pass, {p, 0, source.panel.width}});
     }
   }
   togetherView_ = together_;
-  return true;
 }
 
 void Passes::collectAll(const Source& source) {
@@ -139,22 +141,41 @@ void Passes::collectAll(const Source& source) {
                       .subspan(static_cast<std::size_t>(source.firstRow));
 }
 
-void Passes::collectParts(const Source& source, int position, int pass) {
+/// Parts of one pass lie side by side.
+void Passes::collectParts(const Source& source, std::size_t index, int position) {
   const int r = source.panel.rows[position];
   const auto parts = paths_.partsOf(source.supernode, r);
-  int begin = kNoRun;
-  int end = 0;
-  for (std::size_t k = 0; k < parts.size(); ++k) {
-    if (run(runOf(r, parts[k].path)).pass != pass) continue;
-    // Those of one pass lie side by side.
-    if (begin == kNoRun) begin = parts[k].begin;
-    end = k + 1 < parts.size() ? parts[k + 1].begin : source.panel.width;
+  for (std::size_t k = 0; k < parts.size();) {
+    const int begin = parts[k].begin;
+    const int pass = run(runOf(r, parts[k].path)).pass;
+    while (++k < parts.size() && run(runOf(r, parts[k].path)).pass == pass) {
+    }
+    const Part part = {position, begin, k < parts.size() ? parts[k].begin : source.panel.width};
+    if (pass == 0) {
+      collect(part, source.panel.width);
+    } else {
+      later_.push_back({static_cast<int>(index), pass, part});
+    }
   }
-  if (begin == kNoRun) return;
-  if (begin == 0 && end == source.panel.width) {
-    together_.push_back(position);
+}
+
+/// What the source of later_[from] has for this pass. Returns where the next source begins.
+std::size_t Passes::collectLater(std::size_t from, int pass, int width) {
+  together_.clear();
+  alone_.clear();
+  std::size_t k = from;
+  for (; k < later_.size() && later_[k].source == later_[from].source; ++k) {
+    if (later_[k].pass == pass) collect(later_[k].part, width);
+  }
+  togetherView_ = together_;
+  return k;
+}
+
+void Passes::collect(const Part& part, int width) {
+  if (part.begin == 0 && part.end == width) {
+    together_.push_back(part.position);
   } else {
-    alone_.push_back({position, begin, end});
+    alone_.push_back(part);
   }
 }
 

@@ -40,13 +40,21 @@ class Passes {
   template <class Perform>
   void visitAll(std::span<const Source> sources, Perform perform) {
     arrange(sources);
-    for (int pass = 0; pass < passCount_; ++pass) {
-      for (std::size_t s = 0; s < sources.size(); ++s) {
-        if (!collect(sources[s], s, pass)) continue;
-        if (!togetherView_.empty()) perform(Visit{s, 0, sources[s].panel.width, togetherView_});
-        for (const Part& part : alone_) {
-          perform(Visit{s, part.begin, part.end, {&part.position, 1}});
-        }
+    const auto performCollected = [&](std::size_t s) {
+      if (!togetherView_.empty()) perform(Visit{s, 0, sources[s].panel.width, togetherView_});
+      for (const Part& part : alone_) {
+        perform(Visit{s, part.begin, part.end, {&part.position, 1}});
+      }
+    };
+    for (std::size_t s = 0; s < sources.size(); ++s) {
+      collectFirst(sources[s], s);
+      performCollected(s);
+    }
+    for (int pass = 1; pass < passCount_; ++pass) {
+      for (std::size_t k = 0; k < later_.size();) {
+        const auto s = static_cast<std::size_t>(later_[k].source);
+        k = collectLater(k, pass, sources[s].panel.width);
+        performCollected(s);
       }
     }
   }
@@ -66,11 +74,17 @@ class Passes {
     bool disagrees = false;
     int runs = -1;  ///< the one with the highest path
   };
-  /// Of a source that is split for a row: the columns to be subtracted in this pass.
+  /// The columns of a source that one row subtracts in one pass.
   struct Part {
-    int position;
+    int position;  ///< of the row
     int begin;
     int end;
+  };
+  /// A part of a pass after the first.
+  struct Later {
+    int source;  ///< a supernode's sources are fewer than its rows of L, which an int can count
+    int pass;
+    Part part;
   };
 
   void arrange(std::span<const Source> sources);
@@ -79,9 +93,11 @@ class Passes {
   int extendRun(int row, int path, std::size_t source);
   int runOf(int row, int path) const;
   void assignPasses(int row);
-  bool collect(const Source& source, std::size_t index, int pass);
+  void collectFirst(const Source& source, std::size_t index);
   void collectAll(const Source& source);
-  void collectParts(const Source& source, int position, int pass);
+  void collectParts(const Source& source, std::size_t index, int position);
+  std::size_t collectLater(std::size_t from, int pass, int width);
+  void collect(const Part& part, int width);
 
   Row& row(int r) { return rows_[static_cast<std::size_t>(r)]; }
   Run& run(int r) { return runs_[static_cast<std::size_t>(r)]; }
@@ -100,6 +116,7 @@ class Passes {
   std::span<const int> togetherView_;      ///< of one of these two
   std::vector<int> together_;
   std::vector<Part> alone_;
+  std::vector<Later> later_;  ///< source after source
 };
 
 }  // namespace qelm::factor

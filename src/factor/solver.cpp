@@ -7,7 +7,7 @@
 
 namespace qelm::factor {
 
-Method fastestMethod() { return {panelKernels().front(), 56}; }
+Method fastestMethod() { return {panelKernels().front(), 40}; }
 
 bool blocksPay(const EliminationTree& tree, const Method& method) {
   return tree.multiplicationCount() >= method.leastReuse * static_cast<double>(tree.entryCount());
@@ -87,8 +87,9 @@ bool Solver::tryBlocks(const Sparse& upper, const EliminationTree& tree, const M
   m_diag.resize(upper.cols());
   const FactorArrays factor = {m_matrix.outerIndexPtr(), m_matrix.innerIndexPtr(),
                                m_matrix.valuePtr(), m_diag.data()};
-  m_factorizationIsOk =
-      factorizeBlocked(upper, tree, fundamentalSupernodes(tree), method.kernel, factor);
+  const Supernodes supernodes = fundamentalSupernodes(tree);
+  const SmallSubtrees subtrees(tree, supernodes, method.smallSubtree);
+  m_factorizationIsOk = factorizeBlocked(upper, tree, supernodes, subtrees, method.kernel, factor);
   return m_factorizationIsOk;
 }
 

@@ -11,6 +11,7 @@
 
 #include "factor/elimination_tree.h"
 #include "factor/panel_kernel.h"
+#include "factor/small_subtrees.h"
 #include "factor/symbolic.h"
 
 namespace qelm::factor {
@@ -21,8 +22,11 @@ struct Method {
 
   /// Blocks pay where each entry of L is used in many multiplications. The fewest, on average,
   /// with which they are tried; below, Eigen's own loop takes less time. Measured on grids and
-  /// closed surfaces: both take the same at about 50, meshes of 10 to 20 thousand vertices.
+  /// closed surfaces: both take the same at about 35, meshes of 4 to 10 thousand vertices.
   double leastReuse;
+
+  /// Within blocks: subtrees of at most so many columns, kMostColumns or fewer, go row by row.
+  int smallSubtree = kMostColumns;
 };
 
 /// For this processor, as measured.

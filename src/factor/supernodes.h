@@ -29,9 +29,9 @@ struct Supernodes {
 };
 
 /// Wide supernodes are cut after so many columns, the next part being the parent of the one
-/// before: a block of so many columns and rows (128 kB) stays in a core's second cache while
+/// before: a block of so many columns and rows (512 kB) stays in a core's second cache while
 /// other columns are updated with it.
-constexpr int kWidestSupernode = 128;
+constexpr int kWidestSupernode = 256;
 
 Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest = kWidestSupernode);
 

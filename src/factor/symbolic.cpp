@@ -26,44 +26,53 @@ int roomyEntryCount(std::int64_t n, std::int64_t entries) {
   return indexable(entries + entries / 5 + 2 * n);
 }
 
-/// AMD's copy, with a fifth and two entries for each column as elbow room: while it grows, there is
-/// the one without; then there are nine numbers for each column.
-std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
-  return bytesOfColumns(n, roomyEntryCount(n, entries)) +
-         std::max((kInt + kDouble) * entries, 9 * kInt * n);
+/// Of an array that Eigen puts on the stack where it is small.
+std::int64_t heapBytes(std::int64_t bytes) {
+  return bytes > EIGEN_STACK_ALLOCATION_LIMIT ? bytes : 0;
 }
 
-/// RowPaths, Passes, Waiting and TargetPanel, see there.
+/// AMD's copy, with a fifth and two entries for each column as elbow room; nine numbers for each
+/// column.
+std::int64_t orderingBytes(std::int64_t n, std::int64_t entries) {
+  return kInt * (n + 1) + (kInt + 1) * std::int64_t{roomyEntryCount(n, entries)} + kInt * n +
+         heapBytes(8 * kInt * n);
+}
+
+/// RowPaths, SmallSubtrees, Passes, Waiting and TargetPanel, see there.
 std::int64_t blockedBytes(const EliminationTree& tree) {
   const Supernodes supernodes = fundamentalSupernodes(tree);
   const std::int64_t n = tree.parent.size();
   std::int64_t tails = 0;
   std::int64_t largestPanel = 0;
+  std::int64_t widest = 0;
   for (int s = 0; s < supernodes.count(); ++s) {
     const std::int64_t width = supernodes.width(s);
     const std::int64_t tail = tree.counts[supernodes.starts[s + 1] - 1];
     const std::int64_t stride = (width + kBlock - 1) / kBlock * kBlock;
     tails += tail;
     largestPanel = std::max(largestPanel, (width + tail) * stride);
+    widest = std::max(widest, stride);
   }
   const std::int64_t forEachRow = 7 * kInt;        // Supernodes, Passes, TargetPanel
-  const std::int64_t forEachSupernode = 6 * kInt;  // Supernodes, RowPaths, Waiting
+  const std::int64_t forEachSupernode = 9 * kInt;  // Supernodes, RowPaths, Waiting, SmallSubtrees
   return forEachRow * n + forEachSupernode * supernodes.count() + 2 * tails +
-         kDouble * (largestPanel + kWidestSupernode * (kWidestSupernode + kBlock));
+         kDouble * (largestPanel + widest * (widest + kBlock));
 }
 
 /// Eigen's own loop: one double and two int for each row.
-std::int64_t plainBytes(std::int64_t n) { return (kDouble + 2 * kInt) * n; }
+std::int64_t plainBytes(std::int64_t n) { return heapBytes(kDouble * n) + 2 * heapBytes(kInt * n); }
 
 }  // namespace
 
 /// What AMDOrdering does, but without making the matrix symmetric, which it is: a third of the
-/// time at 100 thousand unknowns.
+/// time at 100 thousand unknowns. The values, which nobody reads, are bytes, and there is elbow
+/// room from the beginning.
 Permutation amdOrder(const Sparse& matrix) {
-  roomyEntryCount(matrix.cols(), matrix.nonZeros());
   Permutation order;
-  Sparse pattern;
-  pattern = matrix;  // not in one line: Eigen's copy constructor leaks if memory runs out halfway
+  Eigen::SparseMatrix<char, Eigen::ColMajor, int> pattern(matrix.rows(), matrix.cols());
+  pattern.resizeNonZeros(roomyEntryCount(matrix.cols(), matrix.nonZeros()));
+  std::copy_n(matrix.outerIndexPtr(), matrix.cols() + 1, pattern.outerIndexPtr());
+  std::copy_n(matrix.innerIndexPtr(), matrix.nonZeros(), pattern.innerIndexPtr());
   Eigen::internal::minimum_degree_ordering(pattern, order);
   return order;
 }

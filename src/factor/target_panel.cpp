@@ -3,48 +3,51 @@
 // a block of columns is one run of memory. Where the columns that a source has in common with the
 // target leave gaps, the gaps are filled with zeros: x - 0 * y is x, since no entry is ever -0.0
 // (it starts from 0.0 plus something, and a difference of two equal numbers is 0.0).
+//
+// Rows go through the kernel in chunks that stay in the first cache while all blocks of columns
+// pass. Of the own block and of sources whose rows are columns here, what lies above the diagonal
+// is left out by whole groups of rows.
 #include "factor/target_panel.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstring>
 
+#include "factor/copy_few.h"
 #include "factor/quotients.h"
 
 namespace qelm::factor {
 namespace {
 
-/// Copies `count` numbers, faster than a call of memcpy for the few that most supernodes are wide.
-void copyFew(const double* from, int count, double* to) {
-  switch (count) {
-    case 0:
-      return;
-    case 1:
-      std::memcpy(to, from, sizeof(double));
-      return;
-    case 2:
-      std::memcpy(to, from, 2 * sizeof(double));
-      return;
-    case 3:
-      std::memcpy(to, from, 3 * sizeof(double));
-      return;
-    case 4:
-      std::memcpy(to, from, 4 * sizeof(double));
-      return;
-    default:
-      std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(double));
-  }
+/// Updates of no more multiplications than this are done as they come: packing them for the kernel
+/// would take longer than they do.
+constexpr int kFewMultiplications = 128;
+
+/// So many numbers of the rows that go through the kernel together: half the first cache.
+constexpr int kChunkNumbers = 2048;
+
+/// At least `count` numbers. What was there is freed before more is taken: the panels of small
+/// meshes are large beside their factors.
+void makeRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
+  if (std::ssize(numbers) >= count) return;
+  std::vector<double>().swap(numbers);
+  numbers.resize(static_cast<std::size_t>(count));
 }
 
-/// At least `count` numbers, the first `count` of them zero. What was there is freed before more is
-/// taken: the panels of small meshes are large beside their factors.
-void clearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
-  if (std::ssize(numbers) < count) {
-    std::vector<double>().swap(numbers);
-    numbers.resize(static_cast<std::size_t>(count));
-  }
+void makeClearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
+  makeRoom(numbers, count);
   std::fill_n(numbers.begin(), count, 0.0);
 }
+
+/// Where the own columns before `column` lie, packed for the update of the block that begins there;
+/// behind them that block's own triangle.
+std::ptrdiff_t packedBefore(int column) {
+  const std::ptrdiff_t block = column / kBlock;
+  return block * (block + 1) / 2 * kBlock * kBlock;
+}
+
+/// Rows of `depth` numbers that stay in the first cache while the blocks of columns pass.
+int chunkOfRows(int depth) { return std::max(1, kChunkNumbers / depth / kBlock) * kBlock; }
 
 }  // namespace
 
@@ -53,14 +56,17 @@ void TargetPanel::load(const Panel& panel) {
   width_ = panel.width;
   rowCount_ = panel.width + panel.tailSize;
   stride_ = (width_ + kBlock - 1) / kBlock * kBlock;
-  clearedRoom(values_, std::ptrdiff_t{rowCount_} * stride_);
+  makeRoom(values_, std::ptrdiff_t{rowCount_} * stride_);
   for (int r = 0; r < width_; ++r) {
     copyFew(panel.triangleRow(r), r, row(r));
     row(r)[r] = factor_.diagonal[first_ + r];
+    std::fill(row(r) + r + 1, row(r) + stride_, 0.0);
     place_[first_ + r] = r;
   }
   for (int p = 0; p < panel.tailSize; ++p) {
-    copyFew(panel.tailRow(p), width_, row(width_ + p));
+    double* const to = row(width_ + p);
+    std::fill_n(to + stride_ - kBlock, kBlock, 0.0);
+    copyFew(panel.tailRow(p), width_, to);
     place_[panel.rows[p]] = width_ + p;
   }
 }
@@ -78,12 +84,54 @@ void TargetPanel::fillUpGroup(std::size_t count) {
 
 void TargetPanel::update(const Source& source, const Visit& visit) {
   if (visit.rows.empty()) return;
+  const std::ptrdiff_t columnCount = source.pastColumns - source.firstRow;
+  if (columnCount * (visit.end - visit.begin) * std::ssize(visit.rows) <= kFewMultiplications) {
+    updateEntries(source, visit);
+  } else {
+    updateBlocks(source, visit);
+  }
+}
+
+/// One entry after the other.
+void TargetPanel::updateEntries(const Source& source, const Visit& visit) {
+  const int depth = visit.end - visit.begin;
+  const int columnCount = source.pastColumns - source.firstRow;
+  const int* const columns = source.panel.rows + source.firstRow;
+  const double* const pivots = factor_.diagonal + source.panel.first + visit.begin;
+  std::array<double, kFewMultiplications> quotients;
+  for (int c = 0; c < columnCount; ++c) {
+    divideApart(source.panel.tailRow(source.firstRow + c) + visit.begin, pivots, depth,
+                quotients.data() + c * depth, 1);
+  }
+  for (const int p : visit.rows) {
+    const double* const y = source.panel.tailRow(p) + visit.begin;
+    double* const to = row(place_[source.panel.rows[p]]);
+    const double* l = quotients.data();
+    for (int c = 0; c < columnCount; ++c) {
+      double& entry = to[columns[c] - first_];
+      for (int k = 0; k < depth; ++k) entry -= *l++ * y[k];
+    }
+  }
+}
+
+void TargetPanel::updateBlocks(const Source& source, const Visit& visit) {
   const int* const columns = source.panel.rows + source.firstRow;
   const int columnCount = source.pastColumns - source.firstRow;
   const int firstBlock = (columns[0] - first_) / kBlock;
   const int blockCount = (columns[columnCount - 1] - first_) / kBlock - firstBlock + 1;
   packColumns(source, firstBlock, blockCount);
 
+  const auto chunk = static_cast<std::size_t>(chunkOfRows(visit.end - visit.begin));
+  for (std::size_t begin = 0; begin < visit.rows.size(); begin += chunk) {
+    Visit part = visit;
+    part.rows = visit.rows.subspan(begin, std::min(chunk, visit.rows.size() - begin));
+    updateChunk(source, part, firstBlock, blockCount);
+  }
+}
+
+/// Rows above a block's columns are left out there, as far as whole groups of them are.
+void TargetPanel::updateChunk(const Source& source, const Visit& visit, int firstBlock,
+                              int blockCount) {
   const std::size_t count = visit.rows.size();
   rows_.resize(count + kernel_.rowGroup - 1);
   for (std::size_t k = 0; k < count; ++k) {
@@ -92,11 +140,17 @@ void TargetPanel::update(const Source& source, const Visit& visit) {
                 row(place_[source.panel.rows[p]]) + firstBlock * kBlock};
   }
   fillUpGroup(count);
-  const int depth = source.panel.width;
+  std::size_t below = 0;
   for (int b = 0; b < blockCount; ++b) {
-    kernel_.update(rows_, columns_.data() + (b * depth + visit.begin) * kBlock,
+    const int firstColumn = first_ + (firstBlock + b) * kBlock;
+    const auto lastOfGroup = [&] { return visit.rows[below + kernel_.rowGroup - 1]; };
+    while (below + kernel_.rowGroup <= count && source.panel.rows[lastOfGroup()] < firstColumn) {
+      below += kernel_.rowGroup;
+    }
+    kernel_.update(std::span<const RowPair>(rows_).subspan(below),
+                   columns_.data() + (b * source.panel.width + visit.begin) * kBlock,
                    visit.end - visit.begin);
-    for (std::size_t r = 0; r < count; ++r) rows_[r].target += kBlock;
+    for (std::size_t r = below; r < count; ++r) rows_[r].target += kBlock;
   }
 }
 
@@ -104,7 +158,7 @@ void TargetPanel::update(const Source& source, const Visit& visit) {
 /// among them.
 void TargetPanel::packColumns(const Source& source, int firstBlock, int blockCount) {
   const int depth = source.panel.width;
-  clearedRoom(columns_, std::ptrdiff_t{blockCount} * depth * kBlock);
+  makeClearedRoom(columns_, std::ptrdiff_t{blockCount} * depth * kBlock);
   const double* const pivots = factor_.diagonal + source.panel.first;
   for (int p = source.firstRow; p < source.pastColumns; ++p) {
     const int column = source.panel.rows[p] - first_ - firstBlock * kBlock;
@@ -114,42 +168,62 @@ void TargetPanel::packColumns(const Source& source, int firstBlock, int blockCou
   }
 }
 
+/// The own block first, then the rows below it chunk by chunk.
 bool TargetPanel::factorize() {
+  makeClearedRoom(columns_, packedBefore(stride_));
   for (int column = 0; column < width_; column += kBlock) {
-    if (column > 0) {
-      packOwnColumns(column);
-      rows_.clear();
-      for (int r = column; r < rowCount_; ++r) rows_.push_back({row(r), row(r) + column});
-      fillUpGroup(rows_.size());
-      kernel_.update(rows_, columns_.data(), column);
-    }
+    packOwnColumns(column);
+    subtractOwnColumns(column, column, width_);
     if (!factorizeBlock(column)) return false;
-    const int below = std::min(column + kBlock, width_);
-    if (below < rowCount_) {
-      rows_.clear();
-      for (int r = below; r < rowCount_; ++r) rows_.push_back({nullptr, row(r) + column});
-      fillUpGroup(rows_.size());
-      kernel_.substitute(rows_, columns_.data());
+    substitute(column, std::min(column + kBlock, width_), width_);
+  }
+  const int chunk = chunkOfRows(width_);
+  for (int begin = width_; begin < rowCount_; begin += chunk) {
+    const int end = std::min(begin + chunk, rowCount_);
+    for (int column = 0; column < width_; column += kBlock) {
+      subtractOwnColumns(column, begin, end);
+      substitute(column, begin, end);
     }
   }
   return true;
 }
 
 void TargetPanel::packOwnColumns(int firstColumn) {
-  clearedRoom(columns_, std::ptrdiff_t{firstColumn} * kBlock);
+  double* const to = columns_.data() + packedBefore(firstColumn);
   const double* const pivots = factor_.diagonal + first_;
   const int count = std::min(kBlock, width_ - firstColumn);
   for (int c = 0; c < count; ++c) {
-    divideApart(row(firstColumn + c), pivots, firstColumn, columns_.data() + c, kBlock);
+    divideApart(row(firstColumn + c), pivots, firstColumn, to + c, kBlock);
   }
 }
 
-/// The triangle of one block of columns; leaves it divided in columns_ for the rows below.
+/// What the rows begin .. end-1 get in one block of columns from those before it.
+void TargetPanel::subtractOwnColumns(int firstColumn, int begin, int end) {
+  if (firstColumn == 0) return;
+  rows_.clear();
+  for (int r = begin; r < end; ++r) rows_.push_back({row(r), row(r) + firstColumn});
+  fillUpGroup(rows_.size());
+  kernel_.update(rows_, columns_.data() + packedBefore(firstColumn), firstColumn);
+}
+
+/// The same from the columns of the block itself.
+void TargetPanel::substitute(int firstColumn, int begin, int end) {
+  if (begin == end) return;
+  rows_.clear();
+  for (int r = begin; r < end; ++r) rows_.push_back({nullptr, row(r) + firstColumn});
+  fillUpGroup(rows_.size());
+  kernel_.substitute(rows_, ownTriangle(firstColumn));
+}
+
+double* TargetPanel::ownTriangle(int firstColumn) {
+  return columns_.data() + packedBefore(firstColumn) + std::ptrdiff_t{firstColumn} * kBlock;
+}
+
+/// The triangle of one block of columns; leaves it divided in ownTriangle() for the rows below.
 bool TargetPanel::factorizeBlock(int firstColumn) {
-  clearedRoom(columns_, kBlock * kBlock);
   const int count = std::min(kBlock, width_ - firstColumn);
   double* const pivots = factor_.diagonal + first_ + firstColumn;
-  double* const columns = columns_.data();
+  double* const columns = ownTriangle(firstColumn);
   for (int r = 0; r < count; ++r) {
     double* const entries = row(firstColumn + r) + firstColumn;
     for (int c = 0; c <= r; ++c) {

@@ -36,10 +36,18 @@ class TargetPanel {
   double* row(int place) { return values_.data() + std::ptrdiff_t{place} * stride_; }
   const double* row(int place) const { return values_.data() + std::ptrdiff_t{place} * stride_; }
 
+  void updateEntries(const Source& source, const Visit& visit);
+  void updateBlocks(const Source& source, const Visit& visit);
   void packColumns(const Source& source, int firstBlock, int blockCount);
+  void updateChunk(const Source& source, const Visit& visit, int firstBlock, int blockCount);
+
   void packOwnColumns(int firstColumn);
-  void fillUpGroup(std::size_t count);
+  void subtractOwnColumns(int firstColumn, int begin, int end);
   bool factorizeBlock(int firstColumn);
+  void substitute(int firstColumn, int begin, int end);
+  double* ownTriangle(int firstColumn);
+
+  void fillUpGroup(std::size_t count);
 
   const FactorArrays& factor_;
   const PanelKernel& kernel_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "interface/compiler.h"
 #include "isolines/curve_loops.h"
 #include "isolines/curve_points.h"
 
@@ -64,7 +65,7 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
     link = links[1 - back];
     links = {kVisited, kVisited};
     nodes_.push_back(to);
-    __builtin_prefetch(&graph_.points[to]);  // for fetchPath()
+    prefetchToRead(&graph_.points[to]);  // for fetchPath()
     from = to;
   }
   return false;

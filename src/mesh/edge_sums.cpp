@@ -19,9 +19,6 @@ bool joinFarVertices(std::span<const std::int32_t> triangles) {
   return far > near / 8;
 }
 
-/// How many contributions ahead a neighbour's memory is made ready, if vertices are scattered.
-[[maybe_unused]] constexpr std::size_t kAhead = 24;
-
 }  // namespace
 
 // -0.0 is the number to start a diagonal's sum from: -0.0 + x has the bits of x for
@@ -71,11 +68,9 @@ EdgeSums::Counts EdgeSums::addUpLists() {
     const std::uint32_t first = next;
     std::int32_t freeOnes = 0;
     for (; read < owners_[v].end; ++read) {
-#if defined(__GNUC__)
       if (kScattered && contributions - read > kAhead) {
-        __builtin_prefetch(&known[static_cast<std::size_t>(entries[read + kAhead].neighbour)], 1);
+        prefetchToWrite(&known[static_cast<std::size_t>(entries[read + kAhead].neighbour)]);
       }
-#endif
       const Entry added = entries[read];
       Neighbour& neighbour = known[static_cast<std::size_t>(added.neighbour)];
       if (neighbour.lastEntry >= first) {

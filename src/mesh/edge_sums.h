@@ -10,6 +10,8 @@
 #include <span>
 #include <vector>
 
+#include "interface/compiler.h"
+
 namespace qelm {
 
 /// The strictly lower half of the free rows of a symmetric matrix, and their diagonal,
@@ -56,20 +58,19 @@ class EdgeSums {
 
   /// Have the memory ready that adding to v's entries needs soon: first what is known
   /// of v, then the place of its contributions.
-  void prefetchOwner([[maybe_unused]] std::int32_t v) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(&owners_[static_cast<std::size_t>(v)], 1);
-#endif
+  void prefetchOwner(std::int32_t v) const {
+    prefetchToWrite(&owners_[static_cast<std::size_t>(v)]);
   }
-  void prefetchList([[maybe_unused]] std::int32_t v) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(entries_.get() + owners_[static_cast<std::size_t>(v)].end, 1);
-#endif
+  void prefetchList(std::int32_t v) const {
+    prefetchToWrite(entries_.get() + owners_[static_cast<std::size_t>(v)].end);
   }
 
   /// Whether triangles join vertices that lie far apart in memory, as in random order.
   /// Then it pays to have memory ready before it is used; it costs a little elsewhere.
   bool isScattered() const { return isScattered_; }
+
+  /// How many entries ahead the memory that an entry needs is asked for then.
+  static constexpr std::size_t kAhead = 24;
 
   struct Neighbour {
     std::uint32_t lastEntry = 0;  ///< from 1 on: the last one made with this neighbour

@@ -1,5 +1,22 @@
-// Stiffnesses of several triangles side by side in the processor's vector registers, with
-// room for other work while it divides.
+// Stiffnesses of P1 triangles, several side by side in the processor's vector registers,
+// with room for other work while it divides.
+//
+// The gradient of a corner's hat function points from the foot of its height to the corner
+// and has length 1 / height (Strang and Fix, An Analysis of the Finite Element Method, 1973,
+// ch. 1). For the corner p, whose height has its foot on the edge from q towards r:
+//
+//   height = 2 area / |r - q|
+//   share  = how far from q to r the foot is = (p - q) . (r - q) / |r - q| / |r - q|
+//   foot   = q + share (r - q)
+//   grad   = (p - foot) / height / height
+//
+// Divisions by a length come one after the other, never by its square: the square rounds
+// differently and can under- or overflow. The order of operations is binding, here and in
+// vec3.h: the assembled matrix has the same bits on every platform because of it. There is
+// no branch either.
+//
+// A triangle without area has heights of 0 and gives NaN or infinite entries; NaN and
+// infinite coordinates do too. Nothing is tested here.
 //
 // An element costs 27 divisions and 4 square roots, which take a processor some 60 cycles,
 // whatever its registers' width; of its other instructions it could do 300 meanwhile. But
@@ -12,20 +29,8 @@
 #include <array>
 #include <cstddef>
 
-#include "mesh/element.h"
-
-// The steps become part of a function that is compiled for one kind of processor. Loops over
-// lanes have to stay loops until the compiler looks for such as vector instructions can do.
-#if defined(__clang__)
-#define QELM_INTO_CALLER __attribute__((always_inline)) inline
-#define QELM_KEEP_LOOP _Pragma("clang loop unroll(disable)")
-#elif defined(__GNUC__)
-#define QELM_INTO_CALLER __attribute__((always_inline)) inline
-#define QELM_KEEP_LOOP _Pragma("GCC unroll 1")
-#else
-#define QELM_INTO_CALLER inline
-#define QELM_KEEP_LOOP
-#endif
+#include "interface/compiler.h"
+#include "mesh/vec3.h"
 
 namespace qelm {
 
@@ -42,6 +47,13 @@ struct BlockCorners {
   std::array<Lanes, 3> x, y, z;
 };
 
+/// The six different entries of the symmetric 3 x 3 element matrix
+/// K_ab = area * (grad phi_a . grad phi_b).
+struct ElementStiffness {
+  double k00, k11, k22;
+  double k01, k12, k02;
+};
+
 struct BlockStiffness {
   Lanes k00, k11, k22;
   Lanes k01, k12, k02;
@@ -51,7 +63,6 @@ struct BlockStiffness {
   }
 };
 
-/// The steps of elementStiffness(), in its order of operations.
 namespace block_steps {
 
 /// Of each corner: its height's foot is looked for from corner kFrom on, towards corner kTo.
@@ -66,7 +77,7 @@ struct Between {
   std::array<Lanes, 3> x, y, z;  ///< gradients on their way
 };
 
-QELM_INTO_CALLER void measure(const BlockCorners& c, Between& b) {
+QELM_INLINE void measure(const BlockCorners& c, Between& b) {
   QELM_KEEP_LOOP
   for (std::size_t i = 0; i < kBlock; ++i) {
     const Vec3 p0{c.x[0][i], c.y[0][i], c.z[0][i]};
@@ -82,19 +93,19 @@ QELM_INTO_CALLER void measure(const BlockCorners& c, Between& b) {
   }
 }
 
-QELM_INTO_CALLER void divideBy(const Lanes& divisor, Lanes& lanes) {
+QELM_INLINE void divideBy(const Lanes& divisor, Lanes& lanes) {
   QELM_KEEP_LOOP
   for (std::size_t i = 0; i < kBlock; ++i) lanes[i] = lanes[i] / divisor[i];
 }
 
-QELM_INTO_CALLER void findHeight(const Lanes& area, const Lanes& length, Lanes& height) {
+QELM_INLINE void findHeight(const Lanes& area, const Lanes& length, Lanes& height) {
   QELM_KEEP_LOOP
   for (std::size_t i = 0; i < kBlock; ++i) height[i] = 2 * area[i] / length[i];
 }
 
 /// One coordinate of the way from the foot to the corner, over the height.
-QELM_INTO_CALLER void climb(const std::array<Lanes, 3>& corners, std::size_t k, const Lanes& share,
-                            const Lanes& height, Lanes& gradient) {
+QELM_INLINE void climb(const std::array<Lanes, 3>& corners, std::size_t k, const Lanes& share,
+                       const Lanes& height, Lanes& gradient) {
   const Lanes& from = corners[kFrom[k]];
   const Lanes& to = corners[kTo[k]];
   QELM_KEEP_LOOP
@@ -104,7 +115,7 @@ QELM_INTO_CALLER void climb(const std::array<Lanes, 3>& corners, std::size_t k, 
   }
 }
 
-QELM_INTO_CALLER void multiply(const Between& b, std::size_t k, std::size_t l, Lanes& entry) {
+QELM_INLINE void multiply(const Between& b, std::size_t k, std::size_t l, Lanes& entry) {
   QELM_KEEP_LOOP
   for (std::size_t i = 0; i < kBlock; ++i) {
     const Vec3 gradient{b.x[k][i], b.y[k][i], b.z[k][i]};
@@ -115,12 +126,11 @@ QELM_INTO_CALLER void multiply(const Between& b, std::size_t k, std::size_t l, L
 
 }  // namespace block_steps
 
-/// elementStiffness() of every triangle of a block, with the same bits: division and
+/// Of every triangle of a block, with the bits that it would have alone: division and
 /// square root are rounded correctly in every lane, and no product is fused with a sum.
 /// Calls pause(0) ... pause(kPauses - 1) on the way.
 template <class Pause>
-QELM_INTO_CALLER void stiffnessOfBlock(const BlockCorners& c, BlockStiffness& stiffness,
-                                       Pause pause) {
+QELM_INLINE void stiffnessOfBlock(const BlockCorners& c, BlockStiffness& stiffness, Pause pause) {
   block_steps::Between b;
   block_steps::measure(c, b);
   pause(0);

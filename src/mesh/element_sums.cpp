@@ -6,12 +6,8 @@
 #include <array>
 #include <cstddef>
 
+#include "interface/compiler.h"
 #include "mesh/element_block.h"
-
-// GCC and clang on 64-bit x86 can compile one function for another processor.
-#if defined(__x86_64__) && defined(__GNUC__)
-#define QELM_HAVE_AVX2 1
-#endif
 
 namespace qelm {
 namespace {
@@ -48,11 +44,6 @@ class Elements {
     sums_.addToDiagonal(c[2], e.k22);
   }
 
-  void addAlone(std::size_t triangle) {
-    const Corners c = corners(triangle);
-    add(triangle, elementStiffness(point(c[0]), point(c[1]), point(c[2])));
-  }
-
   bool repeatAVertex() const { return repeatsAVertex_; }
 
   bool areScattered() const { return sums_.isScattered(); }
@@ -60,14 +51,12 @@ class Elements {
   /// Has the memory ready that a block's triangles need: first their vertices, then, when
   /// these have come, the places of their contributions.
   void prefetchVertices(std::size_t first) const {
-#if defined(__GNUC__)
     for (const std::int32_t v : blockFrom(first)) {
       const double* const coordinates = coordinates_.data() + 3 * static_cast<std::size_t>(v);
-      __builtin_prefetch(coordinates);
-      __builtin_prefetch(coordinates + 2);
+      prefetchToRead(coordinates);
+      prefetchToRead(coordinates + 2);
       sums_.prefetchOwner(v);
     }
-#endif
   }
   void prefetchLists(std::size_t first) const {
     for (const std::int32_t v : blockFrom(first)) sums_.prefetchList(v);
@@ -95,16 +84,20 @@ class Elements {
 };
 
 /// While a block is evaluated, the next one's corners are gathered and the last one's
-/// stiffnesses added.
-QELM_INTO_CALLER bool addElements(Elements elements) {
+/// stiffnesses added. What the last triangles leave of their block, the last of them fills:
+/// zeros would make the processor divide 0 by 0, which a host may have asked to hear of.
+QELM_INLINE bool addElements(Elements elements) {
   static_assert(kBlock % kPauses == 0);
   constexpr std::size_t kLanesInPause = kBlock / kPauses;
-  const std::size_t inBlocks = elements.count() - elements.count() % kBlock;
+  const std::size_t count = elements.count();
+  const std::size_t inBlocks = (count + kBlock - 1) / kBlock * kBlock;
   const bool scattered = elements.areScattered();
   std::array<BlockCorners, 2> corners;
   std::array<BlockStiffness, 2> stiffness;
   const auto gather = [&](std::size_t j) {
-    if (j < inBlocks) elements.gather(j, j % kBlock, corners[j / kBlock % 2]);
+    if (j < inBlocks) {
+      elements.gather(std::min(j, count - 1), j % kBlock, corners[j / kBlock % 2]);
+    }
   };
   const auto add = [&](std::size_t j) {
     elements.add(j, stiffness[j / kBlock % 2].of(j % kBlock));
@@ -125,12 +118,11 @@ QELM_INTO_CALLER bool addElements(Elements elements) {
       }
     });
   }
-  for (std::size_t j = inBlocks < kBlock ? 0 : inBlocks - kBlock; j < inBlocks; ++j) add(j);
-  for (std::size_t j = inBlocks; j < elements.count(); ++j) elements.addAlone(j);
+  for (std::size_t j = inBlocks < kBlock ? 0 : inBlocks - kBlock; j < count; ++j) add(j);
   return elements.repeatAVertex();
 }
 
-#if defined(QELM_HAVE_AVX2)
+#if defined(QELM_X86)
 __attribute__((target("avx2"), flatten)) bool addForAvx2(std::span<const double> coordinates,
                                                          std::span<const std::int32_t> triangles,
                                                          EdgeSums& sums) {
@@ -145,17 +137,12 @@ bool addElementsBaseline(std::span<const double> coordinates,
   return addElements({coordinates, triangles, sums});
 }
 
-#if defined(QELM_HAVE_AVX2)
+#if defined(QELM_X86)
 const AddElements addElementsAvx2 = addForAvx2;
 #else
 const AddElements addElementsAvx2 = nullptr;
 #endif
 
-AddElements fastestAddElements() {
-#if defined(QELM_HAVE_AVX2)
-  if (__builtin_cpu_supports("avx2")) return addForAvx2;
-#endif
-  return addElementsBaseline;
-}
+AddElements fastestAddElements() { return hasAvx2() ? addElementsAvx2 : addElementsBaseline; }
 
 }  // namespace qelm

@@ -9,7 +9,7 @@
 
 namespace qelm {
 
-/// Adds elementStiffness() of one triangle after the other, in their order: the same bits,
+/// Adds the stiffness of one triangle after the other, in their order: the same bits,
 /// whichever of these is called. 3n coordinates, packed xyz; 3m indices in 0 .. n-1, the
 /// ones that `sums` was made for. Returns whether some triangle repeats a vertex; the sums
 /// mean nothing then.

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "interface/compiler.h"
 #include "interface/indexable.h"
 #include "mesh/ranks.h"
 
@@ -25,11 +26,9 @@ struct Filling {
       : rows(block.innerIndexPtr()), values(block.valuePtr()), next(std::move(firstPlaces)) {}
 
   /// Has the memory ready that the column's next entry takes.
-  void prefetch([[maybe_unused]] std::size_t column) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(rows + next[column], 1);
-    __builtin_prefetch(values + next[column], 1);
-#endif
+  void prefetch(std::size_t column) const {
+    prefetchToWrite(rows + next[column]);
+    prefetchToWrite(values + next[column]);
   }
 
   void put(std::size_t place, std::int32_t row, double value) {
@@ -61,9 +60,6 @@ std::vector<std::int32_t> lowerPlaces(const SparseBlock& block,
   return upperRows;
 }
 
-/// How far ahead the memory of an entry's place is made ready, if vertices are scattered.
-constexpr std::size_t kEntriesAhead = 24;
-
 template <bool kScattered>
 void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed) {
   const EdgeSums::Entry* const end = sums.entries().data() + sums.entries().size();
@@ -72,8 +68,8 @@ void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed)
     const std::span<EdgeSums::Entry> list = sums.entries(t + owner);
     if (kScattered) {
       for (const EdgeSums::Entry& entry : list) {
-        if (static_cast<std::size_t>(end - &entry) <= kEntriesAhead) break;
-        const std::int32_t ahead = (&entry + kEntriesAhead)->neighbour;
+        if (static_cast<std::size_t>(end - &entry) <= EdgeSums::kAhead) break;
+        const std::int32_t ahead = (&entry + EdgeSums::kAhead)->neighbour;
         if (ahead >= t) freeFree.prefetch(at(ahead - t));
       }
     }

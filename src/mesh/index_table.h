@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "interface/compiler.h"
+
 namespace qelm {
 
 /// Mixes three words so that every bit of them reaches the low bits: a multiply
@@ -42,10 +44,8 @@ class IndexTable {
   }
 
   /// Has the memory ready that findOrInsert() with this hash needs first.
-  void prefetch([[maybe_unused]] std::uint64_t hash) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(&slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)], 1);
-#endif
+  void prefetch(std::uint64_t hash) const {
+    prefetchToWrite(&slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)]);
   }
   /// The index that findOrInsert() with this hash would ask about first; negative if
   /// there is none.

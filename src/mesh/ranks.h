@@ -12,13 +12,7 @@
 #include <cstddef>
 #include <span>
 
-#if defined(__clang__)
-#define QELM_UNROLL _Pragma("clang loop unroll(full)")
-#elif defined(__GNUC__)
-#define QELM_UNROLL _Pragma("GCC unroll 8")
-#else
-#define QELM_UNROLL
-#endif
+#include "interface/compiler.h"
 
 namespace qelm {
 

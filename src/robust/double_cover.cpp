@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "mesh/vec3.h"
 #include "robust/edge_fan.h"
@@ -20,14 +21,13 @@ class Gluing {
 
   void glueEdges(DoubleCover& cover) {
     const MeshEdges edges(coordinates_.size() / 3, triangles_);
-    cover.sheets = oneSheetIsEnough(edges) ? 1 : 2;
-    cover.twin.assign(triangles_.size() * static_cast<std::size_t>(cover.sheets),
-                      DoubleCover::kNone);
+    cover.sheets = glueOneSheet(cover, edges) ? 1 : 2;
+    if (cover.sheets == 1) return;
+    isTurned_.assign(triangles_.size() / 3, false);
+    cover.twin.assign(2 * triangles_.size(), DoubleCover::kNone);
     edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
       if (isPrescribed(sides)) return;
-      if (cover.sheets == 1) {
-        glue(cover, sides[0].side, sides[1].side);
-      } else if (sides.size() < 3) {
+      if (sides.size() < 3) {
         glueRound(cover, lowerEnd, sides);
       } else {
         glueRound(cover, lowerEnd, sortedRound(lowerEnd, sides));
@@ -35,18 +35,68 @@ class Gluing {
     });
   }
 
+  /// Whether the front of a triangle runs through its corners the other way.
+  bool isTurned(std::size_t triangle) const { return isTurned_[triangle]; }
+
  private:
   /// If its higher end is, its lower one is as well.
   bool isPrescribed(std::span<const Side> sides) const { return sides[0].higherEnd < taggedCount_; }
 
-  bool oneSheetIsEnough(const MeshEdges& edges) const {
-    bool enough = true;
+  /// Glues fronts to fronts if every edge that is not prescribed has two triangles, and some of
+  /// them can be turned so that all run through their edges in opposite directions.
+  bool glueOneSheet(DoubleCover& cover, const MeshEdges& edges) {
+    bool inPairs = true;
+    bool opposed = true;
+    cover.twin.assign(triangles_.size(), DoubleCover::kNone);
     edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      const bool opposed = sides.size() == 2 &&
-                           startsAt(lowerEnd, sides[0].side) != startsAt(lowerEnd, sides[1].side);
-      enough = enough && (opposed || isPrescribed(sides));
+      if (isPrescribed(sides)) return;
+      inPairs = inPairs && sides.size() == 2;
+      if (!inPairs) return;
+      glue(cover, sides[0].side, sides[1].side);
+      opposed = opposed && startsAt(lowerEnd, sides[0].side) != startsAt(lowerEnd, sides[1].side);
     });
-    return enough;
+    isTurned_.assign(triangles_.size() / 3, false);
+    if (!inPairs || opposed) return inPairs;
+    if (!turnTriangles(cover)) return false;
+    for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
+      if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
+    }
+    for (DoubleCover::HalfEdge& twin : cover.twin) {
+      if (twin != DoubleCover::kNone && isTurned(asIndex(twin / 3)))
+        twin = 3 * (twin / 3) + 2 - twin % 3;
+    }
+    return true;
+  }
+
+  /// From one triangle to the next over their edges; the first one of each part stays as it is.
+  /// False if some part has only one side.
+  bool turnTriangles(const DoubleCover& cover) {
+    std::vector<bool> isKnown(isTurned_.size());
+    std::vector<std::int32_t> reached;
+    for (std::size_t first = 0; first < isKnown.size(); ++first) {
+      if (isKnown[first]) continue;
+      isKnown[first] = true;
+      reached.push_back(static_cast<std::int32_t>(first));
+      while (!reached.empty()) {
+        const std::int32_t here = reached.back();
+        reached.pop_back();
+        for (std::int32_t side = 3 * here; side < 3 * here + 3; ++side) {
+          const std::int32_t beyond = cover.twin[asIndex(side)];
+          if (beyond == DoubleCover::kNone) continue;
+          const std::int32_t there = beyond / 3;
+          const bool disagree = triangles_[asIndex(side)] == triangles_[asIndex(beyond)];
+          const bool turned = isTurned(asIndex(here)) != disagree;
+          if (!isKnown[asIndex(there)]) {
+            isKnown[asIndex(there)] = true;
+            isTurned_[asIndex(there)] = turned;
+            reached.push_back(there);
+          } else if (isTurned(asIndex(there)) != turned) {
+            return false;
+          }
+        }
+      }
+    }
+    return true;
   }
 
   bool startsAt(std::int32_t vertex, std::int32_t side) const {
@@ -91,6 +141,7 @@ class Gluing {
   std::int32_t taggedCount_;
   std::span<const double> coordinates_;
   std::span<const std::int32_t> triangles_;
+  std::vector<bool> isTurned_;
   std::vector<FanBlade> blades_;
   std::vector<Side> sorted_;
 };
@@ -116,7 +167,8 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
   constexpr std::size_t kMostHalfEdges = std::numeric_limits<std::int32_t>::max();
   if (triangles.size() > kMostHalfEdges / 2) throw std::bad_alloc();
   DoubleCover cover{};
-  Gluing(taggedCount, coordinates, triangles).glueEdges(cover);
+  Gluing gluing(taggedCount, coordinates, triangles);
+  gluing.glueEdges(cover);
   cover.origin.resize(cover.size());
   cover.cotangent.resize(cover.size());
   const auto point = [&](std::int32_t v) {
@@ -124,8 +176,9 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
                 coordinates[3 * asIndex(v) + 2]};
   };
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],
-                                                 triangles[3 * j + 2]};
+    std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],
+                                           triangles[3 * j + 2]};
+    if (gluing.isTurned(j)) std::swap(corners[1], corners[2]);
     const Cotangents shape = cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
     cover.raisedTriangles += shape.raised ? 1 : 0;
     placeTriangle(cover, j, corners, shape.at);

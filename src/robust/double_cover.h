@@ -14,8 +14,9 @@
 // whose ends are prescribed is not glued at all: flips would tear it off the mesh, and a
 // prescribed curve would become a row of points.
 //
-// Where every other edge has two triangles that run through it in opposite directions, the
-// two sheets are copies of each other, and one is enough.
+// Where every other edge has two triangles, and each part of the mesh has two sides, the two sheets
+// are copies of each other, and one is enough: that on which the first triangle of each part runs
+// through its corners in their order.
 #ifndef QELM_ROBUST_DOUBLE_COVER_H
 #define QELM_ROBUST_DOUBLE_COVER_H
 
@@ -30,7 +31,8 @@ inline std::size_t asIndex(std::int32_t number) { return static_cast<std::size_t
 
 /// Half-edge 3 f + k of face f leads from its k-th corner to the next one. Faces 0 .. m-1
 /// are the triangles' fronts, m .. 2m-1 (with two sheets) their backs, which run through
-/// the corners 0, 2, 1.
+/// the corners 0, 2, 1. On one sheet a triangle that runs through an edge as its
+/// neighbour does is turned: its face runs through the corners 0, 2, 1.
 struct DoubleCover {
   using HalfEdge = std::int32_t;
   static constexpr HalfEdge kNone = -1;
@@ -56,7 +58,8 @@ struct DoubleCover {
 /// coordinates, triangles of three different vertices.
 ///
 /// The result takes 48 bytes for each triangle and sheet; 24 more, and 8 for each vertex,
-/// are in use while its edges are found. Throws std::bad_alloc above 2^31 / 6 triangles.
+/// are in use while its edges are found, before half of the result is there. Throws std::bad_alloc
+/// above 2^31 / 6 triangles.
 DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinates,
                     std::span<const std::int32_t> triangles);
 

@@ -26,6 +26,18 @@ std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
   return free;
 }
 
+/// What assembling plain rows would say of the triangles.
+int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
+  std::vector<bool> isUsed(vertexCount);
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
+    if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
+    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = true;
+  }
+  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), false) == isUsed.end();
+  return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
+}
+
 void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
   a.freeFree.swap(b.freeFree);
   a.freeFixed.swap(b.freeFixed);
@@ -33,21 +45,29 @@ void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
 
 }  // namespace
 
-// The plain rows come first: they find a mesh's defects and say whether anything need be
-// done, in a fraction of the time of the rest. They are gone before the rest begins.
 // Blocks change places by swapping, see assembly.cpp.
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
                               std::span<const std::int32_t> triangles,
                               std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
-  RobustRows result{
-      assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds)), {}, {}};
+  const bool steep = haveSteepTriangle(taggedCount, coordinates, triangles);
+  RobustRows result{};
+  if (steep) {
+    std::vector<std::uint32_t>().swap(higherEnds);
+    result.rows.status = defectOf(coordinates.size() / 3, triangles);
+  } else {
+    // The plain rows find a mesh's defects and say whether anything need be done, in a fraction of
+    // the time of the rest. They are gone before the rest begins.
+    AssembledRows plain =
+        assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds));
+    result.rows.status = plain.status;
+    swapBlocks(result.rows.blocks, std::move(plain.blocks));
+  }
   if (result.rows.status != QELM_STATUS_OK) return result;
   if (!areFinite(coordinates)) {
     result.rows.status = QELM_CHECK_NOT_FINITE;
     swapBlocks(result.rows.blocks, {});
     return result;
   }
-  const bool steep = haveSteepTriangle(taggedCount, coordinates, triangles);
   if (!steep && isGood(result.rows.blocks)) return result;
   swapBlocks(result.rows.blocks, {});
 

@@ -22,13 +22,11 @@ class RowsView {
 
   explicit RowsView(double* first) : first_(first) {}
 
-  auto operator[](Eigen::Index i) const {
-    return Eigen::Map < Row,
-           Width == 1 ? Eigen::Unaligned : Eigen::Aligned16 > (first_ + i * Width);
-  }
+  auto operator[](Eigen::Index i) const { return Eigen::Map<Row, kAlignment>(first_ + i * Width); }
   RowsView from(Eigen::Index i) const { return RowsView(first_ + i * Width); }
 
  private:
+  static constexpr int kAlignment = Width == 1 ? Eigen::Unaligned : Eigen::Aligned16;
   double* first_;
 };
 

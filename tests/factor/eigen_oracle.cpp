@@ -81,17 +81,19 @@ std::string difference(const Opened<factor::Solver>& actual, const Opened<factor
 
 std::string differenceFromEigen(const Sparse& matrix) {
   const Opened<factor::Ldlt> expected(matrix);
+  const double never = std::numeric_limits<double>::infinity();
+  const auto compare = [&](const factor::Method& method, const std::string& how) {
+    const std::string found = difference(Opened<factor::Solver>(matrix, method), expected);
+    return found.empty() ? found : method.kernel.name + how + found;
+  };
   for (const factor::PanelKernel& kernel : factor::panelKernels()) {
-    for (const double leastReuse : {0.0, std::numeric_limits<double>::infinity()}) {
-      const Opened<factor::Solver> actual(matrix, factor::Method{kernel, leastReuse});
-      const std::string found = difference(actual, expected);
-      if (!found.empty()) {
-        return std::string(kernel.name) + (leastReuse == 0 ? ", in blocks: " : ", plainly: ") +
-               found;
-      }
+    for (const int smallSubtree : {0, 5, factor::kMostColumns}) {
+      const std::string found = compare({kernel, 0, smallSubtree},
+                                        ", subtrees of " + std::to_string(smallSubtree) + ": ");
+      if (!found.empty()) return found;
     }
   }
-  return {};
+  return compare({factor::panelKernels().front(), never}, ", plainly: ");
 }
 
 }  // namespace qelm::test

@@ -78,7 +78,7 @@ TEST(FactorSolver, GivesEigensBitsOnGridsNumberedInAnyWay) {
 
 TEST(FactorSolver, GivesEigensBitsForBandsArrowsStarsAndDenseMatrices) {
   Random random(3);
-  const int n = 300;
+  const int n = 600;
   Edges band, arrow, star, dense;
   for (int j = 0; j < n; ++j) {
     for (int i = std::max(0, j - 9); i < j; ++i) band.emplace_back(i, j);

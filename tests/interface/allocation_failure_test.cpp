@@ -171,7 +171,7 @@ TEST(AllocationFailure, DuringASolveWithinARangeLeavesTheResultAlone) {
 
 TEST(AllocationFailure, DuringAFactorisationInBlocksLeavesNothingBehind) {
   const MeshHandle system = construct(openSurface(24, 24, 1).withBoundaryTagged());
-  const factor::Method inBlocks = {factor::panelKernels().front(), 0};
+  const factor::Method inBlocks = {factor::panelKernels().front(), 0, 20};
   sweep([&] { const factor::Solver solver(*system->freeFreeBlock, inBlocks); }, [] {});
 }
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "mesh/element.h"
 #include "mesh/element_block.h"
+#include "mesh/plain_element.h"
 #include "support/random.h"
 
 namespace qelm::test {
@@ -86,7 +86,7 @@ void expectElements(AddElements addElements, const Soup& soup) {
   sums.addUp();
   for (std::size_t j = 0; j < soup.count(); ++j) {
     const ElementStiffness single =
-        elementStiffness(soup.point(3 * j), soup.point(3 * j + 1), soup.point(3 * j + 2));
+        plainElement(soup.point(3 * j), soup.point(3 * j + 1), soup.point(3 * j + 2));
     ASSERT_TRUE(sameNumbers(elementOf(sums, j), single)) << "triangle " << j;
   }
 }
@@ -138,7 +138,7 @@ void expectElementsOfScatteredVertices(AddElements addElements) {
     const auto point = [&](std::size_t k) {
       return soup.point(static_cast<std::size_t>(order[3 * j + k]));
     };
-    const ElementStiffness single = elementStiffness(point(0), point(1), point(2));
+    const ElementStiffness single = plainElement(point(0), point(1), point(2));
     ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j]), single.k00)) << "triangle " << j;
     ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j + 1]), single.k11)) << "triangle " << j;
     ASSERT_TRUE(sameNumber(sums.diagonal(order[3 * j + 2]), single.k22)) << "triangle " << j;

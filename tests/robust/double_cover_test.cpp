@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 #include "robust/edge_fan.h"
 #include "robust/places_order.h"
 #include "robust/soups.h"
+#include "robust/triangle_shape.h"
 #include "support/meshes.h"
 #include "support/random.h"
 
@@ -43,6 +45,69 @@ TEST(DoubleCover, OfAClosedOrientedSurfaceHasOneSheet) {
   const DoubleCover cover = coverOfMesh(torusMesh(7, 5));
   EXPECT_EQ(cover.sheets, 1);
   EXPECT_EQ(cover.size(), 210U);
+  expectGlued(cover, 0);
+}
+
+TEST(DoubleCover, TurnsTrianglesWhereThatSparesASheet) {
+  Random random(testSeed());
+  SCOPED_TRACE(seedTrace(testSeed()));
+  const Mesh given = torusMesh(9, 7);
+  for (int round = 0; round < 20; ++round) {
+    Mesh mesh = given;
+    for (std::size_t j = 0; j < mesh.triangles.size(); j += 3) {
+      if (uniformInt(random, 0, 1) == 1) std::swap(mesh.triangles[j + 1], mesh.triangles[j + 2]);
+    }
+    const DoubleCover cover = coverOfMesh(mesh);
+    ASSERT_EQ(cover.sheets, 1);
+    expectGlued(cover, 0);
+    // All runs as the first triangle does; each face keeps its corners and their angles.
+    EXPECT_TRUE(std::equal(cover.origin.begin(), cover.origin.begin() + 3, mesh.triangles.begin()));
+    for (std::size_t h = 0; h < cover.size(); ++h) {
+      const auto half = static_cast<DoubleCover::HalfEdge>(h);
+      const std::size_t opposite = static_cast<std::size_t>(DoubleCover::previous(half));
+      const auto corners = mesh.triangles.begin() + static_cast<std::ptrdiff_t>(h / 3 * 3);
+      const auto apex = std::find(corners, corners + 3, cover.origin[opposite]);
+      ASSERT_NE(apex, corners + 3);
+      const auto a = static_cast<std::size_t>(corners[(apex - corners + 1) % 3]);
+      const auto b = static_cast<std::size_t>(corners[(apex - corners + 2) % 3]);
+      const auto at = [&](std::size_t v) {
+        return Vec3{mesh.vertices[3 * v], mesh.vertices[3 * v + 1], mesh.vertices[3 * v + 2]};
+      };
+      EXPECT_EQ(cover.cotangent[h],
+                cotangentsOf(at(static_cast<std::size_t>(*apex)), at(a), at(b)).at[0]);
+    }
+  }
+}
+
+TEST(DoubleCover, OfTwoPartsTurnsEachByItself) {
+  Mesh mesh = torusMesh(5, 4);
+  const auto count = mesh.vertexCount();
+  const std::vector<std::int32_t> first = mesh.triangles;
+  for (std::size_t j = 0; j < first.size(); j += 3) {
+    for (const std::size_t k : {0, 2, 1}) mesh.triangles.push_back(first[j + k] + count);
+  }
+  mesh.vertices.insert(mesh.vertices.end(), mesh.vertices.begin(), mesh.vertices.end());
+  mesh.tags.resize(static_cast<std::size_t>(2 * count));
+  std::swap(mesh.triangles[4], mesh.triangles[5]);
+  const DoubleCover cover = coverOfMesh(mesh);
+  EXPECT_EQ(cover.sheets, 1);
+  expectGlued(cover, 0);
+  const std::size_t start = first.size();
+  EXPECT_TRUE(std::equal(cover.origin.begin() + static_cast<std::ptrdiff_t>(start),
+                         cover.origin.end(),
+                         mesh.triangles.begin() + static_cast<std::ptrdiff_t>(start)));
+}
+
+TEST(DoubleCover, OfAClosedSurfaceWithOneSideHasTwoSheets) {
+  Mesh plane;  // the projective plane: half of an icosahedron
+  plane.triangles = {0, 1, 2, 0, 2, 3, 0, 3, 4, 0, 4, 5, 0, 5, 1,
+                     1, 2, 4, 2, 3, 5, 3, 4, 1, 4, 5, 2, 5, 1, 3};
+  for (int v = 0; v < 6; ++v) {
+    for (const double c : {std::cos(v), std::sin(v), 0.1 * v * v}) plane.vertices.push_back(c);
+  }
+  plane.tags.resize(6);
+  const DoubleCover cover = coverOfMesh(plane);
+  EXPECT_EQ(cover.sheets, 2);
   expectGlued(cover, 0);
 }
 

@@ -188,5 +188,24 @@ TEST(RobustSoups, DoNotDependOnNumbersAndOrientations) {
   EXPECT_GT(tried, 3 * kSoupsOfAKind);
 }
 
+// Needles and caps on a surface that one sheet covers, whichever way its triangles are turned.
+TEST(RobustSoups, OfASteepClosedSurfaceDoNotDependOnNumbersAndOrientationsEither) {
+  Random random(testSeed());
+  SCOPED_TRACE(seedTrace(testSeed()));
+  for (int round = 0; round < 60; ++round) {
+    const double squeeze = std::ldexp(1.0, -uniformInt(random, 0, 20));
+    const Mesh mesh = torusMesh(9, 7)
+                          .mapped([&](Point p) {
+                            const double wobble = uniform(random, -0.05, 0.05);
+                            return Point{p.x + wobble, p.y - wobble, squeeze * p.z};
+                          })
+                          .withTagged({0, 20, 45});
+    expectTheSameShuffled(mesh, random);
+    if (HasFatalFailure()) return;
+    ASSERT_EQ(
+        robustReportOf(shuffled(mesh, permutation(random, mesh.vertexCount()), random)).sheets, 1);
+  }
+}
+
 }  // namespace
 }  // namespace qelm::test

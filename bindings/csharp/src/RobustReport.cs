@@ -19,8 +19,8 @@ namespace Qelm
         /// <summary>Whether the matrix is another one than that of <c>MeshSystem.Build</c>.</summary>
         public bool IsChanged { get; private set; }
 
-        /// <summary>2 over a surface that is open where nothing is prescribed, not oriented or not a surface at all,
-        /// or, mostly, has a steep triangle (an angle below 1.8 degrees); else 1.</summary>
+        /// <summary>2 over a surface that is open where nothing is prescribed, that has one side only, or is not a
+        /// surface at all; else 1.</summary>
         public int Sheets { get; private set; }
 
         /// <summary>Triangles without height, or almost.</summary>

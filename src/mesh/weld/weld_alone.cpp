@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <numeric>
 
+#include "interface/compiler.h"
 #include "mesh/index_table.h"
 #include "mesh/vec3.h"
 
@@ -160,11 +161,9 @@ class Joiner {
     }
   }
 
-  void prefetchFirst([[maybe_unused]] std::uint64_t hash) const {
-#if defined(__GNUC__)
+  void prefetchFirst(std::uint64_t hash) const {
     const std::int32_t first = table_.firstTried(hash);
-    if (first >= 0) __builtin_prefetch(&vertices_[3 * at(first)]);
-#endif
+    if (first >= 0) prefetchToRead(&vertices_[3 * at(first)]);
   }
 
   void join(std::int32_t point, const Place& place, std::uint64_t hash) {

@@ -170,20 +170,20 @@ bool anyPairWithinDirectly(std::span<const double> vertices, double radiusSquare
 
 }  // namespace
 
-// The points of one cell differ by less than one edge along each axis. With edges
-// of at most half the tolerance, the squared distance stays below 3/4 of the
-// squared one, rounding included. For tiny tolerances the edge is at most a
-// quarter of it: let q be the smallest positive number and n q the rounded square.
-// For n < 8 each squared difference is below q/2 and rounds to 0, which is below
-// n q; from there on the sum is at most 3 (n + 1/2) q / 16 + 3 q / 2 < n q.
+// The points of one cell differ by less than one edge e along each axis, and e is a power of
+// two that is at most half the tolerance. Rounding keeps order: if e * e is representable,
+// each squared difference is at most that, the sum of three at most 3 e * e, and the rounded
+// square of the tolerance at least 4 e * e. If it is not, e * e is at most a quarter of the
+// smallest positive number, and the squared differences round to 0.
 //
-// The other way round: what is welded there has a squared distance of at most
-// (n + 1/2) q while the squared tolerance is at least (n - 1/2) q, three times
-// less: no welded pair is farther apart than twice the tolerance.
+// The other way round: for tiny tolerances let q be the smallest positive number and n q
+// the rounded square. What is welded has a squared distance of at most (n + 1/2) q while the
+// squared tolerance is at least (n - 1/2) q, three times less: no welded pair is farther apart
+// than twice the tolerance.
 WeldScale weldScale(double tolerance) {
   const bool tiny = tolerance < kTinyTolerance;
   const int exponent = std::ilogb(std::min(tolerance, kOverflowLength / 2));
-  const double cell = std::ldexp(1.0, exponent - (tiny ? 2 : 1));
+  const double cell = std::ldexp(1.0, exponent - 1);
   const double reach = std::min(tolerance, kOverflowLength) / cell;
   return {tolerance * tolerance, cell, reach * (tiny ? 2 : kReachSlack)};
 }

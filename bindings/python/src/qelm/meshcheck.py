@@ -265,8 +265,7 @@ class RobustReport(NamedTuple):
     changed : bool
         Whether the matrix is not the plain one.
     sheets : int
-        2 over a surface that is open where nothing is fixed, not oriented or not a surface, or, mostly, has a steep
-        triangle (an angle below 1.8 degrees); else 1.
+        2 over a surface that is open where nothing is fixed, that has one side only, or is not a surface; else 1.
     flat_triangles : int
         Triangles too flat as they are.
     not_delaunay_edges : int
