@@ -190,7 +190,8 @@ class CommandLine {
         ->type_name("PAGE.html")
         ->required();
     command.add_option("--page", view_.page, "Fill in this page, such as the live one")
-        ->type_name("TEMPLATE.html");
+        ->type_name("TEMPLATE.html")
+        ->group("qelm help pictures");
     addViewOptions(command, view_.picture, "From where the page looks at first");
     addColourOptions(command, view_.picture);
     addOutputOptions(command, output_);

@@ -216,7 +216,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "  with the levels of the command line; their number can be changed on the page.\n"
      "  Click or tap a curve for its level and length; the address keeps what is\n"
      "  shown. Above 100,000 vertices the page has positions to 24 bits; values are\n"
-     "  always exact.\n"},
+     "  always exact. --page TEMPLATE.html fills in another page, such as the live one.\n"},
     {"facts", "what info says",
      "  On the standard output: counts, bounding box, area, lengths of edges, connected parts,\n"
      "  and the boundary loops by the numbers that loop:K takes. --json has every part and\n"
