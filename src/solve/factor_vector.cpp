@@ -10,8 +10,9 @@
 // Going up, the entries of a column are subtracted one after the other, and the columns are read
 // from the last to the first.
 //
-// Both ways wait for memory. Processors fetch ahead in rising order only, and begin anew with every
-// column of a group, so the values that come next are asked for here.
+// Where L is larger than the caches, both ways wait for memory. Processors fetch ahead in rising
+// order only, and begin anew with every column of a group, so the values that come next are asked
+// for here.
 #include "solve/factor_vector.h"
 
 #include "interface/compiler.h"
@@ -22,7 +23,11 @@ namespace {
 using Numbers = Eigen::Map<Eigen::ArrayXd>;
 using ConstNumbers = Eigen::Map<const Eigen::ArrayXd>;
 
+/// Entries, 16 MB of values. With fewer, asking for them takes longer than it saves.
+constexpr Eigen::Index kCached = 2'000'000;
+
 /// L's arrays, and what can be told from them about runs of columns.
+template <bool kIsCached>
 class Columns {
  public:
   explicit Columns(const SparseBlock& lower)
@@ -51,14 +56,16 @@ class Columns {
     return first;
   }
 
-  /// Has the values ready that lie some kilobytes before or after the column's.
-  void prefetchBefore(int column) const { prefetchAt(column, -kAhead); }
-  void prefetchAfter(int column) const { prefetchAt(column, kAhead); }
+  /// Has the values ready that lie some kilobytes before or after the column's. In line, since GCC
+  /// leaves out calls of functions that change nothing.
+  QELM_INLINE void prefetchBefore(int column) const { prefetchAt(column, -kAhead); }
+  QELM_INLINE void prefetchAfter(int column) const { prefetchAt(column, kAhead); }
 
  private:
   static constexpr int kAhead = 512;  // entries; twice and half of it give the same
 
-  void prefetchAt(int column, int distance) const {
+  QELM_INLINE void prefetchAt(int column, int distance) const {
+    if constexpr (kIsCached) return;
     constexpr int kCacheLine = 8;
     const double* const first = values(column);
     for (int k = 0; k < size(column); k += kCacheLine) prefetchToRead(first + k + distance);
@@ -93,6 +100,7 @@ void subtract(const Group& group, Numbers tail) {
   }
 }
 
+template <class Columns>
 void solveLowerAlone(const Columns& lower, int column, double* x) {
   const double pivot = x[column];
   if (pivot == 0) return;
@@ -102,6 +110,7 @@ void solveLowerAlone(const Columns& lower, int column, double* x) {
   for (int k = 0; k < lower.size(column); ++k) x[rows[k]] -= pivot * values[k];
 }
 
+template <class Columns>
 void solveLowerRun(const Columns& lower, int first, int past, double* x, double* scratch) {
   const int* const rows = lower.rows(past - 1);
   Numbers tail(scratch, lower.size(past - 1));
@@ -132,6 +141,7 @@ void solveLowerRun(const Columns& lower, int first, int past, double* x, double*
   for (int k = 0; k < tail.size(); ++k) x[rows[k]] = tail[k];
 }
 
+template <class Columns>
 void solveUpperAlone(const Columns& lower, int column, const Eigen::VectorXd& diagonal, double* x) {
   lower.prefetchBefore(column);
   const int* const rows = lower.rows(column);
@@ -141,6 +151,7 @@ void solveUpperAlone(const Columns& lower, int column, const Eigen::VectorXd& di
   x[column] = sum;
 }
 
+template <class Columns>
 void solveUpperRun(const Columns& lower, int first, int last, const Eigen::VectorXd& diagonal,
                    double* x, double* scratch) {
   const int* const rows = lower.rows(last);
@@ -156,33 +167,50 @@ void solveUpperRun(const Columns& lower, int first, int last, const Eigen::Vecto
   }
 }
 
-}  // namespace
-
-void solveLower(const SparseBlock& lower, double* x, double* scratch) {
-  const Columns columns(lower);
-  for (int first = 0; first < columns.count();) {
-    const int past = columns.pastRunFrom(first);
+template <class Columns>
+void solveLower(const Columns& lower, double* x, double* scratch) {
+  for (int first = 0; first < lower.count();) {
+    const int past = lower.pastRunFrom(first);
     if (past - first >= kShortestRun) {
-      solveLowerRun(columns, first, past, x, scratch);
+      solveLowerRun(lower, first, past, x, scratch);
     } else {
-      for (int column = first; column < past; ++column) solveLowerAlone(columns, column, x);
+      for (int column = first; column < past; ++column) solveLowerAlone(lower, column, x);
     }
     first = past;
   }
 }
 
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
-                           double* scratch) {
-  const Columns columns(lower);
-  for (int last = columns.count() - 1; last >= 0;) {
-    const int first = columns.firstOfRunUpTo(last);
+template <class Columns>
+void solveUpper(const Columns& lower, const Eigen::VectorXd& diagonal, double* x, double* scratch) {
+  for (int last = lower.count() - 1; last >= 0;) {
+    const int first = lower.firstOfRunUpTo(last);
     if (first == last) {
-      solveUpperAlone(columns, last, diagonal, x);
+      solveUpperAlone(lower, last, diagonal, x);
     } else {
-      solveUpperRun(columns, first, last, diagonal, x, scratch);
+      solveUpperRun(lower, first, last, diagonal, x, scratch);
     }
     last = first - 1;
   }
+}
+
+template <class Solve>
+void withColumnsOf(const SparseBlock& lower, Solve solve) {
+  if (lower.nonZeros() <= kCached) {
+    solve(Columns<true>(lower));
+  } else {
+    solve(Columns<false>(lower));
+  }
+}
+
+}  // namespace
+
+void solveLower(const SparseBlock& lower, double* x, double* scratch) {
+  withColumnsOf(lower, [&](const auto& columns) { solveLower(columns, x, scratch); });
+}
+
+void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
+                           double* scratch) {
+  withColumnsOf(lower, [&](const auto& columns) { solveUpper(columns, diagonal, x, scratch); });
 }
 
 }  // namespace qelm

@@ -72,6 +72,18 @@ TEST(FactorVector, HasTheBitsOfALoopOverColumns) {
   }
 }
 
+// Its values are asked for ahead.
+TEST(FactorVector, HasTheSameBitsWhereTheFactorIsLargerThanTheCaches) {
+  Random random(4);
+  const int side = 260;
+  const Sparse matrix = diagonallyDominant(side * side, gridGraph(side, side), random);
+  const factor::Solver solver(matrix);
+  const SparseBlock& lower = solver.matrixL().nestedExpression();
+  ASSERT_GT(lower.nonZeros(), 2'000'000);
+  expectTheBitsOfALoopOverColumns(lower, solver.vectorD(),
+                                  rightHandSide(matrix.cols(), 0.1, random));
+}
+
 TEST(FactorVector, PassesOverColumnsOfZerosEvenWhereLIsNotFinite) {
   Random random(3);
   const Sparse matrix = diagonallyDominant(30, randomGraph(30, 1, random), random);
