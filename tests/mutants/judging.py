@@ -1,4 +1,5 @@
 """Compiles mutants beside a finished build and runs its suites on them."""
+import concurrent.futures
 import hashlib
 import json
 import os
@@ -87,13 +88,15 @@ class Judge:
         names = sorted(p.name[: -len("_tests")] for p in (build.folder / "bin").glob("*_tests"))
         names = [n for n in names if n != "tool_geometry"] + ["bits"]
         self._links = {n: build.link_command(n if n == "bits" else f"{n}_tests") for n in names}
-        self._takes = {}
-        for name in names:
-            begin = time.monotonic()
-            with tempfile.TemporaryDirectory() as folder:
-                if not self._passes(name, build.folder / "bin" / self._program(name), folder, {}, 600):
-                    raise SystemExit(f"mutants: {name} fails on the sources as they are")
-            self._takes[name] = time.monotonic() - begin
+        with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+            self._takes = dict(zip(names, pool.map(self._time_as_is, names)))
+
+    def _time_as_is(self, suite):
+        begin = time.monotonic()
+        with tempfile.TemporaryDirectory() as folder:
+            if not self._passes(suite, self.build.folder / "bin" / self._program(suite), folder, {}, 600):
+                raise SystemExit(f"mutants: {suite} fails on the sources as they are")
+        return time.monotonic() - begin
 
     def judge(self, mutant):
         """A verdict, and which suite gave it."""

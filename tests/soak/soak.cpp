@@ -3,8 +3,9 @@
 // Threads that build, solve, cut, check, weld, export, duplicate, hand over and free at
 // random, on random meshes, while one allocation in some fails. What was solved once is
 // compared, bit by bit, with every later solve of the same system, on whichever thread.
-// Every few seconds all threads end, everything is freed, and as many blocks must be
-// allocated as at the end of the first round. For builds with a sanitizer: see scripts/soak.
+// Every few seconds all threads end, everything is freed, and no more blocks may be
+// allocated than at the end of the first round, but for a few. For builds with a sanitizer, which
+// looks for every single block at the end: see scripts/soak.
 #include <atomic>
 #include <bit>
 #include <chrono>
@@ -33,6 +34,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kThreads = 6;
 constexpr std::size_t kMostHandles = 6;
 constexpr std::chrono::seconds kRound{5};
+/// What the runtime allocates once, when something happens for the first time.
+constexpr long kOnce = 16;
 
 struct Free {
   void operator()(MeshSystem* handle) const { qelmfree(handle); }
@@ -329,7 +332,7 @@ int run(int seconds, std::uint64_t seed) {
                 static_cast<long long>(exhausted), blocks, resident);
     std::fflush(stdout);
     if (!blocksAfterFirst) blocksAfterFirst = ShakyHeap::liveBlocks();
-    if (blocks > *blocksAfterFirst) fail("blocks were not given back");
+    if (blocks > *blocksAfterFirst + kOnce) fail("blocks were not given back");
   }
   return 0;
 }
