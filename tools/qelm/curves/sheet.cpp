@@ -90,7 +90,7 @@ double roundScale(double most) {
 SheetChoice::SheetChoice(const SheetOptions& options, const std::string& valueUnit) {
   const LengthUnit& unit = parsedUnit(options, valueUnit);
   unit_ = unit.millimetres;
-  meshUnit_ = unit.name;
+  meshUnit_ = std::string(unit.name);
   if (!options.scale.empty()) scale_ = parsedScale(options.scale);
   if (options.paper.empty()) return;
   for (const NamedPaper& paper : kPapers)
