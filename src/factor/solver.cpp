@@ -34,11 +34,14 @@ Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
 
 }  // namespace
 
-// Having factorised an empty matrix, Eigen's object counts as initialised, with success.
+// What Eigen's compute() says of itself, also of an empty matrix. It is not called: it leaves a
+// block behind if memory runs out in the middle.
 Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
-               const CostReview& review)
-    : Ldlt(Sparse()) {
+               const CostReview& review) {
+  m_isInitialized = true;
   if (matrix.cols() == 0) {
+    m_analysisIsOk = true;
+    m_factorizationIsOk = true;
     if (review) review({});
     return;
   }

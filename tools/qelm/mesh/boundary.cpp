@@ -12,8 +12,8 @@
 namespace qelm::tool {
 namespace {
 
-/// Side k of a triangle is the one facing its corner k.
-struct Side {
+/// BoundarySide k of a triangle is the one facing its corner k.
+struct BoundarySide {
   int low, high;  ///< the edge's vertices
   int index;      ///< 3 * triangle + k
 };
@@ -50,13 +50,13 @@ class Walker {
 
  private:
   void joinSides() {
-    std::vector<Side> sides;
+    std::vector<BoundarySide> sides;
     sides.reserve(beyond_.size());
     for (int side = 0; side < static_cast<int>(beyond_.size()); ++side) {
       const auto [a, b] = ends(side);
       sides.push_back({std::min(a, b), std::max(a, b), side});
     }
-    std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
+    std::sort(sides.begin(), sides.end(), [](const BoundarySide& a, const BoundarySide& b) {
       return std::tie(a.low, a.high, a.index) < std::tie(b.low, b.high, b.index);
     });
     for (std::size_t first = 0; first < sides.size();) {
@@ -69,7 +69,7 @@ class Walker {
     }
   }
 
-  void joinGroup(const Side* group, std::size_t count) {
+  void joinGroup(const BoundarySide* group, std::size_t count) {
     if (count == 1) return;
     for (std::size_t k = 0; k < count; ++k)
       beyond_[static_cast<std::size_t>(group[k].index)] =

@@ -10,13 +10,13 @@
 namespace qelm::tool {
 namespace {
 
-struct Side {
+struct FacingSide {
   int low, high;
   double cotangent;  ///< of the opposite angle
 };
 
-std::vector<Side> sidesOf(const Mesh& mesh) {
-  std::vector<Side> sides;
+std::vector<FacingSide> sidesOf(const Mesh& mesh) {
+  std::vector<FacingSide> sides;
   sides.reserve(mesh.triangles.size());
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
@@ -30,7 +30,7 @@ std::vector<Side> sidesOf(const Mesh& mesh) {
         sides.push_back({std::min(a, b), std::max(a, b), cotangent});
     }
   }
-  std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
+  std::sort(sides.begin(), sides.end(), [](const FacingSide& a, const FacingSide& b) {
     return std::tie(a.low, a.high) < std::tie(b.low, b.high);
   });
   return sides;
@@ -40,7 +40,7 @@ std::vector<Side> sidesOf(const Mesh& mesh) {
 
 NotDelaunay notDelaunay(const Mesh& mesh, std::span<const int> tags) {
   constexpr double kRounding = 1e-9;  // of the cotangents, for corners on one circle
-  const std::vector<Side> sides = sidesOf(mesh);
+  const std::vector<FacingSide> sides = sidesOf(mesh);
   NotDelaunay found;
   for (std::size_t first = 0; first < sides.size();) {
     const auto [low, high, ignored] = sides[first];

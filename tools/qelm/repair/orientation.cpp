@@ -55,29 +55,29 @@ std::vector<std::vector<Neighbour>> neighboursOf(const Mesh& mesh) {
   return neighbours;
 }
 
-enum class Side : char { unknown, asItIs, turned };
+enum class Turn : char { unknown, asItIs, turned };
 
-Side across(Side side, bool isOpposed) {
-  return isOpposed == (side == Side::asItIs) ? Side::turned : Side::asItIs;
+Turn across(Turn side, bool isOpposed) {
+  return isOpposed == (side == Turn::asItIs) ? Turn::turned : Turn::asItIs;
 }
 
 }  // namespace
 
 Orientation orientAlike(Mesh& mesh) {
   const auto neighbours = neighboursOf(mesh);
-  std::vector<Side> sides(neighbours.size(), Side::unknown);
+  std::vector<Turn> sides(neighbours.size(), Turn::unknown);
   Orientation result;
   for (int start = 0; start < mesh.triangleCount(); ++start) {
-    if (sides[static_cast<std::size_t>(start)] != Side::unknown) continue;
-    sides[static_cast<std::size_t>(start)] = Side::asItIs;
+    if (sides[static_cast<std::size_t>(start)] != Turn::unknown) continue;
+    sides[static_cast<std::size_t>(start)] = Turn::asItIs;
     std::vector<int> piece = {start};
     int opposed = 0;
     for (std::size_t k = 0; k < piece.size(); ++k) {
       const auto t = static_cast<std::size_t>(piece[k]);
       for (const Neighbour& next : neighbours[t]) {
-        Side& side = sides[static_cast<std::size_t>(next.triangle)];
-        const Side wanted = across(sides[t], next.isOpposed);
-        if (side == Side::unknown) {
+        Turn& side = sides[static_cast<std::size_t>(next.triangle)];
+        const Turn wanted = across(sides[t], next.isOpposed);
+        if (side == Turn::unknown) {
           side = wanted;
           piece.push_back(next.triangle);
         } else if (side != wanted) {
@@ -87,11 +87,11 @@ Orientation orientAlike(Mesh& mesh) {
     }
     result.opposed += opposed / 2;
     const auto turned = std::count_if(piece.begin(), piece.end(), [&](int t) {
-      return sides[static_cast<std::size_t>(t)] == Side::turned;
+      return sides[static_cast<std::size_t>(t)] == Turn::turned;
     });
     const bool turnsTheRest = 2 * turned > static_cast<std::ptrdiff_t>(piece.size());
     for (const int t : piece) {
-      if ((sides[static_cast<std::size_t>(t)] == Side::turned) == turnsTheRest) continue;
+      if ((sides[static_cast<std::size_t>(t)] == Turn::turned) == turnsTheRest) continue;
       const std::size_t base = 3 * static_cast<std::size_t>(t);
       std::swap(mesh.triangles[base + 1], mesh.triangles[base + 2]);
       ++result.turned;
