@@ -38,7 +38,7 @@ Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
 // block behind if memory runs out in the middle.
 Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
                const CostReview& review) {
-  m_isInitialized = true;
+  Eigen::SparseSolverBase<Ldlt>::m_isInitialized = true;
   if (matrix.cols() == 0) {
     m_analysisIsOk = true;
     m_factorizationIsOk = true;
