@@ -15,6 +15,11 @@ bool blocksPay(const EliminationTree& tree, const Method& method) {
 
 namespace {
 
+/// A class between Eigen's base and its SimplicialLDLT hides this from those derived from it.
+struct Initialized : Eigen::SparseSolverBase<Ldlt> {
+  static constexpr bool Eigen::SparseSolverBase<Ldlt>::*member = &Initialized::m_isInitialized;
+};
+
 /// The number of each unknown from the unknown of each number.
 Eigen::VectorXi numbersOf(std::span<const std::int32_t> unknowns) {
   Eigen::VectorXi numbers(static_cast<Eigen::Index>(unknowns.size()));
@@ -34,11 +39,11 @@ Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
 
 }  // namespace
 
-// What Eigen's compute() says of itself, also of an empty matrix. It is not called: it leaves a
-// block behind if memory runs out in the middle.
+// Sets what Eigen's compute() says of itself, also of an empty matrix. compute() is not called: it
+// leaves a block behind if memory runs out in the middle.
 Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
                const CostReview& review) {
-  Eigen::SparseSolverBase<Ldlt>::m_isInitialized = true;
+  this->*Initialized::member = true;
   if (matrix.cols() == 0) {
     m_analysisIsOk = true;
     m_factorizationIsOk = true;
