@@ -52,10 +52,10 @@ class Tile {
     });
   }
 
-  QELM_INLINE void subtract(const double* columns, int k) {
+  QELM_INLINE void subtract(const double* columns, std::ptrdiff_t k) {
     unrolled<kVectors>([&](auto v) __attribute__((always_inline)) {
       Vector column;
-      load(column, columns + k * kBlock + v * kLanes);
+      load(column, columns + k * kBlock + std::ptrdiff_t{v * kLanes});
       unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
         sums_[r][v] -= column * rows_[r].source[k];
       });
@@ -72,7 +72,7 @@ class Tile {
     unrolled<kVectors - k / kLanes>([&](auto v) __attribute__((always_inline)) {
       constexpr int kVector = k / kLanes + v;
       Vector column;
-      load(column, columns + k * kBlock + kVector * kLanes);
+      load(column, columns + std::ptrdiff_t{k * kBlock + kVector * kLanes});
       unrolled<kRows>([&](auto r) __attribute__((always_inline)) {
         sums_[r][kVector] -= column * solved[r];
       });

@@ -39,8 +39,8 @@ class SmallFactor {
         factor_(factor),
         firstColumn_(supernodes.count()),
         entriesOfRow_(Eigen::VectorXi::Constant(supernodes.ofColumn.size(), kNone)),
-        rows_(kMostColumns * kMostColumns),
-        values_(kMostColumns * kMostColumns) {}
+        rows_(std::size_t{kMostColumns} * kMostColumns),
+        values_(rows_.size()) {}
 
   /// The subtree that has this root. False if a pivot is zero or not finite.
   bool factorize(int root) {

@@ -101,7 +101,7 @@ void TargetPanel::updateEntries(const Source& source, const Visit& visit) {
   std::array<double, kFewMultiplications> quotients;
   for (int c = 0; c < columnCount; ++c) {
     divideApart(source.panel.tailRow(source.firstRow + c) + visit.begin, pivots, depth,
-                quotients.data() + c * depth, 1);
+                quotients.data() + std::ptrdiff_t{c} * depth, 1);
   }
   for (const int p : visit.rows) {
     const double* const y = source.panel.tailRow(p) + visit.begin;
@@ -137,7 +137,7 @@ void TargetPanel::updateChunk(const Source& source, const Visit& visit, int firs
   for (std::size_t k = 0; k < count; ++k) {
     const int p = visit.rows[k];
     rows_[k] = {source.panel.tailRow(p) + visit.begin,
-                row(place_[source.panel.rows[p]]) + firstBlock * kBlock};
+                row(place_[source.panel.rows[p]]) + std::ptrdiff_t{firstBlock} * kBlock};
   }
   fillUpGroup(count);
   std::size_t below = 0;
@@ -147,9 +147,10 @@ void TargetPanel::updateChunk(const Source& source, const Visit& visit, int firs
     while (below + kernel_.rowGroup <= count && source.panel.rows[lastOfGroup()] < firstColumn) {
       below += kernel_.rowGroup;
     }
-    kernel_.update(std::span<const RowPair>(rows_).subspan(below),
-                   columns_.data() + (b * source.panel.width + visit.begin) * kBlock,
-                   visit.end - visit.begin);
+    kernel_.update(
+        std::span<const RowPair>(rows_).subspan(below),
+        columns_.data() + (std::ptrdiff_t{b} * source.panel.width + visit.begin) * kBlock,
+        visit.end - visit.begin);
     for (std::size_t r = below; r < count; ++r) rows_[r].target += kBlock;
   }
 }
@@ -229,7 +230,7 @@ bool TargetPanel::factorizeBlock(int firstColumn) {
     for (int c = 0; c <= r; ++c) {
       if (c > 0) columns[(c - 1) * kBlock + r] = entries[c - 1] / pivots[c - 1];
       const double* const other = columns + c;
-      for (int k = 0; k < c; ++k) entries[c] -= other[k * kBlock] * entries[k];
+      for (std::ptrdiff_t k = 0; k < c; ++k) entries[c] -= other[k * kBlock] * entries[k];
     }
     pivots[r] = entries[r];
     if (pivots[r] == 0 || !std::isfinite(pivots[r])) return false;

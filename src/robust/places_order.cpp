@@ -97,7 +97,7 @@ void sortByPlace(std::span<std::int32_t> vertices, const Cells& cells,
                    static_cast<std::uint64_t>(v));
   std::sort(keys.begin(), keys.end());
   const auto place = [&](std::uint64_t key) {
-    const double* const p = &coordinates[3 * static_cast<std::uint32_t>(key)];
+    const double* const p = &coordinates[3 * std::size_t{static_cast<std::uint32_t>(key)}];
     return std::tuple(p[0], p[1], p[2], key);
   };
   for (auto begin = keys.begin(); begin != keys.end();) {

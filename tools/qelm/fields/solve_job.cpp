@@ -280,8 +280,8 @@ void requireRange(const SolvedField& solved, const char* use) {
       continue;
     throw RequestError(fmt::format(
         "{}: the field{} is {} everywhere, so there is no range to {}{}", solved.meshName,
-        solved.fieldCount() > 1 ? " " + solved.fieldName(k) : "", digits(range.low), use,
-        solved.given.empty() ? "; fix vertices at two different values at least" : ""));
+        solved.fieldCount() > 1 ? fmt::format(" {}", solved.fieldName(k)) : "", digits(range.low),
+        use, solved.given.empty() ? "; fix vertices at two different values at least" : ""));
   }
 }
 
