@@ -84,7 +84,7 @@ TEST(DoubleCover, OfTwoPartsTurnsEachByItself) {
   const auto count = mesh.vertexCount();
   const std::vector<std::int32_t> first = mesh.triangles;
   for (std::size_t j = 0; j < first.size(); j += 3) {
-    for (const std::size_t k : {0, 2, 1}) mesh.triangles.push_back(first[j + k] + count);
+    for (const std::size_t k : {0U, 2U, 1U}) mesh.triangles.push_back(first[j + k] + count);
   }
   mesh.vertices.insert(mesh.vertices.end(), mesh.vertices.begin(), mesh.vertices.end());
   mesh.tags.resize(static_cast<std::size_t>(2 * count));
