@@ -62,8 +62,8 @@ std::uint64_t ZipArchive::word(std::uint64_t at, std::size_t size) const {
   if (at > bytes_.size() || size > bytes_.size() - at)
     fail("a damaged ZIP archive; it may be cut short");
   std::uint64_t value = 0;
-  for (std::size_t k = size; k-- > 0;)
-    value = (value << 8) | static_cast<unsigned char>(bytes_[at + k]);
+  for (std::size_t k = size; k > 0; --k)
+    value = (value << 8) | static_cast<unsigned char>(bytes_[at + k - 1]);
   return value;
 }
 
