@@ -31,7 +31,7 @@ void requireFieldGivesIt(const std::vector<double>& load) {
   qelm::tool::Mesh mesh;
   mesh.vertices.assign(3 * load.size(), 0.5);
   qelm::fuzz::Memory file;
-  writeFieldCsv(mesh, fieldTitles(1), load, file);
+  writeFieldCsv(mesh, qelm::tool::fieldTitles(1), load, file);
   const std::vector<bool> used(load.size(), true);
   require(qelm::fuzz::sameBits(qelm::tool::parseLoad(file.bytes, "field.csv", used), load),
           "a field that is written is read with the same bits");
