@@ -11,6 +11,8 @@ foreach(package ${library} libqelm-dev qelm)
   install(DIRECTORY "${QELM_DEBIAN}/${package}/" DESTINATION "share/doc/${package}"
     COMPONENT ${component_of_${package}})
 endforeach()
+install(FILES "${PROJECT_SOURCE_DIR}/packaging/debian/qelm.lintian-overrides"
+  DESTINATION share/lintian/overrides RENAME qelm COMPONENT tool)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME qelm)
