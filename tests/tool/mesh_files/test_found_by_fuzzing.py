@@ -107,3 +107,9 @@ def test_a_face_of_an_off_file_over_very_many_lines_does_not_take_for_ever(qelm)
     done = subprocess.run(command, cwd=qelm.folder, capture_output=True, timeout=20, encoding="utf-8")
     assert done.returncode == 4
     assert "a.off: none of 1 faces has three different corners" in done.stderr
+
+
+def test_a_number_beyond_every_double_in_a_gltf_file_is_refused(qelm):
+    qelm.write("a.gltf", '{"asset": {"version": "2.0"}, "extras": 1e999}')
+    message = qelm.fails(3, "info", "a.gltf")
+    assert "a.gltf: not a glTF file: a number in its JSON is beyond every double" in message

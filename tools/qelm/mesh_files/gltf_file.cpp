@@ -118,6 +118,8 @@ void GltfFile::parse(std::string_view json) {
     const auto line =
         1 + std::count(json.begin(), json.begin() + static_cast<std::ptrdiff_t>(end), '\n');
     throw FileError(fmt::format("{}:{}: not a glTF file: damaged JSON", name_, line));
+  } catch (const Json::out_of_range&) {
+    fail("not a glTF file: a number in its JSON is beyond every double");
   }
 }
 
