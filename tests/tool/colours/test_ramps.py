@@ -111,6 +111,7 @@ BAD_IMAGES = {
     "cut short": (png([[(0, 0, 0), (9, 9, 9)]])[:50], "bad.png: not a PNG image, or a damaged one"),
     "one colour": (png([[(0, 0, 0)]]), "bad.png: two colours at least make a ramp"),
     "length and name of a chunk alone": (png([[(0, 0, 0), (9, 9, 9)]])[:33] + b"\x52\0\0\x12IDATx", "bad.png: not a PNG image, or a damaged one"),
+    "data without bytes": (png([[(0, 0, 0), (9, 9, 9)]])[:33] + b"\0\0\0\0IDAT" + b"x" * 4 + png([[(0, 0, 0), (9, 9, 9)]])[33:], "bad.png: not a PNG image, or a damaged one"),
     "chunk without end": (png([[(0, 0, 0), (9, 9, 9)]])[:33] + b"\x4b\0\0\0IDAT" + b"x" * 40, "bad.png: not a PNG image, or a damaged one"),
     "huge": (png([[(0, 0, 0)]])[:16] + struct.pack(">II", 8000, 8000) + png([[(0, 0, 0)]])[24:], "bad.png: "),
 }

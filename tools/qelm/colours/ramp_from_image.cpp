@@ -36,8 +36,8 @@ constexpr std::size_t kMostBytes = 256 << 10;
   throw FileError(fmt::format("{}: {}", name, what));
 }
 
-/// Whether the file has the chunks in full that it announces, up to its end's; memory is taken for
-/// them unseen.
+/// Whether the file has the chunks in full that it announces, up to its end's, and bytes in each of
+/// its data; memory is taken for them unseen.
 bool hasItsChunks(std::string_view bytes) {
   constexpr std::size_t kSignature = 8;
   constexpr std::size_t kAround = 12;  // a chunk's length, name and check sum
@@ -48,7 +48,8 @@ bool hasItsChunks(std::string_view bytes) {
     std::size_t size = kAround;
     for (std::size_t k = 0; k < 4; ++k)
       size += std::size_t{static_cast<unsigned char>(bytes[k])} << (8 * (3 - k));
-    if (size > bytes.size()) return false;
+    const bool isEmptyData = size == kAround && bytes.substr(4, 4) == "IDAT";
+    if (size > bytes.size() || isEmptyData) return false;
     bytes.remove_prefix(size);
   }
   return false;
