@@ -105,7 +105,9 @@ def test_examples_in_the_documents_run(qelm, page):
     text = (built.SOURCE / "docs" / page).read_text()
     write_example_files(qelm)
     for line in re.findall(r"^qelm .*$", text, re.MULTILINE):
-        qelm.ok(*shlex.split(line)[1:])
+        command = shlex.split(line)[1:]
+        if command[0] != "view" or built.HAS_VIEW_PAGE:
+            qelm.ok(*command)
 
 
 def test_documents_name_every_command_selector_and_exit_code(qelm):
