@@ -14,7 +14,7 @@
 
 namespace qelm::tool {
 
-/// Khronos, glTF 2.0 Specification.
+/// A glTF document (Khronos, glTF 2.0, 2021) with one buffer, put together piece by piece.
 class GltfBuilder {
  public:
   using Json = nlohmann::ordered_json;

@@ -11,8 +11,8 @@ namespace qelm::tool {
 
 /// Reads the triangles of all objects that the build names, each where its components and item put
 /// it; parts in models of their own as well. Coordinates are in the file's unit. Indices are not
-/// looked at. Throws FileError that names the line of the model. Format: 3MF Consortium, "3D
-/// Manufacturing Format, Core Specification" and "Production Extension".
+/// looked at. Throws FileError that names the line of the model. Format: 3MF Consortium, 3D
+/// Manufacturing Format, its core and the extension for production.
 PolygonSoup readThreemf(std::string_view bytes, const std::string& name);
 
 }  // namespace qelm::tool
