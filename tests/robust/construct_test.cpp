@@ -70,6 +70,20 @@ TEST(RobustConstructor, LooksForRepeatedThenUnusedVerticesThenForWhatIsNotFinite
   EXPECT_EQ(call.status(), QELM_STATUS_REPEATED_VERTEX);
 }
 
+TEST(RobustConstructor, LooksForTheSameDefectsWhereATriangleIsSteep) {
+  RawCall call;
+  for (std::size_t y = 1; y < call.mesh.vertices.size(); y += 3) call.mesh.vertices[y] *= 1e-6;
+  ASSERT_EQ(robustReportOf(call.mesh).changed, 1);
+  call.triangleCount = 1;
+  EXPECT_EQ(call.status(), QELM_STATUS_UNUSED_VERTEX);
+  call.triangleCount = 2;
+  call.mesh.vertices[5] = kNaN;  // of one triangle; the other stays steep
+  EXPECT_EQ(call.status(), QELM_CHECK_NOT_FINITE);
+  call.mesh.triangles = {0, 2, 3, 0, 1, 1};
+  call.triangles = call.mesh.triangles.data();
+  EXPECT_EQ(call.status(), QELM_STATUS_REPEATED_VERTEX);
+}
+
 TEST(RobustConstructor, TakesNullForTheTaggedCount) {
   RawCall call;
   int status = -1;

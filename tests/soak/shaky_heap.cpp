@@ -46,21 +46,6 @@ void __wrap_free(void* block) {
 
 }  // extern "C"
 
-void* operator new(std::size_t size) {
-  void* const block = std::malloc(size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
-
 namespace qelm::test {
 
 ShakyHeap::ShakyHeap(int failAt) { untilFailure = failAt; }
