@@ -14,7 +14,7 @@
 //        r    Y Y Y               r    t t           4. it is put back and becomes a source
 //           a source             the target
 //
-// Supernodes of small subtrees at the bottom of the tree are computed before, without panels
+// Supernodes of small subtrees at the bottom of the tree are computed before, row by row
 // (factorizeSmall()); they are sources all the same.
 //
 // A source waits in the list of the supernode that its next row is a column of. Panels keep Y until
