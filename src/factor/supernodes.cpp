@@ -21,10 +21,10 @@ Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest) {
   found.starts.resize(n + 1);
   int count = 0;
   for (int j = 0; j < n; ++j) {
-    const bool goesOn = j > 0 && tree.parent[j - 1] == j && children[j] == 1 &&
-                        tree.counts[j - 1] == tree.counts[j] + 1 &&
-                        j - found.starts[count - 1] < widest;
-    if (!goesOn) found.starts[count++] = j;
+    const bool joinsPrevious = j > 0 && tree.parent[j - 1] == j && children[j] == 1 &&
+                               tree.counts[j - 1] == tree.counts[j] + 1 &&
+                               j - found.starts[count - 1] < widest;
+    if (!joinsPrevious) found.starts[count++] = j;
     found.ofColumn[j] = count - 1;
   }
   found.starts[count] = n;
