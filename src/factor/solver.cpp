@@ -3,7 +3,7 @@
 #include "factor/blocked_factor.h"
 #include "factor/supernodes.h"
 #include "factor/symbolic.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 

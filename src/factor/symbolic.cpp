@@ -9,7 +9,7 @@
 
 #include "factor/panel_kernel.h"
 #include "factor/supernodes.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
