@@ -16,7 +16,7 @@
 #include <Eigen/OrderingMethods>
 #include <algorithm>
 
-#include "interface/indexable.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 

@@ -12,7 +12,7 @@
 #include "factor/blocked_factor.h"
 #include "factor/ordering.h"
 #include "factor/supernodes.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
