@@ -35,6 +35,7 @@
 #include "factor/small_subtrees.h"
 #include "factor/target_panel.h"
 #include "interface/compiler.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
@@ -76,7 +77,7 @@ class DescendantLists {
       const int* const rows = descendant.panel.rowIndices;
       const int* const past = std::lower_bound(rows + descendant.firstRow,
                                                rows + descendant.panel.belowCount, pastTarget);
-      descendant.pastColumns = static_cast<int>(past - rows);
+      descendant.pastColumns = asInt(past - rows);
     }
     std::sort(descendants.begin(), descendants.end(),
               [](const Descendant& a, const Descendant& b) { return a.supernode < b.supernode; });
@@ -94,7 +95,7 @@ int rowsWithin(const SmallSubtrees& subtrees, const Supernodes& supernodes, cons
   const int* const past =
       std::partition_point(panel.rowIndices, panel.rowIndices + panel.belowCount,
                            [&](int row) { return subtrees.contains(supernodes.ofColumn[row]); });
-  return static_cast<int>(past - panel.rowIndices);
+  return asInt(past - panel.rowIndices);
 }
 
 /// All steps but toCompressedColumns(). False as factorizeBlocked().
@@ -106,7 +107,7 @@ bool computePanels(const Sparse& upper, const EliminationTree& tree, const Super
 
   if (!factorizeSmall(subtrees, supernodes, paths, factor)) return false;
 
-  Passes passes(paths, static_cast<std::size_t>(upper.cols()));
+  Passes passes(paths, asIndex(upper.cols()));
   DescendantLists lists(supernodes.count());
   TargetPanel target(factor, kernel, upper.cols());
   std::vector<Descendant> descendants;

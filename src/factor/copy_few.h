@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <cstring>
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 
 /// Copies `count` numbers. Up to 32 of them take less time than a call of memcpy.
 inline void copyFew(const double* from, int count, double* to) {
   if (count > 32) {
-    std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(double));
+    std::memcpy(to, from, asIndex(count) * sizeof(double));
     return;
   }
   for (; count >= 4; count -= 4, from += 4, to += 4) std::memcpy(to, from, 4 * sizeof(double));

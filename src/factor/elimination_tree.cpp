@@ -19,6 +19,8 @@
 
 #include <numeric>
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 namespace {
 
@@ -29,7 +31,7 @@ template <class Visit>
 void forEachAboveDiagonal(const Sparse& upper, Visit visit) {
   for (int j = 0; j < upper.cols(); ++j) {
     for (Sparse::InnerIterator entry(upper, j); entry; ++entry) {
-      if (entry.row() < j) visit(static_cast<int>(entry.row()), j);
+      if (entry.row() < j) visit(asInt(entry.row()), j);
     }
   }
 }
@@ -50,7 +52,7 @@ VectorXi parents(const Sparse& upper) {
 
 /// The nodes in postorder: every subtree is a run that ends with its root.
 VectorXi postorder(const VectorXi& parent) {
-  const auto n = static_cast<int>(parent.size());
+  const auto n = asInt(parent.size());
   VectorXi firstChild = VectorXi::Constant(n, kNoColumn);
   VectorXi nextSibling(n);
   VectorXi order(n);
@@ -101,8 +103,7 @@ struct StrictlyLowerPattern {
 /// root of the finished subtree that a node is in.
 class FinishedSubtrees {
  public:
-  explicit FinishedSubtrees(Eigen::Index n)
-      : upwards_(VectorXi::LinSpaced(n, 0, static_cast<int>(n) - 1)) {}
+  explicit FinishedSubtrees(Eigen::Index n) : upwards_(VectorXi::LinSpaced(n, 0, asInt(n) - 1)) {}
 
   int rootOf(int node) {
     int root = node;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 namespace {
 
@@ -36,7 +38,7 @@ void Passes::findAscendingRows(std::span<const Descendant> descendants) {
   for (const Descendant& descendant : descendants) {
     const auto paths = paths_.ofSupernode(descendant.supernode);
     for (int p = descendant.firstRow; p < descendant.panel.belowCount; ++p) {
-      const int path = paths[static_cast<std::size_t>(p)];
+      const int path = paths[asIndex(p)];
       RowState& row = state(descendant.panel.rowIndices[p]);
       if (row.target != target_) row = {target_, RowPaths::kSplit - 1, false, kNoRowPath};
       if (path > row.lastPath && !row.ascends) {
@@ -58,7 +60,7 @@ void Passes::listRowPaths(std::span<const Descendant> descendants) {
     updateStarts_.push_back(rowPathOfUpdate_.size());
     for (int p = descendant.firstRow; p < descendant.panel.belowCount; ++p) {
       const int row = descendant.panel.rowIndices[p];
-      const int path = paths[static_cast<std::size_t>(p)];
+      const int path = paths[asIndex(p)];
       if (!state(row).ascends) {
         rowPathOfUpdate_.push_back(kOnePass);
       } else if (path != RowPaths::kSplit) {
@@ -83,16 +85,16 @@ int Passes::extendRowPath(int row, int number, std::size_t descendant) {
   while (*link != kNoRowPath && rowPath(*link).number > number) link = &rowPath(*link).next;
   if (*link == kNoRowPath || rowPath(*link).number != number) {
     const int next = *link;
-    *link = static_cast<int>(rowPaths_.size());
+    *link = asInt(rowPaths_.size());
     rowPaths_.push_back({number, descendant, descendant, 0, next});
-    return static_cast<int>(rowPaths_.size()) - 1;
+    return asInt(rowPaths_.size()) - 1;
   }
   rowPath(*link).lastDescendant = descendant;
   return *link;
 }
 
 int Passes::rowPathOf(int row, int number) const {
-  int found = states_[static_cast<std::size_t>(row)].highestPath;
+  int found = states_[asIndex(row)].highestPath;
   while (rowPath(found).number != number) found = rowPath(found).next;
   return found;
 }
@@ -123,8 +125,7 @@ void Passes::collectFirstPass(const Descendant& descendant, std::size_t index) {
     } else if (k == kOnePass || rowPath(k).pass == 0) {
       wholeRows_.push_back(p);
     } else {
-      deferred_.push_back(
-          {static_cast<int>(index), rowPath(k).pass, {p, 0, descendant.panel.width}});
+      deferred_.push_back({asInt(index), rowPath(k).pass, {p, 0, descendant.panel.width}});
     }
   }
   wholeRowsView_ = wholeRows_;
@@ -132,8 +133,8 @@ void Passes::collectFirstPass(const Descendant& descendant, std::size_t index) {
 
 void Passes::collectAll(const Descendant& descendant) {
   wholeRowsView_ = std::span<const int>(allPositions_)
-                       .first(static_cast<std::size_t>(descendant.panel.belowCount))
-                       .subspan(static_cast<std::size_t>(descendant.firstRow));
+                       .first(asIndex(descendant.panel.belowCount))
+                       .subspan(asIndex(descendant.firstRow));
 }
 
 /// Neighbouring parts in the same pass make one update.
@@ -153,7 +154,7 @@ void Passes::collectParts(const Descendant& descendant, std::size_t index, int p
     if (pass == 0) {
       collect(update, width);
     } else {
-      deferred_.push_back({static_cast<int>(index), pass, update});
+      deferred_.push_back({asInt(index), pass, update});
     }
   }
 }

@@ -29,6 +29,7 @@
 
 #include "factor/factor_arrays.h"
 #include "factor/row_paths.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
@@ -79,7 +80,7 @@ class Passes {
     }
     for (int pass = 1; pass < passCount_; ++pass) {
       for (std::size_t k = 0; k < deferred_.size();) {
-        const auto d = static_cast<std::size_t>(deferred_[k].descendant);
+        const auto d = asIndex(deferred_[k].descendant);
         k = collectDeferred(k, pass, descendants[d].panel.width);
         applyCollected(d);
       }
@@ -125,9 +126,9 @@ class Passes {
   std::size_t collectDeferred(std::size_t from, int pass, int width);
   void collect(const RowUpdate& update, int width);
 
-  RowState& state(int row) { return states_[static_cast<std::size_t>(row)]; }
-  RowPath& rowPath(int k) { return rowPaths_[static_cast<std::size_t>(k)]; }
-  const RowPath& rowPath(int k) const { return rowPaths_[static_cast<std::size_t>(k)]; }
+  RowState& state(int row) { return states_[asIndex(row)]; }
+  RowPath& rowPath(int k) { return rowPaths_[asIndex(k)]; }
+  const RowPath& rowPath(int k) const { return rowPaths_[asIndex(k)]; }
 
   const RowPaths& paths_;
   std::vector<RowState> states_;  ///< for each row

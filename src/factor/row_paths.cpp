@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <tuple>
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 class RowPaths::Walk {
   /// The last visit of a path to a supernode.
@@ -29,7 +31,7 @@ class RowPaths::Walk {
         tree_(tree),
         supernodes_(supernodes),
         factor_(factor),
-        visited_(static_cast<std::size_t>(supernodes.count())) {}
+        visited_(asIndex(supernodes.count())) {}
 
   void beginRow(int row) {
     row_ = row;
@@ -50,26 +52,24 @@ class RowPaths::Walk {
     const int s = supernodes_.ofColumn[column];
     const Panel panel(factor_, supernodes_, s);
     double* const entries = s == ownSupernode_ ? panel.triangleRow(row_ - panel.firstColumn)
-                                               : panel.belowRow(visited_[index(s)].position);
+                                               : panel.belowRow(visited_[asIndex(s)].position);
     entries[column - panel.firstColumn] += value;
   }
 
  private:
-  static std::size_t index(int s) { return static_cast<std::size_t>(s); }
-
   /// Walks up to a supernode that this row has visited, or to the row's own.
   void followPath(int column) {
     onPath_.clear();
     int node = column;
     int s = supernodes_.ofColumn[node];
-    for (; s != ownSupernode_ && visited_[index(s)].row != row_; s = supernodes_.ofColumn[node]) {
+    for (; s != ownSupernode_ && visited_[asIndex(s)].row != row_; s = supernodes_.ofColumn[node]) {
       enter(s, node);
       onPath_.push_back(s);
       node = tree_.parent[supernodes_.lastColumn(s)];
     }
-    const bool takesLowerColumns = s != ownSupernode_ && node < visited_[index(s)].lowestColumn;
+    const bool takesLowerColumns = s != ownSupernode_ && node < visited_[asIndex(s)].lowestColumn;
     if (onPath_.empty() && !takesLowerColumns) return;
-    const int endColumn = takesLowerColumns ? visited_[index(s)].lowestColumn : node;
+    const int endColumn = takesLowerColumns ? visited_[asIndex(s)].lowestColumn : node;
     const bool continuesLastPath = s != ownSupernode_ && endColumn == pathBegin_;
     if (!continuesLastPath) ++path_;
     pathBegin_ = column;
@@ -79,7 +79,7 @@ class RowPaths::Walk {
   }
 
   void enter(int s, int column) {
-    Visited& visited = visited_[index(s)];
+    Visited& visited = visited_[asIndex(s)];
     const Panel panel(factor_, supernodes_, s);
     visited.row = row_;
     visited.lowestColumn = column;
@@ -87,12 +87,12 @@ class RowPaths::Walk {
   }
 
   Number& number(int s) {
-    return paths_.numbers_[paths_.offsets_[index(s)] + index(visited_[index(s)].position)];
+    return paths_.numbers_[paths_.offsets_[asIndex(s)] + asIndex(visited_[asIndex(s)].position)];
   }
 
   /// The path takes the columns of a supernode from `column` up to those visited before.
   void takeLowerColumns(int s, int column) {
-    Visited& visited = visited_[index(s)];
+    Visited& visited = visited_[asIndex(s)];
     const auto path = static_cast<Number>(path_);
     const int first = supernodes_.firstColumn(s);
     Number& known = number(s);
@@ -125,11 +125,11 @@ class RowPaths::Walk {
 
 RowPaths::RowPaths(const Sparse& upper, const EliminationTree& tree, const Supernodes& supernodes,
                    const FactorArrays& factor) {
-  offsets_.reserve(static_cast<std::size_t>(supernodes.count()) + 1);
+  offsets_.reserve(asIndex(supernodes.count()) + 1);
   offsets_.push_back(0);
   for (int s = 0; s < supernodes.count(); ++s) {
     const int belowCount = tree.counts[supernodes.lastColumn(s)];
-    offsets_.push_back(offsets_.back() + static_cast<std::size_t>(belowCount));
+    offsets_.push_back(offsets_.back() + asIndex(belowCount));
   }
   numbers_.resize(offsets_.back());
   std::fill_n(factor.values, factor.columnPointers[upper.cols()], 0.0);
@@ -138,7 +138,7 @@ RowPaths::RowPaths(const Sparse& upper, const EliminationTree& tree, const Super
   for (int row = 0; row < upper.cols(); ++row) {
     walk.beginRow(row);
     for (Sparse::InnerIterator entry(upper, row); entry; ++entry) {
-      if (entry.row() <= row) walk.add(static_cast<int>(entry.row()), entry.value());
+      if (entry.row() <= row) walk.add(asInt(entry.row()), entry.value());
     }
   }
   std::sort(parts_.begin(), parts_.end(), [](const Part& a, const Part& b) {
@@ -152,8 +152,8 @@ std::span<const RowPaths::Part> RowPaths::partsOf(int supernode, int row) const 
       parts_.begin(), parts_.end(), Part{supernode, row, 0, 0}, [](const Part& a, const Part& b) {
         return std::tie(a.supernode, a.row) < std::tie(b.supernode, b.row);
       });
-  return std::span<const Part>(parts_).subspan(static_cast<std::size_t>(begin - parts_.begin()),
-                                               static_cast<std::size_t>(end - begin));
+  return std::span<const Part>(parts_).subspan(asIndex(begin - parts_.begin()),
+                                               asIndex(end - begin));
 }
 
 }  // namespace qelm::factor

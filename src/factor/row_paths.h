@@ -24,6 +24,7 @@
 
 #include "factor/factor_arrays.h"
 #include "factor/supernodes.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
@@ -56,8 +57,8 @@ class RowPaths {
 
   /// One number for each row below the supernode.
   std::span<const Number> ofSupernode(int supernode) const {
-    const std::size_t begin = offsets_[static_cast<std::size_t>(supernode)];
-    const std::size_t end = offsets_[static_cast<std::size_t>(supernode) + 1];
+    const std::size_t begin = offsets_[asIndex(supernode)];
+    const std::size_t end = offsets_[asIndex(supernode) + 1];
     return {numbers_.data() + begin, end - begin};
   }
 

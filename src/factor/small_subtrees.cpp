@@ -25,6 +25,7 @@
 #include <cstdint>
 
 #include "factor/copy_few.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
@@ -91,7 +92,7 @@ class SubtreeFactorizer {
       for (int p = 0; p < panel.belowCount; ++p) {
         int& first = entriesOfRow_[panel.rowIndices[p]];
         entries_.push_back({*s, p, first});
-        first = static_cast<int>(entries_.size()) - 1;
+        first = asInt(entries_.size()) - 1;
       }
     }
   }
@@ -102,8 +103,8 @@ class SubtreeFactorizer {
     for (int e = entriesOfRow_[row]; e != kNone; e = at(e).next) {
       const int s = at(e).supernode;
       const Panel panel(factor_, supernodes_, s);
-      copyFew(panel.belowRow(at(e).position), panel.width, &x_[index(firstColumn_[s])]);
-      const int path = paths_.ofSupernode(s)[index(at(e).position)];
+      copyFew(panel.belowRow(at(e).position), panel.width, &x_[asIndex(firstColumn_[s])]);
+      const int path = paths_.ofSupernode(s)[asIndex(at(e).position)];
       if (path != RowPaths::kSplit) {
         insert({path, firstColumn_[s], firstColumn_[s] + panel.width});
         continue;
@@ -128,7 +129,7 @@ class SubtreeFactorizer {
   void scatter(int row) {
     for (int e = entriesOfRow_[row]; e != kNone; e = at(e).next) {
       const Panel panel(factor_, supernodes_, at(e).supernode);
-      copyFew(&x_[index(firstColumn_[at(e).supernode])], panel.width,
+      copyFew(&x_[asIndex(firstColumn_[at(e).supernode])], panel.width,
               panel.belowRow(at(e).position));
     }
     entriesOfRow_[row] = kNone;
@@ -138,7 +139,7 @@ class SubtreeFactorizer {
   void computeRow(int row) {
     gather(row);
     for (const PathColumns& columns : columns_) {
-      for (int k = columns.begin; k < columns.end; ++k) subtract(index(k));
+      for (int k = columns.begin; k < columns.end; ++k) subtract(asIndex(k));
     }
     scatter(row);
   }
@@ -150,38 +151,37 @@ class SubtreeFactorizer {
     const Panel panel(factor_, supernodes_, s);
     const int before = row - panel.firstColumn;
     const int own = firstColumn_[s];
-    copyFew(panel.triangleRow(before), before, &x_[index(own)]);
+    copyFew(panel.triangleRow(before), before, &x_[asIndex(own)]);
     columns_.push_back({0, own, own + before});
     double& pivot = factor_.diagonal[row];
     for (const PathColumns& columns : columns_) {
       for (int k = columns.begin; k < columns.end; ++k) {
-        subtract(index(k));
-        const double l = x_[index(k)] / pivots_[index(k)];
-        pivot -= l * x_[index(k)];
-        append(index(k), own + before, l);
+        subtract(asIndex(k));
+        const double l = x_[asIndex(k)] / pivots_[asIndex(k)];
+        pivot -= l * x_[asIndex(k)];
+        append(asIndex(k), own + before, l);
       }
     }
-    copyFew(&x_[index(own)], before, panel.triangleRow(before));
+    copyFew(&x_[asIndex(own)], before, panel.triangleRow(before));
     scatter(row);
-    pivots_[index(own + before)] = pivot;
+    pivots_[asIndex(own + before)] = pivot;
     return pivot != 0 && std::isfinite(pivot);
   }
 
   void subtract(std::size_t k) {
     const double y = x_[k];
     const std::size_t begin = k * kMostSubtreeColumns;
-    const std::size_t end = begin + index(counts_[k]);
+    const std::size_t end = begin + asIndex(counts_[k]);
     for (std::size_t e = begin; e < end; ++e) x_[rowIndices_[e]] -= values_[e] * y;
   }
 
   void append(std::size_t column, int row, double value) {
-    const std::size_t end = column * kMostSubtreeColumns + index(counts_[column]++);
+    const std::size_t end = column * kMostSubtreeColumns + asIndex(counts_[column]++);
     rowIndices_[end] = static_cast<std::uint8_t>(row);
     values_[end] = value;
   }
 
-  static std::size_t index(int k) { return static_cast<std::size_t>(k); }
-  const RowEntries& at(int e) const { return entries_[index(e)]; }
+  const RowEntries& at(int e) const { return entries_[asIndex(e)]; }
 
   const SmallSubtrees& subtrees_;
   const Supernodes& supernodes_;

@@ -32,8 +32,7 @@ struct Initialized : Eigen::SparseSolverBase<Ldlt> {
 /// The permutation that gives unknown first[k] the number k.
 Permutation numberingFrom(std::span<const std::int32_t> first) {
   Permutation numbering(static_cast<Eigen::Index>(first.size()));
-  for (std::size_t k = 0; k < first.size(); ++k)
-    numbering.indices()[first[k]] = static_cast<int>(k);
+  for (std::size_t k = 0; k < first.size(); ++k) numbering.indices()[first[k]] = asInt(k);
   return numbering;
 }
 

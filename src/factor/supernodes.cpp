@@ -1,5 +1,7 @@
 #include "factor/supernodes.h"
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 namespace {
 
@@ -14,7 +16,7 @@ Eigen::VectorXi childCounts(const Eigen::VectorXi& parent) {
 }  // namespace
 
 Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest) {
-  const auto n = static_cast<int>(tree.parent.size());
+  const auto n = asInt(tree.parent.size());
   const Eigen::VectorXi children = childCounts(tree.parent);
   Supernodes found;
   found.ofColumn.resize(n);

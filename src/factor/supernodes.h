@@ -19,6 +19,7 @@
 #include <Eigen/Core>
 
 #include "factor/elimination_tree.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
@@ -29,7 +30,7 @@ struct Supernodes {
   Eigen::VectorXi starts;    ///< first column of each, and the number of columns
   Eigen::VectorXi ofColumn;  ///< the supernode that each column is in
 
-  int count() const { return static_cast<int>(starts.size()) - 1; }
+  int count() const { return asInt(starts.size()) - 1; }
   int firstColumn(int s) const { return starts[s]; }
   int lastColumn(int s) const { return starts[s + 1] - 1; }
   int pastColumn(int s) const { return starts[s + 1]; }

@@ -24,6 +24,7 @@
 
 #include "factor/copy_few.h"
 #include "factor/quotients.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
@@ -40,7 +41,7 @@ constexpr int kChunkNumbers = 2048;
 void makeRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
   if (std::ssize(numbers) >= count) return;
   std::vector<double>().swap(numbers);
-  numbers.resize(static_cast<std::size_t>(count));
+  numbers.resize(asIndex(count));
 }
 
 void makeClearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
@@ -129,7 +130,7 @@ void TargetPanel::applyByBlocks(const Descendant& descendant, const Update& upda
   const int blockCount = (columns[columnCount - 1] - firstColumn_) / kBlock - firstBlock + 1;
   packColumns(descendant, firstBlock, blockCount);
 
-  const auto chunk = static_cast<std::size_t>(chunkOfRows(update.depth()));
+  const auto chunk = asIndex(chunkOfRows(update.depth()));
   for (std::size_t begin = 0; begin < update.positions.size(); begin += chunk) {
     Update part = update;
     part.positions =
