@@ -1,11 +1,11 @@
 // In: the upper triangle of A. Out: for each column j of L its parent, which is the row of its
 // first entry below the diagonal, and its number of entries.
 //
-//   A =  x . . x .     L =  x            tree   4      row subtree of 3: 0, 2
-//        . x . . x          . x                / \     row subtree of 4: 1, 3
-//        . . x x .          . . x             3   1
-//        x . x x x          x . x x          / \
-//        . x . x x          . x . x x       0   2
+//   A =  x . . x .     L =  x            tree: 0 and 2 are children of 3, 3 and 1 of 4
+//        . x . . x          . x
+//        . . x x .          . . x        row subtree of 3: 0, 2
+//        x . x x x          x . x x      row subtree of 4: 1, 3
+//        . x . x x          . x . x x
 //
 // Row i of L has entries at the nodes of its row subtree: the paths from each entry of A(i, 0..i-1)
 // up to i. The tree is found by walking these paths, with shortcuts to the furthest ancestor known
