@@ -9,7 +9,7 @@
 #include <new>
 #include <span>
 
-#include "interface/indexable.h"
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "isolines/column_major_view.h"
 #include "isolines/isolines.h"
