@@ -13,6 +13,47 @@
 namespace qelm {
 namespace {
 
+/// Union-find over triangles, whose root is the first triangle of each part, and which knows of
+/// each triangle whether it is turned against that one.
+class SidedParts {
+ public:
+  explicit SidedParts(std::size_t count) : links_(count) {
+    for (std::size_t t = 0; t < count; ++t) links_[t] = linkTo(t, 0);
+  }
+
+  /// Triangles that share an edge, and whether one of them must be turned; false if both are in
+  /// one part already, which has them otherwise.
+  bool unite(std::int32_t a, std::int32_t b, bool disagree) {
+    const std::uint32_t rootA = root(a), rootB = root(b);
+    const std::uint32_t turned = (rootA ^ rootB ^ (disagree ? 1 : 0)) & 1;
+    const std::uint32_t low = std::min(rootA / 2, rootB / 2), high = std::max(rootA / 2, rootB / 2);
+    if (low == high) return turned == 0;
+    links_[high] = linkTo(low, turned);
+    return true;
+  }
+
+  bool isTurned(std::int32_t triangle) { return root(triangle) % 2 != 0; }
+
+ private:
+  static std::uint32_t linkTo(std::size_t triangle, std::uint32_t turned) {
+    return 2 * static_cast<std::uint32_t>(triangle) + turned;
+  }
+
+  /// The root's number and whether `triangle` is turned against it, as one link. Halves the path.
+  std::uint32_t root(std::int32_t triangle) {
+    std::uint32_t here = linkTo(asIndex(triangle), 0);
+    while (links_[here / 2] / 2 != here / 2) {
+      std::uint32_t& link = links_[here / 2];
+      link = links_[link / 2] ^ (link & 1);
+      here = link ^ (here & 1);
+    }
+    return here;
+  }
+
+  /// Twice the number of a lower triangle of the part, or its own; 1 more if turned against it.
+  std::vector<std::uint32_t> links_;
+};
+
 class Gluing {
  public:
   Gluing(std::int32_t taggedCount, std::span<const double> coordinates,
@@ -57,7 +98,7 @@ class Gluing {
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
-    if (!turnTriangles(cover)) return false;
+    if (!turnTriangles(edges)) return false;
     for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
       if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
     }
@@ -68,35 +109,18 @@ class Gluing {
     return true;
   }
 
-  /// From one triangle to the next over their edges; the first one of each part stays as it is.
-  /// False if some part has only one side.
-  bool turnTriangles(const DoubleCover& cover) {
-    std::vector<bool> isKnown(isTurned_.size());
-    std::vector<std::int32_t> reached;
-    for (std::size_t first = 0; first < isKnown.size(); ++first) {
-      if (isKnown[first]) continue;
-      isKnown[first] = true;
-      reached.push_back(static_cast<std::int32_t>(first));
-      while (!reached.empty()) {
-        const std::int32_t here = reached.back();
-        reached.pop_back();
-        for (std::int32_t side = 3 * here; side < 3 * here + 3; ++side) {
-          const std::int32_t beyond = cover.twin[asIndex(side)];
-          if (beyond == DoubleCover::kNone) continue;
-          const std::int32_t there = beyond / 3;
-          const bool disagree = triangles_[asIndex(side)] == triangles_[asIndex(beyond)];
-          const bool turned = isTurned(asIndex(here)) != disagree;
-          if (!isKnown[asIndex(there)]) {
-            isKnown[asIndex(there)] = true;
-            isTurned_[asIndex(there)] = turned;
-            reached.push_back(there);
-          } else if (isTurned(asIndex(there)) != turned) {
-            return false;
-          }
-        }
-      }
-    }
-    return true;
+  /// False if some part has only one side. The first triangle of each part stays as it is.
+  bool turnTriangles(const MeshEdges& edges) {
+    SidedParts parts(isTurned_.size());
+    bool haveTwoSides = true;
+    edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
+      if (isPrescribed(sides)) return;
+      const std::int32_t g = sides[0].side, h = sides[1].side;
+      haveTwoSides &= parts.unite(g / 3, h / 3, startsAt(lowerEnd, g) == startsAt(lowerEnd, h));
+    });
+    for (std::size_t t = 0; haveTwoSides && t < isTurned_.size(); ++t)
+      isTurned_[t] = parts.isTurned(static_cast<std::int32_t>(t));
+    return haveTwoSides;
   }
 
   bool startsAt(std::int32_t vertex, std::int32_t side) const {

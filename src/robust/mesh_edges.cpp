@@ -4,6 +4,30 @@
 #include <numeric>
 
 namespace qelm {
+namespace {
+
+std::uint64_t keyOf(Side side) {
+  return std::uint64_t{static_cast<std::uint32_t>(side.higherEnd)} << 32 |
+         static_cast<std::uint32_t>(side.side);
+}
+
+/// By higher end, then number. Most buckets have six sides or fewer: insertion sort.
+void sortBucket(std::span<Side> bucket) {
+  constexpr std::size_t kFew = 16;
+  if (bucket.size() > kFew) {
+    std::sort(bucket.begin(), bucket.end(), [](Side a, Side b) { return keyOf(a) < keyOf(b); });
+    return;
+  }
+  for (std::size_t i = 1; i < bucket.size(); ++i) {
+    const Side side = bucket[i];
+    std::size_t place = i;
+    for (; place > 0 && keyOf(side) < keyOf(bucket[place - 1]); --place)
+      bucket[place] = bucket[place - 1];
+    bucket[place] = side;
+  }
+}
+
+}  // namespace
 
 MeshEdges::MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> triangles)
     : starts_(vertexCount + 1), sides_(triangles.size()) {
@@ -20,13 +44,8 @@ MeshEdges::MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> tria
     const auto [lower, higher] = std::minmax({triangles[side], endOf(side)});
     sides_[--starts_[static_cast<std::size_t>(lower)]] = {higher, static_cast<std::int32_t>(side)};
   }
-  for (std::size_t v = 0; v < vertexCount; ++v) {
-    std::sort(sides_.begin() + static_cast<std::ptrdiff_t>(starts_[v]),
-              sides_.begin() + static_cast<std::ptrdiff_t>(starts_[v + 1]),
-              [](const Side& a, const Side& b) {
-                return a.higherEnd != b.higherEnd ? a.higherEnd < b.higherEnd : a.side < b.side;
-              });
-  }
+  for (std::size_t v = 0; v < vertexCount; ++v)
+    sortBucket(std::span(sides_).subspan(starts_[v], starts_[v + 1] - starts_[v]));
 }
 
 }  // namespace qelm

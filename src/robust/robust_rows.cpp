@@ -27,19 +27,25 @@ bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
 
 /// Leaves each edge's weight at one of its half-edges and 0 at the other, in place of the
 /// cotangents. An edge from a vertex to itself has none, and one without twin ties two
-/// prescribed vertices: its weight is in no free row.
-void turnIntoWeights(DoubleCover& cover) {
+/// prescribed vertices: its weight is in no free row. Counts for each vertex the weights of
+/// edges whose higher end it is.
+std::vector<std::uint32_t> turnIntoWeights(DoubleCover& cover, std::size_t vertexCount) {
+  std::vector<std::uint32_t> higherEnds(vertexCount);
   const double share = 0.5 / cover.sheets;
   for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
     const HalfEdge g = cover.twin[asIndex(h)];
     if (g > h) continue;
     double weight = 0;
-    if (g != DoubleCover::kNone && cover.origin[asIndex(h)] != cover.origin[asIndex(g)]) {
-      weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+    if (g != DoubleCover::kNone) {
+      const std::int32_t a = cover.origin[asIndex(h)], b = cover.origin[asIndex(g)];
+      if (a != b)
+        weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+      if (weight > 0) ++higherEnds[asIndex(std::max(a, b))];
+      cover.cotangent[asIndex(g)] = 0;
     }
     cover.cotangent[asIndex(h)] = weight;
-    if (g != DoubleCover::kNone) cover.cotangent[asIndex(g)] = 0;
   }
+  return higherEnds;
 }
 
 /// visit(a, b, weight) for each edge that has one.
@@ -62,13 +68,8 @@ bool isGood(const FreeRowBlocks& plain) {
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
                          std::span<const std::int32_t> triangles) {
-  turnIntoWeights(cover);
+  EdgeSums sums(taggedCount, triangles, turnIntoWeights(cover, vertexCount));
   std::vector<HalfEdge>().swap(cover.twin);
-  std::vector<std::uint32_t> higherEnds(vertexCount);
-  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
-    ++higherEnds[asIndex(std::max(a, b))];
-  });
-  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     sums.add(a, b, -weight);
     sums.addToDiagonal(a, weight);
