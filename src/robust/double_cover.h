@@ -55,7 +55,7 @@ struct DoubleCover {
 /// Of a mesh in system order whose vertices 0 .. taggedCount-1 are prescribed: finite
 /// coordinates, triangles of three different vertices.
 ///
-/// The result takes 48 bytes for each triangle and sheet; 24 more, and 8 for each vertex,
+/// The result takes 48 bytes for each triangle and sheet; 28 more, and 8 for each vertex,
 /// are in use while its edges are found, before half of the result is there. Throws std::bad_alloc
 /// above 2^31 / 6 triangles.
 DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinates,

@@ -68,8 +68,9 @@ bool isGood(const FreeRowBlocks& plain) {
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
                          std::span<const std::int32_t> triangles) {
-  EdgeSums sums(taggedCount, triangles, turnIntoWeights(cover, vertexCount));
+  std::vector<std::uint32_t> higherEnds = turnIntoWeights(cover, vertexCount);
   std::vector<HalfEdge>().swap(cover.twin);
+  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     sums.add(a, b, -weight);
     sums.addToDiagonal(a, weight);
