@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "interface/index.h"
 #include "mesh/vec3.h"
 #include "robust/edge_fan.h"
 #include "robust/mesh_edges.h"
@@ -13,6 +14,7 @@
 namespace qelm {
 namespace {
 
+/// Fills in the twins.
 class Gluing {
  public:
   Gluing(std::int32_t taggedCount, std::span<const double> coordinates,
@@ -25,35 +27,39 @@ class Gluing {
     if (cover.sheets == 1) return;
     isTurned_.assign(triangles_.size() / 3, false);
     cover.twin.assign(2 * triangles_.size(), DoubleCover::kNone);
-    edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      if (isPrescribed(sides)) return;
-      if (sides.size() < 3) {
-        glueRound(cover, lowerEnd, sides);
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      if (halfEdges.size() < 3) {
+        glueAround(cover, lowerVertex, halfEdges);
       } else {
-        glueRound(cover, lowerEnd, sortedRound(lowerEnd, sides));
+        glueAround(cover, lowerVertex, sortedAround(lowerVertex, halfEdges));
       }
     });
   }
 
-  /// Whether the front of a triangle runs through its corners the other way.
+  /// Whether the front of a triangle is turned over.
   bool isTurned(std::size_t triangle) const { return isTurned_[triangle]; }
 
  private:
-  /// If its higher end is, its lower one is as well.
-  bool isPrescribed(std::span<const Side> sides) const { return sides[0].higherEnd < taggedCount_; }
+  /// Whether both ends of an edge are prescribed. Prescribed vertices come first in system order,
+  /// so the higher vertex decides.
+  bool isPrescribed(std::span<const MeshHalfEdge> halfEdges) const {
+    return halfEdges[0].higherVertex < taggedCount_;
+  }
 
-  /// Glues fronts to fronts if every edge that is not prescribed has two triangles, and some of
-  /// them can be turned so that all run through their edges in opposite directions.
+  /// Glues fronts to fronts, with some triangles turned over, if every edge that is not prescribed
+  /// has two triangles and each part of the mesh is orientable. False if not.
   bool glueOneSheet(DoubleCover& cover, const MeshEdges& edges) {
     bool inPairs = true;
     bool opposed = true;
     cover.twin.assign(triangles_.size(), DoubleCover::kNone);
-    edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      if (isPrescribed(sides)) return;
-      inPairs = inPairs && sides.size() == 2;
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      inPairs = inPairs && halfEdges.size() == 2;
       if (!inPairs) return;
-      glue(cover, sides[0].side, sides[1].side);
-      opposed = opposed && startsAt(lowerEnd, sides[0].side) != startsAt(lowerEnd, sides[1].side);
+      glue(cover, halfEdges[0].number, halfEdges[1].number);
+      opposed = opposed && startsAt(lowerVertex, halfEdges[0].number) !=
+                               startsAt(lowerVertex, halfEdges[1].number);
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
@@ -68,23 +74,23 @@ class Gluing {
     return true;
   }
 
-  /// From one triangle to the next over their edges; the first one of each part stays as it is.
-  /// False if some part has only one side.
+  /// Decides which triangles are turned over: visits each part from its first triangle, which stays
+  /// as it is, over shared edges. False if a part is not orientable.
   bool turnTriangles(const DoubleCover& cover) {
     std::vector<bool> isKnown(isTurned_.size());
     std::vector<std::int32_t> reached;
     for (std::size_t first = 0; first < isKnown.size(); ++first) {
       if (isKnown[first]) continue;
       isKnown[first] = true;
-      reached.push_back(static_cast<std::int32_t>(first));
+      reached.push_back(asInt(first));
       while (!reached.empty()) {
         const std::int32_t here = reached.back();
         reached.pop_back();
-        for (std::int32_t side = 3 * here; side < 3 * here + 3; ++side) {
-          const std::int32_t beyond = cover.twin[asIndex(side)];
+        for (std::int32_t halfEdge = 3 * here; halfEdge < 3 * here + 3; ++halfEdge) {
+          const std::int32_t beyond = cover.twin[asIndex(halfEdge)];
           if (beyond == DoubleCover::kNone) continue;
           const std::int32_t there = beyond / 3;
-          const bool disagree = triangles_[asIndex(side)] == triangles_[asIndex(beyond)];
+          const bool disagree = triangles_[asIndex(halfEdge)] == triangles_[asIndex(beyond)];
           const bool turned = isTurned(asIndex(here)) != disagree;
           if (!isKnown[asIndex(there)]) {
             isKnown[asIndex(there)] = true;
@@ -99,8 +105,8 @@ class Gluing {
     return true;
   }
 
-  bool startsAt(std::int32_t vertex, std::int32_t side) const {
-    return triangles_[asIndex(side)] == vertex;
+  bool startsAt(std::int32_t vertex, std::int32_t halfEdge) const {
+    return triangles_[asIndex(halfEdge)] == vertex;
   }
 
   static void glue(DoubleCover& cover, DoubleCover::HalfEdge g, DoubleCover::HalfEdge h) {
@@ -108,15 +114,16 @@ class Gluing {
     cover.twin[asIndex(h)] = g;
   }
 
-  /// Glues the side of each triangle that looks towards the next one round the edge, to
-  /// the side of that one that looks back. A triangle that runs through the edge as its
-  /// axis does, from the lower to the higher end, has its front in that direction.
-  void glueRound(DoubleCover& cover, std::int32_t lowerEnd, std::span<const Side> sides) const {
-    for (std::size_t i = 0; i < sides.size(); ++i) {
-      const std::int32_t here = sides[i].side;
-      const std::int32_t there = sides[i + 1 == sides.size() ? 0 : i + 1].side;
-      glue(cover, startsAt(lowerEnd, here) ? here : cover.back(here),
-           startsAt(lowerEnd, there) ? cover.back(there) : there);
+  /// Glues the face of each triangle that looks at the next triangle around the edge to the face of
+  /// that one that looks back. The front looks at the next triangle if the half-edge leads from the
+  /// lower to the higher vertex.
+  void glueAround(DoubleCover& cover, std::int32_t lowerVertex,
+                  std::span<const MeshHalfEdge> halfEdges) const {
+    for (std::size_t i = 0; i < halfEdges.size(); ++i) {
+      const std::int32_t here = halfEdges[i].number;
+      const std::int32_t there = halfEdges[i + 1 == halfEdges.size() ? 0 : i + 1].number;
+      glue(cover, startsAt(lowerVertex, here) ? here : cover.back(here),
+           startsAt(lowerVertex, there) ? cover.back(there) : there);
     }
   }
 
@@ -125,16 +132,17 @@ class Gluing {
             coordinates_[3 * asIndex(v) + 2]};
   }
 
-  std::span<const Side> sortedRound(std::int32_t lowerEnd, std::span<const Side> sides) {
-    blades_.clear();
-    for (const Side& s : sides) {
-      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(s.side))];
-      blades_.push_back({s.side, point(apex)});
+  std::span<const MeshHalfEdge> sortedAround(std::int32_t lowerVertex,
+                                             std::span<const MeshHalfEdge> halfEdges) {
+    fan_.clear();
+    for (const MeshHalfEdge& h : halfEdges) {
+      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(h.number))];
+      fan_.push_back({h.number, point(apex)});
     }
-    const std::int32_t higherEnd = sides[0].higherEnd;
-    sortRoundEdge(point(lowerEnd), point(higherEnd), blades_);
+    const std::int32_t higherVertex = halfEdges[0].higherVertex;
+    sortAroundEdge(point(lowerVertex), point(higherVertex), fan_);
     sorted_.clear();
-    for (const FanBlade& blade : blades_) sorted_.push_back({higherEnd, blade.side});
+    for (const FanTriangle& triangle : fan_) sorted_.push_back({higherVertex, triangle.halfEdge});
     return sorted_;
   }
 
@@ -142,12 +150,12 @@ class Gluing {
   std::span<const double> coordinates_;
   std::span<const std::int32_t> triangles_;
   std::vector<bool> isTurned_;
-  std::vector<FanBlade> blades_;
-  std::vector<Side> sorted_;
+  std::vector<FanTriangle> fan_;
+  std::vector<MeshHalfEdge> sorted_;
 };
 
-/// Corner k of a triangle is opposite its half-edge k + 1.
-void placeTriangle(DoubleCover& cover, std::size_t triangle,
+/// Fills in origins and cotangents. Corner k of a triangle is opposite its half-edge k + 1.
+void writeTriangle(DoubleCover& cover, std::size_t triangle,
                    const std::array<std::int32_t, 3>& corners, const std::array<double, 3>& shape) {
   for (std::size_t k = 0; k < 3; ++k) {
     const std::size_t front = 3 * triangle + k;
@@ -180,8 +188,8 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
                                            triangles[3 * j + 2]};
     if (gluing.isTurned(j)) std::swap(corners[1], corners[2]);
     const Cotangents shape = cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
-    cover.raisedTriangles += shape.raised ? 1 : 0;
-    placeTriangle(cover, j, corners, shape.at);
+    cover.flatTriangles += shape.wasFlat ? 1 : 0;
+    writeTriangle(cover, j, corners, shape.at);
   }
   return cover;
 }
