@@ -4,11 +4,11 @@
 // In: triangles of any shape, manifold or not. Out: rows without positive entries off the diagonal.
 // Steps (Sharp and Crane, A Laplacian for nonmanifold triangle meshes, 2020):
 //
-//   plain rows       kept if they have no negative weight and no triangle is steep   robust_rows.h
-//   spatial order    if a triangle is steep spatial_order.h double cover     half-edges on one or
-//   two sheets, bounded cotangents             double_cover.h edge flips       until every edge is
-//   Delaunay                                    flips.h weights          summed into rows
-//   robust_rows.h
+//   plain rows       kept if no weight is negative and no triangle steep      robust_rows.h
+//   spatial order    if a triangle is steep                                   spatial_order.h
+//   double cover     half-edges on one or two sheets, bounded cotangents      double_cover.h
+//   edge flips       until every edge is Delaunay                             flips.h
+//   weights          summed into rows                                         robust_rows.h
 #ifndef QELM_ROBUST_ROBUST_SYSTEM_H
 #define QELM_ROBUST_ROBUST_SYSTEM_H
 
