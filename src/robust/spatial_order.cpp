@@ -1,4 +1,4 @@
-#include "robust/places_order.h"
+#include "robust/spatial_order.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +7,7 @@
 #include <numeric>
 #include <tuple>
 
+#include "interface/index.h"
 #include "mesh/vec3.h"
 #include "robust/triangle_shape.h"
 
@@ -15,17 +16,18 @@ namespace {
 
 using Corners = std::array<std::int32_t, 3>;
 
+/// The lowest, the middle and the highest, without a branch.
 Corners ascending(std::int32_t a, std::int32_t b, std::int32_t c) {
   const std::int32_t low = std::min(a, b), high = std::max(a, b);
   return {std::min(low, c), std::max(low, std::min(high, c)), std::max(high, c)};
 }
 
-/// Corners ascending in each, sorted: by the first corner into buckets, which have few each.
+/// The triangles with their corners as ranks in `order`, ascending in each triangle, sorted: by
+/// counting sort into a bucket for each first corner, then each bucket, which is small, by itself.
 std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
   std::vector<std::int32_t> rank(order.size());
-  for (std::size_t r = 0; r < order.size(); ++r)
-    rank[asIndex(order[r])] = static_cast<std::int32_t>(r);
+  for (std::size_t r = 0; r < order.size(); ++r) rank[asIndex(order[r])] = asInt(r);
   const auto cornersOf = [&](std::size_t j) {
     return ascending(rank[asIndex(triangles[j])], rank[asIndex(triangles[j + 1])],
                      rank[asIndex(triangles[j + 2])]);
@@ -34,7 +36,7 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
   for (std::size_t j = 0; j < triangles.size(); j += 3) ++starts[asIndex(cornersOf(j)[0])];
   std::partial_sum(starts.begin(), starts.end(), starts.begin());
   std::vector<Corners> ordered(triangles.size() / 3);
-  // Each bucket's start moves from its end to its beginning.
+  // Each bucket's start moves down from its end.
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const Corners corners = cornersOf(j);
     ordered[--starts[asIndex(corners[0])]] = corners;
@@ -50,13 +52,11 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
   return packed;
 }
 
-/// Cells of a cube around all places, 1024 along each edge, on a curve that stays near where it
-/// is (Morton, A computer oriented geodetic data base, 1966): vertices that are neighbours in space
-/// are so in memory, mostly.
-class Cells {
+/// The cells of a cube around all points, 1024 along each edge, in the order of a Morton curve.
+class MortonCells {
  public:
-  explicit Cells(std::span<const double> coordinates) {
-    // Halves, so that differences are finite.
+  explicit MortonCells(std::span<const double> coordinates) {
+    // Coordinates are halved: differences cannot overflow.
     for (std::size_t i = 0; i < coordinates.size(); ++i) {
       const double half = coordinates[i] / 2;
       low_[i % 3] = i < 3 ? half : std::min(low_[i % 3], half);
@@ -65,19 +65,19 @@ class Cells {
       extent_ = std::max(extent_, coordinates[i] / 2 - low_[i % 3]);
   }
 
-  /// Of a place, below 2^30.
-  std::uint64_t numberOf(const double* place) const {
+  /// The Morton code of a point's cell, below 2^30: the bits of its three indices interleaved.
+  std::uint64_t codeOf(const double* point) const {
     if (extent_ == 0) return 0;
-    std::uint64_t number = 0;
+    std::uint64_t code = 0;
     for (std::size_t c = 0; c < 3; ++c) {
-      const double share = (place[c] / 2 - low_[c]) / extent_;  // 0 .. 1
-      number |= spread(static_cast<std::uint64_t>(share * 1023)) << c;
+      const double share = (point[c] / 2 - low_[c]) / extent_;  // 0 .. 1
+      code |= spread(static_cast<std::uint64_t>(share * 1023)) << c;
     }
-    return number;
+    return code;
   }
 
  private:
-  /// Two zeros between any two of ten bits.
+  /// Puts two zeros between any two of ten bits.
   static std::uint64_t spread(std::uint64_t x) {
     x = (x | x << 16) & 0x030000ff;
     x = (x | x << 8) & 0x0300f00f;
@@ -89,8 +89,8 @@ class Cells {
   double extent_ = 0;
 };
 
-/// By the 30 bits above the lowest 32; keys that agree in them stay in their order.
-void sortByCell(std::vector<std::uint64_t>& keys) {
+/// Radix sort by the Morton code, the 30 bits above the lowest 32; keys of one code stay in order.
+void sortByCode(std::vector<std::uint64_t>& keys) {
   constexpr std::uint64_t kDigit = 0x3ff;
   std::vector<std::uint64_t> sorted(keys.size());
   for (const int shift : {32, 42, 52}) {
@@ -102,16 +102,16 @@ void sortByCell(std::vector<std::uint64_t>& keys) {
   }
 }
 
-/// Sorts vertices, which come in ascending order, by cell, then by x, y, z, then by number.
-void sortByPlace(std::span<std::int32_t> vertices, const Cells& cells,
-                 std::span<const double> coordinates) {
+/// Sorts vertices, given in ascending order, by cell, then by x, y, z, then by number.
+void sortByPosition(std::span<std::int32_t> vertices, const MortonCells& cells,
+                    std::span<const double> coordinates) {
   std::vector<std::uint64_t> keys;
   keys.reserve(vertices.size());
   for (const std::int32_t v : vertices)
-    keys.push_back(cells.numberOf(&coordinates[3 * asIndex(v)]) << 32 |
+    keys.push_back(cells.codeOf(&coordinates[3 * asIndex(v)]) << 32 |
                    static_cast<std::uint64_t>(v));
-  sortByCell(keys);
-  const auto place = [&](std::uint64_t key) {
+  sortByCode(keys);
+  const auto position = [&](std::uint64_t key) {
     const double* const p = &coordinates[3 * std::size_t{static_cast<std::uint32_t>(key)}];
     return std::tuple(p[0], p[1], p[2], key);
   };
@@ -119,17 +119,18 @@ void sortByPlace(std::span<std::int32_t> vertices, const Cells& cells,
     const auto end = std::find_if(begin + 1, keys.end(),
                                   [&](std::uint64_t key) { return key >> 32 != *begin >> 32; });
     if (end - begin > 1)
-      std::sort(begin, end, [&](std::uint64_t a, std::uint64_t b) { return place(a) < place(b); });
+      std::sort(begin, end,
+                [&](std::uint64_t a, std::uint64_t b) { return position(a) < position(b); });
     begin = end;
   }
   for (std::size_t i = 0; i < keys.size(); ++i)
-    vertices[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(keys[i]));
+    vertices[i] = asInt(static_cast<std::uint32_t>(keys[i]));
 }
 
 }  // namespace
 
-bool haveSteepTriangle(std::int32_t taggedCount, std::span<const double> coordinates,
-                       std::span<const std::int32_t> triangles) {
+bool hasSteepTriangle(std::int32_t taggedCount, std::span<const double> coordinates,
+                      std::span<const std::int32_t> triangles) {
   const auto point = [&](std::int32_t v) {
     return Vec3{coordinates[3 * asIndex(v)], coordinates[3 * asIndex(v) + 1],
                 coordinates[3 * asIndex(v) + 2]};
@@ -142,25 +143,25 @@ bool haveSteepTriangle(std::int32_t taggedCount, std::span<const double> coordin
   return false;
 }
 
-std::vector<std::int32_t> orderOfPlaces(std::int32_t taggedCount,
-                                        std::span<const double> coordinates) {
+std::vector<std::int32_t> spatialOrder(std::int32_t taggedCount,
+                                       std::span<const double> coordinates) {
   std::vector<std::int32_t> order(coordinates.size() / 3);
   std::iota(order.begin(), order.end(), 0);
-  const Cells cells(coordinates);
-  const auto t = static_cast<std::size_t>(taggedCount);
-  sortByPlace(std::span(order).first(t), cells, coordinates);
-  sortByPlace(std::span(order).subspan(t), cells, coordinates);
+  const MortonCells cells(coordinates);
+  const auto t = asIndex(taggedCount);
+  sortByPosition(std::span(order).first(t), cells, coordinates);
+  sortByPosition(std::span(order).subspan(t), cells, coordinates);
   return order;
 }
 
 DoubleCover coverInOrder(const std::vector<std::int32_t>& order, std::int32_t taggedCount,
                          std::span<const double> coordinates,
                          std::span<const std::int32_t> triangles) {
-  std::vector<double> places(coordinates.size());
+  std::vector<double> ordered(coordinates.size());
   for (std::size_t r = 0; r < order.size(); ++r) {
-    for (std::size_t c = 0; c < 3; ++c) places[3 * r + c] = coordinates[3 * asIndex(order[r]) + c];
+    for (std::size_t c = 0; c < 3; ++c) ordered[3 * r + c] = coordinates[3 * asIndex(order[r]) + c];
   }
-  DoubleCover cover = coverOf(taggedCount, places, orderedTriangles(triangles, order));
+  DoubleCover cover = coverOf(taggedCount, ordered, orderedTriangles(triangles, order));
   for (std::int32_t& vertex : cover.origin) vertex = order[asIndex(vertex)];
   return cover;
 }
