@@ -82,7 +82,7 @@ def test_what_cannot_be_is_refused(system, field):
     with pytest.raises(qelm.FieldError, match="field"):
         qelm.spaced_levels(system, np.where(np.arange(len(field)) == 3, np.nan, field), 0.1)
     with pytest.raises(qelm.ToolError, match="qelm curves: "):
-        qelm.spaced_levels(system, field, 1e9)
+        qelm.spaced_levels(system, field, 1e-9)
     closed = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
     closed.close()
     with pytest.raises(qelm.ClosedError):

@@ -45,7 +45,7 @@ def spaced_levels(system: MeshSystem, field: npt.ArrayLike, spacing: float) -> n
     FieldError
         A shape is wrong, or a value is not finite, or the spacing not above 0.
     ToolError
-        The tool is missing or refuses, as a spacing that is wider than the field; its message says why.
+        The tool is missing or refuses, as a spacing with more than ten thousand levels; its message says why.
     ClosedError
         The system is closed.
 
