@@ -69,8 +69,11 @@ std::string digits(double value) { return fmt::format("{:.9g}", value); }
 
 std::string digits(double value, double step) {
   constexpr int kMost = 17;
+  constexpr double kLarge = 1e6;
   for (int count = 1; count < kMost; ++count) {
     const std::string text = fmt::format("{:.{}g}", value, count);
+    // 100 rather than 1e+02.
+    if (text.find("e+") != std::string::npos && std::abs(value) < kLarge) continue;
     // Less than half a step away, so that neighbours stay apart.
     if (std::abs(*parseDouble(text) - value) < step / 2) return text;
   }
