@@ -93,6 +93,9 @@ class CommandLine {
     solve_.field.several = true;
     command.add_option("-o,--output", solve_.output, "Write the field; - is the standard output")
         ->type_name("FIELD.csv");
+    command.add_option("--format", solve_.format, "Whatever FIELD.csv is called")
+        ->type_name("csv|npy|vtp|vtu")
+        ->group(kStreams);
     command.add_flag("--gradient", solve_.gradient, "Write its gradient at the vertices as well");
     command.add_flag("--compare-plain", solve_.comparePlain,
                      "With --robust, say how far the plain field is off");
@@ -112,8 +115,11 @@ class CommandLine {
     addGivenField(command, gradient_.field);
     command.add_option("--per", gradient_.per, "What has one vector each")
         ->type_name("triangle|vertex");
-    command.add_option("-o,--output", gradient_.output, "As .csv, .npy, .ply; or -")
+    command.add_option("-o,--output", gradient_.output, "As .csv, .npy, .ply, .vtp; or -")
         ->type_name("OUT");
+    command.add_option("--format", gradient_.format, "Whatever OUT is called")
+        ->type_name("csv|npy|ply|vtp|vtu")
+        ->group(kStreams);
     addOutputOptions(command, output_);
     command.footer(
         footer(kGradientExamples, "gradients, conditions, fields, loads, robust, output"));

@@ -5,9 +5,12 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -22,6 +25,14 @@ std::string_view bytesOf(std::span<const Number> numbers) {
   return {reinterpret_cast<const char*>(numbers.data()), numbers.size_bytes()};
 }
 
+/// What may not stand in a comment of XML is written otherwise.
+std::string inComment(const std::string& text) {
+  if (text.empty()) return "";
+  std::string result = ": " + printable(oneLine(text));
+  for (std::size_t at = 0; (at = result.find("--", at)) != result.npos;) result.insert(++at, " ");
+  return result;
+}
+
 class VtkXmlWriter {
  public:
   VtkXmlWriter(const VtkOutput& output, VtkKind kind, ByteSink& file)
@@ -32,8 +43,8 @@ class VtkXmlWriter {
     const char* const type = isGrid ? "UnstructuredGrid" : "PolyData";
     block_.text(
         "<?xml version=\"1.0\"?>\n<VTKFile type=\"{}\" version=\"1.0\" "
-        "byte_order=\"LittleEndian\" header_type=\"UInt64\">\n<!-- written by qelm -->\n<{}>\n",
-        type, type);
+        "byte_order=\"LittleEndian\" header_type=\"UInt64\">\n<!-- written by qelm{} -->\n<{}>\n",
+        type, inComment(output_.comment), type);
     block_.text("<Piece NumberOfPoints=\"{}\" ", output_.points.size() / 3);
     if (isGrid)
       block_.text("NumberOfCells=\"{}\">\n", output_.ends.size());
@@ -63,9 +74,17 @@ class VtkXmlWriter {
  private:
   void columns(const char* element, std::span<const VtkColumn> columns) {
     if (columns.empty()) return;
-    block_.text("<{} Scalars=\"{}\">\n", element, columns[0].name);
+    block_.text("<{}", element);
+    // Which of them a program shows at first.
+    for (const auto& [attribute, components] : {std::pair("Scalars", 1), std::pair("Vectors", 3)})
+      for (const VtkColumn& column : columns)
+        if (column.components == components) {
+          block_.text(" {}=\"{}\"", attribute, column.name);
+          break;
+        }
+    block_.text(">\n");
     for (const VtkColumn& column : columns)
-      array(column.name, "Float64", 1, bytesOf(column.values));
+      array(column.name, "Float64", column.components, bytesOf(column.values));
     block_.text("</{}>\n", element);
   }
 
@@ -107,12 +126,13 @@ void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file) {
   VtkXmlWriter(output, kind, file).run();
 }
 
-void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData, bool isGrid,
-                  ByteSink& file) {
+void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file,
+                  const std::string& comment) {
   std::vector<int> ends;
   ends.reserve(static_cast<std::size_t>(mesh.triangleCount()));
   for (int t = 1; t <= mesh.triangleCount(); ++t) ends.push_back(3 * t);
-  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData},
+  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData, cellData, comment},
               isGrid ? VtkKind::kTriangles : VtkKind::kPolygons, file);
 }
 

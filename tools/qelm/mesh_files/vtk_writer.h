@@ -13,6 +13,7 @@ namespace qelm::tool {
 struct VtkColumn {
   std::string name;
   std::span<const double> values;
+  int components = 1;  ///< 3 of vectors, packed xyz
 };
 
 /// Points and the cells of one kind over them.
@@ -22,6 +23,7 @@ struct VtkOutput {
   std::span<const int> ends;       ///< where each cell's end
   std::span<const VtkColumn> pointData = {};
   std::span<const VtkColumn> cellData = {};
+  std::string comment = {};  ///< at the file's begin, in one line
 };
 
 enum class VtkKind {
@@ -34,9 +36,10 @@ enum class VtkKind {
 /// kept, not compressed.
 void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file);
 
-/// A mesh as .vtp or, if `isGrid`, .vtu.
-void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData, bool isGrid,
-                  ByteSink& file);
+/// A mesh as .vtp or, if `isGrid`, .vtu, with numbers of its vertices and of its triangles.
+void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file,
+                  const std::string& comment = "");
 
 }  // namespace qelm::tool
 

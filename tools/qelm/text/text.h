@@ -26,6 +26,8 @@ std::string digits(double value, double step);
 
 std::vector<std::string_view> splitAt(std::string_view text, char separator);
 std::vector<std::string_view> splitAtBlanks(std::string_view text);
+/// The same into `parts`, in place of what is there: no new memory for every line.
+void splitAtBlanks(std::string_view text, std::vector<std::string_view>& parts);
 std::string_view trimmed(std::string_view text);
 
 /// With small letters for those of ASCII.
