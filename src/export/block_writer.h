@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/index.h"
+
 namespace qelm {
 
 /// Lines end with a newline, which a stream in text mode translates.
@@ -24,7 +26,7 @@ class BlockWriter {
   }
 
   /// Takes what was written to the room, up to `end`.
-  void usedUpTo(const char* end) { used_ = static_cast<std::size_t>(end - block_.data()); }
+  void usedUpTo(const char* end) { used_ = asIndex(end - block_.data()); }
 
   void finish();
 

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "interface/index.h"
+
 namespace qelm {
 namespace {
 
@@ -38,7 +40,7 @@ bool roundToSix(double magnitude, SixDigits& rounded) {
   const double rest = scaled - whole;
   if (std::fabs(rest - 0.5) < kDoubt) return false;
   rounded.digits = static_cast<std::uint32_t>(whole + (rest > 0.5 ? 1 : 0));
-  rounded.exponent = 5 - static_cast<int>(below);
+  rounded.exponent = 5 - asInt(below);
   if (rounded.digits == 1000000) rounded = {100000, rounded.exponent + 1};
   return true;
 }
@@ -46,17 +48,17 @@ bool roundToSix(double magnitude, SixDigits& rounded) {
 /// Writes whole words, whose ends need not belong to the number.
 char* writePlain(char* to, const SixDigits& number) {
   const std::uint64_t digits = eightDigits(number.digits * 100);
-  const auto zerosAtEnd = static_cast<std::size_t>(std::countl_zero(digits)) / 8;
+  const auto zerosAtEnd = asIndex(std::countl_zero(digits)) / 8;
   const std::size_t kept = 8 - zerosAtEnd;
   const std::uint64_t text = digits | kZeros;
   if (number.exponent < 0) {
-    const auto zeros = static_cast<std::size_t>(-number.exponent);
+    const auto zeros = asIndex(-number.exponent);
     writeEight(to, kZeros);
     to[1] = '.';
     writeEight(to + 1 + zeros, text);
     return to + 1 + zeros + kept;
   }
-  const std::size_t beforePoint = static_cast<std::size_t>(number.exponent) + 1;
+  const std::size_t beforePoint = asIndex(number.exponent) + 1;
   writeEight(to, text);
   to[beforePoint] = '.';
   writeEight(to + beforePoint + 1, text >> 8 * beforePoint);

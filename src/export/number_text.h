@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "interface/index.h"
+
 namespace qelm {
 
 /// Room that writing a number may use, some of it beyond the number's end.
@@ -56,7 +58,7 @@ inline ShortText shortText(std::int32_t number) {
   const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(number));
   // The last digit stays, should it be zero, too.
   const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;
-  return {(digits | kZeros) >> 8 * zeros, 8 - static_cast<std::size_t>(zeros)};
+  return {(digits | kZeros) >> 8 * zeros, 8 - asIndex(zeros)};
 }
 
 }  // namespace qelm

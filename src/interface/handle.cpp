@@ -2,14 +2,13 @@
 // answered without touching an out-parameter.
 #include <cstddef>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
 
 namespace {
 
-int vertexCountOf(const MeshSystem& system) {
-  return static_cast<int>(system.vertices->size() / 3);
-}
+int vertexCountOf(const MeshSystem& system) { return qelm::asInt(system.vertices->size() / 3); }
 
 }  // namespace
 
@@ -41,7 +40,7 @@ extern "C" void dupl(const MeshSystem* h, MeshSystem** copyOut) {
 extern "C" int usecount(const MeshSystem* h) {
   if (h == nullptr) return 0;
   // An empty pointer counts 0 owners.
-  return static_cast<int>(h->freeSolver.use_count());
+  return qelm::asInt(h->freeSolver.use_count());
 }
 
 extern "C" void qelmfree(MeshSystem* h) { delete h; }

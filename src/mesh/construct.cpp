@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include "interface/index.h"
 #include "mesh/arguments.h"
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
@@ -23,9 +24,8 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
   taggedCount = numbering.taggedCount;
   SystemTriangles renumbered = renumberTriangles(triangles, numbering);
   if (limit != nullptr) limit->assemblyBytes = assemblyBytes(numbering, renumbered);
-  auto system =
-      assemble(taggedCount, static_cast<int>(tags.size()), reorderCoordinates(vertices, numbering),
-               std::move(renumbered), limit, status);
+  auto system = assemble(taggedCount, asInt(tags.size()), reorderCoordinates(vertices, numbering),
+                         std::move(renumbered), limit, status);
   if (system == nullptr) return nullptr;
   system->vertexPlace = std::move(numbering.place);
   system->vertexOrder = std::move(numbering.order);
@@ -47,8 +47,8 @@ int runConstructor(const ConstructorArguments& arguments, AssembleSystem assembl
     *status = argument;
     return 1;
   }
-  const auto n = static_cast<std::size_t>(vertexCount);
-  const auto m = static_cast<std::size_t>(triangleCount);
+  const auto n = asIndex(vertexCount);
+  const auto m = asIndex(triangleCount);
   int taggedCount = 0;
   auto system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble, limit,
                                 taggedCount, *status);

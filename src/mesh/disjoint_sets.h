@@ -12,6 +12,8 @@
 #include <numeric>
 #include <vector>
 
+#include "interface/index.h"
+
 namespace qelm {
 
 class DisjointSets {
@@ -38,14 +40,12 @@ class DisjointSets {
 
   /// Of a root that was never united before, to one lower.
   void setParent(std::int32_t element, std::int32_t lower) { parent(element) = lower; }
-  std::int32_t parentOf(std::int32_t element) const {
-    return parent_[static_cast<std::size_t>(element)];
-  }
+  std::int32_t parentOf(std::int32_t element) const { return parent_[asIndex(element)]; }
 
   std::size_t size() const { return parent_.size(); }
 
  private:
-  std::int32_t& parent(std::int32_t element) { return parent_[static_cast<std::size_t>(element)]; }
+  std::int32_t& parent(std::int32_t element) { return parent_[asIndex(element)]; }
 
   std::vector<std::int32_t> parent_;
 };

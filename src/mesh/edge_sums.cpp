@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "interface/index.h"
+
 namespace qelm {
 namespace {
 
@@ -27,7 +29,7 @@ EdgeSums::EdgeSums(std::int32_t t, std::span<const std::int32_t> triangles,
                    const std::vector<std::uint32_t>& higherEnds)
     : t_(t), isScattered_(joinFarVertices(triangles)), owners_(higherEnds.size(), Owner{-0.0, 0}) {
   std::size_t size = 0;
-  for (auto v = static_cast<std::size_t>(t); v < owners_.size(); ++v) {
+  for (auto v = asIndex(t); v < owners_.size(); ++v) {
     owners_[v].end = size;
     size += higherEnds[v];
   }
@@ -57,7 +59,7 @@ void EdgeSums::setLength(std::size_t length) {
 // free vertices, and fewer than 2^31 to tagged ones.
 template <bool kScattered>
 EdgeSums::Counts EdgeSums::addUpLists() {
-  const auto t = static_cast<std::size_t>(t_);
+  const auto t = asIndex(t_);
   std::vector<Neighbour> known(owners_.size());
   std::vector<std::int32_t> freeNeighbours(owners_.size() - t);
   Entry* const entries = entries_.get();
@@ -69,10 +71,10 @@ EdgeSums::Counts EdgeSums::addUpLists() {
     std::int32_t freeOnes = 0;
     for (; read < owners_[v].end; ++read) {
       if (kScattered && contributions - read > kAhead) {
-        prefetchToWrite(&known[static_cast<std::size_t>(entries[read + kAhead].neighbour)]);
+        prefetchToWrite(&known[asIndex(entries[read + kAhead].neighbour)]);
       }
       const Entry added = entries[read];
-      Neighbour& neighbour = known[static_cast<std::size_t>(added.neighbour)];
+      Neighbour& neighbour = known[asIndex(added.neighbour)];
       if (neighbour.lastEntry >= first) {
         entries[neighbour.lastEntry - 1].sum += added.sum;
         continue;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "interface/compiler.h"
+#include "interface/index.h"
 
 namespace qelm {
 
@@ -44,25 +45,21 @@ class EdgeSums {
   void add(std::int32_t a, std::int32_t b, double value) {
     const std::int32_t higher = std::max(a, b);
     if (higher < t_) return;
-    const std::size_t place = owners_[static_cast<std::size_t>(higher)].end++;
+    const std::size_t place = owners_[asIndex(higher)].end++;
     entries_[place] = {std::min(a, b), value};
   }
 
   /// To K_vv: an area times a square, so never -0.0.
-  void addToDiagonal(std::int32_t v, double value) {
-    owners_[static_cast<std::size_t>(v)].diagonal += value;
-  }
+  void addToDiagonal(std::int32_t v, double value) { owners_[asIndex(v)].diagonal += value; }
 
   /// Whether something was added to the diagonal of every vertex.
   bool haveEveryVertex() const;
 
   /// Have the memory ready that adding to v's entries needs soon: first what is known
   /// of v, then the place of its contributions.
-  void prefetchOwner(std::int32_t v) const {
-    prefetchToWrite(&owners_[static_cast<std::size_t>(v)]);
-  }
+  void prefetchOwner(std::int32_t v) const { prefetchToWrite(&owners_[asIndex(v)]); }
   void prefetchList(std::int32_t v) const {
-    prefetchToWrite(entries_.get() + owners_[static_cast<std::size_t>(v)].end);
+    prefetchToWrite(entries_.get() + owners_[asIndex(v)].end);
   }
 
   /// Whether triangles join vertices that lie far apart in memory, as in random order.
@@ -89,12 +86,12 @@ class EdgeSums {
   }
   /// Of vertex v: the neighbours all different, in any order, which may be changed.
   std::span<Entry> entries(std::int32_t v) {
-    return {entries_.get() + start(v), entries_.get() + owners_[static_cast<std::size_t>(v)].end};
+    return {entries_.get() + start(v), entries_.get() + owners_[asIndex(v)].end};
   }
   std::span<const Entry> entries(std::int32_t v) const {
-    return {entries_.get() + start(v), entries_.get() + owners_[static_cast<std::size_t>(v)].end};
+    return {entries_.get() + start(v), entries_.get() + owners_[asIndex(v)].end};
   }
-  double diagonal(std::int32_t v) const { return owners_[static_cast<std::size_t>(v)].diagonal; }
+  double diagonal(std::int32_t v) const { return owners_[asIndex(v)].diagonal; }
 
  private:
   struct Owner {
@@ -104,9 +101,7 @@ class EdgeSums {
   struct Free {
     void operator()(void* block) const { std::free(block); }
   };
-  std::size_t start(std::int32_t v) const {
-    return v == 0 ? 0 : owners_[static_cast<std::size_t>(v) - 1].end;
-  }
+  std::size_t start(std::int32_t v) const { return v == 0 ? 0 : owners_[asIndex(v) - 1].end; }
   void setLength(std::size_t length);
   template <bool kScattered>
   Counts addUpLists();

@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "interface/compiler.h"
+#include "interface/index.h"
 #include "mesh/element_block.h"
 
 namespace qelm {
@@ -52,7 +53,7 @@ class Elements {
   /// these have come, the places of their contributions.
   void prefetchVertices(std::size_t first) const {
     for (const std::int32_t v : blockFrom(first)) {
-      const double* const coordinates = coordinates_.data() + 3 * static_cast<std::size_t>(v);
+      const double* const coordinates = coordinates_.data() + 3 * asIndex(v);
       prefetchToRead(coordinates);
       prefetchToRead(coordinates + 2);
       sums_.prefetchOwner(v);
@@ -68,7 +69,7 @@ class Elements {
   }
 
   Vec3 point(std::int32_t v) const {
-    const auto base = 3 * static_cast<std::size_t>(v);
+    const auto base = 3 * asIndex(v);
     return {coordinates_[base], coordinates_[base + 1], coordinates_[base + 2]};
   }
 

@@ -14,8 +14,6 @@
 namespace qelm {
 namespace {
 
-std::size_t at(std::int32_t index) { return static_cast<std::size_t>(index); }
-
 /// A block whose columns get their entries one by one.
 struct Filling {
   std::int32_t* rows;
@@ -36,7 +34,7 @@ struct Filling {
     values[place] = value;
   }
   void append(std::size_t column, std::int32_t row, double value) {
-    put(at(next[column]++), row, value);
+    put(asIndex(next[column]++), row, value);
   }
 };
 
@@ -47,7 +45,7 @@ void reserveColumns(SparseBlock& block, Count count) {
   std::int32_t* outer = block.outerIndexPtr();
   for (Eigen::Index c = 0; c < block.cols(); ++c) {
     // Each is at most the number of vertices.
-    const std::int64_t entries = count(static_cast<std::size_t>(c));
+    const std::int64_t entries = count(asIndex(c));
     outer[c + 1] = indexable(outer[c] + entries);
   }
   block.resizeNonZeros(outer[block.cols()]);
@@ -63,30 +61,30 @@ std::vector<std::int32_t> lowerPlaces(const SparseBlock& block,
 template <bool kScattered>
 void fill(EdgeSums& sums, std::int32_t t, Filling& freeFree, Filling& freeFixed) {
   const EdgeSums::Entry* const end = sums.entries().data() + sums.entries().size();
-  const auto freeCount = static_cast<std::int32_t>(freeFree.next.size());
+  const auto freeCount = asInt(freeFree.next.size());
   for (std::int32_t owner = 0; owner < freeCount; ++owner) {
     const std::span<EdgeSums::Entry> list = sums.entries(t + owner);
     if (kScattered) {
       for (const EdgeSums::Entry& entry : list) {
-        if (static_cast<std::size_t>(end - &entry) <= EdgeSums::kAhead) break;
+        if (asIndex(end - &entry) <= EdgeSums::kAhead) break;
         const std::int32_t ahead = (&entry + EdgeSums::kAhead)->neighbour;
-        if (ahead >= t) freeFree.prefetch(at(ahead - t));
+        if (ahead >= t) freeFree.prefetch(asIndex(ahead - t));
       }
     }
     // Nothing is behind the diagonal yet: that comes from higher owners. What is in front
     // of it are the free neighbours, as the tagged ones have the lowest ranks.
-    const std::size_t diagonal = at(freeFree.next[at(owner)] - 1);
+    const std::size_t diagonal = asIndex(freeFree.next[asIndex(owner)] - 1);
     freeFree.put(diagonal, owner, sums.diagonal(t + owner));
     const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(diagonal) - std::ssize(list);
     visitWithRanks(list, [&](const EdgeSums::Entry& entry, std::size_t rank) {
       if (entry.neighbour < t) {
-        freeFixed.append(at(entry.neighbour), owner, entry.sum);
+        freeFixed.append(asIndex(entry.neighbour), owner, entry.sum);
         return;
       }
       const std::int32_t neighbour = entry.neighbour - t;
       const std::ptrdiff_t place = first + static_cast<std::ptrdiff_t>(rank);
-      freeFree.put(static_cast<std::size_t>(place), neighbour, entry.sum);
-      freeFree.append(at(neighbour), owner, entry.sum);
+      freeFree.put(asIndex(place), neighbour, entry.sum);
+      freeFree.append(asIndex(neighbour), owner, entry.sum);
     });
   }
 }
@@ -100,7 +98,7 @@ FreeRowBlocks blocksOf(EdgeSums sums, EdgeSums::Counts counts, std::int32_t t) {
   const auto freeCount = static_cast<Eigen::Index>(counts.freeNeighbours.size());
   FreeRowBlocks blocks{SparseBlock(freeCount, freeCount), SparseBlock(freeCount, t)};
   reserveColumns(blocks.freeFree, [&](std::size_t v) {
-    return std::int64_t{counts.freeNeighbours[v]} + 1 + counts.neighbours[at(t) + v].owners;
+    return std::int64_t{counts.freeNeighbours[v]} + 1 + counts.neighbours[asIndex(t) + v].owners;
   });
   reserveColumns(blocks.freeFixed, [&](std::size_t w) { return counts.neighbours[w].owners; });
   Filling freeFree(blocks.freeFree, lowerPlaces(blocks.freeFree, std::move(counts.freeNeighbours)));

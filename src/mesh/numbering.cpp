@@ -6,6 +6,8 @@
 #include <limits>
 #include <new>
 
+#include "interface/index.h"
+
 namespace qelm {
 bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 
@@ -13,17 +15,17 @@ bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 // system index n-1-k belongs to the k-th free vertex. This is on purpose;
 // stored fields and callers' tables rely on it.
 VertexNumbering numberVertices(std::span<const std::int32_t> tags) {
-  const auto n = static_cast<std::int32_t>(tags.size());
+  const auto n = asInt(tags.size());
   VertexNumbering numbering;
   numbering.place.resize(tags.size());
   numbering.order.resize(tags.size());
   std::int32_t front = 0;
   for (std::int32_t i = 0; i < n; ++i) {
-    const auto input = static_cast<std::size_t>(i);
+    const auto input = asIndex(i);
     const std::int32_t freeBefore = i - front;
     const std::int32_t system = isPrescribed(tags[input]) ? front++ : n - 1 - freeBefore;
     numbering.place[input] = system;
-    numbering.order[static_cast<std::size_t>(system)] = i;
+    numbering.order[asIndex(system)] = i;
   }
   numbering.taggedCount = front;
   return numbering;
@@ -33,7 +35,7 @@ std::vector<double> reorderCoordinates(std::span<const double> vertices,
                                        const VertexNumbering& numbering) {
   std::vector<double> reordered(vertices.size());
   for (std::size_t i = 0; i < numbering.place.size(); ++i) {
-    const auto s = static_cast<std::size_t>(numbering.place[i]);
+    const auto s = asIndex(numbering.place[i]);
     for (std::size_t k = 0; k < 3; ++k) reordered[3 * s + k] = vertices[3 * i + k];
   }
   return reordered;
@@ -50,11 +52,9 @@ SystemTriangles renumberTriangles(std::span<const std::int32_t> triangles,
   SystemTriangles system;
   system.indices.resize(triangles.size());
   system.higherEnds.resize(numbering.place.size());
-  const auto placeOf = [&](std::size_t j) {
-    return numbering.place[static_cast<std::size_t>(triangles[j])];
-  };
+  const auto placeOf = [&](std::size_t j) { return numbering.place[asIndex(triangles[j])]; };
   const auto countSide = [&](std::int32_t a, std::int32_t b) {
-    ++system.higherEnds[static_cast<std::size_t>(std::max(a, b))];
+    ++system.higherEnds[asIndex(std::max(a, b))];
   };
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const std::int32_t a = placeOf(j);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "interface/index.h"
 #include "solve/factor_rows.h"
 #include "solve/factor_vector.h"
 #include "solve/field_bounds.h"
@@ -16,15 +17,14 @@ namespace {
 using Eigen::Index;
 
 std::size_t fieldCount(const MeshSystem& system, const Batch& batch) {
-  return batch.values.size() / static_cast<std::size_t>(system.vertexCount);
+  return batch.values.size() / asIndex(system.vertexCount);
 }
 
 /// What all blocks of a batch share. Rows 0 .. t-1 hold the tagged vertices in
 /// system order, the others the free ones in the factor's order.
 struct Workspace {
   Workspace(const MeshSystem& system, std::size_t width)
-      : rows(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(system.vertexCount) *
-                                                      width)),
+      : rows(std::make_unique_for_overwrite<double[]>(asIndex(system.vertexCount) * width)),
         solved(system.freeSolver->info() == Eigen::Success) {
     if (!solved) return;
     diagonal = system.freeSolver->vectorD();
@@ -111,8 +111,8 @@ class Block {
 
   /// Where field k of this block has its entry for system vertex s.
   std::size_t place(std::size_t k, Index s) const {
-    const auto input = static_cast<std::size_t>(system_.vertexOrder[static_cast<std::size_t>(s)]);
-    return (first_ + k) * static_cast<std::size_t>(system_.vertexCount) + input;
+    const auto input = asIndex(system_.vertexOrder[asIndex(s)]);
+    return (first_ + k) * asIndex(system_.vertexCount) + input;
   }
 
   template <class Row>
@@ -175,7 +175,7 @@ constexpr SolveBlock kSolveBlock[] = {solveBlock<1>, solveBlock<2>,  solveBlock<
 
 void solveBatch(const MeshSystem& system, const Batch& batch, int width) {
   const std::size_t count = fieldCount(system, batch);
-  const std::size_t widest = std::min(static_cast<std::size_t>(width), std::bit_ceil(count));
+  const std::size_t widest = std::min(asIndex(width), std::bit_ceil(count));
   Workspace workspace(system, widest);
   std::size_t step = 0;
   for (std::size_t first = 0; first < count; first += step) {

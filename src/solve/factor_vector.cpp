@@ -16,6 +16,7 @@
 #include "solve/factor_vector.h"
 
 #include "interface/compiler.h"
+#include "interface/index.h"
 
 namespace qelm {
 namespace {
@@ -31,7 +32,7 @@ template <bool kIsCached>
 class Columns {
  public:
   explicit Columns(const SparseBlock& lower)
-      : count_(static_cast<int>(lower.cols())),
+      : count_(asInt(lower.cols())),
         starts_(lower.outerIndexPtr()),
         rows_(lower.innerIndexPtr()),
         values_(lower.valuePtr()) {}

@@ -15,6 +15,7 @@
 #include <limits>
 #include <vector>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 
 namespace qelm {
@@ -32,7 +33,7 @@ class FieldRanges {
  public:
   FieldRanges() = default;
   FieldRanges(const FieldBounds& bounds, std::size_t width)
-      : bounds_(&bounds), ranges_(2 * static_cast<std::size_t>(bounds.regionCount) * width) {}
+      : bounds_(&bounds), ranges_(2 * asIndex(bounds.regionCount) * width) {}
 
   bool areKept() const { return bounds_ != nullptr; }
 
@@ -59,12 +60,10 @@ class FieldRanges {
   }
 
  private:
-  std::int32_t regionOf(Eigen::Index vertex) const {
-    return bounds_->region[static_cast<std::size_t>(vertex)];
-  }
+  std::int32_t regionOf(Eigen::Index vertex) const { return bounds_->region[asIndex(vertex)]; }
   template <int Width>
   double* low(std::int32_t region) {
-    return ranges_.data() + 2 * static_cast<std::size_t>(region) * Width;
+    return ranges_.data() + 2 * asIndex(region) * Width;
   }
   template <int Width>
   double* high(std::int32_t region) {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/numbering.h"
 
 namespace qelm {
@@ -51,7 +52,7 @@ void checkIndices(const MeshView& mesh, QelmMeshReport& report) {
     bool allInRange = true;
     for (const std::int32_t v : c) {
       if (mesh.inRange(v)) {
-        used[static_cast<std::size_t>(v)] = true;
+        used[asIndex(v)] = true;
       } else {
         allInRange = false;
       }

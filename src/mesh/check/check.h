@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <span>
 
+#include "interface/index.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -23,9 +24,7 @@ struct MeshView {
   std::span<const std::int32_t> corners(std::size_t triangle) const {
     return triangles.subspan(3 * triangle, 3);
   }
-  bool inRange(std::int32_t vertex) const {
-    return vertex >= 0 && static_cast<std::size_t>(vertex) < vertexCount();
-  }
+  bool inRange(std::int32_t vertex) const { return vertex >= 0 && asIndex(vertex) < vertexCount(); }
   /// Whether a triangle names three different vertices of the mesh.
   bool isSound(std::size_t triangle) const;
   /// Whether the three coordinates of a vertex are numbers and not infinite.

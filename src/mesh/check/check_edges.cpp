@@ -5,6 +5,7 @@
 #include <tuple>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/check/check.h"
 #include "mesh/disjoint_sets.h"
 
@@ -20,7 +21,7 @@ struct Side {
 };
 
 Side sideOf(std::int32_t from, std::int32_t to, std::size_t triangle) {
-  return {std::min(from, to), std::max(from, to), static_cast<std::int32_t>(triangle), from < to};
+  return {std::min(from, to), std::max(from, to), asInt(triangle), from < to};
 }
 
 bool sameEdge(const Side& a, const Side& b) { return a.low == b.low && a.high == b.high; }
@@ -47,13 +48,13 @@ class Boundary {
 
   void add(const Side& side) {
     groups_.unite(side.low, side.high);
-    present_[static_cast<std::size_t>(side.low)] = true;
-    present_[static_cast<std::size_t>(side.high)] = true;
+    present_[asIndex(side.low)] = true;
+    present_[asIndex(side.high)] = true;
   }
 
   void noteLoops(QelmFinding& finding) {
     for (std::size_t i = 0; i < present_.size(); ++i) {
-      const auto v = static_cast<std::int32_t>(i);
+      const auto v = asInt(i);
       if (present_[i] && groups_.root(v) == v) note(finding, i);
     }
   }
@@ -65,7 +66,7 @@ class Boundary {
 
 /// The sides at one edge.
 void noteEdge(std::span<const Side> sides, Boundary& boundary, QelmMeshReport& report) {
-  const auto triangle = static_cast<std::size_t>(sides.front().triangle);
+  const auto triangle = asIndex(sides.front().triangle);
   if (sides.size() == 1) boundary.add(sides.front());
   if (sides.size() > 2) note(report.crowdedEdge, triangle);
   if (sides.size() == 2 && sides[0].ascending == sides[1].ascending) {
@@ -81,7 +82,7 @@ void checkEdges(const MeshView& mesh, QelmMeshReport& report) {
   for (auto edge = sides.begin(); edge != sides.end();) {
     const auto end =
         std::find_if(edge, sides.end(), [&](const Side& side) { return !sameEdge(*edge, side); });
-    noteEdge({&*edge, static_cast<std::size_t>(end - edge)}, boundary, report);
+    noteEdge({&*edge, asIndex(end - edge)}, boundary, report);
     edge = end;
   }
   boundary.noteLoops(report.boundaryLoop);

@@ -2,6 +2,7 @@
 // vertices, or whose corners are not finite, have a defect already and no shape.
 #include <algorithm>
 
+#include "interface/index.h"
 #include "mesh/check/check.h"
 #include "mesh/check/quality.h"
 
@@ -9,14 +10,14 @@ namespace qelm {
 namespace {
 
 Vec3 pointAt(const MeshView& mesh, std::int32_t vertex) {
-  const auto p = mesh.vertices.subspan(3 * static_cast<std::size_t>(vertex), 3);
+  const auto p = mesh.vertices.subspan(3 * asIndex(vertex), 3);
   return {p[0], p[1], p[2]};
 }
 
 bool hasAShape(const MeshView& mesh, std::size_t triangle) {
   const auto c = mesh.corners(triangle);
   return mesh.isSound(triangle) && std::all_of(c.begin(), c.end(), [&mesh](std::int32_t v) {
-           return mesh.isFinite(static_cast<std::size_t>(v));
+           return mesh.isFinite(asIndex(v));
          });
 }
 
