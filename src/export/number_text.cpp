@@ -20,8 +20,8 @@ struct SixDigits {
   int exponent;          ///< of the first digit
 };
 
-/// False where the rounding is not certain, or the notation would not be plain:
-/// outside [0.0001, 999999).
+/// Rounds to six significant digits. False where the rounding is not certain, or outside of
+/// [0.0001, 999999), where the notation has an exponent.
 ///
 /// The digits are magnitude * 10^(5 - exponent), rounded to an integer. The power is
 /// exact and the product below 2^20, so it is off by at most 2^-34; where it is further
@@ -45,7 +45,7 @@ bool roundToSix(double magnitude, SixDigits& rounded) {
   return true;
 }
 
-/// Writes whole words, whose ends need not belong to the number.
+/// Writes words of eight characters; those behind the number's end mean nothing.
 char* writePlain(char* to, const SixDigits& number) {
   const std::uint64_t digits = eightDigits(number.digits * 100);
   const auto zerosAtEnd = asIndex(std::countl_zero(digits)) / 8;
@@ -65,8 +65,7 @@ char* writePlain(char* to, const SixDigits& number) {
   return to + (kept <= beforePoint ? beforePoint : kept + 1);
 }
 
-/// Streams write NaN as the C library does, which differs between platforms:
-/// glibc shows the sign, the Windows runtime does not.
+/// Streams write NaN as the C library does: glibc shows the sign, the Windows runtime does not.
 std::string_view nanText(double number) {
 #ifdef _WIN32
   static_cast<void>(number);

@@ -1,5 +1,5 @@
-// Accessors, duplication and release of a MeshSystem handle. Null handles are
-// answered without touching an out-parameter.
+// Accessors, duplication and release of a MeshSystem handle. A call with a null handle touches no
+// out-parameter.
 #include <cstddef>
 
 #include "interface/index.h"
@@ -23,9 +23,8 @@ extern "C" int qelverts(const MeshSystem* h, const double** coordinatesOut) {
   return vertexCountOf(*h);
 }
 
-// The count is the vertex count, exactly as in qelverts(). This is on purpose
-// and stays: callers know their triangle count from the construction, and the
-// isoline pass depends on the number that is reported here.
+// The result is the vertex count, exactly as in qelverts(). This is on purpose and stays: callers
+// know their triangle count from the construction, and the isoline pass depends on this number.
 extern "C" int qeltris(const MeshSystem* h, const int** indicesOut) {
   if (h == nullptr) return 0;
   *indicesOut = h->triangles->data();

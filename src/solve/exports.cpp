@@ -1,4 +1,5 @@
-// The solve exports: checks in order, views, one call, the status.
+// The solve exports: they check their arguments in the documented order, make views of the arrays,
+// solve, and write the status.
 #include <cstddef>
 #include <span>
 
@@ -15,7 +16,7 @@ int handleStatus(const MeshSystem* handle) {
   return QELM_STATUS_OK;
 }
 
-/// One span over `count` fields; none for a null array.
+/// One span over `count` fields; an empty one for a null array.
 template <class T>
 std::span<T> fieldsAt(T* fields, int count, std::size_t n) {
   return fields == nullptr ? std::span<T>() : std::span<T>(fields, qelm::asIndex(count) * n);

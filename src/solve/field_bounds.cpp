@@ -9,7 +9,7 @@ FieldBounds boundsOf(const SparseBlock& freeFree) {
   const auto count = asIndex(freeFree.cols());
   DisjointSets sets(count);
   for (Eigen::Index c = 0; c < freeFree.outerSize(); ++c) {
-    // The other half says the same.
+    // The matrix is symmetric: its strictly upper triangle is enough.
     for (SparseBlock::InnerIterator entry(freeFree, c); entry && entry.row() < c; ++entry) {
       sets.unite(asInt(entry.row()), asInt(c));
     }

@@ -42,9 +42,8 @@ void note(QelmFinding& finding, std::size_t index) {
   ++finding.count;
 }
 
-// A vertex counts as used when any triangle names it, whatever else is wrong with
-// that triangle: so a defect of a triangle is not reported again as one of its
-// vertices.
+// A vertex counts as used when any triangle names it, whatever else is wrong with that triangle: so
+// a triangle's defect is not reported once more as an unused vertex.
 void checkIndices(const MeshView& mesh, QelmMeshReport& report) {
   std::vector<bool> used(mesh.vertexCount(), false);
   for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {

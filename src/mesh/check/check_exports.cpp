@@ -1,4 +1,4 @@
-// The check export: arguments first, then the mesh.
+// The check export: it checks the arguments, then the mesh.
 #include <cstddef>
 
 #include "interface/index.h"

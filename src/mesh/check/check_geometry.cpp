@@ -1,5 +1,5 @@
-// Coordinates, and what the triangles look like. Triangles that name no three
-// vertices, or whose corners are not finite, have a defect already and no shape.
+// Coordinates that are not finite, and the shapes of triangles. A triangle that does not name three
+// different vertices, or has a corner that is not finite, has a defect already and no shape.
 #include <algorithm>
 
 #include "interface/index.h"
@@ -21,7 +21,7 @@ bool hasAShape(const MeshView& mesh, std::size_t triangle) {
          });
 }
 
-/// A triangle is too flat or else of the wrong size, never both.
+/// A triangle is reported as too flat or as too small or large, never as both.
 void noteShape(const TriangleShape& shape, std::size_t triangle, QelmMeshReport& report) {
   if (shape.quality < report.worstQuality) {
     report.worstQuality = shape.quality;

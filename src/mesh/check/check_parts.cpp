@@ -1,5 +1,5 @@
-// Connected parts: groups of vertices that triangles hold together. Each part needs
-// a prescribed value, or its fields are determined only up to a constant.
+// Connected parts: vertices that triangles connect, found with union-find. Each part needs a
+// prescribed vertex, or its fields are determined only up to a constant.
 #include <vector>
 
 #include "interface/index.h"
@@ -10,7 +10,7 @@
 namespace qelm {
 namespace {
 
-/// Unites those corners that exist, and marks them.
+/// Unites those corners that are in range, and marks them as used.
 void uniteCorners(const MeshView& mesh, std::size_t triangle, DisjointSets& parts,
                   std::vector<bool>& used) {
   std::int32_t previous = -1;
@@ -24,7 +24,7 @@ void uniteCorners(const MeshView& mesh, std::size_t triangle, DisjointSets& part
 
 }  // namespace
 
-// Like the use of a vertex, connection does not ask whether a triangle is sound.
+// A triangle connects its vertices even if it is not sound, as it uses them in checkIndices().
 void checkParts(const MeshView& mesh, QelmMeshReport& report) {
   const std::size_t n = mesh.vertexCount();
   DisjointSets parts(n);

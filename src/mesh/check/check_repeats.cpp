@@ -1,4 +1,4 @@
-// Things that are there more than once.
+// Triangles and vertices that are there more than once, found with hash tables.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -37,10 +37,10 @@ std::span<const double> pointOf(const MeshView& mesh, std::size_t vertex) {
   return mesh.vertices.subspan(3 * vertex, 3);
 }
 
-/// Adding 0 makes -0.0 the 0.0 that it equals.
+/// Adding 0 turns -0.0 into 0.0: equal coordinates must have equal bits.
 std::uint64_t wordOf(double coordinate) { return std::bit_cast<std::uint64_t>(coordinate + 0.0); }
 
-/// Vertices at one place, exactly. A coordinate that is not finite is no place.
+/// Vertices with exactly the coordinates of an earlier one. Those that are not finite are left out.
 void checkVertices(const MeshView& mesh, QelmMeshReport& report) {
   IndexTable seen(mesh.vertexCount());
   for (std::size_t i = 0; i < mesh.vertexCount(); ++i) {
