@@ -1,4 +1,4 @@
-// The constructor export: argument checks, renumbering, assembly.
+// The constructor export: it checks the arguments, renumbers the mesh, assembles and factorises.
 #include "mesh/construct.h"
 
 #include <cstddef>
@@ -15,15 +15,17 @@
 namespace qelm {
 namespace {
 
-/// The complete system in input terms, or null with a defect in status.
+/// The complete system of a mesh in input order, or null with a defect in `status`.
 std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
                                             std::span<const int> triangles,
                                             std::span<const int> tags, AssembleSystem assemble,
                                             SizeLimit* limit, int& taggedCount, int& status) {
   VertexNumbering numbering = numberVertices(tags);
   taggedCount = numbering.taggedCount;
-  SystemTriangles renumbered = renumberTriangles(triangles, numbering);
-  if (limit != nullptr) limit->assemblyBytes = assemblyBytes(numbering, renumbered);
+  std::vector<std::int32_t> renumbered = renumberTriangles(triangles, numbering);
+  if (limit != nullptr) {
+    limit->assemblyBytes = assemblyBytes(taggedCount, tags.size(), renumbered);
+  }
   auto system = assemble(taggedCount, asInt(tags.size()), reorderCoordinates(vertices, numbering),
                          std::move(renumbered), limit, status);
   if (system == nullptr) return nullptr;

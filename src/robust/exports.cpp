@@ -4,6 +4,7 @@
 
 #include "mesh/arguments.h"
 #include "mesh/construct.h"
+#include "mesh/numbering.h"
 #include "qelm.h"
 #include "robust/flips.h"
 #include "robust/robust_system.h"
@@ -18,10 +19,9 @@ bool areInRange(std::span<const int> triangles, int vertexCount) {
 qelm::RobustRows robustRows(std::span<const double> vertices, std::span<const int> triangles,
                             std::span<const int> tags) {
   const qelm::VertexNumbering numbering = qelm::numberVertices(tags);
-  qelm::SystemTriangles renumbered = qelm::renumberTriangles(triangles, numbering);
   return qelm::assembleRobustRows(
-      numbering.taggedCount, qelm::reorderCoordinates(vertices, numbering), renumbered.indices,
-      std::move(renumbered.higherEnds), qelm::flipLimit(triangles.size() / 3));
+      numbering.taggedCount, qelm::reorderCoordinates(vertices, numbering),
+      qelm::renumberTriangles(triangles, numbering), qelm::flipLimit(triangles.size() / 3));
 }
 
 }  // namespace

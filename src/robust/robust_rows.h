@@ -22,11 +22,8 @@ constexpr double kRoundingOfPlain = 1e-12;
 /// are two sheets, and K_ii the sum of row i's weights. Edges that are bad within rounding
 /// count as 0, so that no entry off the diagonal is positive; weights of 0 leave no entry.
 ///
-/// `triangles` are those that the cover was made of, higherEnds as in SystemTriangles a
-/// table of one number for each vertex, whatever it holds. Beyond the result and what is
-/// left of the cover, 36 bytes for each triangle and sheet.
-FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
-                         std::span<const std::int32_t> triangles);
+/// Memory beyond the result and what is left of the cover: 36 bytes for each triangle and sheet.
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount);
 
 }  // namespace qelm
 

@@ -10,7 +10,6 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/assembly.h"
-#include "mesh/numbering.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -26,14 +25,13 @@ struct RobustRows {
 /// The rows that assembleFreeRows() gives where they are good, see isGood(); else those of
 /// the triangulation after at most `flipLimit` flips, status 106 if that is too few.
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
-                              std::span<const std::int32_t> triangles,
-                              std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit);
+                              std::span<const std::int32_t> triangles, std::int64_t flipLimit);
 
 /// As assembleSystem(), with robust rows and bounds for its fields.
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, SizeLimit* limit,
-                                                 int& status);
+                                                 std::vector<std::int32_t> triangles,
+                                                 SizeLimit* limit, int& status);
 
 }  // namespace qelm
 
