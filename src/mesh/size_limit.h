@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <span>
 
-#include "factor/symbolic.h"
+#include "factor/cost.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
 
