@@ -19,8 +19,9 @@ constexpr double kFlatRoundings = 8;
 // A side of a flat triangle that is shorter, in tolerances, has two ends at about one place.
 constexpr double kNeedle = 2;
 // Steps for each triangle, before it is given up: meshes that fold over themselves within the
-// tolerance could go round for ever.
-constexpr std::size_t kMostSteps = 4;
+// tolerance could go round for ever. Caps on sides of caps take more steps than triangles: 4 for
+// each were once too few.
+constexpr std::size_t kMostSteps = 64;
 
 using Corners = std::array<int, 3>;
 
