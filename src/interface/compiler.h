@@ -1,5 +1,5 @@
-// What is asked of the compiler beyond the language, each with what stands for it elsewhere.
-// Nothing here changes a result.
+// The one place for what compilers offer beyond the language. Each has a plain form for other
+// compilers, and none changes a result.
 #ifndef QELM_INTERFACE_COMPILER_H
 #define QELM_INTERFACE_COMPILER_H
 
@@ -8,9 +8,9 @@
 #define QELM_X86 1
 #endif
 
-// QELM_INLINE: the function becomes part of one that is compiled for another processor.
-// QELM_KEEP_LOOP: the loop stays one until the compiler looks for such as vector instructions
-// can do. QELM_UNROLL: the loop, of up to eight rounds, is written out.
+// QELM_INLINE: the function is compiled as a part of its caller, for the caller's processor.
+// QELM_KEEP_LOOP: the loop is not unrolled, so that the compiler turns it into vector instructions.
+// QELM_UNROLL: the loop, of up to eight rounds, is unrolled.
 #if defined(__clang__)
 #define QELM_INLINE __attribute__((always_inline)) inline
 #define QELM_KEEP_LOOP _Pragma("clang loop unroll(disable)")
@@ -27,14 +27,14 @@
 
 namespace qelm {
 
-/// Asks for memory that will be read soon. Any address will do.
+/// Asks the processor to fetch memory that will be read soon. Any address is allowed.
 QELM_INLINE void prefetchToRead([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);
 #endif
 }
 
-/// Asks for memory that will be written soon. Any address will do.
+/// Asks the processor to fetch memory that will be written soon. Any address is allowed.
 QELM_INLINE void prefetchToWrite([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address, 1);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "interface/index.h"
-#include "mesh/edge_sums.h"
+#include "mesh/lower_triangle.h"
 
 namespace qelm {
 namespace {
@@ -62,23 +62,22 @@ bool hasNonnegativeWeights(const FreeRowBlocks& plain) {
          isNonnegativeBlock(plain.freeFixed, [](Index, Index) { return false; });
 }
 
-FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
-                         std::span<const std::int32_t> triangles) {
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount) {
   replaceCotangentsByWeights(cover);
   std::vector<HalfEdge>().swap(cover.twin);
-  std::vector<std::uint32_t> higherEnds(vertexCount);
+  std::vector<std::uint32_t> bucketSizes(vertexCount);
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
-    ++higherEnds[asIndex(std::max(a, b))];
+    ++bucketSizes[asIndex(std::max(a, b))];
   });
-  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
+  LowerTriangle lower(taggedCount, std::exchange(bucketSizes, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
-    sums.add(a, b, -weight);
-    sums.addToDiagonal(a, weight);
-    sums.addToDiagonal(b, weight);
+    lower.add(a, b, -weight);
+    lower.addToDiagonal(a, weight);
+    lower.addToDiagonal(b, weight);
   });
   cover = {};
-  EdgeSums::Counts counts = sums.addUp();
-  return blocksOf(std::move(sums), std::move(counts), taggedCount);
+  lower.mergeBuckets();
+  return toCompressedColumns(lower, taggedCount);
 }
 
 }  // namespace qelm
