@@ -14,6 +14,48 @@
 namespace qelm {
 namespace {
 
+/// Union-find over triangles: the root of a part is its first triangle, and each triangle knows
+/// whether it is turned over against that one.
+class OrientedParts {
+ public:
+  explicit OrientedParts(std::size_t triangleCount) : links_(triangleCount) {
+    for (std::size_t t = 0; t < triangleCount; ++t) links_[t] = linkTo(t, 0);
+  }
+
+  /// Joins two triangles that share an edge, and of which one must be turned over if they
+  /// `disagree`. False if one part has both already, and has them otherwise.
+  bool unite(std::int32_t a, std::int32_t b, bool disagree) {
+    const std::uint32_t rootA = root(a), rootB = root(b);
+    const std::uint32_t turned = (rootA ^ rootB ^ (disagree ? 1 : 0)) & 1;
+    const std::uint32_t low = std::min(rootA / 2, rootB / 2), high = std::max(rootA / 2, rootB / 2);
+    if (low == high) return turned == 0;
+    links_[high] = linkTo(low, turned);
+    return true;
+  }
+
+  bool isTurned(std::int32_t triangle) { return root(triangle) % 2 != 0; }
+
+ private:
+  static std::uint32_t linkTo(std::size_t triangle, std::uint32_t turned) {
+    return 2 * static_cast<std::uint32_t>(triangle) + turned;
+  }
+
+  /// The link from a triangle to its root. Halves the path.
+  std::uint32_t root(std::int32_t triangle) {
+    std::uint32_t here = linkTo(asIndex(triangle), 0);
+    while (links_[here / 2] / 2 != here / 2) {
+      std::uint32_t& link = links_[here / 2];
+      link = links_[link / 2] ^ (link & 1);
+      here = link ^ (here & 1);
+    }
+    return here;
+  }
+
+  /// Twice the number of a triangle of the part that is no higher, and 1 if the two are turned
+  /// against each other.
+  std::vector<std::uint32_t> links_;
+};
+
 /// Fills in the twins.
 class Gluing {
  public:
@@ -63,7 +105,7 @@ class Gluing {
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
-    if (!turnTriangles(cover)) return false;
+    if (!turnTriangles(edges)) return false;
     for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
       if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
     }
@@ -74,35 +116,20 @@ class Gluing {
     return true;
   }
 
-  /// Decides which triangles are turned over: visits each part from its first triangle, which stays
-  /// as it is, over shared edges. False if a part is not orientable.
-  bool turnTriangles(const DoubleCover& cover) {
-    std::vector<bool> isKnown(isTurned_.size());
-    std::vector<std::int32_t> reached;
-    for (std::size_t first = 0; first < isKnown.size(); ++first) {
-      if (isKnown[first]) continue;
-      isKnown[first] = true;
-      reached.push_back(asInt(first));
-      while (!reached.empty()) {
-        const std::int32_t here = reached.back();
-        reached.pop_back();
-        for (std::int32_t halfEdge = 3 * here; halfEdge < 3 * here + 3; ++halfEdge) {
-          const std::int32_t beyond = cover.twin[asIndex(halfEdge)];
-          if (beyond == DoubleCover::kNone) continue;
-          const std::int32_t there = beyond / 3;
-          const bool disagree = triangles_[asIndex(halfEdge)] == triangles_[asIndex(beyond)];
-          const bool turned = isTurned(asIndex(here)) != disagree;
-          if (!isKnown[asIndex(there)]) {
-            isKnown[asIndex(there)] = true;
-            isTurned_[asIndex(there)] = turned;
-            reached.push_back(there);
-          } else if (isTurned(asIndex(there)) != turned) {
-            return false;
-          }
-        }
-      }
-    }
-    return true;
+  /// Decides which triangles are turned over; the first one of each part stays as it is. False if a
+  /// part is not orientable.
+  bool turnTriangles(const MeshEdges& edges) {
+    OrientedParts parts(isTurned_.size());
+    bool areOrientable = true;
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      const std::int32_t g = halfEdges[0].number, h = halfEdges[1].number;
+      areOrientable &=
+          parts.unite(g / 3, h / 3, startsAt(lowerVertex, g) == startsAt(lowerVertex, h));
+    });
+    for (std::size_t t = 0; areOrientable && t < isTurned_.size(); ++t)
+      isTurned_[t] = parts.isTurned(asInt(t));
+    return areOrientable;
   }
 
   bool startsAt(std::int32_t vertex, std::int32_t halfEdge) const {

@@ -57,7 +57,7 @@ struct DoubleCover {
 /// The cover of a mesh in system order whose vertices 0 .. taggedCount-1 are prescribed, with
 /// finite coordinates and three different vertices in each triangle.
 ///
-/// The result takes 48 bytes for each triangle and sheet. Three quarters are allocated after 24
+/// The result takes 48 bytes for each triangle and sheet. Three quarters are allocated after 28
 /// bytes for each triangle and 8 for each vertex, needed while edges are found, are freed. Throws
 /// std::bad_alloc above 2^31 / 6 triangles.
 DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinates,

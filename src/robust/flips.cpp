@@ -82,9 +82,12 @@ class Flipper {
     std::int64_t seen = 0;
     for (HalfEdge h = 0; asIndex(h) < cover_.size(); ++h) {
       const HalfEdge g = cover_.twin[asIndex(h)];
-      if (g == DoubleCover::kNone || !isNotDelaunay(h)) continue;
-      if (h < g) enqueue(h);
-      if (h < cover_.fronts()) seen += g == cover_.back(h) ? 2 : 1;
+      if (g < h || !isNotDelaunay(h)) continue;  // without twin, or seen from there
+      enqueue(h);
+      if (g < cover_.fronts() || (h < cover_.fronts() && g == cover_.back(h)))
+        seen += 2;
+      else if (h < cover_.fronts())
+        seen += 1;
     }
     return (seen + 1) / 2;
   }

@@ -6,6 +6,30 @@
 #include "interface/index.h"
 
 namespace qelm {
+namespace {
+
+std::uint64_t keyOf(MeshHalfEdge halfEdge) {
+  return std::uint64_t{static_cast<std::uint32_t>(halfEdge.higherVertex)} << 32 |
+         static_cast<std::uint32_t>(halfEdge.number);
+}
+
+/// By higher vertex, then number. Most buckets have six half-edges or fewer: insertion sort.
+void sortBucket(std::span<MeshHalfEdge> bucket) {
+  constexpr std::size_t kFew = 16;
+  if (bucket.size() > kFew) {
+    std::sort(bucket.begin(), bucket.end(),
+              [](MeshHalfEdge a, MeshHalfEdge b) { return keyOf(a) < keyOf(b); });
+    return;
+  }
+  for (std::size_t i = 1; i < bucket.size(); ++i) {
+    const MeshHalfEdge halfEdge = bucket[i];
+    std::size_t at = i;
+    for (; at > 0 && keyOf(halfEdge) < keyOf(bucket[at - 1]); --at) bucket[at] = bucket[at - 1];
+    bucket[at] = halfEdge;
+  }
+}
+
+}  // namespace
 
 MeshEdges::MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> triangles)
     : starts_(vertexCount + 1), halfEdges_(triangles.size()) {
@@ -22,14 +46,8 @@ MeshEdges::MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> tria
     const auto [lower, higher] = std::minmax({triangles[halfEdge], targetOf(halfEdge)});
     halfEdges_[--starts_[asIndex(lower)]] = {higher, asInt(halfEdge)};
   }
-  for (std::size_t v = 0; v < vertexCount; ++v) {
-    std::sort(halfEdges_.begin() + static_cast<std::ptrdiff_t>(starts_[v]),
-              halfEdges_.begin() + static_cast<std::ptrdiff_t>(starts_[v + 1]),
-              [](const MeshHalfEdge& a, const MeshHalfEdge& b) {
-                return a.higherVertex != b.higherVertex ? a.higherVertex < b.higherVertex
-                                                        : a.number < b.number;
-              });
-  }
+  for (std::size_t v = 0; v < vertexCount; ++v)
+    sortBucket(std::span(halfEdges_).subspan(starts_[v], starts_[v + 1] - starts_[v]));
 }
 
 }  // namespace qelm

@@ -28,19 +28,25 @@ bool isNonnegativeBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
 
 /// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
 /// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
-/// free row.
-void replaceCotangentsByWeights(DoubleCover& cover) {
+/// free row. Returns LowerTriangle's bucket sizes: for each vertex the number of edges with a
+/// weight whose higher vertex it is.
+std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::size_t vertexCount) {
+  std::vector<std::uint32_t> bucketSizes(vertexCount);
   const double share = 0.5 / cover.sheets;
   for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
     const HalfEdge g = cover.twin[asIndex(h)];
     if (g > h) continue;
     double weight = 0;
-    if (g != DoubleCover::kNone && cover.origin[asIndex(h)] != cover.origin[asIndex(g)]) {
-      weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+    if (g != DoubleCover::kNone) {
+      const std::int32_t a = cover.origin[asIndex(h)], b = cover.origin[asIndex(g)];
+      if (a != b)
+        weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+      if (weight > 0) ++bucketSizes[asIndex(std::max(a, b))];
+      cover.cotangent[asIndex(g)] = 0;
     }
     cover.cotangent[asIndex(h)] = weight;
-    if (g != DoubleCover::kNone) cover.cotangent[asIndex(g)] = 0;
   }
+  return bucketSizes;
 }
 
 /// Calls visit(a, b, weight) for each edge whose weight is not 0.
@@ -63,12 +69,8 @@ bool hasNonnegativeWeights(const FreeRowBlocks& plain) {
 }
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount) {
-  replaceCotangentsByWeights(cover);
+  std::vector<std::uint32_t> bucketSizes = replaceCotangentsByWeights(cover, vertexCount);
   std::vector<HalfEdge>().swap(cover.twin);
-  std::vector<std::uint32_t> bucketSizes(vertexCount);
-  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
-    ++bucketSizes[asIndex(std::max(a, b))];
-  });
   LowerTriangle lower(taggedCount, std::exchange(bucketSizes, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     lower.add(a, b, -weight);

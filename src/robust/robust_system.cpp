@@ -29,13 +29,13 @@ std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
 
 /// The status with which assembleFreeRows() would refuse the triangles.
 int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<bool> isUsed(vertexCount);
+  std::vector<char> isUsed(vertexCount);
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
     if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
-    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = true;
+    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
   }
-  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), false) == isUsed.end();
+  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
   return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
 }
 

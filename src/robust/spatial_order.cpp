@@ -16,6 +16,12 @@ namespace {
 
 using Corners = std::array<std::int32_t, 3>;
 
+/// The lowest, the middle and the highest, without a branch.
+Corners ascending(std::int32_t a, std::int32_t b, std::int32_t c) {
+  const std::int32_t low = std::min(a, b), high = std::max(a, b);
+  return {std::min(low, c), std::max(low, std::min(high, c)), std::max(high, c)};
+}
+
 /// The triangles with their corners as ranks in `order`, ascending in each triangle, sorted: by
 /// counting sort into a bucket for each first corner, then each bucket, which is small, by itself.
 std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
@@ -23,10 +29,8 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
   std::vector<std::int32_t> rank(order.size());
   for (std::size_t r = 0; r < order.size(); ++r) rank[asIndex(order[r])] = asInt(r);
   const auto cornersOf = [&](std::size_t j) {
-    Corners corners;
-    for (std::size_t k = 0; k < 3; ++k) corners[k] = rank[asIndex(triangles[j + k])];
-    std::sort(corners.begin(), corners.end());
-    return corners;
+    return ascending(rank[asIndex(triangles[j])], rank[asIndex(triangles[j + 1])],
+                     rank[asIndex(triangles[j + 2])]);
   };
   std::vector<std::size_t> starts(order.size() + 1);
   for (std::size_t j = 0; j < triangles.size(); j += 3) ++starts[asIndex(cornersOf(j)[0])];
@@ -37,14 +41,13 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
     const Corners corners = cornersOf(j);
     ordered[--starts[asIndex(corners[0])]] = corners;
   }
-  std::vector<std::int32_t> packed;
-  packed.reserve(triangles.size());
-  for (std::size_t first = 0; first < order.size(); ++first) {
-    const auto begin = ordered.begin() + static_cast<std::ptrdiff_t>(starts[first]);
-    const auto end = ordered.begin() + static_cast<std::ptrdiff_t>(starts[first + 1]);
-    std::sort(begin, end);
-    for (auto corners = begin; corners != end; ++corners)
-      packed.insert(packed.end(), corners->begin(), corners->end());
+  std::vector<std::int32_t>().swap(rank);
+  for (std::size_t first = 0; first < order.size(); ++first)
+    std::sort(ordered.begin() + static_cast<std::ptrdiff_t>(starts[first]),
+              ordered.begin() + static_cast<std::ptrdiff_t>(starts[first + 1]));
+  std::vector<std::int32_t> packed(triangles.size());
+  for (std::size_t j = 0; j < ordered.size(); ++j) {
+    for (std::size_t k = 0; k < 3; ++k) packed[3 * j + k] = ordered[j][k];
   }
   return packed;
 }
@@ -86,7 +89,20 @@ class MortonCells {
   double extent_ = 0;
 };
 
-/// Sorts vertices by cell, then by x, y, z, then by number.
+/// Radix sort by the Morton code, the 30 bits above the lowest 32; keys of one code stay in order.
+void sortByCode(std::vector<std::uint64_t>& keys) {
+  constexpr std::uint64_t kDigit = 0x3ff;
+  std::vector<std::uint64_t> sorted(keys.size());
+  for (const int shift : {32, 42, 52}) {
+    std::array<std::size_t, kDigit + 2> starts = {};
+    for (const std::uint64_t key : keys) ++starts[(key >> shift & kDigit) + 1];
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    for (const std::uint64_t key : keys) sorted[starts[key >> shift & kDigit]++] = key;
+    keys.swap(sorted);
+  }
+}
+
+/// Sorts vertices, given in ascending order, by cell, then by x, y, z, then by number.
 void sortByPosition(std::span<std::int32_t> vertices, const MortonCells& cells,
                     std::span<const double> coordinates) {
   std::vector<std::uint64_t> keys;
@@ -94,16 +110,17 @@ void sortByPosition(std::span<std::int32_t> vertices, const MortonCells& cells,
   for (const std::int32_t v : vertices)
     keys.push_back(cells.codeOf(&coordinates[3 * asIndex(v)]) << 32 |
                    static_cast<std::uint64_t>(v));
-  std::sort(keys.begin(), keys.end());
+  sortByCode(keys);
   const auto position = [&](std::uint64_t key) {
     const double* const p = &coordinates[3 * std::size_t{static_cast<std::uint32_t>(key)}];
     return std::tuple(p[0], p[1], p[2], key);
   };
   for (auto begin = keys.begin(); begin != keys.end();) {
-    const auto end = std::find_if(begin, keys.end(),
+    const auto end = std::find_if(begin + 1, keys.end(),
                                   [&](std::uint64_t key) { return key >> 32 != *begin >> 32; });
-    std::sort(begin, end,
-              [&](std::uint64_t a, std::uint64_t b) { return position(a) < position(b); });
+    if (end - begin > 1)
+      std::sort(begin, end,
+                [&](std::uint64_t a, std::uint64_t b) { return position(a) < position(b); });
     begin = end;
   }
   for (std::size_t i = 0; i < keys.size(); ++i)
