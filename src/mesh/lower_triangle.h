@@ -63,8 +63,8 @@ class LowerTriangle {
   void addToDiagonal(std::int32_t v, double value) { rows_[asIndex(v)].diagonal += value; }
 
   /// Prefetch what adding to row v needs: first the row, then, when it has come, its next entry.
-  void prefetchRow(std::int32_t v) const { prefetchToWrite(&rows_[asIndex(v)]); }
-  void prefetchBucket(std::int32_t v) const {
+  QELM_INLINE void prefetchRow(std::int32_t v) const { prefetchToWrite(&rows_[asIndex(v)]); }
+  QELM_INLINE void prefetchBucket(std::int32_t v) const {
     prefetchToWrite(entries_.get() + rows_[asIndex(v)].end);
   }
 

@@ -38,7 +38,7 @@ std::int64_t assemblyBytes(std::int32_t taggedCount, std::size_t vertexCount,
     const std::size_t next = j % 3 == 2 ? j - 2 : j + 1;
     if (std::max(triangles[j], triangles[next]) >= taggedCount) ++entries;
   }
-  return 20 * static_cast<std::int64_t>(vertexCount) + 12 * entries;
+  return 28 * static_cast<std::int64_t>(vertexCount) + 12 * entries;
 }
 
 bool keeps(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost) {

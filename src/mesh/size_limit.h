@@ -24,8 +24,9 @@ struct SizeLimit {
   bool exceeded = false;
 };
 
-/// The most that the assembly of a mesh in system order holds: the buckets, see LowerTriangle,
-/// which have an entry for each edge of each triangle that does not join prescribed vertices.
+/// The most that the assembly of a mesh in system order holds: an entry in a bucket, see
+/// LowerTriangle, for each edge of each triangle that does not join prescribed vertices; rows,
+/// counts and column pointers for each vertex.
 std::int64_t assemblyBytes(std::int32_t taggedCount, std::size_t vertexCount,
                            std::span<const std::int32_t> triangles);
 

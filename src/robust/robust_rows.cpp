@@ -28,8 +28,7 @@ bool isNonnegativeBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
 
 /// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
 /// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
-/// free row. Returns LowerTriangle's bucket sizes: for each vertex the number of edges with a
-/// weight whose higher vertex it is.
+/// free row. Returns the sizes of the buckets that the weights need, see LowerTriangle.
 std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::size_t vertexCount) {
   std::vector<std::uint32_t> bucketSizes(vertexCount);
   const double share = 0.5 / cover.sheets;

@@ -9,8 +9,8 @@
 #ifndef QELM_ROBUST_ROBUST_ROWS_H
 #define QELM_ROBUST_ROBUST_ROWS_H
 
+#include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "mesh/free_rows.h"
 #include "robust/double_cover.h"
