@@ -10,19 +10,15 @@
 
 // QELM_INLINE: the function is compiled as a part of its caller, for the caller's processor.
 // QELM_KEEP_LOOP: the loop is not unrolled, so that the compiler turns it into vector instructions.
-// QELM_UNROLL: the loop, of up to eight rounds, is unrolled.
 #if defined(__clang__)
 #define QELM_INLINE __attribute__((always_inline)) inline
 #define QELM_KEEP_LOOP _Pragma("clang loop unroll(disable)")
-#define QELM_UNROLL _Pragma("clang loop unroll(full)")
 #elif defined(__GNUC__)
 #define QELM_INLINE __attribute__((always_inline)) inline
 #define QELM_KEEP_LOOP _Pragma("GCC unroll 1")
-#define QELM_UNROLL _Pragma("GCC unroll 8")
 #else
 #define QELM_INLINE inline
 #define QELM_KEEP_LOOP
-#define QELM_UNROLL
 #endif
 
 namespace qelm {

@@ -43,7 +43,8 @@ std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
   }
   auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles),
                                  rows.blocks, {}, limit);
-  status = system == nullptr ? QELM_STATUS_TOO_LARGE : QELM_STATUS_OK;
+  status = QELM_STATUS_OK;
+  if (system == nullptr) status = QELM_STATUS_TOO_LARGE;
   return system;
 }
 
