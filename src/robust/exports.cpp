@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
-#include <utility>
 
 #include "interface/index.h"
 #include "mesh/arguments.h"

@@ -25,9 +25,9 @@ namespace qelm {
 bool hasNonnegativeWeights(const FreeRowBlocks& plain);
 constexpr double kRoundingOfPlain = 1e-12;
 
-/// The blocks for a cover. Weights that are negative within rounding count as 0,
-/// so that no entry off the diagonal is positive; weights of 0 leave no entry. Takes 36 bytes for
-/// each triangle and sheet beside the result and three quarters of the cover.
+/// The blocks of a mesh with so many vertices. Weights that are negative within rounding count as
+/// 0, so that no entry off the diagonal is positive; weights of 0 leave no entry. Takes 36 bytes
+/// for each triangle and sheet beside the result and three quarters of the cover.
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount);
 
 }  // namespace qelm
