@@ -18,7 +18,6 @@ double scaleToOne(double magnitude) {
 
 TriangleShape shapeOf(Vec3 p0, Vec3 p1, Vec3 p2) {
   const double reach = std::max({largestComponent(p0), largestComponent(p1), largestComponent(p2)});
-  if (reach == 0) return {0, 0};
   const double toReach = scaleToOne(reach);
   Vec3 e01 = toReach * p1 - toReach * p0;
   Vec3 e02 = toReach * p2 - toReach * p0;

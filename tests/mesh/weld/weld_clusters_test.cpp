@@ -2,6 +2,7 @@
 // the corners of a mesh's triangles are: most are welded without a search, and where
 // that ends nothing may be seen.
 #include <gtest/gtest.h>
+#include <array>
 
 #include <cmath>
 #include <vector>
@@ -122,6 +123,27 @@ TEST(WeldClusters, WhoseBoxesAreExactlyTheToleranceApartStayTwo) {
   add(cloud, {14, 84, 0});
   const Welded welded = weld(cloud, {}, 85);
   EXPECT_EQ(welded.vertices, (Field{1, 0, 0, 14, 84, 0}));
+}
+
+// A cell with points at both ends of a line, and one point opposite the line's middle: within the
+// tolerance from the cell's box, but from none of its points. So many that boxes are asked first,
+// also for how far apart their points may be: along every axis, on either side of the origin.
+TEST(WeldClusters, NearABoxButNotItsPointsStayTwo) {
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    for (const double side : {-49.0, 49.0}) {
+      const auto place = [&](double along, double across) {
+        std::array<double, 3> p = {};
+        p[axis] = along;
+        p[(axis + 1) % 3] = across;
+        return Point{p[0], p[1], p[2]};
+      };
+      Field cloud;
+      for (int k = 0; k < 65; ++k) add(cloud, place(side, k < 32 ? 0 : 45));
+      add(cloud, place(-side, 22.5));
+      EXPECT_EQ(weld(cloud, {}, 100).vertices.size(), 6U) << axis << ' ' << side;
+      EXPECT_EQ(weld(cloud, {}, 101).vertices.size(), 3U) << axis << ' ' << side;
+    }
+  }
 }
 
 // All on one face of any grid that begins at the origin.
