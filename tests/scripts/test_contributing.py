@@ -64,8 +64,13 @@ def test_every_export_that_takes_arrays_is_fuzzed(name):
 
 
 @pytest.mark.parametrize("name", sorted(path.stem for path in SOURCE.glob("tests/fuzz/*_fuzz.cpp") if path.stem != "mesh_file_fuzz"))
-def test_every_fuzzer_has_a_row(name):
+def test_every_fuzzer_has_a_row_and_sources_that_are_there(name):
     assert f"| `{name}` |" in text("docs/fuzzing.md")
+    of = re.search(rf'^    "{name.removesuffix("_fuzz")}": \[(.*?)\],$', text("scripts/fuzz-coverage-table"), re.MULTILINE | re.DOTALL)
+    sources = re.findall(r'"([\w/*.]+)"', of[1])
+    assert sources
+    for source in sources:
+        assert [*SOURCE.glob(f"src/{source}"), *SOURCE.glob(f"tools/qelm/{source}.cpp")], source
 
 
 # ---- formats
