@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "text/index.h"
 #include "text/text.h"
 #include "text/text_block.h"
 
@@ -36,7 +37,7 @@ void writeColourPly(const Mesh& mesh, std::span<const double> field, const Colou
   TextBlock block(file);
   writeHeader(mesh, scale, caption, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
-    const double value = field[static_cast<std::size_t>(v)];
+    const double value = field[asIndex(v)];
     for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
     for (const std::uint8_t channel : std::isnan(value) ? kNoValue : scale(value))
       block.bytes(channel);

@@ -1,4 +1,4 @@
-// What 'weld' and 'repair' have in common: they write a mesh.
+// What 'weld' and 'repair', which write a mesh, have in common.
 #ifndef QELM_TOOLS_NEW_MESH_H
 #define QELM_TOOLS_NEW_MESH_H
 
@@ -14,11 +14,12 @@ namespace qelm::tool {
 /// Of --tolerance; throws UsageError when it is no distance.
 std::optional<double> parseTolerance(const std::optional<std::string>& text);
 
-/// How many triangles an STL file loses, with a note; 0 for other formats.
+/// How many triangles are lost to the format's single precision, with a note; 0 in double
+/// precision.
 int noteSinglePrecision(const Mesh& mesh, MeshFormat format, const std::string& output,
                         const Console& console);
 
-/// A mesh that cannot be solved on is still a result; better to know now.
+/// A note if the mesh that is written cannot be solved on, or only with an error.
 void noteVerdict(const Mesh& mesh, const Console& console);
 
 }  // namespace qelm::tool

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "fields/solve_job.h"
+#include "terminal/console.h"
 
 namespace qelm::tool {
 

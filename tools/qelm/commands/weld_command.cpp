@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "commands/new_mesh.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
