@@ -14,7 +14,8 @@ def test_this_build_gives_the_words_that_are_on_record(tmp_path):
 
 
 @pytest.mark.skipif(IS_CROSS_BUILT or bool(CHECKER), reason="once is enough: natively, in the release")
-@pytest.mark.parametrize("compiler, level", [("g++", "-O0"), ("g++", "-O2"), ("clang++", "-O0"), ("clang++", "-O3")])
+# The presets are g++ -O3 and -O1, clang -O1 and, for Windows and ARM, g++ -O3.
+@pytest.mark.parametrize("compiler, level", [("g++", "-O0"), ("clang++", "-O3")])
 def test_other_compilers_and_levels_give_the_same_words(tmp_path, compiler, level):
     assert shutil.which(compiler), f"{compiler} is missing: run scripts/setup"
     tree = tmp_path / "tree"

@@ -152,4 +152,11 @@ TEST(FlatTriangles, AClosedSurfaceStaysClosedAndKeepsItsArea) {
   }
 }
 
+TEST(FlatTriangles, ALongChainOfCapsEnds) {
+  std::mt19937 random(1861);  // 182 splits, and more steps than four for each triangle
+  Mesh mesh = closedWithCaps(random);
+  EXPECT_EQ(removeFlatTriangles(mesh, 1e-9).left, 0);
+  EXPECT_EQ(boundaryLoops(mesh).size(), 0U);
+}
+
 }  // namespace
