@@ -16,11 +16,9 @@ namespace {
 
 // In tolerances: the longest edge that is collapsed.
 constexpr double kNeedle = 2;
-// In tolerances: the longest edge that is collapsed.
-constexpr double kNeedle = 2;
 // Removals for each triangle of the mesh. A mesh that folds over itself within the tolerance could
-// go on for ever. Caps on edges of caps take more removals than there are triangles: 4 for each were
-// once too few.
+// go on for ever. Caps on edges of caps take more removals than there are triangles: 4 for each
+// were once too few.
 constexpr std::size_t kMostSteps = 64;
 
 using Corners = std::array<int, 3>;
