@@ -11,6 +11,14 @@
 
 namespace qelm::tool {
 
+struct NewMeshOptions {
+  std::string mesh;
+  bool strict = false;  ///< see MeshSource
+  std::string output;
+  std::string format;  ///< such as "ply", whatever the output is called; empty: by its name
+  std::optional<std::string> tolerance;  ///< as written; none: the default
+};
+
 /// Of --tolerance; throws UsageError when it is no distance.
 std::optional<double> parseTolerance(const std::optional<std::string>& text);
 
