@@ -1,4 +1,4 @@
-// L D L^T of a sparse symmetric matrix with dense blocks, and the bits of the up-looking way.
+// The numeric phase on dense blocks, with the bits of Eigen's loop over single entries.
 #ifndef QELM_FACTOR_BLOCKED_FACTOR_H
 #define QELM_FACTOR_BLOCKED_FACTOR_H
 
@@ -10,13 +10,13 @@
 
 namespace qelm::factor {
 
-/// Computes L and D of A = L D L^T and fills in the rows, values and diagonal of `factor`, the
-/// starts of whose columns are given. `upper` is A's upper triangle, each entry once.
+/// Computes L and D of A = L D L^T and writes the row indices, values and diagonal of `factor`,
+/// whose column pointers are given. `upper` is A's upper triangle, each entry once.
 ///
 /// The bits are those of Eigen's SimplicialLDLT: every entry takes the same updates in the same
-/// order, a multiplication and a subtraction at a time. Returns false, and leaves anything in
-/// the arrays, if a pivot is zero or not finite, or if a row has too many paths to tell their
-/// order: those are for Eigen's own loop.
+/// order, a multiplication and a subtraction at a time. Returns false, and leaves the arrays in any
+/// state, if a pivot is zero or not finite, or if a row has too many paths for RowPaths: those are
+/// for Eigen's own loop.
 bool factorizeBlocked(const Sparse& upper, const EliminationTree& tree,
                       const Supernodes& supernodes, const SmallSubtrees& subtrees,
                       const PanelKernel& kernel, const FactorArrays& factor);

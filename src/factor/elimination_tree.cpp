@@ -1,34 +1,37 @@
-// Column j's parent in the elimination tree is the first row below the diagonal of L's column
-// j: the column that j's elimination touches first. Row i of L has entries at the nodes of a
-// subtree of this tree, the row subtree: the paths from each entry of A(i, 0 .. i-1) up to i.
+// In: the upper triangle of A. Out: for each column j of L its parent, which is the row of its
+// first entry below the diagonal, and its number of entries.
 //
-//   A =  x . . x .     L =  x            tree: 0 -> 3, 2 -> 3, 3 -> 4, 1 -> 4
-//        . x . . x          . x          row subtree of 3: 0, 2
-//        . . x x .          . . x        row subtree of 4: 1, 3
-//        x . x x x          x . x x
+//   A =  x . . x .     L =  x            tree: 0 and 2 are children of 3, 3 and 1 of 4
+//        . x . . x          . x
+//        . . x x .          . . x        row subtree of 3: 0, 2
+//        x . x x x          x . x x      row subtree of 4: 1, 3
 //        . x . x x          . x . x x
 //
-// The tree is found by walking up from each entry, with shortcuts to the furthest ancestor
-// known (Liu, A compact row storage scheme for Cholesky factors using elimination trees, ACM
-// TOMS 12, 1986). The counts are found without visiting L's entries: column j's count is the
-// number of row subtrees that contain j, and a subtree is told by its leaves and the nodes
-// where two of their paths meet (Gilbert, Ng and Peyton, An efficient algorithm to compute row
-// and column counts for sparse Cholesky factorization, SIAM J. Matrix Anal. Appl. 15, 1994).
+// Row i of L has entries at the nodes of its row subtree: the paths from each entry of A(i, 0..i-1)
+// up to i. The tree is found by walking these paths, with shortcuts to the furthest ancestor known
+// (Liu, A compact row storage scheme for Cholesky factors using elimination trees, ACM TOMS 12,
+// 1986). Column j has as many entries as there are row subtrees with j in them. They are counted
+// without visiting each node: a subtree is given by its leaves and by the nodes where the paths of
+// two leaves meet (Gilbert, Ng and Peyton, An efficient algorithm to compute row and column counts
+// for sparse Cholesky factorization, SIAM J. Matrix Anal. Appl. 15, 1994). Both take time nearly
+// linear in the entries of A.
 #include "factor/elimination_tree.h"
 
 #include <numeric>
+
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
 
 using Eigen::VectorXi;
 
-/// Calls visit(i, j) for A's entries with i < j, column j after column.
+/// Calls visit(i, j) for each entry above the diagonal, i < j, column after column.
 template <class Visit>
 void forEachAboveDiagonal(const Sparse& upper, Visit visit) {
   for (int j = 0; j < upper.cols(); ++j) {
     for (Sparse::InnerIterator entry(upper, j); entry; ++entry) {
-      if (entry.row() < j) visit(static_cast<int>(entry.row()), j);
+      if (entry.row() < j) visit(asInt(entry.row()), j);
     }
   }
 }
@@ -47,9 +50,9 @@ VectorXi parents(const Sparse& upper) {
   return parent;
 }
 
-/// Nodes in an order in which every subtree is a run that ends with its root.
+/// The nodes in postorder: every subtree is a run that ends with its root.
 VectorXi postorder(const VectorXi& parent) {
-  const auto n = static_cast<int>(parent.size());
+  const auto n = asInt(parent.size());
   VectorXi firstChild = VectorXi::Constant(n, kNoColumn);
   VectorXi nextSibling(n);
   VectorXi order(n);
@@ -79,67 +82,70 @@ VectorXi postorder(const VectorXi& parent) {
   return order;
 }
 
-/// Of each column of A the rows below the diagonal, packed.
-struct LowerRows {
-  explicit LowerRows(const Sparse& upper) : starts(VectorXi::Zero(upper.cols() + 1)) {
-    forEachAboveDiagonal(upper, [&](int i, int) { ++starts[i + 1]; });
+/// The pattern of the strictly lower triangle in compressed columns: the upper one transposed, by
+/// counting sort.
+struct StrictlyLowerPattern {
+  explicit StrictlyLowerPattern(const Sparse& upper)
+      : columnPointers(VectorXi::Zero(upper.cols() + 1)) {
+    forEachAboveDiagonal(upper, [&](int i, int) { ++columnPointers[i + 1]; });
     // At most A's entries, which Eigen counts in int.
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-    rows.resize(starts[upper.cols()]);
-    VectorXi next = starts;
-    forEachAboveDiagonal(upper, [&](int i, int j) { rows[next[i]++] = j; });
+    std::partial_sum(columnPointers.begin(), columnPointers.end(), columnPointers.begin());
+    rowIndices.resize(columnPointers[upper.cols()]);
+    VectorXi next = columnPointers;
+    forEachAboveDiagonal(upper, [&](int i, int j) { rowIndices[next[i]++] = j; });
   }
 
-  VectorXi starts;
-  VectorXi rows;
+  VectorXi columnPointers;
+  VectorXi rowIndices;
 };
 
-/// Sets of nodes whose subtrees are done, each led by the root of its finished part.
-class FinishedTrees {
+/// Union-find over the part of the tree that postorder has passed, with path compression: gives the
+/// root of the finished subtree that a node is in.
+class FinishedSubtrees {
  public:
-  explicit FinishedTrees(Eigen::Index n)
-      : leader_(VectorXi::LinSpaced(n, 0, static_cast<int>(n) - 1)) {}
+  explicit FinishedSubtrees(Eigen::Index n) : upwards_(VectorXi::LinSpaced(n, 0, asInt(n) - 1)) {}
 
   int rootOf(int node) {
     int root = node;
-    while (leader_[root] != root) root = leader_[root];
-    while (leader_[node] != root) {
-      const int next = leader_[node];
-      leader_[node] = root;
+    while (upwards_[root] != root) root = upwards_[root];
+    while (upwards_[node] != root) {
+      const int next = upwards_[node];
+      upwards_[node] = root;
       node = next;
     }
     return root;
   }
-  void hangUnder(int node, int parent) { leader_[node] = parent; }
+  void attach(int node, int parent) { upwards_[node] = parent; }
 
  private:
-  VectorXi leader_;
+  VectorXi upwards_;  ///< an ancestor; of a root itself
 };
 
 VectorXi columnCounts(const Sparse& upper, const VectorXi& parent) {
   const Eigen::Index n = parent.size();
-  const LowerRows lower(upper);
+  const StrictlyLowerPattern lower(upper);
   const VectorXi order = postorder(parent);
-  FinishedTrees finished(n);
-  // First each column's own share: 1 for a leaf of the whole tree, whose rows no child counts;
-  // one more for each row with a leaf of its subtree here; one less for each row two of whose
-  // paths meet here, since both children count it.
+  FinishedSubtrees finished(n);
+  // First what each column adds to the counts of its children: the diagonal entry of a leaf of the
+  // tree; one for each row subtree with a leaf here; less one for each row subtree with two paths
+  // that meet here, since the counts of both children have it. An entry at an inner node of its
+  // row subtree adds and subtracts one here.
   VectorXi counts = VectorXi::Ones(n);
   VectorXi previousLeaf = VectorXi::Constant(n, kNoColumn);
   for (const int p : parent) {
     if (p != kNoColumn) counts[p] = 0;
   }
   for (const int j : order) {
-    for (int k = lower.starts[j]; k < lower.starts[j + 1]; ++k) {
-      const int row = lower.rows[k];
+    for (int k = lower.columnPointers[j]; k < lower.columnPointers[j + 1]; ++k) {
+      const int row = lower.rowIndices[k];
       ++counts[j];
       if (previousLeaf[row] != kNoColumn) --counts[finished.rootOf(previousLeaf[row])];
       previousLeaf[row] = j;
     }
-    if (parent[j] != kNoColumn) finished.hangUnder(j, parent[j]);
+    if (parent[j] != kNoColumn) finished.attach(j, parent[j]);
   }
-  // Then sums over subtrees: a column has its children's rows but for their diagonals, hence
-  // the -1. Children come before parents in the natural order, too.
+  // Then the sum over each subtree. A column has its children's rows without their diagonals: the
+  // -1. Children have lower numbers than their parents.
   for (Eigen::Index j = 0; j < n; ++j) {
     if (parent[j] != kNoColumn) counts[parent[j]] += counts[j] - 1;
     --counts[j];  // the diagonal

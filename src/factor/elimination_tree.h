@@ -1,5 +1,5 @@
-// The elimination tree of a symmetric matrix and the sizes of its factor's columns: all that
-// can be known of a factorisation before memory is taken for it.
+// The elimination tree of a symmetric matrix and the number of entries in each column of its
+// factor: the symbolic phase, before memory is taken for the factor.
 #ifndef QELM_FACTOR_ELIMINATION_TREE_H
 #define QELM_FACTOR_ELIMINATION_TREE_H
 
@@ -14,22 +14,22 @@ using Sparse = Eigen::SparseMatrix<double, Eigen::ColMajor, int>;
 
 constexpr int kNoColumn = -1;
 
-/// Of the factor L of an n x n matrix A, A = L D L^T.
+/// For L of A = L D L^T, n x n.
 struct EliminationTree {
-  /// Of each column the row of its first entry below the diagonal; kNoColumn for a root.
+  /// parent[j]: the row of the first entry below the diagonal in column j; kNoColumn for a root.
   Eigen::VectorXi parent;
-  /// Of each column the number of its entries below the diagonal.
+  /// counts[j]: the number of entries below the diagonal in column j.
   Eigen::VectorXi counts;
 
-  /// All entries of L below the diagonal.
+  /// The entries of L below the diagonal.
   std::int64_t entryCount() const;
-  /// Multiplications that computing them takes.
+  /// The multiplications that the numeric phase takes.
   double multiplicationCount() const;
 };
 
-/// `upper` holds A's upper triangle (or all of A), its entries within a column in any order.
-/// Takes time nearly in proportion to A's entries, not to those of L, and needs five int for
-/// each row and one for each entry.
+/// `upper` holds A's upper triangle (or all of A), the entries of a column in any order. Takes time
+/// nearly proportional to the entries of A, not of L, and five int for each row and one for each
+/// entry.
 EliminationTree eliminationTree(const Sparse& upper);
 
 }  // namespace qelm::factor

@@ -1,7 +1,14 @@
-// Each entry of the target is a chain of subtractions whose order is fixed, so vectors lie across
-// entries: a group of rows by a block of columns is held in registers while the depth is walked.
-// For each step of the depth a vector of the columns is loaded, and each row's value is spread
-// over a vector; nothing is added up beforehand and no product is fused.
+// A group of rows by a block of columns, the tile, is held in registers while the depth k is
+// walked:
+//
+//              block of columns
+//   row        t t t t  t t t t        for each k: load the block's L(c, k) as vectors, spread each
+//   row        t t t t  t t t t        row's Y(r, k) over a vector, multiply, subtract
+//              vector   vector
+//
+// The subtractions of one entry are a chain whose order is fixed, so vectors lie across entries.
+// Nothing is added up beforehand and no product is fused with its subtraction: that is how the bits
+// stay the same with vectors of any length.
 #include "factor/panel_kernel.h"
 
 #include <array>
@@ -18,8 +25,8 @@ struct VectorOf {
   typedef double Type __attribute__((vector_size(kLanes * sizeof(double))));
 };
 
-/// body(0), body(1), ... body(count - 1), written out, so that an array indexed by the argument
-/// stays in registers.
+/// body(0), body(1), ... body(kCount - 1), unrolled: an array indexed by the argument stays in
+/// registers.
 template <int kCount, class Body>
 QELM_INLINE void unrolled(Body body) {
   [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
@@ -28,7 +35,7 @@ QELM_INLINE void unrolled(Body body) {
   (std::make_integer_sequence<int, kCount>{});
 }
 
-// Vectors are handed over by reference: how they are returned depends on the processor.
+// Vectors are passed by reference: how they are returned by value depends on the instruction set.
 template <class Vector>
 QELM_INLINE void load(Vector& v, const double* from) {
   std::memcpy(&v, from, sizeof v);

@@ -1,181 +1,182 @@
-// Of a row's paths the one with the highest number comes first, each upwards. Where sources in
-// ascending order meet a row's paths in descending order, one pass over the sources serves the
-// row. Otherwise each of its paths goes into the first pass in which the paths before it have
-// been done:
-//
-//   sources             0  1  2  3
-//   row a: path         2  2  1  0      0 1 2 3: one pass
-//   row b: path         0  .  1  0      wanted: 2, then 0 3; passes 2 | 0 3
-//
-// Few panels need more than two passes. Where a supernode is split for a row, its parts can fall
-// into different passes.
 #include "factor/passes.h"
 
 #include <algorithm>
 #include <numeric>
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 namespace {
 
-constexpr int kNoRun = -1;
-constexpr int kAgrees = -1;
+constexpr int kNoRowPath = -1;
+// In place of a row path.
+constexpr int kOnePass = -1;
 constexpr int kInParts = -2;
 
 }  // namespace
 
 Passes::Passes(const RowPaths& paths, std::size_t rowCount)
-    : paths_(paths), rows_(rowCount), ascending_(rowCount) {
-  std::iota(ascending_.begin(), ascending_.end(), 0);
+    : paths_(paths), states_(rowCount), allPositions_(rowCount) {
+  std::iota(allPositions_.begin(), allPositions_.end(), 0);
 }
 
-void Passes::arrange(std::span<const Source> sources) {
+void Passes::assignPasses(std::span<const Descendant> descendants) {
   ++target_;
   passCount_ = 1;
-  disagreeing_.clear();
-  later_.clear();
-  findDisagreeing(sources);
-  if (disagreeing_.empty()) return;
-  runs_.clear();
-  listRuns(sources);
-  for (const int r : disagreeing_) assignPasses(r);
-  for (const Run& each : runs_) passCount_ = std::max(passCount_, each.pass + 1);
+  ascendingRows_.clear();
+  deferred_.clear();
+  findAscendingRows(descendants);
+  if (ascendingRows_.empty()) return;
+  rowPaths_.clear();
+  listRowPaths(descendants);
+  for (const int row : ascendingRows_) assignPassesOf(row);
+  for (const RowPath& each : rowPaths_) passCount_ = std::max(passCount_, each.pass + 1);
 }
 
-void Passes::findDisagreeing(std::span<const Source> sources) {
-  for (const Source& source : sources) {
-    const auto paths = paths_.ofTail(source.supernode);
-    for (int p = source.firstRow; p < source.panel.tailSize; ++p) {
-      const int path = paths[static_cast<std::size_t>(p)];
-      Row& state = row(source.panel.rows[p]);
-      if (state.target != target_) state = {target_, RowPaths::kSplit - 1, false, kNoRun};
-      if (path > state.lastPath && !state.disagrees) {
-        state.disagrees = true;
-        disagreeing_.push_back(source.panel.rows[p]);
+/// Also finds the rows for which a descendant is split: kSplit is above every number.
+void Passes::findAscendingRows(std::span<const Descendant> descendants) {
+  for (const Descendant& descendant : descendants) {
+    const auto paths = paths_.ofSupernode(descendant.supernode);
+    for (int p = descendant.firstRow; p < descendant.panel.belowCount; ++p) {
+      const int path = paths[asIndex(p)];
+      RowState& row = state(descendant.panel.rowIndices[p]);
+      if (row.target != target_) row = {target_, RowPaths::kSplit - 1, false, kNoRowPath};
+      if (path > row.lastPath && !row.ascends) {
+        row.ascends = true;
+        ascendingRows_.push_back(descendant.panel.rowIndices[p]);
       }
-      state.lastPath = path;
+      row.lastPath = path;
     }
   }
 }
 
-void Passes::listRuns(std::span<const Source> sources) {
-  runOfUpdate_.clear();
+void Passes::listRowPaths(std::span<const Descendant> descendants) {
+  rowPathOfUpdate_.clear();
   updateStarts_.clear();
-  allAgree_.assign(sources.size(), true);
-  for (std::size_t s = 0; s < sources.size(); ++s) {
-    const Source& source = sources[s];
-    const auto paths = paths_.ofTail(source.supernode);
-    updateStarts_.push_back(runOfUpdate_.size());
-    for (int p = source.firstRow; p < source.panel.tailSize; ++p) {
-      const int r = source.panel.rows[p];
-      const int path = paths[static_cast<std::size_t>(p)];
-      if (!row(r).disagrees) {
-        runOfUpdate_.push_back(kAgrees);
+  needsOnePass_.assign(descendants.size(), true);
+  for (std::size_t d = 0; d < descendants.size(); ++d) {
+    const Descendant& descendant = descendants[d];
+    const auto paths = paths_.ofSupernode(descendant.supernode);
+    updateStarts_.push_back(rowPathOfUpdate_.size());
+    for (int p = descendant.firstRow; p < descendant.panel.belowCount; ++p) {
+      const int row = descendant.panel.rowIndices[p];
+      const int path = paths[asIndex(p)];
+      if (!state(row).ascends) {
+        rowPathOfUpdate_.push_back(kOnePass);
       } else if (path != RowPaths::kSplit) {
-        runOfUpdate_.push_back(extendRun(r, path, s));
-        allAgree_[s] = false;
+        rowPathOfUpdate_.push_back(extendRowPath(row, path, d));
+        needsOnePass_[d] = false;
       } else {
-        runOfUpdate_.push_back(kInParts);
-        allAgree_[s] = false;
-        for (const auto& part : paths_.partsOf(source.supernode, r)) extendRun(r, part.path, s);
+        rowPathOfUpdate_.push_back(kInParts);
+        needsOnePass_[d] = false;
+        for (const auto& part : paths_.partsOf(descendant.supernode, row)) {
+          extendRowPath(row, part.path, d);
+        }
       }
     }
   }
 }
 
-/// Runs of a row are few; the highest path comes first. All runs of a target together are fewer
-/// than L's entries in its rows, so that an int can count them.
-int Passes::extendRun(int r, int path, std::size_t source) {
-  int* link = &row(r).runs;
-  while (*link != kNoRun && run(*link).path > path) link = &run(*link).next;
-  if (*link == kNoRun || run(*link).path != path) {
+/// Adds a descendant to the path with this number, and inserts the path if it is new: the list of a
+/// row's paths is short and descends. All lists of a target together are shorter than the number of
+/// L's entries in its rows, so that an int can index them.
+int Passes::extendRowPath(int row, int number, std::size_t descendant) {
+  int* link = &state(row).highestPath;
+  while (*link != kNoRowPath && rowPath(*link).number > number) link = &rowPath(*link).next;
+  if (*link == kNoRowPath || rowPath(*link).number != number) {
     const int next = *link;
-    *link = static_cast<int>(runs_.size());
-    runs_.push_back({path, source, source, 0, next});
-    return static_cast<int>(runs_.size()) - 1;
+    *link = asInt(rowPaths_.size());
+    rowPaths_.push_back({number, descendant, descendant, 0, next});
+    return asInt(rowPaths_.size()) - 1;
   }
-  run(*link).last = source;
+  rowPath(*link).lastDescendant = descendant;
   return *link;
 }
 
-int Passes::runOf(int r, int path) const {
-  int found = rows_[static_cast<std::size_t>(r)].runs;
-  while (run(found).path != path) found = run(found).next;
+int Passes::rowPathOf(int row, int number) const {
+  int found = states_[asIndex(row)].highestPath;
+  while (rowPath(found).number != number) found = rowPath(found).next;
   return found;
 }
 
-void Passes::assignPasses(int r) {
+void Passes::assignPassesOf(int row) {
   int pass = 0;
-  std::size_t lastSource = 0;
-  for (int k = row(r).runs; k != kNoRun; k = run(k).next) {
-    if (run(k).first < lastSource) ++pass;
-    run(k).pass = pass;
-    lastSource = run(k).last;
+  std::size_t lastDescendant = 0;
+  for (int k = state(row).highestPath; k != kNoRowPath; k = rowPath(k).next) {
+    if (rowPath(k).firstDescendant < lastDescendant) ++pass;
+    rowPath(k).pass = pass;
+    lastDescendant = rowPath(k).lastDescendant;
   }
 }
 
-/// What a source has for the first pass; the rest goes to later_.
-void Passes::collectFirst(const Source& source, std::size_t index) {
-  alone_.clear();
-  if (disagreeing_.empty() || allAgree_[index]) {
-    collectAll(source);
+/// Collects a descendant's updates of the first pass, and defers the others.
+void Passes::collectFirstPass(const Descendant& descendant, std::size_t index) {
+  partRows_.clear();
+  if (ascendingRows_.empty() || needsOnePass_[index]) {
+    collectAll(descendant);
     return;
   }
-  together_.clear();
-  const int* runs = runOfUpdate_.data() + updateStarts_[index];
-  for (int p = source.firstRow; p < source.panel.tailSize; ++p) {
-    const int r = *runs++;
-    if (r == kInParts) {
-      collectParts(source, index, p);
-    } else if (r == kAgrees || run(r).pass == 0) {
-      together_.push_back(p);
+  wholeRows_.clear();
+  const int* rowPaths = rowPathOfUpdate_.data() + updateStarts_[index];
+  for (int p = descendant.firstRow; p < descendant.panel.belowCount; ++p) {
+    const int k = *rowPaths++;
+    if (k == kInParts) {
+      collectParts(descendant, index, p);
+    } else if (k == kOnePass || rowPath(k).pass == 0) {
+      wholeRows_.push_back(p);
     } else {
-      later_.push_back({static_cast<int>(index), run(r).pass, {p, 0, source.panel.width}});
+      deferred_.push_back({asInt(index), rowPath(k).pass, {p, 0, descendant.panel.width}});
     }
   }
-  togetherView_ = together_;
+  wholeRowsView_ = wholeRows_;
 }
 
-void Passes::collectAll(const Source& source) {
-  togetherView_ = std::span<const int>(ascending_)
-                      .first(static_cast<std::size_t>(source.panel.tailSize))
-                      .subspan(static_cast<std::size_t>(source.firstRow));
+void Passes::collectAll(const Descendant& descendant) {
+  wholeRowsView_ = std::span<const int>(allPositions_)
+                       .first(asIndex(descendant.panel.belowCount))
+                       .subspan(asIndex(descendant.firstRow));
 }
 
-/// Parts of one pass lie side by side.
-void Passes::collectParts(const Source& source, std::size_t index, int position) {
-  const int r = source.panel.rows[position];
-  const auto parts = paths_.partsOf(source.supernode, r);
+/// Neighbouring parts in the same pass make one update.
+void Passes::collectParts(const Descendant& descendant, std::size_t index, int position) {
+  const int row = descendant.panel.rowIndices[position];
+  const int width = descendant.panel.width;
+  const auto parts = paths_.partsOf(descendant.supernode, row);
+  const auto passOf = [&](const RowPaths::Part& part) {
+    return rowPath(rowPathOf(row, part.path)).pass;
+  };
   for (std::size_t k = 0; k < parts.size();) {
-    const int begin = parts[k].begin;
-    const int pass = run(runOf(r, parts[k].path)).pass;
-    while (++k < parts.size() && run(runOf(r, parts[k].path)).pass == pass) {
+    const int begin = parts[k].beginColumn;
+    const int pass = passOf(parts[k]);
+    while (++k < parts.size() && passOf(parts[k]) == pass) {
     }
-    const Part part = {position, begin, k < parts.size() ? parts[k].begin : source.panel.width};
+    const RowUpdate update = {position, begin, k < parts.size() ? parts[k].beginColumn : width};
     if (pass == 0) {
-      collect(part, source.panel.width);
+      collect(update, width);
     } else {
-      later_.push_back({static_cast<int>(index), pass, part});
+      deferred_.push_back({asInt(index), pass, update});
     }
   }
 }
 
-/// What the source of later_[from] has for this pass. Returns where the next source begins.
-std::size_t Passes::collectLater(std::size_t from, int pass, int width) {
-  together_.clear();
-  alone_.clear();
+/// Collects the updates in this pass of the descendant of deferred_[from]. Returns the index of the
+/// next descendant's first deferred update.
+std::size_t Passes::collectDeferred(std::size_t from, int pass, int width) {
+  wholeRows_.clear();
+  partRows_.clear();
   std::size_t k = from;
-  for (; k < later_.size() && later_[k].source == later_[from].source; ++k) {
-    if (later_[k].pass == pass) collect(later_[k].part, width);
+  for (; k < deferred_.size() && deferred_[k].descendant == deferred_[from].descendant; ++k) {
+    if (deferred_[k].pass == pass) collect(deferred_[k].update, width);
   }
-  togetherView_ = together_;
+  wholeRowsView_ = wholeRows_;
   return k;
 }
 
-void Passes::collect(const Part& part, int width) {
-  if (part.begin == 0 && part.end == width) {
-    together_.push_back(part.position);
+void Passes::collect(const RowUpdate& update, int width) {
+  if (update.beginColumn == 0 && update.endColumn == width) {
+    wholeRows_.push_back(update.position);
   } else {
-    alone_.push_back(part);
+    partRows_.push_back(update);
   }
 }
 

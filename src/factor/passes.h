@@ -1,4 +1,25 @@
-// In which order a supernode's panel takes the updates of its descendants.
+// In which order a supernode takes the updates of its descendants.
+//
+// The descendants of a target, the supernode that is being computed, are the supernodes with rows
+// among its columns. In: for each descendant and each row below it, the number of the row path that
+// they share (RowPaths). Out: a sequence of updates in which each row gets its descendants path by
+// path, the highest number first, and each path upwards. As many rows as possible share an update,
+// since that is what makes dense blocks pay.
+//
+// One pass over the descendants in ascending order serves every row whose path numbers descend.
+// Other rows need more passes: each path goes into the first pass in which its descendants come
+// after those of the paths before it.
+//
+//   descendants        0  1  2  3
+//   row a: paths       2  2  1  0      order of updates 0 1, 2, 3: one pass
+//   row b: paths       0  .  1  0      order of updates 2, 0 3: two passes
+//
+//   pass 0             0: a     1: a     2: a, b     3: a
+//   pass 1             0: b     3: b
+//
+// Few targets need more than two passes. The cost is one look at each row of each descendant, and
+// some more for the rows that need several passes. A supernode that is split for a row can have its
+// parts in different passes.
 #ifndef QELM_FACTOR_PASSES_H
 #define QELM_FACTOR_PASSES_H
 
@@ -8,115 +29,123 @@
 
 #include "factor/factor_arrays.h"
 #include "factor/row_paths.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
-/// A supernode with rows among the columns of the one whose turn it is, the target.
-struct Source {
+/// A descendant of the target. Its rows below that are columns of the target are those at the
+/// positions firstRow .. pastColumns-1; rows at pastColumns and behind lie below the target, too.
+struct Descendant {
   int supernode;
   Panel panel;
-  int firstRow;     ///< position in the panel's tail: the first row in the target's columns
-  int pastColumns;  ///< position of the first row past them
+  int firstRow;
+  int pastColumns;
+
+  const int* columns() const { return panel.rowIndices + firstRow; }
+  int columnCount() const { return pastColumns - firstRow; }
 };
 
-/// Some rows of a source that take their updates together, or one row that takes those of some
-/// of the source's columns only.
-struct Visit {
-  std::size_t source;  ///< index among the target's sources
-  int begin;           ///< the columns begin .. end-1 of the source
-  int end;
-  std::span<const int> rows;  ///< positions in the source's tail; valid until the next visit
+/// Rows of a descendant that take its updates together: all rows that take all of its columns, or
+/// one row that takes some of them.
+struct Update {
+  std::size_t descendant;  ///< index among the target's descendants
+  int beginColumn;         ///< columns beginColumn .. endColumn-1 of the descendant
+  int endColumn;
+  std::span<const int> positions;  ///< among the rows below; valid until the next update
+
+  int depth() const { return endColumn - beginColumn; }
 };
 
-/// Sorts the updates of one target after the other into passes over its sources.
+/// Orders the updates of one target after the other.
 class Passes {
  public:
   /// For a matrix of so many rows.
   Passes(const RowPaths& paths, std::size_t rowCount);
 
-  /// Calls perform(visit) for one visit after the other, so that every row gets its updates in
-  /// the order of its paths. Sources come in ascending order, and again in further passes until
-  /// every row has had all its updates.
-  template <class Perform>
-  void visitAll(std::span<const Source> sources, Perform perform) {
-    arrange(sources);
-    const auto performCollected = [&](std::size_t s) {
-      if (!togetherView_.empty()) perform(Visit{s, 0, sources[s].panel.width, togetherView_});
-      for (const Part& part : alone_) {
-        perform(Visit{s, part.begin, part.end, {&part.position, 1}});
+  /// Calls apply(update) for one update after the other. `descendants` ascend.
+  template <class Apply>
+  void forEachUpdate(std::span<const Descendant> descendants, Apply apply) {
+    assignPasses(descendants);
+    const auto applyCollected = [&](std::size_t d) {
+      if (!wholeRowsView_.empty()) {
+        apply(Update{d, 0, descendants[d].panel.width, wholeRowsView_});
+      }
+      for (const RowUpdate& each : partRows_) {
+        apply(Update{d, each.beginColumn, each.endColumn, {&each.position, 1}});
       }
     };
-    for (std::size_t s = 0; s < sources.size(); ++s) {
-      collectFirst(sources[s], s);
-      performCollected(s);
+    for (std::size_t d = 0; d < descendants.size(); ++d) {
+      collectFirstPass(descendants[d], d);
+      applyCollected(d);
     }
     for (int pass = 1; pass < passCount_; ++pass) {
-      for (std::size_t k = 0; k < later_.size();) {
-        const auto s = static_cast<std::size_t>(later_[k].source);
-        k = collectLater(k, pass, sources[s].panel.width);
-        performCollected(s);
+      for (std::size_t k = 0; k < deferred_.size();) {
+        const auto d = asIndex(deferred_[k].descendant);
+        k = collectDeferred(k, pass, descendants[d].panel.width);
+        applyCollected(d);
       }
     }
   }
 
  private:
-  /// The sources that lie on one path of a row whose paths do not agree with the sources' order.
-  struct Run {
-    int path;
-    std::size_t first;  ///< source
-    std::size_t last;
+  /// The descendants on one path of a row that needs several passes.
+  struct RowPath {
+    int number;
+    std::size_t firstDescendant;
+    std::size_t lastDescendant;
     int pass;
-    int next;  ///< the run with the next lower path
+    int next;  ///< the row's path with the next lower number
   };
-  struct Row {
-    int target = -1;  ///< the last target that had this row
-    int lastPath = 0;
-    bool disagrees = false;
-    int runs = -1;  ///< the one with the highest path
+  struct RowState {
+    int target = -1;       ///< the last target that had this row
+    int lastPath = 0;      ///< path number at the descendant looked at last
+    bool ascends = false;  ///< some path number is higher than the one before it
+    int highestPath = -1;  ///< index in rowPaths_
   };
-  /// The columns of a source that one row subtracts in one pass.
-  struct Part {
-    int position;  ///< of the row
-    int begin;
-    int end;
+  /// The columns of a descendant that one row takes in one pass.
+  struct RowUpdate {
+    int position;
+    int beginColumn;
+    int endColumn;
   };
-  /// A part of a pass after the first.
-  struct Later {
-    int source;  ///< a supernode's sources are fewer than its rows of L, which an int can count
-    int pass;
-    Part part;
+  struct DeferredUpdate {
+    int descendant;  ///< an int can count them: fewer than the entries of L in the target's rows
+    int pass;        ///< 1 or more
+    RowUpdate update;
   };
 
-  void arrange(std::span<const Source> sources);
-  void findDisagreeing(std::span<const Source> sources);
-  void listRuns(std::span<const Source> sources);
-  int extendRun(int row, int path, std::size_t source);
-  int runOf(int row, int path) const;
-  void assignPasses(int row);
-  void collectFirst(const Source& source, std::size_t index);
-  void collectAll(const Source& source);
-  void collectParts(const Source& source, std::size_t index, int position);
-  std::size_t collectLater(std::size_t from, int pass, int width);
-  void collect(const Part& part, int width);
+  void assignPasses(std::span<const Descendant> descendants);
+  void findAscendingRows(std::span<const Descendant> descendants);
+  void listRowPaths(std::span<const Descendant> descendants);
+  int extendRowPath(int row, int number, std::size_t descendant);
+  int rowPathOf(int row, int number) const;
+  void assignPassesOf(int row);
+  void collectFirstPass(const Descendant& descendant, std::size_t index);
+  void collectAll(const Descendant& descendant);
+  void collectParts(const Descendant& descendant, std::size_t index, int position);
+  std::size_t collectDeferred(std::size_t from, int pass, int width);
+  void collect(const RowUpdate& update, int width);
 
-  Row& row(int r) { return rows_[static_cast<std::size_t>(r)]; }
-  Run& run(int r) { return runs_[static_cast<std::size_t>(r)]; }
-  const Run& run(int r) const { return runs_[static_cast<std::size_t>(r)]; }
+  RowState& state(int row) { return states_[asIndex(row)]; }
+  RowPath& rowPath(int k) { return rowPaths_[asIndex(k)]; }
+  const RowPath& rowPath(int k) const { return rowPaths_[asIndex(k)]; }
 
   const RowPaths& paths_;
-  std::vector<Row> rows_;
+  std::vector<RowState> states_;  ///< for each row
   int target_ = -1;
   int passCount_ = 0;
-  std::vector<int> disagreeing_;           ///< rows
-  std::vector<Run> runs_;                  ///< of those rows
-  std::vector<int> runOfUpdate_;           ///< of each source's rows in turn
-  std::vector<std::size_t> updateStarts_;  ///< where a source's are
-  std::vector<bool> allAgree_;             ///< whether all rows of a source do
-  std::vector<int> ascending_;             ///< 0, 1, 2, ...
-  std::span<const int> togetherView_;      ///< of one of these two
-  std::vector<int> together_;
-  std::vector<Part> alone_;
-  std::vector<Later> later_;  ///< source after source
+  std::vector<int> ascendingRows_;         ///< those that need several passes
+  std::vector<RowPath> rowPaths_;          ///< of these rows
+  std::vector<int> rowPathOfUpdate_;       ///< for each row of each descendant: index in rowPaths_
+  std::vector<std::size_t> updateStarts_;  ///< where a descendant's begin
+  std::vector<bool> needsOnePass_;         ///< whether all rows of a descendant need one pass only
+  std::vector<int> allPositions_;          ///< 0, 1, 2, ...
+  // The updates of one descendant in one pass: rows that take all of its columns, in one of the two
+  // lists of positions, and rows that take some.
+  std::span<const int> wholeRowsView_;
+  std::vector<int> wholeRows_;
+  std::vector<RowUpdate> partRows_;
+  std::vector<DeferredUpdate> deferred_;  ///< by descendant
 };
 
 }  // namespace qelm::factor

@@ -1,5 +1,5 @@
-// Divisions two at a time: half the time, the same quotients. Compilers leave such loops as they
-// are unless told to optimise further than the rest of the library needs.
+// Divisions two at a time: the same quotients in half the time. The compiler does not vectorise
+// these loops at the library's level of optimisation.
 #ifndef QELM_FACTOR_QUOTIENTS_H
 #define QELM_FACTOR_QUOTIENTS_H
 
@@ -16,8 +16,8 @@ inline void divide(double* values, Eigen::Index count, double divisor) {
 }
 
 /// to[k * stride] = values[k] / divisors[k] for k < count.
-inline void divideApart(const double* values, const double* divisors, Eigen::Index count,
-                        double* to, Eigen::Index stride) {
+inline void divideStrided(const double* values, const double* divisors, Eigen::Index count,
+                          double* to, Eigen::Index stride) {
   const Eigen::Index even = count - count % 2;
   for (Eigen::Index k = 0; k < even; k += 2) {
     const Eigen::Array2d quotients = Eigen::Map<const Eigen::Array2d>(values + k) /

@@ -1,14 +1,22 @@
-// Row by row, as Eigen's own loop goes through a whole matrix, but within one subtree at a time, so
-// that all it touches stays in the first cache. First come the rows that are columns of the
-// subtree, then the rows above it, which all stand in the tail of its root. The entries of a row
-// are gathered from the panels into x, one for each column of the subtree, and each column k of the
-// row's paths in turn subtracts
+// Supernodes are mostly one or two columns wide at the bottom of the elimination tree; dense blocks
+// would take three times as long there. Small subtrees are computed row by row, as Eigen's loop
+// computes a whole matrix, but within one subtree at a time, so that all its columns stay in the
+// first cache:
+//
+//         0  1  2          first the rows that are columns of the subtree,
+//   0     p                each divided by the pivots p into columns of L,
+//   1     .  p             then the rows below its root: all rows with entries
+//   2     x  x  p          in the subtree
+//   6     x  .  x
+//   9     .  x  x          subtree 0 -> 2, 1 -> 2; rows 6 and 9 below
+//
+// A row's entries are gathered from the panels into a dense vector x, one element for each column
+// of the subtree. Each column k of the row's paths in turn updates it,
 //
 //   x(i) -= L(i, k) * x(k)        for the rows i < r of the subtree in column k
 //
-// Then x goes back to the panels, as Y, and, of rows within the subtree, divided by the pivots to
-// the columns of L. Supernodes are mostly one or two columns wide here; blocks would take three
-// times as long. (Davis, Direct Methods for Sparse Linear Systems, 2006, up-looking.)
+// and x goes back to the panels as Y. (Davis, Direct Methods for Sparse Linear Systems, 2006, on
+// up-looking factorisation.)
 #include "factor/small_subtrees.h"
 
 #include <algorithm>
@@ -17,55 +25,56 @@
 #include <cstdint>
 
 #include "factor/copy_few.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
 
-/// Columns from `begin` on that a row meets together, all in one panel.
-struct Piece {
+/// Columns of one panel that lie on one path of a row.
+struct PathColumns {
   int path;
-  int begin;  ///< column of the subtree, counted from 0
+  int begin;  ///< columns of the subtree, counted from 0
   int end;
 };
 
-/// One subtree's columns of L after the other's.
-class SmallFactor {
+/// Computes one subtree after the other.
+class SubtreeFactorizer {
  public:
-  SmallFactor(const SmallSubtrees& subtrees, const Supernodes& supernodes, const RowPaths& paths,
-              const FactorArrays& factor)
+  SubtreeFactorizer(const SmallSubtrees& subtrees, const Supernodes& supernodes,
+                    const RowPaths& paths, const FactorArrays& factor)
       : subtrees_(subtrees),
         supernodes_(supernodes),
         paths_(paths),
         factor_(factor),
         firstColumn_(supernodes.count()),
         entriesOfRow_(Eigen::VectorXi::Constant(supernodes.ofColumn.size(), kNone)),
-        rows_(std::size_t{kMostColumns} * kMostColumns),
-        values_(rows_.size()) {}
+        rowIndices_(std::size_t{kMostSubtreeColumns} * kMostSubtreeColumns),
+        values_(rowIndices_.size()) {}
 
   /// The subtree that has this root. False if a pivot is zero or not finite.
   bool factorize(int root) {
     enter(root);
     for (const int s : members_) {
-      for (int r = supernodes_.starts[s]; r < supernodes_.starts[s + 1]; ++r) {
+      for (int r = supernodes_.firstColumn(s); r < supernodes_.pastColumn(s); ++r) {
         if (!computeOwnRow(s, r)) return false;
       }
     }
     const Panel panel(factor_, supernodes_, root);
-    for (int p = 0; p < panel.tailSize; ++p) computeRow(panel.rows[p]);
+    for (int p = 0; p < panel.belowCount; ++p) computeRow(panel.rowIndices[p]);
     return true;
   }
 
  private:
   static constexpr int kNone = SmallSubtrees::kNone;
 
-  /// A panel's part of a row.
-  struct Entries {
+  /// The entries of a row in one panel.
+  struct RowEntries {
     int supernode;
-    int position;  ///< in the tail
-    int next;      ///< of the same row, in a later supernode
+    int position;  ///< among the rows below the panel
+    int next;      ///< those of the same row in the next higher supernode
   };
 
-  /// Numbers the subtree's columns, and lists the panels that each row has entries in, upwards.
+  /// Numbers the subtree's columns, and lists the entries of each row below a panel.
   void enter(int root) {
     members_.clear();
     for (int s = subtrees_.firstOf(root); s != kNone; s = subtrees_.nextOf(s)) {
@@ -80,112 +89,114 @@ class SmallFactor {
     entries_.clear();
     for (auto s = members_.rbegin(); s != members_.rend(); ++s) {
       const Panel panel(factor_, supernodes_, *s);
-      for (int p = 0; p < panel.tailSize; ++p) {
-        int& first = entriesOfRow_[panel.rows[p]];
+      for (int p = 0; p < panel.belowCount; ++p) {
+        int& first = entriesOfRow_[panel.rowIndices[p]];
         entries_.push_back({*s, p, first});
-        first = static_cast<int>(entries_.size()) - 1;
+        first = asInt(entries_.size()) - 1;
       }
     }
   }
 
-  /// Fetches the row from the panels, and finds in which order its columns come.
+  /// Gathers the row in x, and finds the order of its columns.
   void gather(int row) {
-    pieces_.clear();
+    columns_.clear();
     for (int e = entriesOfRow_[row]; e != kNone; e = at(e).next) {
       const int s = at(e).supernode;
       const Panel panel(factor_, supernodes_, s);
-      copyFew(panel.tailRow(at(e).position), panel.width, &x_[index(firstColumn_[s])]);
-      const int path = paths_.ofTail(s)[index(at(e).position)];
+      copyFew(panel.belowRow(at(e).position), panel.width, &x_[asIndex(firstColumn_[s])]);
+      const int path = paths_.ofSupernode(s)[asIndex(at(e).position)];
       if (path != RowPaths::kSplit) {
         insert({path, firstColumn_[s], firstColumn_[s] + panel.width});
         continue;
       }
       const auto parts = paths_.partsOf(s, row);
       for (std::size_t k = 0; k < parts.size(); ++k) {
-        const int end = k + 1 < parts.size() ? parts[k + 1].begin : panel.width;
-        insert({parts[k].path, firstColumn_[s] + parts[k].begin, firstColumn_[s] + end});
+        const int end = k + 1 < parts.size() ? parts[k + 1].beginColumn : panel.width;
+        insert({parts[k].path, firstColumn_[s] + parts[k].beginColumn, firstColumn_[s] + end});
       }
     }
   }
 
-  /// The path with the highest number comes first; on a path the lower columns.
-  void insert(const Piece& piece) {
-    auto to = pieces_.end();
-    while (to != pieces_.begin() && (to - 1)->path < piece.path) --to;
-    pieces_.insert(to, piece);
+  /// The path with the highest number comes first. The columns of a path are inserted in ascending
+  /// order.
+  void insert(const PathColumns& columns) {
+    auto to = columns_.end();
+    while (to != columns_.begin() && (to - 1)->path < columns.path) --to;
+    columns_.insert(to, columns);
   }
 
-  void putBack(int row) {
+  /// Stores x in the panels.
+  void scatter(int row) {
     for (int e = entriesOfRow_[row]; e != kNone; e = at(e).next) {
       const Panel panel(factor_, supernodes_, at(e).supernode);
-      copyFew(&x_[index(firstColumn_[at(e).supernode])], panel.width,
-              panel.tailRow(at(e).position));
+      copyFew(&x_[asIndex(firstColumn_[at(e).supernode])], panel.width,
+              panel.belowRow(at(e).position));
     }
     entriesOfRow_[row] = kNone;
   }
 
-  /// A row above the subtree.
+  /// A row below the subtree's root.
   void computeRow(int row) {
     gather(row);
-    for (const Piece& piece : pieces_) {
-      for (int k = piece.begin; k < piece.end; ++k) subtract(index(k));
+    for (const PathColumns& columns : columns_) {
+      for (int k = columns.begin; k < columns.end; ++k) subtract(asIndex(k));
     }
-    putBack(row);
+    scatter(row);
   }
 
-  /// A row that is a column of supernode `s`, whose columns before it come last.
+  /// A row that is a column of supernode `s`. The columns of `s` before it come last: every path
+  /// goes through them up to the row.
   bool computeOwnRow(int s, int row) {
     gather(row);
     const Panel panel(factor_, supernodes_, s);
-    const int before = row - panel.first;
+    const int before = row - panel.firstColumn;
     const int own = firstColumn_[s];
-    copyFew(panel.triangleRow(before), before, &x_[index(own)]);
-    pieces_.push_back({0, own, own + before});
+    copyFew(panel.triangleRow(before), before, &x_[asIndex(own)]);
+    columns_.push_back({0, own, own + before});
     double& pivot = factor_.diagonal[row];
-    for (const Piece& piece : pieces_) {
-      for (int k = piece.begin; k < piece.end; ++k) {
-        subtract(index(k));
-        const double l = x_[index(k)] / pivots_[index(k)];
-        pivot -= l * x_[index(k)];
-        append(index(k), own + before, l);
+    for (const PathColumns& columns : columns_) {
+      for (int k = columns.begin; k < columns.end; ++k) {
+        subtract(asIndex(k));
+        const double l = x_[asIndex(k)] / pivots_[asIndex(k)];
+        pivot -= l * x_[asIndex(k)];
+        append(asIndex(k), own + before, l);
       }
     }
-    copyFew(&x_[index(own)], before, panel.triangleRow(before));
-    putBack(row);
-    pivots_[index(own + before)] = pivot;
+    copyFew(&x_[asIndex(own)], before, panel.triangleRow(before));
+    scatter(row);
+    pivots_[asIndex(own + before)] = pivot;
     return pivot != 0 && std::isfinite(pivot);
   }
 
   void subtract(std::size_t k) {
     const double y = x_[k];
-    const std::size_t begin = k * kMostColumns;
-    const std::size_t end = begin + index(counts_[k]);
-    for (std::size_t e = begin; e < end; ++e) x_[rows_[e]] -= values_[e] * y;
+    const std::size_t begin = k * kMostSubtreeColumns;
+    const std::size_t end = begin + asIndex(counts_[k]);
+    for (std::size_t e = begin; e < end; ++e) x_[rowIndices_[e]] -= values_[e] * y;
   }
 
   void append(std::size_t column, int row, double value) {
-    const std::size_t end = column * kMostColumns + index(counts_[column]++);
-    rows_[end] = static_cast<std::uint8_t>(row);
+    const std::size_t end = column * kMostSubtreeColumns + asIndex(counts_[column]++);
+    rowIndices_[end] = static_cast<std::uint8_t>(row);
     values_[end] = value;
   }
 
-  static std::size_t index(int k) { return static_cast<std::size_t>(k); }
-  const Entries& at(int e) const { return entries_[index(e)]; }
+  const RowEntries& at(int e) const { return entries_[asIndex(e)]; }
 
   const SmallSubtrees& subtrees_;
   const Supernodes& supernodes_;
   const RowPaths& paths_;
   const FactorArrays& factor_;
-  std::vector<int> members_;      ///< supernodes of the subtree, upwards
-  Eigen::VectorXi firstColumn_;   ///< of a supernode, among those of the subtree
-  Eigen::VectorXi entriesOfRow_;  ///< the first of a row's
-  std::vector<Entries> entries_;
-  std::vector<Piece> pieces_;
-  std::array<double, kMostColumns> x_;
-  std::array<double, kMostColumns> pivots_;
-  std::array<int, kMostColumns> counts_;  ///< of a column's entries so far
-  // Of column k from k * kMostColumns on, downwards.
-  std::vector<std::uint8_t> rows_;
+  std::vector<int> members_;      ///< supernodes of the subtree, ascending
+  Eigen::VectorXi firstColumn_;   ///< of a supernode, counted from the subtree's first column
+  Eigen::VectorXi entriesOfRow_;  ///< the first of a row's, index in entries_
+  std::vector<RowEntries> entries_;
+  std::vector<PathColumns> columns_;  ///< of the row, in the order of updates
+  std::array<double, kMostSubtreeColumns> x_;
+  std::array<double, kMostSubtreeColumns> pivots_;
+  std::array<int, kMostSubtreeColumns> counts_;  ///< entries of each column so far
+  // L within the subtree: the entries of column k from k * kMostSubtreeColumns on.
+  std::vector<std::uint8_t> rowIndices_;
   std::vector<double> values_;
 };
 
@@ -199,7 +210,7 @@ SmallSubtrees::SmallSubtrees(const EliminationTree& tree, const Supernodes& supe
   Eigen::VectorXi parents(supernodes.count());
   Eigen::VectorXi sizes = Eigen::VectorXi::Zero(supernodes.count());
   for (int s = 0; s < supernodes.count(); ++s) {
-    const int column = tree.parent[supernodes.starts[s + 1] - 1];
+    const int column = tree.parent[supernodes.lastColumn(s)];
     parents[s] = column == kNoColumn ? kNone : supernodes.ofColumn[column];
     sizes[s] += supernodes.width(s);
     if (parents[s] != kNone) sizes[parents[s]] += sizes[s];
@@ -215,9 +226,9 @@ SmallSubtrees::SmallSubtrees(const EliminationTree& tree, const Supernodes& supe
 
 bool factorizeSmall(const SmallSubtrees& subtrees, const Supernodes& supernodes,
                     const RowPaths& paths, const FactorArrays& factor) {
-  SmallFactor small(subtrees, supernodes, paths, factor);
+  SubtreeFactorizer factorizer(subtrees, supernodes, paths, factor);
   for (int s = 0; s < supernodes.count(); ++s) {
-    if (subtrees.firstOf(s) != SmallSubtrees::kNone && !small.factorize(s)) return false;
+    if (subtrees.firstOf(s) != SmallSubtrees::kNone && !factorizer.factorize(s)) return false;
   }
   return true;
 }

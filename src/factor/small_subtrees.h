@@ -1,4 +1,4 @@
-// The bottom of the elimination tree, where supernodes are too narrow for blocks.
+// The bottom of the elimination tree, where supernodes are too narrow for dense blocks.
 #ifndef QELM_FACTOR_SMALL_SUBTREES_H
 #define QELM_FACTOR_SMALL_SUBTREES_H
 
@@ -11,7 +11,7 @@
 
 namespace qelm::factor {
 
-/// The subtrees of at most so many columns that are not part of another such one.
+/// The subtrees of at most `mostColumns` columns that are not part of a larger such subtree.
 class SmallSubtrees {
  public:
   SmallSubtrees(const EliminationTree& tree, const Supernodes& supernodes, int mostColumns);
@@ -19,22 +19,23 @@ class SmallSubtrees {
   bool contains(int supernode) const { return roots_[supernode] != kNone; }
   /// The lowest supernode of the subtree that has this root; kNone if none has.
   int firstOf(int root) const { return first_[root]; }
-  /// The next one upwards of the same subtree, or kNone.
+  /// The next higher supernode of the same subtree, or kNone.
   int nextOf(int supernode) const { return next_[supernode]; }
 
   static constexpr int kNone = -1;
 
  private:
-  Eigen::VectorXi roots_;
-  Eigen::VectorXi first_;
-  Eigen::VectorXi next_;
+  Eigen::VectorXi roots_;  ///< of each supernode's subtree
+  // Linked lists.
+  Eigen::VectorXi first_;  ///< of a root
+  Eigen::VectorXi next_;   ///< of a supernode
 };
 
-/// Subtrees small enough for factorizeSmall().
-constexpr int kMostColumns = 64;
+/// The columns of the largest subtree that factorizeSmall() takes.
+constexpr int kMostSubtreeColumns = 64;
 
-/// Computes the panels of all supernodes in `subtrees` as far as they depend on each other, which
-/// is all of it: nothing outside updates them. False if a pivot is zero or not finite.
+/// Computes the panels of all supernodes in `subtrees`, which no supernode outside updates. False
+/// if a pivot is zero or not finite.
 bool factorizeSmall(const SmallSubtrees& subtrees, const Supernodes& supernodes,
                     const RowPaths& paths, const FactorArrays& factor);
 

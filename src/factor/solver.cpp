@@ -1,9 +1,18 @@
+// In: a symmetric matrix A. Out: P A P^T = L D L^T in the members of Eigen's SimplicialLDLT. Steps:
+//
+//   ordering          P, then the upper triangle of P A P^T           ordering.h
+//   symbolic phase    elimination tree, column counts, pattern size   elimination_tree.h
+//   prediction        bytes and multiplications; the caller may stop  cost.h
+//   numeric phase     L and D, on dense blocks                        blocked_factor.h
+//
+// Eigen's own loop does the numeric phase of small systems, where it takes less time, and where the
+// blocked one gives up: at a pivot that is zero or not finite, or a row with too many paths.
 #include "factor/solver.h"
 
 #include "factor/blocked_factor.h"
+#include "factor/ordering.h"
 #include "factor/supernodes.h"
-#include "factor/symbolic.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
@@ -15,32 +24,32 @@ bool blocksPay(const EliminationTree& tree, const Method& method) {
 
 namespace {
 
-/// A class between Eigen's base and its SimplicialLDLT hides this from those derived from it.
+/// Eigen sets this flag of its base class in compute(), and hides the flag from derived classes.
 struct Initialized : Eigen::SparseSolverBase<Ldlt> {
   static constexpr bool Eigen::SparseSolverBase<Ldlt>::*member = &Initialized::m_isInitialized;
 };
 
-/// The number of each unknown from the unknown of each number.
-Eigen::VectorXi numbersOf(std::span<const std::int32_t> unknowns) {
-  Eigen::VectorXi numbers(static_cast<Eigen::Index>(unknowns.size()));
-  for (std::size_t k = 0; k < unknowns.size(); ++k) numbers[unknowns[k]] = static_cast<int>(k);
-  return numbers;
+/// The permutation that gives unknown first[k] the number k.
+Permutation numberingFrom(std::span<const std::int32_t> first) {
+  Permutation numbering(static_cast<Eigen::Index>(first.size()));
+  for (std::size_t k = 0; k < first.size(); ++k) numbering.indices()[first[k]] = asInt(k);
+  return numbering;
 }
 
-/// Both triangles under other numbers. Permuting leaves the rows of a column in any order;
-/// transposing, of a symmetric matrix, does no more than put them in ascending order.
-Sparse renumbered(const Sparse& matrix, const Permutation& numbers) {
-  Sparse moved;
-  moved = matrix.twistedBy(numbers);
+/// P A P^T, both triangles. Permuting leaves the row indices of a column in no order; transposing
+/// sorts them, and changes nothing else of a symmetric matrix.
+Sparse renumbered(const Sparse& matrix, const Permutation& numbering) {
+  Sparse unsorted;
+  unsorted = matrix.twistedBy(numbering);
   Sparse sorted;
-  sorted = moved.transpose();
+  sorted = unsorted.transpose();
   return sorted;
 }
 
 }  // namespace
 
-// Sets what Eigen's compute() says of itself, also of an empty matrix. compute() is not called: it
-// leaves a block behind if memory runs out in the middle.
+// Sets the same flags as Eigen's compute(), also for an empty matrix. compute() itself would leak a
+// block if memory ran out in the middle.
 Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::int32_t> first,
                const CostReview& review) {
   this->*Initialized::member = true;
@@ -55,7 +64,7 @@ Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::
     order(matrix);
     upperTriangle(matrix, m_P).swap(upper);
   } else {
-    const Permutation numbering = Permutation(numbersOf(first));
+    const Permutation numbering = numberingFrom(first);
     const Sparse numbered = renumbered(matrix, numbering);
     order(numbered);
     upperTriangle(numbered, m_P).swap(upper);
@@ -67,8 +76,8 @@ Solver::Solver(const Sparse& matrix, const Method& method, std::span<const std::
                                {blocksPay(tree, method), !first.empty()}))) {
     return;
   }
-  keepPattern(tree);
-  if (!tryBlocks(upper, tree, method)) factorizePlainly(upper);
+  storePattern(tree);
+  if (!factorizeInBlocks(upper, tree, method)) factorizeByEigen(*this, upper);
 }
 
 void Solver::order(const Sparse& matrix) {
@@ -76,21 +85,23 @@ void Solver::order(const Sparse& matrix) {
   m_P = m_Pinv.inverse();
 }
 
-/// What analyzePattern() does.
-void Solver::keepPattern(const EliminationTree& tree) {
+/// Does what Eigen's analyzePattern() does.
+void Solver::storePattern(const EliminationTree& tree) {
   const int entryCount = indexable(tree.entryCount());
   const Eigen::Index n = tree.parent.size();
   m_matrix.resize(n, n);
-  int* const starts = m_matrix.outerIndexPtr();
-  starts[0] = 0;
-  for (Eigen::Index j = 0; j < n; ++j) starts[j + 1] = starts[j] + tree.counts[j];
+  int* const columnPointers = m_matrix.outerIndexPtr();
+  columnPointers[0] = 0;
+  for (Eigen::Index j = 0; j < n; ++j) columnPointers[j + 1] = columnPointers[j] + tree.counts[j];
   m_matrix.resizeNonZeros(entryCount);
   m_parent = tree.parent;
-  keepCounts(*this, tree.counts);
+  storeCounts(*this, tree.counts);
   m_analysisIsOk = true;
 }
 
-bool Solver::tryBlocks(const Sparse& upper, const EliminationTree& tree, const Method& method) {
+/// False, and nothing is of use, if blocks do not pay or the blocked factorisation gives up.
+bool Solver::factorizeInBlocks(const Sparse& upper, const EliminationTree& tree,
+                               const Method& method) {
   if (!blocksPay(tree, method)) return false;
   m_diag.resize(upper.cols());
   const FactorArrays factor = {m_matrix.outerIndexPtr(), m_matrix.innerIndexPtr(),
@@ -101,10 +112,8 @@ bool Solver::tryBlocks(const Sparse& upper, const EliminationTree& tree, const M
   return m_factorizationIsOk;
 }
 
-void Solver::factorizePlainly(const Sparse& upper) { callFactorize(*this, upper); }
-
 template <class Self>
-void Solver::keepCounts(Self& self, const Eigen::VectorXi& counts) {
+void Solver::storeCounts(Self& self, const Eigen::VectorXi& counts) {
   if constexpr (requires { self.m_nonZerosPerCol; }) {
     self.m_nonZerosPerCol = counts;
   } else {
@@ -114,7 +123,7 @@ void Solver::keepCounts(Self& self, const Eigen::VectorXi& counts) {
 }
 
 template <class Self>
-void Solver::callFactorize(Self& self, const Sparse& upper) {
+void Solver::factorizeByEigen(Self& self, const Sparse& upper) {
   if constexpr (requires { self.template factorize_preordered<true>(upper); }) {
     self.template factorize_preordered<true>(upper);
   } else {

@@ -1,5 +1,7 @@
 #include "factor/supernodes.h"
 
+#include "interface/index.h"
+
 namespace qelm::factor {
 namespace {
 
@@ -14,17 +16,17 @@ Eigen::VectorXi childCounts(const Eigen::VectorXi& parent) {
 }  // namespace
 
 Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest) {
-  const auto n = static_cast<int>(tree.parent.size());
+  const auto n = asInt(tree.parent.size());
   const Eigen::VectorXi children = childCounts(tree.parent);
   Supernodes found;
   found.ofColumn.resize(n);
   found.starts.resize(n + 1);
   int count = 0;
   for (int j = 0; j < n; ++j) {
-    const bool goesOn = j > 0 && tree.parent[j - 1] == j && children[j] == 1 &&
-                        tree.counts[j - 1] == tree.counts[j] + 1 &&
-                        j - found.starts[count - 1] < widest;
-    if (!goesOn) found.starts[count++] = j;
+    const bool joinsPrevious = j > 0 && tree.parent[j - 1] == j && children[j] == 1 &&
+                               tree.counts[j - 1] == tree.counts[j] + 1 &&
+                               j - found.starts[count - 1] < widest;
+    if (!joinsPrevious) found.starts[count++] = j;
     found.ofColumn[j] = count - 1;
   }
   found.starts[count] = n;

@@ -1,36 +1,45 @@
-// Supernodes: runs of columns of the factor that have the same rows below the run.
+// Supernodes: runs of columns of L that have the same rows below the run.
+//
+//        0  1  2  3  4  5  6
+//   0    1                          supernodes {0}, {1, 2, 3}, {4}, {5, 6}
+//   1    x  1
+//   2    .  x  1                    {1, 2, 3}: its diagonal block are rows 1 to 3,
+//   3    .  x  x  1                 a full triangle; below, each of its columns
+//   4    .  .  .  .  1              has rows 5 and 6
+//   5    .  x  x  x  x  1
+//   6    x  x  x  x  .  x  1
+//
+// All columns of a supernode update the same entries of later columns, so the numeric phase works
+// on dense blocks. The parent and the count of each column tell where supernodes begin; L itself is
+// not needed. (Liu, Ng and Peyton, On finding supernodes for sparse matrix computations, SIAM J.
+// Matrix Anal. Appl. 14, 1993.)
 #ifndef QELM_FACTOR_SUPERNODES_H
 #define QELM_FACTOR_SUPERNODES_H
 
 #include <Eigen/Core>
 
 #include "factor/elimination_tree.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 
-/// Fundamental supernodes: column j goes with j - 1 if j - 1 is its only child in the
-/// elimination tree and L's column j - 1 has the rows of column j, and j itself. Only the first
+/// Fundamental supernodes: column j belongs to the supernode of j - 1 if j - 1 is its only child in
+/// the elimination tree and the rows of column j - 1 are j and the rows of column j. Only the first
 /// column of a supernode has children elsewhere.
-///
-///   columns   0  1  2  3  4          supernodes {0}, {1}, {2, 3, 4}
-///   L =       1
-///             .  1                   the tail of {2, 3, 4}: the rows from 5 on
-///             x  .  1                that its columns share
-///             .  x  x  1
-///             .  .  x  x  1
-///             .  x  x  x  x  ...
-///             x  .  x  x  x  ...
 struct Supernodes {
   Eigen::VectorXi starts;    ///< first column of each, and the number of columns
   Eigen::VectorXi ofColumn;  ///< the supernode that each column is in
 
-  int count() const { return static_cast<int>(starts.size()) - 1; }
+  int count() const { return asInt(starts.size()) - 1; }
+  int firstColumn(int s) const { return starts[s]; }
+  int lastColumn(int s) const { return starts[s + 1] - 1; }
+  int pastColumn(int s) const { return starts[s + 1]; }
   int width(int s) const { return starts[s + 1] - starts[s]; }
 };
 
-/// Wide supernodes are cut after so many columns, the next part being the parent of the one
-/// before: a block of so many columns and rows (512 kB) stays in a core's second cache while
-/// other columns are updated with it.
+/// A wider supernode is cut after so many columns, and each part is the parent of the one before:
+/// a block of so many columns and rows (512 kB) stays in a core's second cache while it updates
+/// other columns.
 constexpr int kWidestSupernode = 256;
 
 Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest = kWidestSupernode);

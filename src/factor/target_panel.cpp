@@ -1,12 +1,21 @@
-// A row is computed from left to right, all rows a block of columns at a time. The panel is kept
-// row after row: rows are then taken in any order, which the updates of different paths need, while
-// a block of columns is one run of memory. Where the columns that a source has in common with the
-// target leave gaps, the gaps are filled with zeros: x - 0 * y is x, since no entry is ever -0.0
-// (it starts from 0.0 plus something, and a difference of two equal numbers is 0.0).
+// In: a supernode's entries of A, then one update after the other. Out: its columns of Y = L D, and
+// its pivots. The panel is stored row by row, since the updates of different paths take any rows,
+// in blocks of kBlock columns. Columns are packed for the kernel block by block:
 //
-// Rows go through the kernel in chunks that stay in the first cache while all blocks of columns
-// pass. Of the own block and of sources whose rows are columns here, what lies above the diagonal
-// is left out by whole groups of rows.
+//   the panel's rows, width 6,      packed columns of a descendant with two columns, k = 0 and 1,
+//   were kBlock 4                   that has rows 1 and 4 among the target's columns
+//
+//   x x x x | x x 0 0               0 L10 0 0   0 L11 0 0  |  L40 0 0 0   L41 0 0 0
+//   x x x x | x x 0 0                 k = 0       k = 1         k = 0       k = 1
+//
+// Columns that a descendant does not update are packed as zeros: x - 0 * y is x, since no entry is
+// ever -0.0 (it starts as 0.0 plus something, and a difference of equal numbers is 0.0). Rows go
+// through the kernel in chunks that stay in the first cache while all blocks of columns pass. Of
+// the triangle above the diagonal, whole groups of rows are left out.
+//
+// factorize() computes the diagonal block first, from left to right, then the rows below: each
+// block of columns takes the updates of the blocks before it, then forward substitution within the
+// block.
 #include "factor/target_panel.h"
 
 #include <algorithm>
@@ -15,23 +24,24 @@
 
 #include "factor/copy_few.h"
 #include "factor/quotients.h"
+#include "interface/index.h"
 
 namespace qelm::factor {
 namespace {
 
-/// Updates of no more multiplications than this are done as they come: packing them for the kernel
-/// would take longer than they do.
+/// Updates of no more multiplications than this are computed entry by entry: packing them for the
+/// kernel would take longer.
 constexpr int kFewMultiplications = 128;
 
-/// So many numbers of the rows that go through the kernel together: half the first cache.
+/// The numbers in a chunk of rows: half the first cache.
 constexpr int kChunkNumbers = 2048;
 
-/// At least `count` numbers. What was there is freed before more is taken: the panels of small
-/// meshes are large beside their factors.
+/// Makes room for `count` numbers of any value. Frees the old ones before it takes more memory: the
+/// panels of small meshes are large beside their factors.
 void makeRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
   if (std::ssize(numbers) >= count) return;
   std::vector<double>().swap(numbers);
-  numbers.resize(static_cast<std::size_t>(count));
+  numbers.resize(asIndex(count));
 }
 
 void makeClearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
@@ -39,41 +49,41 @@ void makeClearedRoom(std::vector<double>& numbers, std::ptrdiff_t count) {
   std::fill_n(numbers.begin(), count, 0.0);
 }
 
-/// Where the own columns before `column` lie, packed for the update of the block that begins there;
-/// behind them that block's own triangle.
-std::ptrdiff_t packedBefore(int column) {
+/// Where packed_ holds what updates the block of own columns that begins at `column`: the columns
+/// before it, then the block's own triangle.
+std::ptrdiff_t packedOffset(int column) {
   const std::ptrdiff_t block = column / kBlock;
   return block * (block + 1) / 2 * kBlock * kBlock;
 }
 
-/// Rows of `depth` numbers that stay in the first cache while the blocks of columns pass.
+/// How many rows of `depth` numbers make a chunk.
 int chunkOfRows(int depth) { return std::max(1, kChunkNumbers / depth / kBlock) * kBlock; }
 
 }  // namespace
 
 void TargetPanel::load(const Panel& panel) {
-  first_ = panel.first;
+  firstColumn_ = panel.firstColumn;
   width_ = panel.width;
-  rowCount_ = panel.width + panel.tailSize;
+  rowCount_ = panel.width + panel.belowCount;
   stride_ = (width_ + kBlock - 1) / kBlock * kBlock;
   makeRoom(values_, std::ptrdiff_t{rowCount_} * stride_);
   for (int r = 0; r < width_; ++r) {
     copyFew(panel.triangleRow(r), r, row(r));
-    row(r)[r] = factor_.diagonal[first_ + r];
+    row(r)[r] = factor_.diagonal[firstColumn_ + r];
     std::fill(row(r) + r + 1, row(r) + stride_, 0.0);
-    place_[first_ + r] = r;
+    localRow_[firstColumn_ + r] = r;
   }
-  for (int p = 0; p < panel.tailSize; ++p) {
+  for (int p = 0; p < panel.belowCount; ++p) {
     double* const to = row(width_ + p);
     std::fill_n(to + stride_ - kBlock, kBlock, 0.0);
-    copyFew(panel.tailRow(p), width_, to);
-    place_[panel.rows[p]] = width_ + p;
+    copyFew(panel.belowRow(p), width_, to);
+    localRow_[panel.rowIndices[p]] = width_ + p;
   }
 }
 
 void TargetPanel::storeTo(const Panel& panel) const {
   for (int r = 0; r < width_; ++r) copyFew(row(r), r, panel.triangleRow(r));
-  for (int p = 0; p < panel.tailSize; ++p) copyFew(row(width_ + p), width_, panel.tailRow(p));
+  for (int p = 0; p < panel.belowCount; ++p) copyFew(row(width_ + p), width_, panel.belowRow(p));
 }
 
 void TargetPanel::fillUpGroup(std::size_t count) {
@@ -82,100 +92,102 @@ void TargetPanel::fillUpGroup(std::size_t count) {
   for (std::size_t r = count; r < whole; ++r) rows_[r] = {rows_[0].source, unread_};
 }
 
-void TargetPanel::update(const Source& source, const Visit& visit) {
-  if (visit.rows.empty()) return;
-  const std::ptrdiff_t columnCount = source.pastColumns - source.firstRow;
-  if (columnCount * (visit.end - visit.begin) * std::ssize(visit.rows) <= kFewMultiplications) {
-    updateEntries(source, visit);
+void TargetPanel::apply(const Descendant& descendant, const Update& update) {
+  if (update.positions.empty()) return;
+  const std::ptrdiff_t columnCount = descendant.columnCount();
+  if (columnCount * update.depth() * std::ssize(update.positions) <= kFewMultiplications) {
+    applyByEntries(descendant, update);
   } else {
-    updateBlocks(source, visit);
+    applyByBlocks(descendant, update);
   }
 }
 
-/// One entry after the other.
-void TargetPanel::updateEntries(const Source& source, const Visit& visit) {
-  const int depth = visit.end - visit.begin;
-  const int columnCount = source.pastColumns - source.firstRow;
-  const int* const columns = source.panel.rows + source.firstRow;
-  const double* const pivots = factor_.diagonal + source.panel.first + visit.begin;
+void TargetPanel::applyByEntries(const Descendant& descendant, const Update& update) {
+  const int depth = update.depth();
+  const int columnCount = descendant.columnCount();
+  const int* const columns = descendant.columns();
+  const double* const pivots = factor_.diagonal + descendant.panel.firstColumn + update.beginColumn;
   std::array<double, kFewMultiplications> quotients;
   for (int c = 0; c < columnCount; ++c) {
-    divideApart(source.panel.tailRow(source.firstRow + c) + visit.begin, pivots, depth,
-                quotients.data() + std::ptrdiff_t{c} * depth, 1);
+    divideStrided(descendant.panel.belowRow(descendant.firstRow + c) + update.beginColumn, pivots,
+                  depth, quotients.data() + std::ptrdiff_t{c} * depth, 1);
   }
-  for (const int p : visit.rows) {
-    const double* const y = source.panel.tailRow(p) + visit.begin;
-    double* const to = row(place_[source.panel.rows[p]]);
+  for (const int p : update.positions) {
+    const double* const y = descendant.panel.belowRow(p) + update.beginColumn;
+    double* const to = row(localRow_[descendant.panel.rowIndices[p]]);
     const double* l = quotients.data();
     for (int c = 0; c < columnCount; ++c) {
-      double& entry = to[columns[c] - first_];
+      double& entry = to[columns[c] - firstColumn_];
       for (int k = 0; k < depth; ++k) entry -= *l++ * y[k];
     }
   }
 }
 
-void TargetPanel::updateBlocks(const Source& source, const Visit& visit) {
-  const int* const columns = source.panel.rows + source.firstRow;
-  const int columnCount = source.pastColumns - source.firstRow;
-  const int firstBlock = (columns[0] - first_) / kBlock;
-  const int blockCount = (columns[columnCount - 1] - first_) / kBlock - firstBlock + 1;
-  packColumns(source, firstBlock, blockCount);
+void TargetPanel::applyByBlocks(const Descendant& descendant, const Update& update) {
+  const int* const columns = descendant.columns();
+  const int columnCount = descendant.columnCount();
+  const int firstBlock = (columns[0] - firstColumn_) / kBlock;
+  const int blockCount = (columns[columnCount - 1] - firstColumn_) / kBlock - firstBlock + 1;
+  packColumns(descendant, firstBlock, blockCount);
 
-  const auto chunk = static_cast<std::size_t>(chunkOfRows(visit.end - visit.begin));
-  for (std::size_t begin = 0; begin < visit.rows.size(); begin += chunk) {
-    Visit part = visit;
-    part.rows = visit.rows.subspan(begin, std::min(chunk, visit.rows.size() - begin));
-    updateChunk(source, part, firstBlock, blockCount);
+  const auto chunk = asIndex(chunkOfRows(update.depth()));
+  for (std::size_t begin = 0; begin < update.positions.size(); begin += chunk) {
+    Update part = update;
+    part.positions =
+        update.positions.subspan(begin, std::min(chunk, update.positions.size() - begin));
+    applyToChunk(descendant, part, firstBlock, blockCount);
   }
 }
 
-/// Rows above a block's columns are left out there, as far as whole groups of them are.
-void TargetPanel::updateChunk(const Source& source, const Visit& visit, int firstBlock,
-                              int blockCount) {
-  const std::size_t count = visit.rows.size();
+/// Leaves out, for each block of columns, the groups of rows that lie above it.
+void TargetPanel::applyToChunk(const Descendant& descendant, const Update& update, int firstBlock,
+                               int blockCount) {
+  const std::size_t count = update.positions.size();
   rows_.resize(count + kernel_.rowGroup - 1);
   for (std::size_t k = 0; k < count; ++k) {
-    const int p = visit.rows[k];
-    rows_[k] = {source.panel.tailRow(p) + visit.begin,
-                row(place_[source.panel.rows[p]]) + std::ptrdiff_t{firstBlock} * kBlock};
+    const int p = update.positions[k];
+    rows_[k] = {
+        descendant.panel.belowRow(p) + update.beginColumn,
+        row(localRow_[descendant.panel.rowIndices[p]]) + std::ptrdiff_t{firstBlock} * kBlock};
   }
   fillUpGroup(count);
   std::size_t below = 0;
   for (int b = 0; b < blockCount; ++b) {
-    const int firstColumn = first_ + (firstBlock + b) * kBlock;
-    const auto lastOfGroup = [&] { return visit.rows[below + kernel_.rowGroup - 1]; };
-    while (below + kernel_.rowGroup <= count && source.panel.rows[lastOfGroup()] < firstColumn) {
+    const int blockColumn = firstColumn_ + (firstBlock + b) * kBlock;
+    const auto lastOfGroup = [&] { return update.positions[below + kernel_.rowGroup - 1]; };
+    while (below + kernel_.rowGroup <= count &&
+           descendant.panel.rowIndices[lastOfGroup()] < blockColumn) {
       below += kernel_.rowGroup;
     }
     kernel_.update(
         std::span<const RowPair>(rows_).subspan(below),
-        columns_.data() + (std::ptrdiff_t{b} * source.panel.width + visit.begin) * kBlock,
-        visit.end - visit.begin);
+        packed_.data() + (std::ptrdiff_t{b} * descendant.panel.width + update.beginColumn) * kBlock,
+        update.depth());
     for (std::size_t r = below; r < count; ++r) rows_[r].target += kBlock;
   }
 }
 
-/// L's entries in the rows of the source that are columns here; zero for a column that is not
-/// among them.
-void TargetPanel::packColumns(const Source& source, int firstBlock, int blockCount) {
-  const int depth = source.panel.width;
-  makeClearedRoom(columns_, std::ptrdiff_t{blockCount} * depth * kBlock);
-  const double* const pivots = factor_.diagonal + source.panel.first;
-  for (int p = source.firstRow; p < source.pastColumns; ++p) {
-    const int column = source.panel.rows[p] - first_ - firstBlock * kBlock;
+/// Packs L's entries in the rows of the descendant that are columns of the target, and zeros for
+/// the columns between them.
+void TargetPanel::packColumns(const Descendant& descendant, int firstBlock, int blockCount) {
+  const int depth = descendant.panel.width;
+  makeClearedRoom(packed_, std::ptrdiff_t{blockCount} * depth * kBlock);
+  const double* const pivots = factor_.diagonal + descendant.panel.firstColumn;
+  for (int p = descendant.firstRow; p < descendant.pastColumns; ++p) {
+    const int column = descendant.panel.rowIndices[p] - firstColumn_ - firstBlock * kBlock;
     double* const to =
-        columns_.data() + Eigen::Index{column / kBlock} * depth * kBlock + column % kBlock;
-    divideApart(source.panel.tailRow(p), pivots, depth, to, kBlock);
+        packed_.data() + Eigen::Index{column / kBlock} * depth * kBlock + column % kBlock;
+    divideStrided(descendant.panel.belowRow(p), pivots, depth, to, kBlock);
   }
 }
 
-/// The own block first, then the rows below it chunk by chunk.
+/// The diagonal block first, then the rows below it chunk by chunk.
 bool TargetPanel::factorize() {
-  makeClearedRoom(columns_, packedBefore(stride_));
+  makeClearedRoom(packed_, packedOffset(stride_));
   for (int column = 0; column < width_; column += kBlock) {
     packOwnColumns(column);
     subtractOwnColumns(column, column, width_);
-    if (!factorizeBlock(column)) return false;
+    if (!factorizeTriangle(column)) return false;
     substitute(column, std::min(column + kBlock, width_), width_);
   }
   const int chunk = chunkOfRows(width_);
@@ -189,44 +201,44 @@ bool TargetPanel::factorize() {
   return true;
 }
 
-void TargetPanel::packOwnColumns(int firstColumn) {
-  double* const to = columns_.data() + packedBefore(firstColumn);
-  const double* const pivots = factor_.diagonal + first_;
-  const int count = std::min(kBlock, width_ - firstColumn);
+void TargetPanel::packOwnColumns(int blockBegin) {
+  double* const to = packed_.data() + packedOffset(blockBegin);
+  const double* const pivots = factor_.diagonal + firstColumn_;
+  const int count = std::min(kBlock, width_ - blockBegin);
   for (int c = 0; c < count; ++c) {
-    divideApart(row(firstColumn + c), pivots, firstColumn, to + c, kBlock);
+    divideStrided(row(blockBegin + c), pivots, blockBegin, to + c, kBlock);
   }
 }
 
-/// What the rows begin .. end-1 get in one block of columns from those before it.
-void TargetPanel::subtractOwnColumns(int firstColumn, int begin, int end) {
-  if (firstColumn == 0) return;
+/// Updates the rows begin .. end-1 of a block of columns with the columns before it.
+void TargetPanel::subtractOwnColumns(int blockBegin, int begin, int end) {
+  if (blockBegin == 0) return;
   rows_.clear();
-  for (int r = begin; r < end; ++r) rows_.push_back({row(r), row(r) + firstColumn});
+  for (int r = begin; r < end; ++r) rows_.push_back({row(r), row(r) + blockBegin});
   fillUpGroup(rows_.size());
-  kernel_.update(rows_, columns_.data() + packedBefore(firstColumn), firstColumn);
+  kernel_.update(rows_, packed_.data() + packedOffset(blockBegin), blockBegin);
 }
 
-/// The same from the columns of the block itself.
-void TargetPanel::substitute(int firstColumn, int begin, int end) {
+/// Updates the same rows with the columns of the block itself.
+void TargetPanel::substitute(int blockBegin, int begin, int end) {
   if (begin == end) return;
   rows_.clear();
-  for (int r = begin; r < end; ++r) rows_.push_back({nullptr, row(r) + firstColumn});
+  for (int r = begin; r < end; ++r) rows_.push_back({nullptr, row(r) + blockBegin});
   fillUpGroup(rows_.size());
-  kernel_.substitute(rows_, ownTriangle(firstColumn));
+  kernel_.substitute(rows_, packedTriangle(blockBegin));
 }
 
-double* TargetPanel::ownTriangle(int firstColumn) {
-  return columns_.data() + packedBefore(firstColumn) + std::ptrdiff_t{firstColumn} * kBlock;
+double* TargetPanel::packedTriangle(int blockBegin) {
+  return packed_.data() + packedOffset(blockBegin) + std::ptrdiff_t{blockBegin} * kBlock;
 }
 
-/// The triangle of one block of columns; leaves it divided in ownTriangle() for the rows below.
-bool TargetPanel::factorizeBlock(int firstColumn) {
-  const int count = std::min(kBlock, width_ - firstColumn);
-  double* const pivots = factor_.diagonal + first_ + firstColumn;
-  double* const columns = ownTriangle(firstColumn);
+/// Computes the triangle of a block of columns, and packs its columns of L for the rows below.
+bool TargetPanel::factorizeTriangle(int blockBegin) {
+  const int count = std::min(kBlock, width_ - blockBegin);
+  double* const pivots = factor_.diagonal + firstColumn_ + blockBegin;
+  double* const columns = packedTriangle(blockBegin);
   for (int r = 0; r < count; ++r) {
-    double* const entries = row(firstColumn + r) + firstColumn;
+    double* const entries = row(blockBegin + r) + blockBegin;
     for (int c = 0; c <= r; ++c) {
       if (c > 0) columns[(c - 1) * kBlock + r] = entries[c - 1] / pivots[c - 1];
       const double* const other = columns + c;

@@ -2,16 +2,17 @@
 
 namespace qelm {
 
-EdgePlace placeOnSteepEdge(double low, double high, double level) {
-  if (level == high) return EdgePlace::fromHighBy(0.0);
-  if (std::isinf(low) && std::isinf(high)) return EdgePlace::fromLowBy(0.5);
-  if (std::isinf(high)) return EdgePlace::fromLowBy(0.0);
-  if (std::isinf(low)) return EdgePlace::fromHighBy(0.0);
+EdgePosition positionOnSteepEdge(double low, double high, double level) {
+  if (level == high) return EdgePosition::fromHighBy(0.0);
+  if (std::isinf(low) && std::isinf(high)) return EdgePosition::fromLowBy(0.5);
+  if (std::isinf(high)) return EdgePosition::fromLowBy(0.0);
+  if (std::isinf(low)) return EdgePosition::fromHighBy(0.0);
   // Halves of values this large are exact, and their difference is finite.
   const double rise = high / 2 - low / 2;
   const double fromLow = (level / 2 - low / 2) / rise;
   const double fromHigh = (high / 2 - level / 2) / rise;
-  return fromLow <= fromHigh ? EdgePlace::fromLowBy(fromLow) : EdgePlace::fromHighBy(fromHigh);
+  return fromLow <= fromHigh ? EdgePosition::fromLowBy(fromLow)
+                             : EdgePosition::fromHighBy(fromHigh);
 }
 
 Vec3 pointOnLongEdge(const Vec3& from, const Vec3& to, double share) {

@@ -9,7 +9,7 @@
 namespace qelm {
 namespace {
 
-/// Numbers vertices in the order in which they are first asked for.
+/// Numbers vertices in the order in which they are first used.
 class VertexNumbering {
  public:
   VertexNumbering(std::vector<std::uint32_t>& vertices, std::size_t vertexCount)
@@ -31,8 +31,8 @@ class VertexNumbering {
   std::vector<std::uint32_t> numberOf_;
 };
 
-/// A vertex's rank above its number in one word: vertices are put in order without
-/// branches, which are rarely foreseen where they depend on the order of three ranks.
+/// A vertex's rank and number in one word, the rank in the upper half: three of them are sorted
+/// without branches, which could not be predicted here.
 using RankedVertex = std::uint64_t;
 
 RankedVertex rankedVertex(std::uint32_t rank, std::uint32_t number) {
@@ -41,8 +41,8 @@ RankedVertex rankedVertex(std::uint32_t rank, std::uint32_t number) {
 std::uint32_t rankOf(RankedVertex v) { return static_cast<std::uint32_t>(v >> 32); }
 std::uint32_t numberOf(RankedVertex v) { return static_cast<std::uint32_t>(v); }
 
-/// Numbers edges in the order in which they are first asked for: a chained hash
-/// table whose chains run through the edges.
+/// Numbers edges in the order in which they are first used: a chained hash table whose chains run
+/// through the edges.
 class EdgeNumbering {
  public:
   EdgeNumbering(std::vector<CrossedEdge>& edges, std::size_t expected)
@@ -50,8 +50,7 @@ class EdgeNumbering {
     edges_.reserve(expected);
   }
 
-  /// Number of the edge from `low` to `high`; one more triangle meets there. Half of
-  /// them are there already, from the neighbour.
+  /// The number of the edge from `low` to `high`, which counts one more triangle.
   std::uint32_t use(RankedVertex low, RankedVertex high) {
     std::uint32_t steps = 0;
     std::uint32_t* head = &heads_[slot(numberOf(low), numberOf(high))];
@@ -73,11 +72,10 @@ class EdgeNumbering {
   }
 
  private:
-  // Vertices are numbered as the triangles come by them. A slot that moves slowly
-  // with both ends keeps that order and with it the cache; a sum with different
-  // weights tells apart what a fan around one vertex, or a strip whose sides are
-  // numbered towards each other, would send to one slot. Numberings that pile up all
-  // the same are met by scattering the slots.
+  // Neighbouring vertices have near numbers, and slots that change little with both ends keep their
+  // edges near in memory. The weights differ since a plain sum would put the edges of a strip whose
+  // two sides are numbered towards each other into one slot. If a chain grows long all the same,
+  // the slots are scattered.
   std::size_t slot(std::uint32_t a, std::uint32_t b) const {
     const std::uint64_t near = std::uint64_t{a} + 2 * std::uint64_t{b};
     const std::uint64_t key = (std::uint64_t{a} << 32) | b;
@@ -105,7 +103,7 @@ class EdgeNumbering {
     }
   }
 
-  // Ordinary meshes stay below 10; with scattered slots 40 is out of reach.
+  // Chains of ordinary meshes stay below 10; with scattered slots none reaches 40.
   static constexpr std::uint32_t kLongestChain = 40;
   static constexpr std::size_t kFewestSlots = 64;
 
@@ -125,8 +123,8 @@ Ranks ranksOf(const TriangleCorners& c, std::span<const std::uint32_t> ranks) {
   return {ranks[c[0]], ranks[c[1]], ranks[c[2]]};
 }
 
-/// A triangle with its crossed edges looked up. Nearly always one of the short ones is
-/// crossed and not the other: which one is chosen, not branched on.
+/// Looks up a triangle's crossed edges. Mostly only one of the short edges is crossed; which one is
+/// selected without a branch.
 CrossedTriangle useEdges(RankedVertex a, RankedVertex b, RankedVertex c, EdgeNumbering& edges) {
   const RankedVertex low = std::min({a, b, c});
   const RankedVertex high = std::max({a, b, c});
@@ -147,21 +145,21 @@ struct CrossedCounts {
   std::size_t edges = 0;
 };
 
-/// How many are crossed, from a sample: arrays that have about the right size from the
-/// start are not moved about as they grow.
+/// Estimates from a sample how many triangles and edges are crossed: arrays of about the right size
+/// need not grow.
 CrossedCounts estimateCrossed(std::span<const std::int32_t> triangles,
                               std::span<const std::uint32_t> ranks) {
   constexpr std::size_t kStride = 61;  // a prime: no period of a grid's rows
   CrossedCounts found;
   for (std::size_t j = 0; j < triangles.size() / 3; j += kStride) {
-    const Ranks r = ranksOf(triangleCorners(triangles, j), ranks);
+    const Ranks r = ranksOf(cornersOf(triangles, j), ranks);
     if (!isCrossed(r)) continue;
     ++found.triangles;
     found.edges += r[0] == r[1] || r[1] == r[2] || r[2] == r[0] ? 2 : 3;
   }
-  // A little more, as an array that is a little too small is doubled.
+  // A sixteenth more: an array that is a little too small would be doubled.
   const auto scaled = [](std::size_t count) { return count * kStride + count * kStride / 16; };
-  return {scaled(found.triangles), scaled(found.edges) / 2};  // two triangles an edge
+  return {scaled(found.triangles), scaled(found.edges) / 2};  // two triangles share an edge
 }
 
 }  // namespace
@@ -174,7 +172,7 @@ CrossedPart findCrossed(std::span<const std::int32_t> triangles,
   VertexNumbering vertices(part.vertices, ranks.size());
   EdgeNumbering edges(part.edges, expected.edges);
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
-    const TriangleCorners corners = triangleCorners(triangles, j);
+    const TriangleCorners corners = cornersOf(triangles, j);
     const Ranks r = ranksOf(corners, ranks);
     if (!isCrossed(r)) continue;
     const RankedVertex a = rankedVertex(r[0], vertices.use(corners[0]));

@@ -6,6 +6,7 @@
 #include <new>
 #include <span>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "isolines/curves.h"
 #include "qelm.h"
@@ -31,12 +32,12 @@ using CurvesOwner = std::unique_ptr<QelmCurves, CurvesDeleter>;
 
 template <class Entry>
 Entry* allocate(std::int64_t count) {
-  void* block = std::calloc(static_cast<std::size_t>(count), sizeof(Entry));
+  void* block = std::calloc(qelm::asIndex(count), sizeof(Entry));
   if (block == nullptr) throw std::bad_alloc();
   return static_cast<Entry*>(block);
 }
 
-/// A record with room for curves and points: no blocks at all without curves.
+/// A record with room for curves and points; without curves it has no arrays.
 CurvesOwner newRecord(std::int64_t curveCount, std::int64_t pointCount) {
   CurvesOwner record(allocate<QelmCurves>(1));
   if (curveCount == 0) return record;
@@ -80,7 +81,7 @@ CurvesOwner pack(const LevelCurves& cut) {
   forEachCurve(cut, [&](const qelm::TracedCurve& curve, std::size_t level) {
     points = writePoints(cut.traced.pointsOf(curve), points);
     record->starts[c + 1] = record->starts[c] + curve.count;
-    record->levels[c] = static_cast<std::int32_t>(level);
+    record->levels[c] = qelm::asInt(level);
     record->closed[c] = curve.closed ? 1 : 0;
     ++c;
   });
@@ -94,10 +95,10 @@ extern "C" void qelmcurvesTagged(const MeshSystem* handle, const double* field, 
   *curvesOut = nullptr;
   const int outcome = argumentStatus(handle, field, levelCount, levels);
   if (outcome == QELM_STATUS_OK) {
-    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    const auto n = qelm::asIndex(handle->vertexCount);
     const qelm::FieldOnMesh mesh = {
         *handle->vertices, *handle->triangles, handle->vertexOrder, {field, n}};
-    const auto count = static_cast<std::size_t>(levelCount);
+    const auto count = qelm::asIndex(levelCount);
     *curvesOut = pack(qelm::cutCurves(mesh, {levels, count})).release();
   }
   *status = outcome;

@@ -2,14 +2,15 @@
 
 #include <new>
 
+#include "interface/index.h"
 #include "isolines/curve_crossing.h"
-#include "isolines/curve_doubles.h"
+#include "isolines/curve_duplicates.h"
 #include "isolines/curve_points.h"
 
 namespace qelm {
 namespace {
 
-/// Gives every edge its range of nodes; returns how many there are.
+/// Gives every edge its range of nodes. Returns the number of nodes.
 std::size_t numberNodes(std::span<CrossedEdge> edges) {
   std::uint64_t count = 0;
   for (CrossedEdge& edge : edges) {
@@ -20,7 +21,7 @@ std::size_t numberNodes(std::span<CrossedEdge> edges) {
   return static_cast<std::size_t>(count);
 }
 
-/// What the points on edges are computed from.
+/// One end of edges: all that the points on them are computed from.
 struct EdgeEnd {
   Vec3 point;
   double value;
@@ -28,8 +29,8 @@ struct EdgeEnd {
   std::uint32_t vertex;
 };
 
-/// Fetched once for all of a vertex's edges: in a mesh whose numbering is no order,
-/// each is a wait for memory, and here many are waited for at once.
+/// Reads each vertex once for all of its edges. In a mesh with scattered numbers each vertex is a
+/// cache miss; in this loop many are under way at once.
 std::vector<EdgeEnd> fetchEnds(const FieldOnMesh& mesh, std::span<const std::uint32_t> ranks,
                                std::span<const std::uint32_t> vertices) {
   std::vector<EdgeEnd> ends;
@@ -40,47 +41,47 @@ std::vector<EdgeEnd> fetchEnds(const FieldOnMesh& mesh, std::span<const std::uin
   return ends;
 }
 
-/// Computes the points and finds which are near a vertex.
-class NodePlacer {
+/// Computes the points of one edge after the other, and finds which are near a vertex.
+class PointWriter {
  public:
-  NodePlacer(std::span<const EdgeEnd> ends, std::span<const double> levels, CurveGraph& graph)
+  PointWriter(std::span<const EdgeEnd> ends, std::span<const double> levels, CurveGraph& graph)
       : ends_(ends), levels_(levels), graph_(graph), next_(graph.points.data()) {}
 
-  void place(const CrossedEdge& edge) {
+  void write(const CrossedEdge& edge) {
     const EdgeEnd& low = ends_[edge.low];
     const EdgeEnd& high = ends_[edge.high];
     const CrossedLine line(low.point, high.point, low.value, high.value);
     if (edge.triangles <= 2 && line.isOrdinary()) {
-      placeOrdinary(line, low, high);
+      writeOrdinary(line, low, high);
       return;
     }
-    for (std::uint64_t set = 0; set < nodeSetsOf(edge); ++set) placeAny(line, low, high);
+    for (std::uint64_t set = 0; set < nodeSetsOf(edge); ++set) writeAny(line, low, high);
   }
 
  private:
-  void placeOrdinary(const CrossedLine& line, const EdgeEnd& low, const EdgeEnd& high) {
+  void writeOrdinary(const CrossedLine& line, const EdgeEnd& low, const EdgeEnd& high) {
     for (std::uint32_t level = low.rank; level < high.rank; ++level) {
-      const EdgePlace place = line.ordinaryPlaceOf(levels_[level]);
-      if (place.share() <= kNear) noteVertex(place.isFromLow() ? low.vertex : high.vertex);
-      *next_++ = line.ordinaryPointAt(place);
+      const EdgePosition position = line.ordinaryPositionOf(levels_[level]);
+      if (position.share() <= kNear) noteVertex(position.isFromLow() ? low.vertex : high.vertex);
+      *next_++ = line.ordinaryPointAt(position);
     }
   }
 
-  void placeAny(const CrossedLine& line, const EdgeEnd& low, const EdgeEnd& high) {
+  void writeAny(const CrossedLine& line, const EdgeEnd& low, const EdgeEnd& high) {
     for (std::uint32_t level = low.rank; level < high.rank; ++level) {
-      const EdgePlace place = line.placeOf(levels_[level]);
-      const Vec3 point = line.pointAt(place);
-      const bool isNear = place.share() <= kNear;
-      if (isNear ? place.isFromLow() : samePlace(point, low.point)) noteVertex(low.vertex);
-      if (isNear ? !place.isFromLow() : samePlace(point, high.point)) noteVertex(high.vertex);
+      const EdgePosition position = line.positionOf(levels_[level]);
+      const Vec3 point = line.pointAt(position);
+      const bool isNear = position.share() <= kNear;
+      if (isNear ? position.isFromLow() : samePoint(point, low.point)) noteVertex(low.vertex);
+      if (isNear ? !position.isFromLow() : samePoint(point, high.point)) noteVertex(high.vertex);
       *next_++ = point;
     }
   }
 
-  /// The next node lies at `vertex`.
+  /// The next node is near `vertex`.
   void noteVertex(std::uint32_t vertex) {
     if (graph_.vertexNear.empty()) graph_.vertexNear.assign(graph_.points.size(), kNoVertex);
-    graph_.vertexNear[static_cast<std::size_t>(next_ - graph_.points.data())] = vertex;
+    graph_.vertexNear[asIndex(next_ - graph_.points.data())] = vertex;
   }
 
   std::span<const EdgeEnd> ends_;
@@ -89,26 +90,28 @@ class NodePlacer {
   Vec3* next_;
 };
 
-/// A link that has higher values at its left goes to links[0], one that has not to
-/// links[1], if that is free: between neighbours that are oriented alike it is.
+/// Stores a link with higher values at its left in links[0], another one in links[1]. That element
+/// is taken only between triangles that are not oriented alike; then the link goes to the other
+/// one.
 void addLink(NodeLinks& links, std::uint32_t to, bool highAtLeft) {
   const std::size_t preferred = highAtLeft ? 0 : 1;
   const bool taken = links[preferred] != kNoLink;
   links[taken ? 1 - preferred : preferred] = linkTo(to, highAtLeft);
 }
 
-/// Two edges of a triangle and the levels whose pieces run between them.
-struct PieceRun {
-  std::uint32_t from;  ///< node of the lowest of the levels; higher values are at
-  std::uint32_t to;    ///< the left on the way to the other edge's
+/// The segments of consecutive levels between two edges of a triangle: from node `from` to node
+/// `to`, from `from` + 1 to `to` + 1, and so on, with higher values at the left.
+struct SegmentRun {
+  std::uint32_t from;
+  std::uint32_t to;
   std::uint32_t count;
 };
 
-class PieceLinker {
+class SegmentLinker {
  public:
-  PieceLinker(std::span<const std::uint32_t> ranks, CrossedPart& part, CurveGraph& graph,
-              std::vector<EdgePiece>& edgePieces)
-      : ranks_(ranks), part_(part), graph_(graph), edgePieces_(edgePieces) {}
+  SegmentLinker(std::span<const std::uint32_t> ranks, CrossedPart& part, CurveGraph& graph,
+                std::vector<EdgeSegment>& edgeSegments)
+      : ranks_(ranks), part_(part), graph_(graph), edgeSegments_(edgeSegments) {}
 
   void link(const CrossedTriangle& triangle) {
     const std::uint32_t longNodes = takeNodes(part_.edges[triangle.longEdge]);
@@ -120,27 +123,27 @@ class PieceLinker {
   }
 
  private:
-  /// The first of the nodes that are a triangle's on an edge.
+  /// The first of the nodes on an edge that belong to the next triangle.
   std::uint32_t takeNodes(CrossedEdge& edge) {
     const std::uint32_t first = edge.nodes;
     if (edge.triangles > 2) edge.nodes += edge.levelCount;
     return first;
   }
 
-  /// Where an edge falls, seen in the triangle's sense of rotation, higher values
-  /// are at the left of a piece that starts there. In an ascending triangle that
-  /// is its long edge, in a descending one the other.
+  /// A segment has higher values at its left if it starts on an edge along which values fall, in
+  /// the triangle's orientation. That is the long edge of an ascending triangle, and the short edge
+  /// of a descending one.
   void linkRun(std::uint32_t longNodes, CrossedEdge& shortEdge, bool ascending) {
     const std::uint32_t shortNodes = takeNodes(shortEdge);
     const std::uint32_t from = ascending ? longNodes : shortNodes;
     const std::uint32_t to = ascending ? shortNodes : longNodes;
     linkRun({from, to, shortEdge.levelCount});
     if (!graph_.vertexNear.empty()) {
-      noteEdgePieces({from, to, shortEdge.levelCount}, ranks_[part_.vertices[shortEdge.low]]);
+      noteEdgeSegments({from, to, shortEdge.levelCount}, ranks_[part_.vertices[shortEdge.low]]);
     }
   }
 
-  void linkRun(const PieceRun& run) {
+  void linkRun(const SegmentRun& run) {
     NodeLinks* const from = graph_.links.data() + run.from;
     NodeLinks* const to = graph_.links.data() + run.to;
     for (std::uint32_t i = 0; i < run.count; ++i) {
@@ -149,29 +152,30 @@ class PieceLinker {
     }
   }
 
-  void noteEdgePieces(const PieceRun& run, std::uint32_t firstLevel) {
+  /// Collects the segments between nodes near two different vertices.
+  void noteEdgeSegments(const SegmentRun& run, std::uint32_t firstLevel) {
     for (std::uint32_t i = 0; i < run.count; ++i) {
       const std::uint32_t a = graph_.vertexNear[run.from + i];
       const std::uint32_t b = graph_.vertexNear[run.to + i];
       if (a == kNoVertex || b == kNoVertex || a == b) continue;
-      EdgePiece piece = {a, b, firstLevel + i, run.from + i, run.to + i};
-      if (b < a) piece = {b, a, piece.level, piece.secondNode, piece.firstNode};
-      edgePieces_.push_back(piece);
+      EdgeSegment segment = {a, b, firstLevel + i, run.from + i, run.to + i};
+      if (b < a) segment = {b, a, segment.level, segment.secondNode, segment.firstNode};
+      edgeSegments_.push_back(segment);
     }
   }
 
   std::span<const std::uint32_t> ranks_;
   CrossedPart& part_;
   CurveGraph& graph_;
-  std::vector<EdgePiece>& edgePieces_;
+  std::vector<EdgeSegment>& edgeSegments_;
 };
 
-void placeNodes(const FieldOnMesh& mesh, std::span<const double> distinctLevels,
-                std::span<const std::uint32_t> ranks, CrossedPart& part, CurveGraph& graph) {
+void writePoints(const FieldOnMesh& mesh, std::span<const double> distinctLevels,
+                 std::span<const std::uint32_t> ranks, CrossedPart& part, CurveGraph& graph) {
   const std::vector<EdgeEnd> ends = fetchEnds(mesh, ranks, part.vertices);
   graph.points.resize(numberNodes(part.edges));
-  NodePlacer placer(ends, distinctLevels, graph);
-  for (const CrossedEdge& edge : part.edges) placer.place(edge);
+  PointWriter writer(ends, distinctLevels, graph);
+  for (const CrossedEdge& edge : part.edges) writer.write(edge);
 }
 
 }  // namespace
@@ -179,13 +183,13 @@ void placeNodes(const FieldOnMesh& mesh, std::span<const double> distinctLevels,
 CurveGraph linkCrossings(const FieldOnMesh& mesh, std::span<const double> distinctLevels,
                          std::span<const std::uint32_t> ranks, CrossedPart& part) {
   CurveGraph graph;
-  placeNodes(mesh, distinctLevels, ranks, part, graph);
+  writePoints(mesh, distinctLevels, ranks, part, graph);
   graph.links.assign(graph.points.size(), {kNoLink, kNoLink});
-  std::vector<EdgePiece> edgePieces;
-  PieceLinker linker(ranks, part, graph, edgePieces);
+  std::vector<EdgeSegment> edgeSegments;
+  SegmentLinker linker(ranks, part, graph, edgeSegments);
   for (const CrossedTriangle& triangle : part.triangles) linker.link(triangle);
   part.triangles = {};
-  if (!edgePieces.empty()) removeDoubledPieces(mesh.triangles, ranks, edgePieces, graph);
+  if (!edgeSegments.empty()) removeDuplicateSegments(mesh.triangles, ranks, edgeSegments, graph);
   return graph;
 }
 

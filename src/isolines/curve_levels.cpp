@@ -4,11 +4,13 @@
 #include <cmath>
 #include <cstddef>
 
+#include "interface/index.h"
+
 namespace qelm {
 namespace {
 
-/// Counts levels at or below a value: a first guess as if the levels were evenly
-/// spaced, which they mostly are, and a binary search where the guess is wrong.
+/// Counts the levels at or below a value: guesses as if the levels were evenly spaced, which they
+/// mostly are, and searches where the guess is wrong.
 class RankFinder {
  public:
   explicit RankFinder(std::span<const double> levels) : levels_(levels) {
@@ -25,8 +27,8 @@ class RankFinder {
   }
 
  private:
-  /// Any number in 0 .. levels. Infinite levels or values may make `steps` NaN;
-  /// the comparisons are written so that NaN ends in 0.
+  /// A guess in 0 .. levels_.size(). Infinite levels or values may make `steps` NaN, for which the
+  /// comparison gives 0.
   std::size_t evenlySpacedRank(double value) const {
     if (levels_.empty()) return 0;
     const double steps = (value - levels_.front()) * perUnit_;
@@ -59,7 +61,7 @@ CurveLevels arrangeLevels(std::span<const double> levels) {
   arranged.positions.reserve(levels.size());
   for (const double level : levels) {
     const auto found = std::lower_bound(distinct.begin(), distinct.end(), level);
-    const auto position = static_cast<std::int32_t>(found - distinct.begin());
+    const auto position = asInt(found - distinct.begin());
     arranged.positions.push_back(std::isnan(level) ? kNoLevel : position);
   }
   return arranged;
@@ -72,7 +74,7 @@ std::vector<std::uint32_t> rankVertices(std::span<const double> distinctLevels,
   std::vector<std::uint32_t> ranks;
   ranks.reserve(vertexOrder.size());
   for (const std::int32_t input : vertexOrder) {
-    ranks.push_back(rankOf(field[static_cast<std::size_t>(input)]));
+    ranks.push_back(rankOf(field[asIndex(input)]));
   }
   return ranks;
 }

@@ -1,4 +1,12 @@
-// The levels of a cut in ascending order, and each vertex's place among them.
+// The distinct levels in ascending order, and each vertex's rank among them.
+//
+// The rank of a vertex is the number of levels at or below its value, so that comparing ranks,
+// which are integers, tells which levels cross an edge:
+//
+//   levels            1.0   2.0   3.0           number   0     1     2
+//   values            0.5   2.0   3.7           rank     0     2     3
+//
+//   the edge between the first two vertices, of ranks 0 and 2, is crossed by levels 0 and 1
 #ifndef QELM_ISOLINES_CURVE_LEVELS_H
 #define QELM_ISOLINES_CURVE_LEVELS_H
 
@@ -17,14 +25,13 @@ inline constexpr std::int32_t kNoLevel = -1;
 
 struct CurveLevels {
   std::vector<double> distinct;         ///< ascending, no NaN, 0.0 for -0.0
-  std::vector<std::int32_t> positions;  ///< of each caller's level in distinct, or kNoLevel
+  std::vector<std::int32_t> positions;  ///< from the caller's levels to `distinct`, or kNoLevel
 };
 
 CurveLevels arrangeLevels(std::span<const double> levels);
 
-/// For every vertex in system order, the number of distinct levels at or below
-/// its value, or kHoleRank. Level l passes between two vertices exactly if one's
-/// rank is at most l and the other's is above l: a value at the level is above.
+/// The rank of every vertex in system order, kHoleRank for NaN. Level l crosses the edge between
+/// two vertices exactly if one rank is at most l and the other is above l.
 ///
 /// vertexOrder maps system to input order; field is in input order.
 std::vector<std::uint32_t> rankVertices(std::span<const double> distinctLevels,

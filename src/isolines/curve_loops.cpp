@@ -7,8 +7,8 @@
 namespace qelm {
 namespace {
 
-/// Compares a closed sequence, once round from i, with itself once round from j.
-std::strong_ordering compareTurns(PointSequence closed, std::size_t i, std::size_t j) {
+/// Compares a closed sequence that starts at i with the same sequence that starts at j.
+std::strong_ordering compareStarts(PointSequence closed, std::size_t i, std::size_t j) {
   for (std::size_t step = 0; step < closed.size(); ++step) {
     const auto order = comparePoints(closed[i], closed[j]);
     if (order != 0) return order;
@@ -33,12 +33,12 @@ std::size_t leastStart(PointSequence closed) {
   std::size_t least = 0;
   for (std::size_t i = 1; i < closed.size(); ++i) {
     const auto order = comparePoints(closed[i], closed[least]);
-    if (order < 0 || (order == 0 && compareTurns(closed, i, least) < 0)) least = i;
+    if (order < 0 || (order == 0 && compareStarts(closed, i, least) < 0)) least = i;
   }
   return least;
 }
 
-std::vector<std::uint32_t> sharedPlaces(PointSequence sequence,
+std::vector<std::uint32_t> sharedPoints(PointSequence sequence,
                                         std::span<const std::uint32_t> vertexNear) {
   if (vertexNear.empty()) return {};
   std::vector<std::size_t> nearVertices;
@@ -49,16 +49,16 @@ std::vector<std::uint32_t> sharedPlaces(PointSequence sequence,
     return comparePoints(sequence[a], sequence[b]) < 0;
   });
 
-  std::vector<std::uint32_t> places;
-  std::uint32_t lastPlace = 0;
+  std::vector<std::uint32_t> numbers;
+  std::uint32_t lastNumber = 0;
   for (std::size_t i = 1; i < nearVertices.size(); ++i) {
-    if (!samePlace(sequence[nearVertices[i]], sequence[nearVertices[i - 1]])) continue;
-    places.resize(sequence.size(), 0);
-    std::uint32_t& place = places[nearVertices[i - 1]];
-    if (place == 0) place = ++lastPlace;
-    places[nearVertices[i]] = place;
+    if (!samePoint(sequence[nearVertices[i]], sequence[nearVertices[i - 1]])) continue;
+    numbers.resize(sequence.size(), 0);
+    std::uint32_t& number = numbers[nearVertices[i - 1]];
+    if (number == 0) number = ++lastNumber;
+    numbers[nearVertices[i]] = number;
   }
-  return places;
+  return numbers;
 }
 
 }  // namespace qelm

@@ -1,5 +1,4 @@
-// Sequences of points: how they compare, where a closed one starts, and where one
-// meets itself.
+// Sequences of points: their order, the start of a closed one, and where one meets itself.
 #ifndef QELM_ISOLINES_CURVE_LOOPS_H
 #define QELM_ISOLINES_CURVE_LOOPS_H
 
@@ -18,14 +17,14 @@ using PointSequence = std::span<const Vec3>;
 /// Lexicographic; a sequence that begins another comes before it.
 std::strong_ordering compareSequences(PointSequence a, PointSequence b);
 
-/// Where a closed sequence has its least point. Of several equal ones, that from
-/// which the sequence is least as a whole. Requires a sequence that is not empty.
+/// The index of the least point of a closed sequence. If several are equal, the one from which the
+/// whole sequence is least. The sequence is not empty.
 std::size_t leastStart(PointSequence closed);
 
-/// For each entry of a sequence, 0, or for those near vertices that share their point
-/// with another such entry, a number from 1 that stands for the point. Empty if no
-/// point is shared. `vertexNear` has the entries' vertices as in CurveGraph.
-std::vector<std::uint32_t> sharedPlaces(PointSequence sequence,
+/// For each point of a sequence 0, or a number from 1 for the points that are near a vertex and
+/// equal to another such point: equal points have equal numbers. Empty if there are none.
+/// `vertexNear` as in CurveGraph.
+std::vector<std::uint32_t> sharedPoints(PointSequence sequence,
                                         std::span<const std::uint32_t> vertexNear);
 
 }  // namespace qelm

@@ -1,4 +1,4 @@
-// Orders of points that depend on nothing but their coordinates.
+// The order of points by their coordinates.
 #ifndef QELM_ISOLINES_CURVE_POINTS_H
 #define QELM_ISOLINES_CURVE_POINTS_H
 
@@ -10,13 +10,13 @@
 
 namespace qelm {
 
-/// The same place. False if a coordinate is NaN.
-inline bool samePlace(const Vec3& a, const Vec3& b) {
+/// Whether the points are equal. False if a coordinate is NaN.
+inline bool samePoint(const Vec3& a, const Vec3& b) {
   return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-/// Order of doubles as integers: as < has it, with -0.0 before 0.0 and NaN at the
-/// ends, so that sorting is sound whatever a mesh contains.
+/// An integer that orders doubles as < does, with -0.0 before 0.0 and NaN at the ends: a strict
+/// order of all doubles, as sorting needs.
 inline std::int64_t orderedBits(double value) {
   const auto bits = std::bit_cast<std::int64_t>(value);
   return bits < 0 ? bits ^ INT64_MAX : bits;

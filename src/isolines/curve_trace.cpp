@@ -33,7 +33,7 @@ void CurveTracer::trace(std::uint32_t node, std::uint32_t level) {
   emitSimpleParts(level);
 }
 
-/// Fills nodes_ with the whole curve through `start`.
+/// Fills nodes_ with the whole curve through `start`, and balance_.
 void CurveTracer::follow(std::uint32_t start) {
   const NodeLinks links = graph_.links[start];
   graph_.links[start] = {kVisited, kVisited};
@@ -44,7 +44,7 @@ void CurveTracer::follow(std::uint32_t start) {
     balance_ += hasHighAtLeft(links[1]) ? -1 : 1;
     return;
   }
-  // The other way from the start, counted the other way round, and turned over.
+  // The other direction: walked from the start with everything reversed.
   std::reverse(nodes_.begin(), nodes_.end());
   balance_ = -balance_;
   walk(start, links[1]);
@@ -52,7 +52,7 @@ void CurveTracer::follow(std::uint32_t start) {
   balance_ = -balance_;
 }
 
-/// Appends the nodes after `start`, along `link`; true if it comes back to it.
+/// Appends the nodes after `start`, along `link`. True if the walk comes back to `start`.
 bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
   std::uint32_t from = start;
   while (link != kNoLink) {
@@ -71,27 +71,25 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
   return false;
 }
 
-/// Fills path_ from nodes_. Of nodes at one point that follow one another, keeps the
-/// first.
+/// Fills path_ from nodes_. Of neighbouring nodes at the same point, keeps the first.
 void CurveTracer::fetchPath() {
   path_.points.clear();
   path_.vertexNear.clear();
   for (const std::uint32_t node : nodes_) {
     const Vec3& point = graph_.points[node];
-    if (!path_.points.empty() && samePlace(path_.points.back(), point)) continue;
+    if (!path_.points.empty() && samePoint(path_.points.back(), point)) continue;
     path_.points.push_back(point);
     if (!graph_.vertexNear.empty()) path_.vertexNear.push_back(graph_.vertexNear[node]);
   }
   const std::vector<Vec3>& points = path_.points;
-  if (closed_ && points.size() > 1 && samePlace(points.front(), points.back())) {
+  if (closed_ && points.size() > 1 && samePoint(points.front(), points.back())) {
     path_.points.pop_back();
     if (!path_.vertexNear.empty()) path_.vertexNear.pop_back();
   }
 }
 
-/// Neighbours that are oriented against each other do not agree on which side is
-/// the left. Most pieces decide, and if they are balanced, the points: the sense
-/// that comes first in the order of curves.
+/// Neighbouring triangles that are not oriented alike disagree on which side is the left. The
+/// majority decides; if there is none, the direction that comes first in the order of curves.
 void CurveTracer::orient() {
   if (balance_ > 0) return;
   if (balance_ < 0) {
@@ -107,38 +105,40 @@ void CurveTracer::orient() {
   if (compareSequences(reversed.points, path_.points) < 0) std::swap(path_, reversed);
 }
 
-/// A curve may come back to a vertex at its level, at a pass between two summits.
-/// The round between the two visits is a closed curve of its own, and the rest goes
-/// on from the vertex. Rounds within rounds come off first, as from a stack.
+/// A curve may come back to a vertex at its level, a saddle between two peaks. The points between
+/// the two visits become a closed curve, and the others go on from the vertex. With the points on a
+/// stack, loops within loops come off first:
+///
+///   points  a V b c V d      V twice: emits the loop V b c, goes on with a V d
 void CurveTracer::emitSimpleParts(std::uint32_t level) {
-  std::vector<std::uint32_t> places = sharedPlaces(path_.points, path_.vertexNear);
-  if (!places.empty() && closed_) {
-    path_.turnToLeastPoint();  // on a torus, it matters where to start
-    places = sharedPlaces(path_.points, path_.vertexNear);
+  std::vector<std::uint32_t> shared = sharedPoints(path_.points, path_.vertexNear);
+  if (!shared.empty() && closed_) {
+    path_.turnToLeastPoint();  // the loops may depend on the start, as on a torus
+    shared = sharedPoints(path_.points, path_.vertexNear);
   }
-  if (places.empty()) {
+  if (shared.empty()) {
     emit(path_.points, closed_, level);
     return;
   }
-  std::vector<Vec3> open;                                       // points not yet in a part
-  std::vector<std::uint32_t> openPlaces;                        // their places
-  std::vector<std::size_t> visitOf(places.size() + 1, kNever);  // place -> index in open
-  for (std::size_t i = 0; i < places.size(); ++i) {
-    const std::size_t visit = places[i] == 0 ? kNever : visitOf[places[i]];
+  std::vector<Vec3> open;                                       // the stack: points not emitted yet
+  std::vector<std::uint32_t> openShared;                        // their numbers in `shared`
+  std::vector<std::size_t> visitOf(shared.size() + 1, kNever);  // from such a number to `open`
+  for (std::size_t i = 0; i < shared.size(); ++i) {
+    const std::size_t visit = shared[i] == 0 ? kNever : visitOf[shared[i]];
     if (visit != kNever) {
       emit(PointSequence(open).subspan(visit), true, level);
-      for (std::size_t k = visit; k < open.size(); ++k) visitOf[openPlaces[k]] = kNever;
+      for (std::size_t k = visit; k < open.size(); ++k) visitOf[openShared[k]] = kNever;
       open.resize(visit);
-      openPlaces.resize(visit);
+      openShared.resize(visit);
     }
-    if (places[i] != 0) visitOf[places[i]] = open.size();
+    if (shared[i] != 0) visitOf[shared[i]] = open.size();
     open.push_back(path_.points[i]);
-    openPlaces.push_back(places[i]);
+    openShared.push_back(shared[i]);
   }
   emit(open, closed_, level);
 }
 
-/// Two points and the way back enclose nothing and would be one line twice.
+/// Leaves out what is too short: a closed curve of two points would be one line twice.
 void CurveTracer::emit(PointSequence path, bool closed, std::uint32_t level) {
   if (path.size() < (closed ? 3U : 2U)) return;
   const std::size_t first = traced_.points.size();

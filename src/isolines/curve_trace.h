@@ -1,4 +1,16 @@
-// From linked crossings to curves in their final form and order.
+// From the curve graph to polylines in their final form and order.
+//
+// In: nodes with one or two links each. Out: for each level its polylines, the same to the bit
+// however the mesh is numbered. A curve is followed from any node in both directions; then
+//
+//   neighbouring nodes at the same point    count as one
+//   the direction                           has the higher values at the left, by the majority of
+//                                           the segments
+//   a curve that meets itself at a vertex   is cut into simple ones: a figure of eight into two
+//                                           closed curves
+//   a closed curve                          starts at its least point
+//
+// and the curves are sorted by level and points. Linear in the nodes, plus the sorting.
 #ifndef QELM_ISOLINES_CURVE_TRACE_H
 #define QELM_ISOLINES_CURVE_TRACE_H
 
@@ -12,12 +24,12 @@
 
 namespace qelm {
 
-/// A sequence of points of one level, no two neighbours of it the same.
+/// A polyline of one level. No two neighbouring points are the same.
 struct TracedCurve {
-  std::uint32_t level = 0;  ///< position among the distinct levels
-  std::uint32_t count = 0;  ///< of points: 2 or more, 3 or more if closed
-  std::size_t first = 0;    ///< of its points, in TracedCurves::points
-  bool closed = false;      ///< the last point leads on to the first
+  std::uint32_t level = 0;  ///< index among the distinct levels
+  std::uint32_t count = 0;  ///< number of points: 2 or more, 3 or more if closed
+  std::size_t first = 0;    ///< the first point, in TracedCurves::points
+  bool closed = false;      ///< a segment joins the last point and the first
 };
 
 struct TracedCurves {
@@ -29,19 +41,16 @@ struct TracedCurves {
   }
 };
 
-/// Points on the way, fetched once from the nodes that lie all over the graph.
+/// The points of one curve, gathered from its nodes, which lie all over the graph.
 struct CurvePath {
   std::vector<Vec3> points;
-  std::vector<std::uint32_t> vertexNear;  ///< as in CurveGraph, empty if that is
+  std::vector<std::uint32_t> vertexNear;  ///< as in CurveGraph; empty if that is
 
   void reverse();
   void turnToLeastPoint();  ///< for a closed curve
 };
 
-/// Follows the links of one curve after the other and brings each into its final
-/// form: coincident neighbours merged, direction chosen, cut into simple curves
-/// where it meets itself at a vertex, closed ones turned to start at their least
-/// point. The nodes' links are used up.
+/// Traces one curve after the other. Overwrites the links of the nodes that it has visited.
 class CurveTracer {
  public:
   explicit CurveTracer(CurveGraph& graph) : graph_(graph) {
@@ -50,13 +59,12 @@ class CurveTracer {
 
   bool isTraced(std::uint32_t node) const { return graph_.links[node][0] == kVisited; }
 
-  /// Traces the curve through a node of this level that is not traced yet.
+  /// Traces the curve through a node of this level, which is not traced yet.
   void trace(std::uint32_t node, std::uint32_t level);
   TracedCurves takeCurves() { return std::move(traced_); }
 
  private:
-  // No node has this number, and no link leads to one that has been visited other
-  // than the start of the walk.
+  // No node has this number. No link leads to a visited node, except to the start of the walk.
   static constexpr NodeLink kVisited = kNoLink - 1;
 
   void follow(std::uint32_t start);
@@ -68,11 +76,11 @@ class CurveTracer {
 
   CurveGraph& graph_;
   TracedCurves traced_;
-  // The curve in hand.
+  // The present curve.
   std::vector<std::uint32_t> nodes_;
   CurvePath path_;
   bool closed_ = false;
-  std::int64_t balance_ = 0;  ///< link ends with higher values at the left, less the others
+  std::int64_t balance_ = 0;  ///< links with higher values at the left, less the others
 };
 
 /// Sorts by level, then by compareSequences(), then open before closed.

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "interface/index.h"
 #include "isolines/curve_edges.h"
 #include "isolines/curve_levels.h"
 
@@ -31,8 +32,7 @@ LevelCurves::Range curvesOfLevel(const std::vector<TracedCurve>& sorted, std::in
                                           [=](const TracedCurve& c) { return c.level < level; });
   const auto last = std::partition_point(first, sorted.end(),
                                          [=](const TracedCurve& c) { return c.level == level; });
-  return {static_cast<std::size_t>(first - sorted.begin()),
-          static_cast<std::size_t>(last - sorted.begin())};
+  return {asIndex(first - sorted.begin()), asIndex(last - sorted.begin())};
 }
 
 }  // namespace

@@ -1,8 +1,18 @@
 // Level curves of a field, joined into polylines.
 //
-// Marching triangles: a level crosses a triangle in one piece or not at all, since
-// a value at the level counts as above it. Crossings are found edge by edge and
-// computed once each; the pieces link them; following the links gives the curves.
+// In: a mesh, a value at each vertex, levels. Out: for each level its level curves, open or closed.
+// Marching triangles: a value at the level counts as above it, so that a level crosses a triangle
+// in one segment or not at all. Each crossing of an edge is computed once and becomes a node of a
+// graph; the segments link the nodes; following the links gives the curves.
+//
+//   c 1 ---0--- b 3             level 2 crosses cb, ab, ad: nodes 0, 1, 2
+//    .       .   .
+//      .   1       .            segments in the triangles: 0-1 in abc, 1-2 in adb
+//       .            .
+//        a 1 ---2--- d 3        level curve: 0, 1, 2
+//
+// Linear in the triangles and the crossings, plus sorting the curves. (Lorensen and Cline, Marching
+// cubes, SIGGRAPH 1987, in three dimensions.)
 #ifndef QELM_ISOLINES_CURVES_H
 #define QELM_ISOLINES_CURVES_H
 
@@ -15,15 +25,15 @@
 
 namespace qelm {
 
-/// The curves of every distinct level, and which of them each caller's level has.
+/// The curves of every distinct level, and which of them belong to each of the caller's levels.
 struct LevelCurves {
   TracedCurves traced;  ///< sorted
-  /// For each of the caller's levels, the range of its curves in traced.curves.
+  /// Curves first .. last-1 of traced.curves.
   struct Range {
     std::size_t first;
     std::size_t last;
   };
-  std::vector<Range> rangeOf;
+  std::vector<Range> rangeOf;  ///< for each of the caller's levels
 };
 
 /// Cuts `mesh` at `levels`, which may come in any order, repeat or be NaN.

@@ -1,4 +1,4 @@
-// The isoline exports: views of the handle's arrays, one pass, and result tables
+// The isoline exports: views of the handle's arrays, one pass over the triangles, and result tables
 // on the C heap.
 #include <algorithm>
 #include <cstddef>
@@ -9,11 +9,11 @@
 #include <new>
 #include <span>
 
-#include "interface/indexable.h"
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "isolines/column_major_view.h"
 #include "isolines/isolines.h"
-#include "isolines/level_set.h"
+#include "isolines/sorted_levels.h"
 #include "qelm.h"
 
 namespace {
@@ -42,16 +42,15 @@ CHeap<Record> emptyRecord(std::size_t rows, std::int64_t columns) {
   return record;
 }
 
-/// Reads a mesh's two arrays as tables of as many rows as there are vertices, each
-/// stored column by column. Neither array is laid out like that, and the number of
-/// triangles is not the number of rows: this reading, and a triangle loop over the
-/// count that qeltris() reports, are deliberate and relied upon. What differs is
-/// only that nothing beyond the triangle array's end is read.
+/// Reads a mesh's two arrays as tables stored column by column, each with as many rows as there are
+/// vertices, the number that qeltris() reports, too. Neither array is laid out like that, and the
+/// triangles are not that many: this reading and a loop over that number of triangle rows are
+/// deliberate and relied upon. Nothing beyond the end of the triangle array is read.
 qelm::IsolineInput inputOf(const MeshSystem* handle, const double* field) {
   const double* coordinates = nullptr;
   const int* indices = nullptr;
-  const auto vertexRows = static_cast<std::size_t>(qelverts(handle, &coordinates));
-  const auto triangleRows = static_cast<std::size_t>(qeltris(handle, &indices));
+  const auto vertexRows = qelm::asIndex(qelverts(handle, &coordinates));
+  const auto triangleRows = qelm::asIndex(qeltris(handle, &indices));
   const std::size_t storedIndices = handle == nullptr ? 0 : handle->triangles->size();
   return {{{coordinates, 3 * vertexRows}, vertexRows, 3},
           {{indices, storedIndices}, triangleRows, 3},
@@ -61,8 +60,8 @@ qelm::IsolineInput inputOf(const MeshSystem* handle, const double* field) {
 /// Segment i runs from point i to point i + s.
 void writeEdges(std::size_t segments, std::int32_t* edges) {
   for (std::size_t i = 0; i < segments; ++i) {
-    edges[i] = static_cast<std::int32_t>(i);
-    edges[i + segments] = static_cast<std::int32_t>(i + segments);
+    edges[i] = qelm::asInt(i);
+    edges[i + segments] = qelm::asInt(i + segments);
   }
 }
 
@@ -72,7 +71,7 @@ extern "C" void qelisoline(const MeshSystem* handle, const double* field, int nv
                            const double* vals, IsoPointMatrix** pointsOut,
                            IsoEdgeMatrix** edgesOut) {
   const qelm::IsolineInput input = inputOf(handle, field);
-  qelm::LevelSet levels({vals, static_cast<std::size_t>(std::max(nvals, 0))});
+  qelm::SortedLevels levels({vals, qelm::asIndex(std::max(nvals, 0))});
   const qelm::CrossingGroups groups = qelm::findCrossings(input, levels);
 
   const std::size_t segments = groups[0].size() + groups[1].size() + groups[2].size();

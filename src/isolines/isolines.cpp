@@ -1,14 +1,21 @@
-// What is found is fixed bit for bit by a plain rule: for every triangle row and
-// every level, place the level on each edge, p = (L - A) / (B - A), and take each
-// pair of edges that both have their p in [0, 1]. Looking at every level for every
-// row costs time, and keeping every p costs memory, so levels that cannot pass are
-// not looked at, and positions are computed again where they are needed: the same
-// operations on the same numbers give the same bits.
+// A plain rule fixes the result bit for bit: for every triangle row and every level, compute the
+// level's position on each edge, p = (L - A) / (B - A), and take each pair of edges that both have
+// p in [0, 1]:
+//
+//   values 0, 1, 4; level 1     p = 1 on edge 01, 0 on edge 12, 0.75 on edge 20
+//                               three pairs, three segments, one of them a point
+//
+// Only the levels that can pass are looked at, found by binary search (sorted_levels.h), and
+// positions are computed a second time where points are written, not stored: the same operations on
+// the same numbers give the same bits. Time proportional to the triangles, the candidates and the
+// segments.
 #include "isolines/isolines.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+#include "interface/index.h"
 
 namespace qelm {
 namespace {
@@ -19,7 +26,7 @@ using CornerValues = std::array<double, 3>;
 constexpr std::size_t next(std::size_t corner) { return corner == 2 ? 0 : corner + 1; }
 
 std::size_t vertexAt(const IsolineInput& input, std::size_t triangle, std::size_t corner) {
-  return static_cast<std::size_t>(input.triangles(triangle, corner));
+  return asIndex(input.triangles(triangle, corner));
 }
 
 CornerValues cornerValues(const IsolineInput& input, std::size_t triangle) {
@@ -27,18 +34,17 @@ CornerValues cornerValues(const IsolineInput& input, std::size_t triangle) {
           input.field[vertexAt(input, triangle, 2)]};
 }
 
-/// Where on edge k the level is reached. No guard: a difference of 0 gives an
-/// infinity, or NaN if the level equals both ends.
+/// The level's position on edge k, 0 at its first corner. A difference of 0 gives an infinity, or
+/// NaN if the level equals both ends.
 double positionOnEdge(const CornerValues& values, std::size_t k, double level) {
   const double difference = values[next(k)] - values[k];
   return (level - values[k]) / difference;
 }
 
-/// Both ends count. Infinities do not; NaN does, since the comparison is then
-/// false: the test must stay "not greater".
+/// Takes both ends, and NaN, for which the comparison is false: the test must stay "not greater".
 bool isOnEdge(double p) { return !(std::fabs(p - 0.5) > 0.5); }
 
-/// A superset of the levels that isOnEdge() takes on any edge of the row.
+/// A superset of the levels for which isOnEdge() holds on an edge of the row.
 ///
 /// Let the corners be finite and their range d_max = max - min not overflow. Then
 /// each edge has a finite d, |d| <= d_max, and with d != 0:
@@ -55,7 +61,7 @@ bool isOnEdge(double p) { return !(std::fabs(p - 0.5) > 0.5); }
 /// levels pass. So do NaN levels, for every row. Finite corners whose range overflows
 /// have such a p on one edge at least and no bound for the others; all levels are
 /// candidates there.
-std::span<const std::int32_t> candidateLevels(const CornerValues& v, LevelSet& levels) {
+std::span<const std::int32_t> candidateLevels(const CornerValues& v, SortedLevels& levels) {
   const double low = std::min({v[0], v[1], v[2]});
   const double high = std::max({v[0], v[1], v[2]});
   const double range = high - low;
@@ -77,7 +83,7 @@ void appendCrossings(const CornerValues& values, std::int32_t triangle, std::int
   if (on0 && on1) groups[2].push_back({triangle, number});
 }
 
-/// p of the far end plus 1 - p of the near one, in that order.
+/// Writes p B + (1 - p) A, added in this order.
 void writePoint(const IsolineInput& input, std::size_t triangle, std::size_t edge, double p,
                 std::size_t row, ColumnMajorView<double> points) {
   const std::size_t a = vertexAt(input, triangle, edge);
@@ -89,20 +95,20 @@ void writePoint(const IsolineInput& input, std::size_t triangle, std::size_t edg
 
 }  // namespace
 
-CrossingGroups findCrossings(const IsolineInput& input, LevelSet& levels) {
+CrossingGroups findCrossings(const IsolineInput& input, SortedLevels& levels) {
   CrossingGroups groups;
   if (levels.all().empty()) return groups;
   const std::size_t rows = input.triangles.wholeRows();
   for (std::size_t t = 0; t < rows; ++t) {
     const CornerValues values = cornerValues(input, t);
     for (const std::int32_t j : candidateLevels(values, levels)) {
-      appendCrossings(values, static_cast<std::int32_t>(t), j, levels[j], groups);
+      appendCrossings(values, asInt(t), j, levels[j], groups);
     }
   }
   return groups;
 }
 
-void writeSegmentEnds(const IsolineInput& input, const LevelSet& levels,
+void writeSegmentEnds(const IsolineInput& input, const SortedLevels& levels,
                       const CrossingGroups& groups, ColumnMajorView<double> points) {
   const std::size_t segments = points.rows() / 2;
   std::size_t i = 0;
@@ -110,7 +116,7 @@ void writeSegmentEnds(const IsolineInput& input, const LevelSet& levels,
     const std::size_t firstEdge = next(g);
     const std::size_t secondEdge = next(firstEdge);
     for (const Crossing& crossing : groups[g]) {
-      const auto t = static_cast<std::size_t>(crossing.triangle);
+      const auto t = asIndex(crossing.triangle);
       const CornerValues values = cornerValues(input, t);
       const double level = levels[crossing.level];
       writePoint(input, t, firstEdge, positionOnEdge(values, firstEdge, level), i, points);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "interface/compiler.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 #include "mesh/ranks.h"
 
 namespace qelm {

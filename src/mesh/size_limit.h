@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "factor/symbolic.h"
+#include "factor/cost.h"
 #include "interface/mesh_system.h"
 #include "mesh/numbering.h"
 #include "qelm.h"

@@ -25,9 +25,9 @@
 #include <span>
 #include <vector>
 
-namespace qelm {
+#include "interface/index.h"
 
-inline std::size_t asIndex(std::int32_t number) { return static_cast<std::size_t>(number); }
+namespace qelm {
 
 /// Half-edge 3 f + k of face f leads from its k-th corner to the next one. Faces 0 .. m-1
 /// are the triangles' fronts, m .. 2m-1 (with two sheets) their backs, which run through
@@ -45,9 +45,7 @@ struct DoubleCover {
 
   std::size_t size() const { return twin.size(); }
   /// Half-edges of the triangles' fronts, which come first.
-  HalfEdge fronts() const {
-    return static_cast<HalfEdge>(size() / static_cast<std::size_t>(sheets));
-  }
+  HalfEdge fronts() const { return static_cast<HalfEdge>(size() / asIndex(sheets)); }
   /// On two sheets, before any flip: the same side of a triangle on its back.
   HalfEdge back(HalfEdge front) const { return fronts() + 3 * (front / 3) + 2 - front % 3; }
   static HalfEdge next(HalfEdge h) { return h % 3 == 2 ? h - 2 : h + 1; }

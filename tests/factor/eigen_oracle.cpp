@@ -91,7 +91,7 @@ std::string differenceFromEigen(const Sparse& matrix) {
     if (!found.empty()) return found;
   }
   const factor::PanelKernel& fastest = factor::panelKernels().front();
-  for (const int smallSubtree : {5, factor::kMostColumns}) {
+  for (const int smallSubtree : {5, factor::kMostSubtreeColumns}) {
     const std::string found =
         compare({fastest, 0, smallSubtree}, ", subtrees of " + std::to_string(smallSubtree) + ": ");
     if (!found.empty()) return found;

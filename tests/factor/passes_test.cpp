@@ -14,13 +14,13 @@
 namespace qelm::test {
 namespace {
 
+using factor::Descendant;
 using factor::FactorArrays;
 using factor::Panel;
 using factor::Passes;
 using factor::RowPaths;
-using factor::Source;
 using factor::Supernodes;
-using factor::Visit;
+using factor::Update;
 
 /// Everything up to the numeric phase, for a matrix whose entries come in a random order.
 struct Symbolic {
@@ -28,19 +28,21 @@ struct Symbolic {
       : upper(upperTriangle),
         tree(factor::eliminationTree(upper)),
         supernodes(factor::fundamentalSupernodes(tree, widest)),
-        starts(static_cast<std::size_t>(upper.cols()) + 1) {
-    std::partial_sum(tree.counts.begin(), tree.counts.end(), starts.begin() + 1);
-    rows.resize(static_cast<std::size_t>(starts.back()));
-    values.resize(rows.size());
+        columnPointers(static_cast<std::size_t>(upper.cols()) + 1) {
+    std::partial_sum(tree.counts.begin(), tree.counts.end(), columnPointers.begin() + 1);
+    rowIndices.resize(static_cast<std::size_t>(columnPointers.back()));
+    values.resize(rowIndices.size());
     diagonal.resize(static_cast<std::size_t>(upper.cols()));
   }
-  FactorArrays arrays() { return {starts.data(), rows.data(), values.data(), diagonal.data()}; }
+  FactorArrays arrays() {
+    return {columnPointers.data(), rowIndices.data(), values.data(), diagonal.data()};
+  }
 
   Sparse upper;
   factor::EliminationTree tree;
   Supernodes supernodes;
-  std::vector<int> starts;
-  std::vector<int> rows;
+  std::vector<int> columnPointers;
+  std::vector<int> rowIndices;
   std::vector<double> values;
   std::vector<double> diagonal;
 };
@@ -82,28 +84,28 @@ std::vector<int> rowInOrder(const Sparse& upper, const Eigen::VectorXi& parent, 
   return pattern;
 }
 
-/// Visits every target's sources and gathers, for each target and row, the columns that come.
+/// Visits every target's descendants and gathers, for each target and row, the columns that come.
 std::map<std::pair<int, int>, std::vector<int>> columnsByTargetAndRow(Symbolic& s,
                                                                       const RowPaths& paths) {
   std::map<std::pair<int, int>, std::vector<int>> found;
   Passes passes(paths, static_cast<std::size_t>(s.upper.cols()));
   for (int target = 0; target < s.supernodes.count(); ++target) {
-    std::vector<Source> sources;
+    std::vector<Descendant> descendants;
     for (int k = 0; k < target; ++k) {
       const Panel panel(s.arrays(), s.supernodes, k);
-      const auto* const begin = panel.rows;
-      const auto* const end = begin + panel.tailSize;
-      const auto first = std::lower_bound(begin, end, s.supernodes.starts[target]) - begin;
-      const auto past = std::lower_bound(begin, end, s.supernodes.starts[target + 1]) - begin;
+      const auto* const begin = panel.rowIndices;
+      const auto* const end = begin + panel.belowCount;
+      const auto first = std::lower_bound(begin, end, s.supernodes.firstColumn(target)) - begin;
+      const auto past = std::lower_bound(begin, end, s.supernodes.pastColumn(target)) - begin;
       if (first < past) {
-        sources.push_back({k, panel, static_cast<int>(first), static_cast<int>(past)});
+        descendants.push_back({k, panel, static_cast<int>(first), static_cast<int>(past)});
       }
     }
-    passes.visitAll(sources, [&](const Visit& visit) {
-      const Panel& panel = sources[visit.source].panel;
-      for (const int p : visit.rows) {
-        for (int k = visit.begin; k < visit.end; ++k) {
-          found[{target, panel.rows[p]}].push_back(panel.first + k);
+    passes.forEachUpdate(descendants, [&](const Update& update) {
+      const Panel& panel = descendants[update.descendant].panel;
+      for (const int p : update.positions) {
+        for (int k = update.beginColumn; k < update.endColumn; ++k) {
+          found[{target, panel.rowIndices[p]}].push_back(panel.firstColumn + k);
         }
       }
     });
@@ -122,11 +124,11 @@ void expectOrderOfEigen(int n, const Edges& edges, Random& random, int widest) {
     for (const int j : rowInOrder(s.upper, s.tree.parent, row)) {
       // The row's columns with an entry in the target's columns.
       const Panel panel(s.arrays(), s.supernodes, s.supernodes.ofColumn[j]);
-      const int* const begin = panel.rows;
-      const int* const end = begin + panel.tailSize;
-      const int* const first = std::lower_bound(begin, end, s.supernodes.starts[target]);
+      const int* const begin = panel.rowIndices;
+      const int* const end = begin + panel.belowCount;
+      const int* const first = std::lower_bound(begin, end, s.supernodes.firstColumn(target));
       if (s.supernodes.ofColumn[j] < target && first != end &&
-          *first < s.supernodes.starts[target + 1]) {
+          *first < s.supernodes.pastColumn(target)) {
         expected.push_back(j);
       }
     }
@@ -159,12 +161,12 @@ TEST(RowPaths, SplitASupernodeWhereAPathFoundBetweenTwoPartsNeedsIt) {
   Symbolic s(upper, 128);
   ASSERT_EQ(s.supernodes.ofColumn[0], s.supernodes.ofColumn[2]);
   const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
-  EXPECT_EQ(paths.ofTail(0)[1], RowPaths::kSplit);
+  EXPECT_EQ(paths.ofSupernode(0)[1], RowPaths::kSplit);
   const auto parts = paths.partsOf(0, 5);
   ASSERT_EQ(parts.size(), 2u);
-  EXPECT_EQ(parts[0].begin, 0);
+  EXPECT_EQ(parts[0].beginColumn, 0);
   EXPECT_EQ(parts[0].path, 2);
-  EXPECT_EQ(parts[1].begin, 2);
+  EXPECT_EQ(parts[1].beginColumn, 2);
   EXPECT_EQ(parts[1].path, 0);
   const auto found = columnsByTargetAndRow(s, paths);
   const int target = s.supernodes.ofColumn[4];

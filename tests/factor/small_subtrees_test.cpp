@@ -22,7 +22,7 @@ std::vector<int> membersOf(const SmallSubtrees& subtrees, int root) {
 
 /// The supernode that the last column's parent is in; kNone for a root.
 int parentOf(const factor::EliminationTree& tree, const Supernodes& supernodes, int s) {
-  const int column = tree.parent[supernodes.starts[s + 1] - 1];
+  const int column = tree.parent[supernodes.lastColumn(s)];
   return column == factor::kNoColumn ? SmallSubtrees::kNone : supernodes.ofColumn[column];
 }
 

@@ -9,7 +9,7 @@
 
 #include "factor/matrices.h"
 #include "factor/supernodes.h"
-#include "interface/indexable.h"
+#include "interface/index.h"
 #include "support/random.h"
 
 namespace qelm::test {

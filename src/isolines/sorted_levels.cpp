@@ -1,12 +1,14 @@
-#include "isolines/level_set.h"
+#include "isolines/sorted_levels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
+#include "interface/index.h"
+
 namespace qelm {
 
-LevelSet::LevelSet(std::span<const double> levels)
+SortedLevels::SortedLevels(std::span<const double> levels)
     : levels_(levels.begin(), levels.end()), all_(levels.size()) {
   std::iota(all_.begin(), all_.end(), 0);
   for (const std::int32_t j : all_) (std::isnan((*this)[j]) ? nans_ : sortedIds_).push_back(j);
@@ -19,14 +21,13 @@ LevelSet::LevelSet(std::span<const double> levels)
   found_.reserve(levels.size());
 }
 
-std::span<const std::int32_t> LevelSet::within(double low, double high) {
+std::span<const std::int32_t> SortedLevels::within(double low, double high) {
   // Most triangles lie between two levels, or beyond them all.
   if (sorted_.empty() || high < sorted_.front() || low > sorted_.back()) return nans_;
   const auto first = std::lower_bound(sorted_.begin(), sorted_.end(), low);
   const auto last = std::upper_bound(first, sorted_.end(), high);
   if (first == last) return nans_;
-  const std::span ids(sortedIds_.data() + (first - sorted_.begin()),
-                      static_cast<std::size_t>(last - first));
+  const std::span ids(sortedIds_.data() + (first - sorted_.begin()), asIndex(last - first));
   if (idsAscend_ && nans_.empty()) return ids;
   found_.assign(ids.begin(), ids.end());
   found_.insert(found_.end(), nans_.begin(), nans_.end());
