@@ -1,148 +1,171 @@
 #!/usr/bin/python3
-"""Reads and writes mesh files with the tool's readers, meshio and VTK, and prints ratios.
+"""Reads and writes mesh files with the tool and with peers; prints a section of Markdown.
 
-usage: bench/mesh_files.py [TRIANGLES [RUNS]]
+usage: mesh_files.py PROGRAM RESULTS [TRIANGLES [RUNS [REGEX]]]
 
-Builds build/bench/bin/mesh_files_bench, writes one grid of TRIANGLES (a million) in every format,
-and measures the processor time of reading each file into memory and of writing it, medians over
-RUNS (3), the programs in turn. Peers write to memory (/dev/shm), the tool to nowhere. STL is read
-as it stands, without welding. Run it with taskset on one core; ratios below 1 mean that the tool is
-faster. "-" is what a peer does not have.
+PROGRAM is mesh_files_bench. One surface of TRIANGLES (a million) is read from a file of every
+format and written into every format, by the tool and by each peer that knows it, in turn, RUNS
+(5) times. Times stay in RESULTS, a JSON file; REGEX measures some files alone, "^read text", and
+the section has all. What counts is the processor time from the call until the mesh is in memory,
+or the file is in a folder in memory (/dev/shm): not the start of a process, of Python or of its
+modules. Peers are called in one Python process; VTK, assimp and most of what meshio and numpy do is
+compiled code there. Both processes keep the memory that they free, so that nobody pays for fresh
+pages; the tool's, which is a new one each time, does all twice and counts the second time.
 """
 
+import json
+import os
 import pathlib
+import re
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
 
-import meshio
-import numpy
-from vtkmodules.util.numpy_support import numpy_to_vtk
-from vtkmodules.vtkCommonCore import vtkPoints
-from vtkmodules.vtkCommonDataModel import vtkCellArray, vtkPolyData
-from vtkmodules.vtkIOGeometry import vtkOBJReader, vtkOBJWriter, vtkSTLReader, vtkSTLWriter
-from vtkmodules.vtkIOLegacy import vtkPolyDataReader, vtkPolyDataWriter
-from vtkmodules.vtkIOPLY import vtkPLYReader, vtkPLYWriter
-from vtkmodules.vtkIOXML import vtkXMLPolyDataReader, vtkXMLPolyDataWriter, vtkXMLUnstructuredGridReader
+os.environ.setdefault("VTK_SMP_BACKEND_IN_USE", "Sequential")
+# glibc's, of this process and of those that it starts.
+KEEPING_MEMORY = {"MALLOC_MMAP_MAX_": "0", "MALLOC_TRIM_THRESHOLD_": str(2**40)}
+if any(name not in os.environ for name in KEEPING_MEMORY):
+    os.execve(sys.executable, [sys.executable, *sys.argv], {**os.environ, **KEEPING_MEMORY})
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "peers"))
 
-ROOT = pathlib.Path(__file__).resolve().parents[1]
-BUILD = ROOT / "build" / "bench"
-PROGRAM = BUILD / "bin" / "mesh_files_bench"
+import mesh_formats  # noqa: E402
+
+PEERS = ["meshio", "VTK", "assimp", "ezdxf", "numpy"]
 
 
-def grid(triangles):
-    side = round((triangles / 2) ** 0.5)
-    x, y = numpy.meshgrid(numpy.arange(side + 1.0), numpy.arange(side + 1.0))
-    points = numpy.stack([x.ravel() / 3, y.ravel() / 7, numpy.sin(x.ravel()) * numpy.cos(y.ravel())], axis=1)
-    a = (numpy.arange(side)[:, None] * (side + 1) + numpy.arange(side)).ravel()
-    faces = numpy.concatenate([[a, a + 1, a + side + 2], [a, a + side + 2, a + side + 1]], axis=1).T
-    return points, faces
+def milliseconds(call, *arguments):
+    start = time.process_time()
+    result = call(*arguments)
+    passed = 1e3 * (time.process_time() - start)
+    del result
+    return passed
 
 
-def vtk_mesh(points, faces):
-    data, places, cells = vtkPolyData(), vtkPoints(), vtkCellArray()
-    places.SetData(numpy_to_vtk(points, deep=True))
-    counted = numpy.hstack([numpy.full((len(faces), 1), 3), faces]).astype(numpy.int64)
-    from vtkmodules.util.numpy_support import numpy_to_vtkIdTypeArray
+class Bench:
+    def __init__(self, program, folder, triangles, runs):
+        self.program, self.folder, self.runs = program, folder, runs
+        self.surface = mesh_formats.Surface(triangles)
+        self.source = folder / "source.ply"
+        self.surface.meshio(field=True).write(self.source)
 
-    cells.SetCells(len(faces), numpy_to_vtkIdTypeArray(counted.ravel(), deep=True))
-    data.SetPoints(places)
-    data.SetPolys(cells)
-    return data
+    def qelm(self, *words):
+        done = subprocess.run([self.program, *map(str, words)], capture_output=True, text=True, check=True)
+        time_passed, triangles = done.stdout.split()
+        assert int(triangles) == len(self.surface.faces), words
+        return float(time_passed)
+
+    def writes(self, name):
+        """Under the name that says what it is, then moved."""
+
+        def write(path):
+            written = self.folder / "own" / name
+            written.parent.mkdir(exist_ok=True)
+            self.qelm("write", self.source, written)
+            written.rename(path)
+
+        return write
+
+    def in_turn(self, contenders):
+        times = {name: [] for name in contenders}
+        for _ in range(self.runs):
+            for name, call in contenders.items():
+                times[name].append(call())
+        return times
+
+    def reading(self, name, make, peers):
+        path = self.folder / name
+        make(path)
+        contenders = {"qelm": lambda: self.qelm("read", path)}
+        for peer, read in peers.items():
+            contenders[peer] = lambda read=read: milliseconds(read, path)
+        times = self.in_turn(contenders)
+        path.unlink()
+        return times
+
+    def writing(self, name, peers):
+        own, other = self.folder / name, self.folder / "other" / name
+        other.parent.mkdir(exist_ok=True)
+        contenders = {"qelm": lambda: self.qelm("write", self.source, own)}
+        for peer, write in peers.items():
+            contenders[peer] = lambda write=write: milliseconds(write, other)
+        times = self.in_turn(contenders)
+        own.unlink()
+        other.unlink(missing_ok=True)
+        return times
+
+    def run(self, wanted):
+        """{"read NAME" or "write NAME": {contender: milliseconds}} for each that is wanted."""
+        for name, (make, peers) in mesh_formats.readings(self.surface, self.writes).items():
+            if wanted.search(f"read {name}"):
+                yield f"read {name}", self.reading(name, make, peers)
+        curves, mesh = self.folder / "source-curves.vtp", self.folder / "source-mesh.ply"
+        self.writes("curves.vtp")(curves)
+        self.writes("mesh.ply")(mesh)
+        for name, peers in mesh_formats.writings(self.surface, curves, mesh).items():
+            if wanted.search(f"write {name}"):
+                yield f"write {name}", self.writing(name, peers)
 
 
-def vtk_write(writer, data, path, **settings):
-    writer.SetFileName(str(path))
-    writer.SetInputData(data)
-    for key, value in settings.items():
-        getattr(writer, f"Set{key}")(value)
-    writer.Write()
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|" + "|".join([" --- "] + [" --: "] * (len(head) - 1)) + "|"]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
 
 
-def vtk_read(reader, path):
-    reader.SetFileName(str(path))
-    reader.Update()
+def digits(x):
+    return f"{x:.0f}" if x >= 10 else f"{x:.1f}" if x >= 1 else f"{x:.2f}" if x >= 0.1 else f"{x:.3f}"
 
 
-def cases(mesh, data):
-    """name: (meshio's writer, VTK's writer, VTK's reader); the first writer makes the file."""
-    def by_meshio(**settings):
-        return lambda path: mesh.write(path, **settings)
-
-    def by_vtk(kind, **settings):
-        return lambda path: vtk_write(kind(), data, path, **settings)
-
-    appended = {"DataMode": 2, "EncodeAppendedData": 0}
-    return {
-        "text.obj": (by_meshio(), by_vtk(vtkOBJWriter), vtkOBJReader),
-        "text.off": (by_meshio(), None, None),
-        "binary.ply": (by_meshio(), by_vtk(vtkPLYWriter), vtkPLYReader),
-        "binary.stl": (by_meshio(binary=True), by_vtk(vtkSTLWriter, FileType=2), vtkSTLReader),
-        "text.vtk": (by_meshio(binary=False), by_vtk(vtkPolyDataWriter, FileType=1), None),
-        "binary.vtk": (None, by_vtk(vtkPolyDataWriter, FileType=2), vtkPolyDataReader),
-        "appended.vtp": (None, by_vtk(vtkXMLPolyDataWriter, Compressor=None, **appended), vtkXMLPolyDataReader),
-        "zlib.vtp": (None, by_vtk(vtkXMLPolyDataWriter, **appended), vtkXMLPolyDataReader),
-        "base64.vtp": (None, by_vtk(vtkXMLPolyDataWriter, DataMode=1, Compressor=None), vtkXMLPolyDataReader),
-        "text.vtp": (None, by_vtk(vtkXMLPolyDataWriter, DataMode=0), vtkXMLPolyDataReader),
-        "zlib.vtu": (by_meshio(), None, vtkXMLUnstructuredGridReader),
-        "text.msh": (by_meshio(file_format="gmsh", binary=False), None, None),
-        "binary.msh": (by_meshio(file_format="gmsh", binary=True), None, None),
-        "binary22.msh": (by_meshio(file_format="gmsh22", binary=True), None, None),
-    }  # fmt: skip
+def rows(results, kind):
+    for name, times in results.items():
+        if not name.startswith(kind):
+            continue
+        own = statistics.median(times["qelm"])
+        row = [f"`{name.removeprefix(kind)}`", digits(own)]
+        yield row + [digits(own / statistics.median(times[peer])) if times.get(peer) else "–" for peer in PEERS]
 
 
-def milliseconds(action):
-    begin = time.process_time()
-    action()
-    return 1e3 * (time.process_time() - begin)
+def section(results, triangles):
+    head = ["ms", *(f"/ {peer}" for peer in PEERS)]
 
+    def part(kind):
+        found = list(rows(results, kind))
+        used = [0, 1, *(k for k in range(2, len(head) + 1) if any(row[k] != "–" for row in found))]
+        return table([["", *head][k] for k in used], [[row[k] for k in used] for row in found])
 
-def ours(path):
-    _, read, write, _ = subprocess.run([PROGRAM, "1", path], capture_output=True, text=True, check=True).stdout.split()
-    return float(read), float(write)
+    return f"""## Mesh files
 
+Processor time of the tool's readers and writers on {triangles:,} triangles, and its ratio to that of peers; below 1 the
+tool is faster. Reading begins with the file and ends with triangles in memory, writing ends with the file in a folder
+in memory. Both sides take the same file, or write the same mesh; VTK's readers of OBJ, PLY and STL keep
+single precision, and its writers and assimp's write it. No process's start counts. A dash: the peer does not know the
+format, or there is none.
 
-def ratio(mine, other):
-    if not other or mine < 0:
-        return "-"
-    return f"{mine / statistics.median(other):.2f}"
+Reading:
+
+{part("read ")}
+
+Writing: the mesh, its heat map, its gradients, a hundred level curves, its field.
+
+{part("write ")}
+"""
 
 
 def main():
-    triangles = int(sys.argv[1]) if len(sys.argv) > 1 else 1_000_000
-    runs = int(sys.argv[2]) if len(sys.argv) > 2 else 3
-    if not PROGRAM.exists():
-        subprocess.run(["cmake", "--preset", "linux-release", "-B", BUILD, "-DQELM_BUILD_BENCHMARKS=ON",
-                        "-DQELM_BUILD_TESTS=OFF", "-DQELM_BUILD_CSHARP=OFF"], cwd=ROOT, check=True)  # fmt: skip
-        subprocess.run(["cmake", "--build", BUILD, "--target", "mesh_files_bench"], cwd=ROOT, check=True)
-    points, faces = grid(triangles)
-    mesh, data = meshio.Mesh(points, [("triangle", faces)]), vtk_mesh(points, faces)
-    print("| | read, ms | / meshio | / VTK | write, ms | / meshio | / VTK |\n| --- | --: | --: | --: | --: | --: | --: |")
+    program, kept = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2])
+    triangles = int(sys.argv[3]) if len(sys.argv) > 3 else 1_000_000
+    runs = int(sys.argv[4]) if len(sys.argv) > 4 else 5
+    wanted = re.compile(sys.argv[5] if len(sys.argv) > 5 else "")
+    results = json.loads(kept.read_text()) if kept.exists() else {}
     with tempfile.TemporaryDirectory(dir="/dev/shm") as folder:
-        for name, (by_meshio, by_vtk, reader) in cases(mesh, data).items():
-            path, other = pathlib.Path(folder) / name, pathlib.Path(folder) / ("other-" + name)
-            (by_meshio or by_vtk)(path)
-            times = {key: [] for key in ("read", "write", "meshio r", "meshio w", "vtk r", "vtk w")}
-            for _ in range(runs):
-                read, write = ours(path)
-                times["read"].append(read)
-                times["write"].append(write)
-                if by_meshio:
-                    times["meshio r"].append(milliseconds(lambda: meshio.read(path)))
-                    times["meshio w"].append(milliseconds(lambda: by_meshio(other)))
-                if reader:
-                    times["vtk r"].append(milliseconds(lambda: vtk_read(reader(), path)))
-                if by_vtk:
-                    times["vtk w"].append(milliseconds(lambda: by_vtk(other)))
-            read, write = statistics.median(times["read"]), statistics.median(times["write"])
-            is_plain = name in ("text.obj", "text.off", "binary.ply", "binary.stl", "appended.vtp")
-            row = [name, f"{read:.0f}", ratio(read, times["meshio r"]), ratio(read, times["vtk r"])]
-            row += [f"{write:.0f}" if is_plain else "-", *(ratio(write, times[k]) if is_plain else "-" for k in ("meshio w", "vtk w"))]
-            print("| " + " | ".join(row) + " |", flush=True)
-            path.unlink()
-            other.unlink(missing_ok=True)
+        bench = Bench(program, pathlib.Path(folder), triangles, runs)
+        count = len(bench.surface.faces)
+        for name, times in bench.run(wanted):
+            results[name] = times
+            print(name, {peer: round(statistics.median(all_times)) for peer, all_times in times.items()}, file=sys.stderr, flush=True)
+            kept.write_text(json.dumps(results, indent=1))
+    print(section(results, count))
 
 
 if __name__ == "__main__":

@@ -11,24 +11,6 @@ target_include_directories(qelm_fmt SYSTEM PUBLIC
   $<TARGET_PROPERTY:fmt::fmt-header-only,INTERFACE_INCLUDE_DIRECTORIES>)
 target_compile_features(qelm_fmt PUBLIC cxx_std_20)
 
-# CGAL's readers need headers only: no CGAL library, no GMP. Its own package
-# would look for those.
-find_path(QELM_CGAL_FOLDER CGAL/IO/OBJ.h PATHS /usr/include
-  NO_CMAKE_FIND_ROOT_PATH REQUIRED)
-add_library(qelm_cgal_readers INTERFACE)
-target_compile_definitions(qelm_cgal_readers INTERFACE CGAL_DISABLE_GMP CGAL_HAS_NO_MPZF
-  # It would end the program at its start where rounding cannot be switched, as under
-  # Valgrind. The readers do no interval arithmetic, which is what needs that.
-  CGAL_DISABLE_ROUNDING_MATH_CHECK)
-if(CMAKE_CROSSCOMPILING)
-  find_path(QELM_BOOST_FOLDER boost/config.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
-  qelm_link_to_headers("${QELM_CGAL_FOLDER}" CGAL)
-  qelm_link_to_headers("${QELM_BOOST_FOLDER}" boost)
-  target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${qelm_host_headers}")
-else()
-  target_include_directories(qelm_cgal_readers SYSTEM INTERFACE "${QELM_CGAL_FOLDER}")
-endif()
-
 qelm_header_only(nlohmann_json::nlohmann_json nlohmann_json 3.9 nlohmann)
 
 # zlib, as a static library: no package needs another one for it.
@@ -85,7 +67,7 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_reader.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/mesh_writer.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/msh_data.cpp"
-  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_text.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/obj_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/off_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_data.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh_files/ply_header.cpp"
@@ -100,7 +82,7 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/terminal/console.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/text/text.cpp")
 target_include_directories(qelm_tool_readers PUBLIC "${PROJECT_SOURCE_DIR}/tools/qelm")
-target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_cgal_readers qelm_fmt qelm_zlib)
+target_link_libraries(qelm_tool_readers PUBLIC qelm_build_flags qelm_fmt qelm_zlib)
 # JSON, for glTF.
 target_link_libraries(qelm_tool_readers PUBLIC nlohmann_json::nlohmann_json)
 # Its headers, for the vertices along a curve.

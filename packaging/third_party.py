@@ -34,12 +34,6 @@ SOFTWARE = [
              {"MPL-2.0.txt": COMMON / "MPL-2.0", "eigen.txt": debian("libeigen3-dev")}),
     Software("libnanoflann-dev", "nanoflann", "https://github.com/jlblancoc/nanoflann",
              "BSD-2-Clause", {"nanoflann.txt": debian("libnanoflann-dev")}),
-    Software("libcgal-dev", "CGAL, the readers of mesh files", "https://www.cgal.org",
-             "LGPL-3.0-or-later",
-             {"LGPL-3.txt": COMMON / "LGPL-3", "GPL-3.txt": COMMON / "GPL-3",
-              "cgal.txt": debian("libcgal-dev")}),
-    Software(r"libboost[\d.]+-dev", "Boost", "https://www.boost.org", "BSL-1.0",
-             {"boost.txt": ROOT / "packaging/licenses/BSL-1.0.txt"}),
     Software("libcli11-dev", "CLI11", "https://github.com/CLIUtils/CLI11", "BSD-3-Clause",
              {"cli11.txt": debian("libcli11-dev")}),
     Software("libfmt-dev", "fmt", "https://fmt.dev", "MIT", {"fmt.txt": debian("libfmt-dev")}),
@@ -72,14 +66,6 @@ of all licences are in this folder.
 CLOSING = """
 All of it is used unchanged, but for the colour ramps, whose text says what was changed, and its source code is at the addresses above. The GCC Runtime Library
 Exception lets programs that contain GCC's libraries be passed on under any terms.
-"""
-LGPL = """
-`{file}` contains readers of mesh files of CGAL, the Computational Geometry Algorithms Library.
-CGAL and its use are covered by the GNU Lesser General Public License, version 3 or later, which is
-here with the GNU General Public License. You may change CGAL and build `{file}` again with it, and
-may take `{file}` apart to debug such changes. Everything for that is in `{archive}`,
-offered beside this package: the complete source of qelm, CGAL's headers as they were compiled in,
-and `RELINKING.md`, which says how.
 """
 
 
@@ -169,7 +155,6 @@ class Contents(NamedTuple):
     """What one compiled file contains."""
     file: str
     software: list  # of (Software, version)
-    packages: dict
 
 
 def contents_of(file, tree, artefact, sources, link_map, root):
@@ -183,10 +168,10 @@ def contents_of(file, tree, artefact, sources, link_map, root):
     for known in software_of(packages):
         first = sorted(name for name in packages if re.fullmatch(known.packages, name))[0]
         software.append((known, _version(first)))
-    return Contents(file, software, packages)
+    return Contents(file, software)
 
 
-def notices(contents, archive):
+def notices(contents):
     """THIRD-PARTY.md and the licence texts for a package of compiled files: {name: bytes}."""
     rows, texts = {}, {}
     for content in contents:
@@ -199,9 +184,6 @@ def notices(contents, archive):
         for (_, version), (software, files) in rows.items()
     ]
     document = INTRODUCTION + "".join(lines) + CLOSING
-    for content in contents:
-        if "libcgal-dev" in content.packages:
-            document += LGPL.format(file=content.file, archive=archive)
     entries = {name: path.read_bytes() for name, path in texts.items()}
     entries["THIRD-PARTY.md"] = document.encode()
     return entries

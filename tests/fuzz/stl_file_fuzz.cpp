@@ -1,5 +1,6 @@
 // STL files, text and binary, beside a plain reading of the facets' corners.
 #include <cstring>
+#include <sstream>
 
 #include "fuzz/mesh_file_fuzz.h"
 #include "fuzz/tool_checks.h"
@@ -10,14 +11,22 @@ namespace {
 
 using qelm::fuzz::require;
 
-std::vector<qelm::tool::Point> textCorners(const std::string& plain) {
+/// With the standard library's streams.
+std::vector<qelm::tool::Point> textCorners(const std::string& bytes) {
   std::vector<qelm::tool::Point> corners;
-  qelm::tool::LineReader lines(plain);
+  qelm::tool::LineReader lines(bytes);
   while (lines.next()) {
-    const std::vector<std::string_view> words = qelm::tool::splitAtBlanks(lines.line());
-    if (words[0] != "vertex") continue;
-    corners.emplace_back();
-    for (std::size_t k = 0; k < 3; ++k) corners.back()[k] = *qelm::tool::parseDouble(words[k + 1]);
+    std::istringstream words{std::string(lines.line())};
+    for (std::string word; words >> word;) {
+      word = qelm::tool::lowerCase(word);
+      if (word == "solid" || word == "endsolid") break;
+      if (word != "vertex") continue;
+      corners.emplace_back();
+      for (double& coordinate : corners.back()) {
+        words >> word;
+        coordinate = std::strtod(word.c_str(), nullptr);
+      }
+    }
   }
   return corners;
 }
@@ -43,8 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!qelm::fuzz::readsAs("a.stl", bytes, soup)) return 0;
   qelm::fuzz::requireFinite(soup);
   const std::vector<qelm::tool::Point> corners =
-      qelm::tool::isBinaryStl(bytes) ? binaryCorners(bytes)
-                                     : textCorners(qelm::tool::plainStl(bytes, "a.stl"));
+      qelm::tool::isBinaryStl(bytes) ? binaryCorners(bytes) : textCorners(bytes);
   require(3 * soup.faces.size() == corners.size(), "every facet is there");
   // Equal, not the same bits: corners at 0 and -0 are one point.
   for (std::size_t k = 0; k < corners.size(); ++k)

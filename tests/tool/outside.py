@@ -1,5 +1,7 @@
 """Mesh files written, and read, by programs that are not ours: VTK, meshio, ezdxf, assimp."""
 
+from types import SimpleNamespace
+
 import numpy
 from vtkmodules.util.numpy_support import numpy_to_vtk, vtk_to_numpy
 from vtkmodules.vtkCommonCore import VTK_DOUBLE, vtkIdTypeArray, vtkPoints
@@ -68,14 +70,32 @@ def write_vtk(path, data, **settings):
     assert writer.Write() == 1
 
 
-def read_vtk(path):
-    """(points, cells as tuples, {name: values}) of a .vtp or .vtu, cells of one kind alone."""
+def vtk_output(path):
     name = str(path)
     reader = vtkXMLPolyDataReader() if name.endswith(".vtp") else vtkXMLUnstructuredGridReader()
     reader.SetFileName(name)
     reader.Update()
-    data = reader.GetOutput()
-    assert data.GetNumberOfPoints() > 0, name
+    assert reader.GetOutput().GetNumberOfPoints() > 0, name
+    return reader.GetOutput()
+
+
+def arrays_of(part):
+    return {part.GetArrayName(k): vtk_to_numpy(part.GetArray(k)) for k in range(part.GetNumberOfArrays())}
+
+
+def read_vtk_data(path):
+    """Of a .vtp or .vtu: .points and .cells, {name: values}; .active, the names of the points' scalars
+    and vectors, then the cells', that VTK shows at first."""
+    data = vtk_output(path)
+    points, cells = data.GetPointData(), data.GetCellData()
+    active = [array and array.GetName() for part in (points, cells) for array in (part.GetScalars(), part.GetVectors())]
+    return SimpleNamespace(points=arrays_of(points), cells=arrays_of(cells), active=tuple(active))
+
+
+def read_vtk(path):
+    """(points, cells as tuples, {name: values}) of a .vtp or .vtu, cells of one kind alone."""
+    name = str(path)
+    data = vtk_output(path)
     if name.endswith(".vtp"):
         cells = data.GetPolys() if data.GetNumberOfPolys() else data.GetLines()
     else:
@@ -83,8 +103,5 @@ def read_vtk(path):
     ends = vtk_to_numpy(cells.GetOffsetsArray())
     corners = vtk_to_numpy(cells.GetConnectivityArray())
     faces = [tuple(map(int, corners[a:b])) for a, b in zip(ends, ends[1:])]
-    arrays = {}
-    for part in (data.GetPointData(), data.GetCellData()):
-        for k in range(part.GetNumberOfArrays()):
-            arrays[part.GetArrayName(k)] = vtk_to_numpy(part.GetArray(k))
+    arrays = {**arrays_of(data.GetPointData()), **arrays_of(data.GetCellData())}
     return vtk_to_numpy(data.GetPoints().GetData()), faces, arrays

@@ -83,6 +83,13 @@ def test_the_scale_tells_levels_and_range(draw):
     assert picture.texts("labels") == ["0.25", "0.25", "0.5", "0.5", "0.75", "0.75"]
 
 
+def test_the_scales_ends_are_written_out(draw):
+    for value in ("100", "-25000"):
+        fix = ["--fix", "box:0,0,0,0,9,0=0", "--fix", f"box:4,0,0,4,9,0={value}"]
+        texts = draw(shapes.grid(4, 3), fix, "--levels", "1").texts("scale")
+        assert f"max {value}" in texts or f"min {value}" in texts
+
+
 def test_the_scale_tells_the_ends_of_a_narrow_range_apart(draw):
     fix = ["--fix", "box:0,0,0,0,9,0=1000000.125", "--fix", "box:4,0,0,4,9,0=1000000.25"]
     texts = draw(shapes.grid(4, 3), fix, "--levels", "1").texts("scale")

@@ -148,6 +148,53 @@ def test_ply_has_it_as_properties_of_faces_or_vertices(qelm):
     qelm.ok("curves", "g.ply", "--field", "g.ply", "-o", "c.csv")
 
 
+@pytest.mark.parametrize("ending", [".vtp", ".vtu"])
+def test_vtk_has_the_vectors_of_triangles_and_of_vertices(qelm, ending):
+    pytest.importorskip("vtkmodules")
+    import outside
+
+    points, faces = random_mesh(SEED)
+    linear(qelm, (points, faces))
+    for per in ("triangle", "vertex"):
+        qelm.ok("gradient", "mesh.obj", "--field", "f.npy", "--per", per, "-o", f"{per}.npy")
+    qelm.ok("gradient", "mesh.obj", "--field", "f.npy", "-o", "g" + ending)
+    triangles, vertices = np.load(qelm.folder / "triangle.npy"), np.load(qelm.folder / "vertex.npy")
+    found = outside.read_vtk_data(qelm.folder / ("g" + ending))
+    assert list(found.points) == ["value", "gradient", "slope"] and list(found.cells) == ["gradient", "slope"]
+    np.testing.assert_array_equal(found.points["value"], np.load(qelm.folder / "f.npy"))
+    np.testing.assert_array_equal(found.points["gradient"], vertices)
+    np.testing.assert_array_equal(found.cells["gradient"], triangles)
+    assert found.active == ("value", "gradient", "slope", "gradient")
+    for of, vectors in ((found.points, vertices), (found.cells, triangles)):
+        np.testing.assert_allclose(of["slope"], np.linalg.norm(vectors, axis=1), rtol=1e-15)
+    if ending == ".vtu":  # meshio reads no .vtp
+        mesh = pytest.importorskip("meshio").read(qelm.folder / "g.vtu")
+        np.testing.assert_array_equal(mesh.points, points)
+        np.testing.assert_array_equal(mesh.cells_dict["triangle"], faces)
+        np.testing.assert_array_equal(mesh.point_data["gradient"], vertices)
+        np.testing.assert_array_equal(mesh.cell_data_dict["gradient"]["triangle"], triangles)
+    # And what is written is read here.
+    qelm.ok("heatmap", "mesh.obj", "--field", f"g{ending}:gradient.1", "-o", "y.ply")
+    qelm.ok("curves", "g" + ending, "--field", f"g{ending}:slope", "-o", "c.csv")
+
+
+def test_solve_writes_mesh_field_and_gradient_for_vtk(qelm):
+    pytest.importorskip("vtkmodules")
+    import outside
+
+    qelm.write("grid.obj", shapes.obj(GRID))
+    qelm.ok("solve", "grid.obj", *FIX, "-o", "field.csv")
+    qelm.ok("solve", "grid.obj", *FIX, "-o", "u.vtp")
+    found = outside.read_vtk_data(qelm.folder / "u.vtp")
+    assert list(found.points) == ["value"] and list(found.cells) == []
+    assert found.points["value"].tolist() == qelm.field()
+    qelm.ok("solve", "grid.obj", "--fix", "xmin=0,4", "--fix", "xmax=4,0", "--gradient", "-o", "g.vtu")
+    found = outside.read_vtk_data(qelm.folder / "g.vtu")
+    assert list(found.points) == ["value1", "value2", "gradient1", "slope1", "gradient2", "slope2"]
+    np.testing.assert_allclose(found.cells["gradient2"], np.tile([-1, 0, 0], (24, 1)), atol=1e-14)
+    np.testing.assert_allclose(found.points["value2"], [4 - x for x, _, _ in GRID[0]], atol=1e-14)
+
+
 FLAT = ([*GRID[0], (0.5, 0, 0), (9, 9, 9), (10, 10, 10), (11, 11, 11)], [*GRID[1], (0, 20, 1), (21, 22, 23)])
 
 
@@ -177,7 +224,7 @@ def test_a_vertex_in_no_triangle_has_none(qelm):
 def test_wrong_words_are_refused(qelm):
     message = qelm.fails(2, "gradient", "none.obj", *FIX, "--per", "edge", "-o", "g.csv")
     assert "--per edge: give triangle or vertex" in message
-    assert "'gradient' writes .csv, .npy and .ply" in qelm.fails(2, "gradient", "none.obj", *FIX, "-o", "g.vtk")
+    assert "'gradient' writes .csv, .npy, .ply, .vtp and .vtu" in qelm.fails(2, "gradient", "none.obj", *FIX, "-o", "g.vtk")
     assert "-o -) or --json, not both" in qelm.fails(2, "gradient", "none.obj", *FIX, "-o", "-", "--json")
     qelm.write("grid.obj", shapes.obj(GRID))
     assert "this command takes one field" in qelm.fails(2, "gradient", "grid.obj", "--fix", "xmin=0,1", "-o", "g.csv")

@@ -30,6 +30,9 @@ void addSolve(CommandFrame& frame) {
   options->field.several = true;
   command.add_option("-o,--output", options->output, "Write the field; - is the standard output")
       ->type_name("FIELD.csv");
+  command.add_option("--format", options->format, "Whatever FIELD.csv is called")
+      ->type_name("csv|npy|vtp|vtu")
+      ->group(kStreams);
   command.add_flag("--gradient", options->gradient, "Write its gradient at the vertices as well");
   command.add_flag("--compare-plain", options->comparePlain,
                    "With --robust, say how far the plain field is off");
@@ -49,7 +52,11 @@ void addGradient(CommandFrame& frame) {
   addGivenField(command, options->field);
   command.add_option("--per", options->per, "What has one vector each")
       ->type_name("triangle|vertex");
-  command.add_option("-o,--output", options->output, "As .csv, .npy, .ply; or -")->type_name("OUT");
+  command.add_option("-o,--output", options->output, "As .csv, .npy, .ply, .vtp; or -")
+      ->type_name("OUT");
+  command.add_option("--format", options->format, "Whatever OUT is called")
+      ->type_name("csv|npy|ply|vtp|vtu")
+      ->group(kStreams);
   addOutputOptions(command, frame.output);
   command.footer(footer(kGradientExamples, "gradients, conditions, fields, loads, robust, output"));
   frame.onRun(command, [&frame, options] {

@@ -8,7 +8,7 @@
 #include "fields/field_csv.h"
 #include "fields/gradient_files.h"
 #include "files/output_file.h"
-#include "files/paths.h"
+#include "files/result_name.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
@@ -20,7 +20,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kWrites = "'gradient' writes .csv, .npy and .ply";
+constexpr const char* kWrites = "'gradient' writes .csv, .npy, .ply, .vtp and .vtu";
 
 bool isPerVertex(const std::string& per) {
   if (per != "vertex" && per != "triangle")
@@ -29,11 +29,12 @@ bool isPerVertex(const std::string& per) {
 }
 
 void write(const SolvedField& solved, const Gradient& gradient, bool isPerVertex,
-           const std::string& name, OutputFile& file) {
-  const std::string extension = lowerExtension(toPath(name));
-  if (extension == ".ply") {
+           const std::string& format, OutputFile& file) {
+  if (format == ".ply") {
     writeGradientPly(solved.mesh, solved.field(), gradient, isPerVertex, file);
-  } else if (extension == ".npy") {
+  } else if (format == ".vtp" || format == ".vtu") {
+    writeFieldsVtk(solved.mesh, solved.fields, 1, {&gradient, 1}, format == ".vtu", file);
+  } else if (format == ".npy") {
     writeVectorsNpy(isPerVertex ? gradient.ofVertices : gradient.ofTriangles, file);
   } else if (isPerVertex) {
     const FieldColumns columns = withGradients(solved.fields, {&gradient, 1});
@@ -94,7 +95,9 @@ void runGradient(const GradientOptions& options, const OutputOptions& output) {
     throw UsageError("the standard output takes the gradient (-o -) or --json, not both");
   const Console console(output);
   const bool perVertex = isPerVertex(options.per);
-  promisedFormat(options.output, {".csv", ".txt", ".dat", ".npy", ".ply"}, kWrites);
+  const std::string format =
+      resultFormat(options.output, options.format,
+                   {".csv", ".txt", ".dat", ".npy", ".ply", ".vtp", ".vtu"}, kWrites);
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
@@ -102,7 +105,7 @@ void runGradient(const GradientOptions& options, const OutputOptions& output) {
   std::vector<std::string> results;
   if (file) {
     solved.steps.run("write", [&] {
-      write(solved, gradients[0], perVertex, options.output, *file);
+      write(solved, gradients[0], perVertex, format, *file);
       file->commit();
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);

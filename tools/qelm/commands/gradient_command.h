@@ -15,6 +15,7 @@ struct GradientOptions {
   FieldOptions field;
   std::string per = "triangle";  ///< or "vertex"
   std::string output;            ///< empty: nothing is written
+  std::string format;            ///< of the output, whatever it is called
 };
 
 void runGradient(const GradientOptions& options, const OutputOptions& output);

@@ -88,7 +88,7 @@ void writeOneFile(const SolvedField& solved, const std::string& format, const Co
                          upAxis(std::nullopt, solved.meshName, part.mesh), format == ".glb", file);
   }
   const std::array<VtkColumn, 1> columns = {{{"value", solved.field()}}};
-  writeVtkMesh(solved.mesh, columns, format == ".vtu", file);
+  writeVtkMesh(solved.mesh, columns, {}, format == ".vtu", file);
 }
 
 /// One file instead of three.

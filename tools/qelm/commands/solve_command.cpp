@@ -12,7 +12,7 @@
 #include "fields/field_report.h"
 #include "fields/gradient_files.h"
 #include "files/output_file.h"
-#include "files/paths.h"
+#include "files/result_name.h"
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
 #include "text/index.h"
@@ -57,6 +57,20 @@ ReportItem comparePlain(const SolvedField& solved) {
   }
 }
 
+void write(const SolvedField& solved, const std::vector<Gradient>& gradients,
+           const std::string& format, OutputFile& file) {
+  if (format == ".vtp" || format == ".vtu")
+    return writeFieldsVtk(solved.mesh, solved.fields, solved.fieldCount(), gradients,
+                          format == ".vtu", file);
+  const FieldColumns columns = gradients.empty()
+                                   ? FieldColumns{fieldTitles(solved.fieldCount()), solved.fields}
+                                   : withGradients(solved.fields, gradients);
+  if (format == ".npy")
+    writeNpy(columns.values, static_cast<std::size_t>(solved.mesh.vertexCount()), file);
+  else
+    writeFieldCsv(solved.mesh, columns.titles, columns.values, file);
+}
+
 }  // namespace
 
 void runSolve(const SolveOptions& options, const OutputOptions& output) {
@@ -65,26 +79,23 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   if (options.comparePlain && options.field.robust.empty())
     throw UsageError("--compare-plain needs --robust to compare with");
   const Console console(output);
-  promisedFormat(options.output, {".csv", ".txt", ".dat", ".npy"},
-                 "'solve' writes the field as .csv or .npy");
+  const std::string format =
+      resultFormat(options.output, options.format, {".csv", ".txt", ".dat", ".npy", ".vtp", ".vtu"},
+                   "'solve' writes the field as .csv, .npy, .vtp or .vtu");
   // The file is opened before the solve: a missing folder is better known at once.
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);
   std::vector<ReportItem> more;
-  FieldColumns columns = {fieldTitles(solved.fieldCount()), solved.fields};
+  std::vector<Gradient> gradients;
   if (options.gradient) {
-    const std::vector<Gradient> gradients = gradientsOf(solved, console);
-    columns = withGradients(solved.fields, gradients);
+    gradients = gradientsOf(solved, console);
     more.push_back(gradientReport(solved, gradients));
   }
   std::vector<std::string> results;
   if (file) {
     solved.steps.run("write", [&] {
-      if (lowerExtension(toPath(options.output)) == ".npy")
-        writeNpy(columns.values, asIndex(solved.mesh.vertexCount()), *file);
-      else
-        writeFieldCsv(solved.mesh, columns.titles, columns.values, *file);
+      write(solved, gradients, format, *file);
       file->commit();
     });
     results.push_back(options.output == "-" ? "standard output" : options.output);

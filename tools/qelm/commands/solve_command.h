@@ -11,6 +11,7 @@ namespace qelm::tool {
 struct SolveOptions {
   FieldOptions field;
   std::string output;         ///< empty: nothing is written
+  std::string format;         ///< of the output, whatever it is called
   bool comparePlain = false;  ///< to the robust field
   bool gradient = false;      ///< write it beside the field
 };

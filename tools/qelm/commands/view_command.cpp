@@ -68,7 +68,7 @@ Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& 
                const std::vector<std::vector<double>>& levels) {
   Json conditions = Json::array();
   if (solved.fromFile > 0)
-    conditions.push_back({{"text", toUtf8(toPath(options.field.fixFile).filename())},
+    conditions.push_back({{"text", toUtf8(toPath(shownName(options.field.fixFile)).filename())},
                           {"vertices", solved.fromFile}});
   for (std::size_t k = 0; k < solved.conditions.size(); ++k)
     conditions.push_back(conditionFacts(solved.conditions[k], solved.prescribed.selected[k]));

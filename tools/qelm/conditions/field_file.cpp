@@ -142,12 +142,12 @@ std::vector<double> propertyOf(const PolygonSoup& soup, const FieldSource& sourc
                                                : fmt::format("{}", fmt::join(names, ", "))));
 }
 
-std::vector<double> valuesOf(const FieldSource& source, std::string bytes, int vertexCount) {
+std::vector<double> valuesOf(const FieldSource& source, std::string_view bytes, int vertexCount) {
   const std::size_t n = asIndex(vertexCount);
   const std::string extension = lowerExtension(toPath(source.file));
-  if (extension == ".npy") return columnOf(parseNpy(bytes, source.file), source, n);
+  if (extension == ".npy" || isNpy(bytes)) return columnOf(parseNpy(bytes, source.file), source, n);
   if (hasVertexArrays(extension))
-    return propertyOf(readPolygonSoup(toPath(source.file), std::move(bytes)), source, n);
+    return propertyOf(readPolygonSoup(toPath(source.file), bytes), source, n);
   return FieldCsv(source, bytes, vertexCount).run();
 }
 
@@ -155,6 +155,7 @@ std::vector<double> valuesOf(const FieldSource& source, std::string bytes, int v
 
 FieldSource parseFieldSource(const std::string& text) {
   std::error_code ignored;
+  if (text.starts_with("-:")) return {"-", text.substr(2)};
   const std::size_t colon = text.rfind(':');
   // The colon of C:\... is none of a column.
   if (colon == text.npos || colon < 2 || std::filesystem::exists(toPath(text), ignored))
@@ -162,9 +163,9 @@ FieldSource parseFieldSource(const std::string& text) {
   return {text.substr(0, colon), text.substr(colon + 1)};
 }
 
-std::vector<double> parseField(const FieldSource& source, std::string bytes,
+std::vector<double> parseField(const FieldSource& source, std::string_view bytes,
                                const std::vector<bool>& used) {
-  std::vector<double> values = valuesOf(source, std::move(bytes), asInt(used.size()));
+  std::vector<double> values = valuesOf(source, bytes, asInt(used.size()));
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (!used[v])
       values[v] = std::nan("");
@@ -175,7 +176,8 @@ std::vector<double> parseField(const FieldSource& source, std::string bytes,
 }
 
 std::vector<double> readField(const FieldSource& source, const std::vector<bool>& used) {
-  return parseField(source, readFile(toPath(source.file)), used);
+  return parseField({shownName(source.file), source.column}, readFileOrStandardInput(source.file),
+                    used);
 }
 
 }  // namespace qelm::tool

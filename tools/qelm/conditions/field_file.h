@@ -15,7 +15,8 @@ struct FieldSource {
   std::string column;  ///< by name, or by number from 0; empty: "value", or the only one
 };
 
-/// "FILE:COLUMN", or all of it a file if there is one of that name.
+/// "FILE:COLUMN", with "-" for the standard input, or all of it a file if there is one of that
+/// name.
 FieldSource parseFieldSource(const std::string& text);
 
 /// Reads NPY (one axis, or a column of two), PLY (a property of its vertices, which are as many as
@@ -26,7 +27,7 @@ FieldSource parseFieldSource(const std::string& text);
 std::vector<double> readField(const FieldSource& source, const std::vector<bool>& used);
 
 /// The same from a file's bytes.
-std::vector<double> parseField(const FieldSource& source, std::string bytes,
+std::vector<double> parseField(const FieldSource& source, std::string_view bytes,
                                const std::vector<bool>& used);
 
 }  // namespace qelm::tool

@@ -141,6 +141,8 @@ class NpyReader {
 
 }  // namespace
 
+bool isNpy(std::string_view bytes) { return bytes.starts_with(kNpyMagic); }
+
 NpyArray parseNpy(std::string_view bytes, const std::string& name) {
   return NpyReader(bytes, name).run();
 }

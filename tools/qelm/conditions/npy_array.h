@@ -20,6 +20,9 @@ struct NpyArray {
   double at(std::size_t row, std::size_t column) const { return values[row * columns + column]; }
 };
 
+/// Whether a file is one, by how it begins: no text does so.
+bool isNpy(std::string_view bytes);
+
 /// Arrays with one or two axes of numbers or truth values of up to 64 bits, of either byte order
 /// and either order of axes, format 1 to 3. Whole numbers above 2^53 are rounded. Throws FileError.
 NpyArray parseNpy(std::string_view bytes, const std::string& name);

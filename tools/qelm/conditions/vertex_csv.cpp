@@ -192,11 +192,14 @@ std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& na
 
 namespace {
 
-bool isNpy(const std::string& name) { return lowerExtension(toPath(name)) == ".npy"; }
+/// One that is damaged at its beginning, too.
+bool isNpyFile(std::string_view bytes, const std::string& name) {
+  return isNpy(bytes) || lowerExtension(toPath(name)) == ".npy";
+}
 
 /// A value for each vertex.
-std::vector<double> npyColumn(const std::string& name, int vertexCount) {
-  const NpyArray array = parseNpy(readFile(toPath(name)), name);
+std::vector<double> npyColumn(std::string_view bytes, const std::string& name, int vertexCount) {
+  const NpyArray array = parseNpy(bytes, name);
   if (array.rows != asIndex(vertexCount) || array.columns != 1)
     throw FileError(
         fmt::format("{}: an array of {} by {}; {} by 1 is needed, a value for each "
@@ -207,18 +210,22 @@ std::vector<double> npyColumn(const std::string& name, int vertexCount) {
 
 }  // namespace
 
-std::vector<double> readLoad(const std::string& name, const std::vector<bool>& used) {
-  if (!isNpy(name)) return parseLoad(readFile(toPath(name)), name, used);
-  std::vector<double> load = npyColumn(name, asInt(used.size()));
+std::vector<double> readLoad(const std::string& file, const std::vector<bool>& used) {
+  const std::string bytes = readFileOrStandardInput(file);
+  const std::string name = shownName(file);
+  if (!isNpyFile(bytes, name)) return parseLoad(bytes, name, used);
+  std::vector<double> load = npyColumn(bytes, name, asInt(used.size()));
   for (std::size_t v = 0; v < load.size(); ++v)
     if (used[v] && !std::isfinite(load[v]))
       throw FileError(fmt::format("{}: vertex {}: the load {} is not finite", name, v, load[v]));
   return load;
 }
 
-std::vector<FixedVertex> readFixes(const std::string& name, const std::vector<bool>& used) {
-  if (!isNpy(name)) return parseFixes(readFile(toPath(name)), name, used);
-  const std::vector<double> values = npyColumn(name, asInt(used.size()));
+std::vector<FixedVertex> readFixes(const std::string& file, const std::vector<bool>& used) {
+  const std::string bytes = readFileOrStandardInput(file);
+  const std::string name = shownName(file);
+  if (!isNpyFile(bytes, name)) return parseFixes(bytes, name, used);
+  const std::vector<double> values = npyColumn(bytes, name, asInt(used.size()));
   std::vector<FixedVertex> fixes;
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (std::isinf(values[v]))

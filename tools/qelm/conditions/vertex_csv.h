@@ -9,10 +9,10 @@
 namespace qelm::tool {
 
 /// Reads one load per vertex from a CSV file, see the topic "loads" of the help for its forms.
-/// `used` says of each vertex whether it is in some triangle; others may lack a value. A name that
-/// ends in .npy is an array with a load for each vertex. Throws FileError that names the file and
-/// the line.
-std::vector<double> readLoad(const std::string& name, const std::vector<bool>& used);
+/// `used` says of each vertex whether it is in some triangle; others may lack a value. A numpy
+/// array has a load for each vertex. "-" is the standard input. Throws FileError that names the
+/// file and the line.
+std::vector<double> readLoad(const std::string& file, const std::vector<bool>& used);
 
 struct FixedVertex {
   int vertex;
@@ -21,9 +21,9 @@ struct FixedVertex {
 };
 
 /// Reads values to prescribe, see the topic "conditions" of the help; every vertex at most once, in
-/// the file's order. A name that ends in .npy is an array with a value for each vertex, NaN for a
-/// free one. Throws FileError that names the file and the line.
-std::vector<FixedVertex> readFixes(const std::string& name, const std::vector<bool>& used);
+/// the file's order. A numpy array has a value for each vertex, NaN for a free one. "-" is the
+/// standard input. Throws FileError that names the file and the line.
+std::vector<FixedVertex> readFixes(const std::string& file, const std::vector<bool>& used);
 
 /// The same for the text of a file that is called `name`.
 std::vector<double> parseLoad(std::string_view text, const std::string& name,

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "files/paths.h"
 #include "mesh/boundary.h"
 #include "mesh/box.h"
+#include "mesh_files/mesh_reader.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -100,7 +100,7 @@ std::optional<std::size_t> parseUp(const std::string& text) {
 std::size_t upAxis(std::optional<std::size_t> choice, const std::string& meshName,
                    const Mesh& mesh) {
   if (choice) return *choice;
-  const std::string extension = lowerExtension(toPath(meshName));
+  const std::string extension = meshExtension(meshName);
   if (extension == ".gltf" || extension == ".glb") return 1;
   return extension == ".obj" ? bestSupportedAxis(mesh) : 2;
 }

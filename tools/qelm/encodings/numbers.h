@@ -40,15 +40,29 @@ constexpr bool isWhole(NumberType type) {
   return type != NumberType::kFloat32 && type != NumberType::kFloat64;
 }
 
+/// With its bytes in the other order.
+template <class Word>
+Word turned(Word word) {
+  if constexpr (sizeof(Word) == 8)
+    return __builtin_bswap64(word);
+  else if constexpr (sizeof(Word) == 4)
+    return __builtin_bswap32(word);
+  else if constexpr (sizeof(Word) == 2)
+    return __builtin_bswap16(word);
+  else
+    return word;
+}
+
 /// The number at the front of `bytes`, which must be long enough.
 template <class Number>
 Number numberAt(const char* bytes, ByteOrder order) {
-  std::array<char, sizeof(Number)> raw;
-  std::memcpy(raw.data(), bytes, raw.size());
-  if (order == ByteOrder::kBig) std::reverse(raw.begin(), raw.end());
-  Number number;
-  std::memcpy(&number, raw.data(), raw.size());
-  return number;
+  using Word = std::conditional_t<
+      sizeof(Number) == 8, std::uint64_t,
+      std::conditional_t<sizeof(Number) == 4, std::uint32_t,
+                         std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint8_t>>>;
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  return std::bit_cast<Number>(order == ByteOrder::kBig ? turned(word) : word);
 }
 
 /// Calls `use(number)` for each number in `bytes`, whatever their type.

@@ -6,10 +6,12 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 
 #include "conditions/npy_array.h"
 #include "fields/field_csv.h"
 #include "mesh/vec3.h"
+#include "mesh_files/vtk_writer.h"
 #include "text/index.h"
 #include "text/text_block.h"
 
@@ -28,6 +30,24 @@ void writeVector(const Point& vector, TextBlock& block) {
   for (const double component : vector) block.bytes(component);
   block.bytes(length(vector));
 }
+
+/// Vectors and their lengths as columns for VTK.
+class VectorColumns {
+ public:
+  void add(std::span<const double> vectors, const std::string& number) {
+    std::vector<double>& slopes = slopes_.emplace_back();
+    slopes.reserve(vectors.size() / 3);
+    for (std::size_t k = 0; k < vectors.size(); k += 3)
+      slopes.push_back(length({vectors[k], vectors[k + 1], vectors[k + 2]}));
+    columns_.push_back({"gradient" + number, vectors, 3});
+    columns_.push_back({"slope" + number, slopes});
+  }
+  std::vector<VtkColumn>& columns() { return columns_; }
+
+ private:
+  std::deque<std::vector<double>> slopes_;
+  std::vector<VtkColumn> columns_;
+};
 
 }  // namespace
 
@@ -92,6 +112,22 @@ void writeGradientPly(const Mesh& mesh, std::span<const double> field, const Gra
     if (!isPerVertex) writeVector(gradient.ofTriangle(t), block);
   }
   block.flush();
+}
+
+void writeFieldsVtk(const Mesh& mesh, std::span<const double> fields, std::size_t fieldCount,
+                    std::span<const Gradient> gradients, bool isGrid, ByteSink& file) {
+  const std::size_t n = fields.size() / fieldCount;
+  const std::vector<std::string> titles = fieldTitles(fieldCount);
+  VectorColumns ofVertices;
+  VectorColumns ofTriangles;
+  for (std::size_t k = 0; k < fieldCount; ++k)
+    ofVertices.columns().push_back({titles[k], fields.subspan(k * n, n)});
+  for (std::size_t k = 0; k < gradients.size(); ++k) {
+    const std::string number = gradients.size() == 1 ? "" : fmt::format("{}", k + 1);
+    ofVertices.add(gradients[k].ofVertices, number);
+    ofTriangles.add(gradients[k].ofTriangles, number);
+  }
+  writeVtkMesh(mesh, ofVertices.columns(), ofTriangles.columns(), isGrid, file);
 }
 
 }  // namespace qelm::tool

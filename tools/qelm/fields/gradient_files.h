@@ -1,7 +1,8 @@
-// Gradients as columns: CSV, NPY, PLY.
+// Gradients as columns: CSV, NPY, PLY, VTK.
 #ifndef QELM_TOOLS_GRADIENT_FILES_H
 #define QELM_TOOLS_GRADIENT_FILES_H
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,6 +33,12 @@ void writeVectorsNpy(std::span<const double> vectors, ByteSink& file);
 /// (Some readers cannot take a face's properties.)
 void writeGradientPly(const Mesh& mesh, std::span<const double> field, const Gradient& gradient,
                       bool isPerVertex, ByteSink& file);
+
+/// .vtp or, if `isGrid`, .vtu: the fields as point data "value" and, unless there are no gradients,
+/// of each field "gradient" and "slope" as point data and as cell data; value1, gradient1 and so on
+/// of several fields, which come one after another.
+void writeFieldsVtk(const Mesh& mesh, std::span<const double> fields, std::size_t fieldCount,
+                    std::span<const Gradient> gradients, bool isGrid, ByteSink& file);
 
 }  // namespace qelm::tool
 

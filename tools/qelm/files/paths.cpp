@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -38,6 +37,8 @@ int processNumber() { return getpid(); }
 std::string lowerExtension(const fs::path& path) { return lowerCase(toUtf8(path.extension())); }
 
 std::string readStandardInput() {
+  if (std::feof(stdin) != 0)
+    throw UsageError("the standard input (-) can be read once; put one of both into a file");
 #ifdef _WIN32
   _setmode(_fileno(stdin), _O_BINARY);
 #endif
@@ -47,7 +48,7 @@ std::string readStandardInput() {
     bytes.resize(bytes.size() + kBlock);
     read = std::fread(bytes.data() + bytes.size() - kBlock, 1, kBlock, stdin);
   }
-  if (std::ferror(stdin) != 0) throw FileError("the standard input: reading it failed");
+  if (std::ferror(stdin) != 0) throw FileError("standard input: reading it failed");
   return bytes;
 }
 
@@ -62,9 +63,24 @@ std::string readFile(const fs::path& path) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (!file) throw FileError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));
-  std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::string bytes;
+  constexpr std::size_t kBlock = 1 << 20;
+  const auto size = fs::file_size(path, ignored);
+  if (!ignored) bytes.reserve(size + kBlock);  // a device or a pipe has none
+  while (file) {
+    const std::size_t before = bytes.size();
+    bytes.resize(before + kBlock);
+    file.read(bytes.data() + before, kBlock);
+    bytes.resize(before + static_cast<std::size_t>(file.gcount()));
+  }
   if (file.bad()) throw FileError(fmt::format("{}: reading it failed", name));
   return bytes;
+}
+
+std::string shownName(const std::string& name) { return name == "-" ? "standard input" : name; }
+
+std::string readFileOrStandardInput(const std::string& name) {
+  return name == "-" ? readStandardInput() : readFile(toPath(name));
 }
 
 }  // namespace qelm::tool

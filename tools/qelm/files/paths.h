@@ -18,12 +18,18 @@ int processNumber();
 /// The file's extension in lower case, with its dot.
 std::string lowerExtension(const std::filesystem::path& path);
 
-/// All bytes of the standard input.
+/// All bytes of the standard input. Throws UsageError when they have been read before.
 std::string readStandardInput();
 
 /// All bytes of a file; an InputError that names the file and the reason when it
 /// cannot be read.
 std::string readFile(const std::filesystem::path& path);
+
+/// What the tool calls a file of numbers in messages: "-" is "standard input".
+std::string shownName(const std::string& name);
+
+/// readFile(), or readStandardInput() for "-".
+std::string readFileOrStandardInput(const std::string& name);
 
 }  // namespace qelm::tool
 

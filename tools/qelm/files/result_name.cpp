@@ -48,4 +48,12 @@ std::string promisedFormat(const std::string& target, const std::vector<std::str
   return "";
 }
 
+std::string resultFormat(const std::string& target, const std::string& wanted,
+                         const std::vector<std::string_view>& written, std::string_view writes) {
+  if (wanted.empty()) return promisedFormat(target, written, writes);
+  if (std::find(written.begin(), written.end(), "." + wanted) == written.end())
+    throw UsageError(fmt::format("--format {}: {}", wanted, writes));
+  return "." + wanted;
+}
+
 }  // namespace qelm::tool

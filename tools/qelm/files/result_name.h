@@ -23,6 +23,11 @@ void refuseToOverwrite(const InputNames& inputs, const std::filesystem::path& ta
 std::string promisedFormat(const std::string& target, const std::vector<std::string_view>& written,
                            std::string_view writes);
 
+/// promisedFormat() or, unless it is empty, what --format wants, such as "npy"; UsageError when
+/// that is not written.
+std::string resultFormat(const std::string& target, const std::string& wanted,
+                         const std::vector<std::string_view>& written, std::string_view writes);
+
 }  // namespace qelm::tool
 
 #endif

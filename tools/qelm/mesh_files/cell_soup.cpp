@@ -14,6 +14,7 @@ namespace {
 
 // vtkCellType.h
 constexpr std::int64_t kLastOfPointsAndLines = 4;
+constexpr std::int64_t kVtkTriangle = 5;
 constexpr std::int64_t kVtkStrip = 6;
 constexpr std::int64_t kVtkPolygon = 7;
 constexpr std::int64_t kQuadraticEdge = 21;
@@ -77,6 +78,12 @@ void CellSoup::addFace(std::span<const std::int64_t> corners) {
   constexpr std::int64_t kMost = std::numeric_limits<int>::max();
   const auto first = static_cast<std::int64_t>(firstPoint_);
   const auto last = static_cast<std::int64_t>(soup_.points.size());
+  const auto isThere = [count = last - first](std::int64_t v) { return v >= 0 && v < count; };
+  // Nearly all of them.
+  if (corners.size() == 3 && isThere(corners[0]) && isThere(corners[1]) && isThere(corners[2]))
+    return soup_.faces.push_back({static_cast<int>(first + corners[0]),
+                                  static_cast<int>(first + corners[1]),
+                                  static_cast<int>(first + corners[2])});
   face_.clear();
   for (const std::int64_t v : corners)
     // A corner of another piece is out of range, too: the file's own numbers are in the message.
@@ -114,7 +121,7 @@ void CellSoup::addCells(const CellList& cells, std::span<const std::int64_t> typ
 }
 
 void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
-  if (type == kVtkPolygon) return addFace(corners);
+  if (type == kVtkPolygon || (type == kVtkTriangle && corners.size() == 3)) return addFace(corners);
   if (type == kVtkStrip) return addStrip(corners);
   const auto shape = std::find_if(kCellShapes.begin(), kCellShapes.end(),
                                   [type](const CellShape& known) { return known.type == type; });

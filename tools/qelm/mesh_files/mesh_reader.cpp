@@ -1,24 +1,15 @@
-// The one file that sees CGAL, whose readers do the reading proper of OBJ and STL.
-// See obj_text.h and stl_data.h for what has to be done before.
 #include "mesh_files/mesh_reader.h"
 
-#include <CGAL/IO/OBJ.h>
-#include <CGAL/IO/STL.h>
-#include <CGAL/Simple_cartesian.h>
 #include <fmt/format.h>
 
 #include <limits>
-#include <set>
 #include <span>
-#include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "files/paths.h"
 #include "mesh_files/gltf_data.h"
 #include "mesh_files/msh_data.h"
-#include "mesh_files/obj_text.h"
+#include "mesh_files/obj_data.h"
 #include "mesh_files/off_data.h"
 #include "mesh_files/ply_data.h"
 #include "mesh_files/stl_data.h"
@@ -31,20 +22,20 @@
 namespace qelm::tool {
 namespace {
 
-using ReaderPoint = CGAL::Simple_cartesian<double>::Point_3;
-
 // The stiffness matrix is gathered from nine entries per triangle, counted by int.
 constexpr std::size_t kMostFaces = std::numeric_limits<int>::max() / 9;
 
-struct ReaderSoup {
-  std::vector<ReaderPoint> points;
-  std::vector<std::vector<std::size_t>> faces;
-};
+// As in "standard input (obj)".
+constexpr std::string_view kStandardInput = "standard input (";
+
+bool isStandardInput(std::string_view name) {
+  return name.starts_with(kStandardInput) && name.ends_with(')');
+}
 
 enum class Format { kObj, kOff, kPly, kStl, kVtk, kVtkXml, kGltf, kThreemf, kMsh };
 
 Format formatOf(const std::filesystem::path& path) {
-  const std::string extension = lowerExtension(path);
+  const std::string extension = meshExtension(toUtf8(path));
   if (extension == ".obj") return Format::kObj;
   if (extension == ".off") return Format::kOff;
   if (extension == ".ply") return Format::kPly;
@@ -60,58 +51,11 @@ Format formatOf(const std::filesystem::path& path) {
                               toUtf8(path), kReadableFormats));
 }
 
-PolygonSoup taken(const ReaderSoup& from, bool isRead, const std::string& name) {
-  if (!isRead)
-    throw FileError(
-        fmt::format("{}: not a mesh that can be read; it may be damaged or cut short", name));
-  PolygonSoup soup;
-  soup.points.reserve(from.points.size());
-  for (const ReaderPoint& p : from.points) soup.points.push_back({p.x(), p.y(), p.z()});
-  soup.faces.reserve(from.faces.size());
-  std::vector<int> corners;
-  for (const std::vector<std::size_t>& face : from.faces) {
-    corners.assign(face.begin(), face.end());
-    soup.faces.push_back(corners);
-  }
-  return soup;
-}
-
-PolygonSoup readObj(std::string bytes, const std::string& name) {
-  ReaderSoup soup;
-  Attributes attributes;
-  std::set<std::string> passedOver;
-  std::istringstream stream(plainObj(bytes, name, attributes, &passedOver));
-  const bool isRead = CGAL::IO::read_OBJ(stream, soup.points, soup.faces);
-  PolygonSoup result = taken(soup, isRead, name);
-  result.attributes = std::move(attributes);
-  result.passedOver = std::move(passedOver);
-  return result;
-}
-
-PolygonSoup readStl(std::string bytes, const std::string& name) {
-  std::set<std::string> passedOver;
-  if (isBinaryStl(bytes)) {
-    checkBinaryStl(bytes, name);
-    if (hasAttributes(bytes)) passedOver.insert("colours");
-    // So that no binary file is tried as text first.
-    bytes.replace(0, 5, "binar");
-  } else {
-    bytes = plainStl(bytes, name);
-  }
-  ReaderSoup soup;
-  std::istringstream stream(std::move(bytes));
-  const bool isRead = CGAL::IO::read_STL(stream, soup.points, soup.faces);
-  PolygonSoup result = taken(soup, isRead, name);
-  result.facetsOwnTheirCorners = true;
-  result.passedOver = std::move(passedOver);
-  return result;
-}
-
-PolygonSoup readAs(Format format, std::string bytes, const std::filesystem::path& path) {
+PolygonSoup readAs(Format format, std::string_view bytes, const std::filesystem::path& path) {
   const std::string name = toUtf8(path);
   switch (format) {
     case Format::kObj:
-      return readObj(std::move(bytes), name);
+      return readObj(bytes, name);
     case Format::kOff:
       return readOff(bytes, name);
     case Format::kPly:
@@ -127,7 +71,7 @@ PolygonSoup readAs(Format format, std::string bytes, const std::filesystem::path
     case Format::kMsh:
       return readMsh(bytes, name);
     default:
-      return readStl(std::move(bytes), name);
+      return readStl(bytes, name);
   }
 }
 
@@ -163,7 +107,7 @@ std::string standardInputAs(const std::string& mesh, const std::string& format) 
     throw UsageError(
         fmt::format("--read-as {}: only the standard input (-) needs it; {} is read by its name",
                     format, mesh));
-  const std::string name = "-." + lowerCase(format);
+  const std::string name = fmt::format("{}{})", kStandardInput, lowerCase(format));
   try {
     formatOf(toPath(name));
   } catch (const FileError&) {
@@ -172,17 +116,24 @@ std::string standardInputAs(const std::string& mesh, const std::string& format) 
   return name;
 }
 
-PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
-  formatOf(path);  // refuses the name before the file is touched
-  const bool isStandardInput = path.stem() == "-" && !path.has_parent_path();
-  return readPolygonSoup(path, isStandardInput ? readStandardInput() : readFile(path));
+std::string meshExtension(const std::string& name) {
+  if (!isStandardInput(name)) return lowerExtension(toPath(name));
+  std::string format = name.substr(kStandardInput.size());
+  format.pop_back();
+  return "." + format;
 }
 
-PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes) {
+PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
+  formatOf(path);  // refuses the name before the file is touched
+  return readPolygonSoup(path,
+                         isStandardInput(toUtf8(path)) ? readStandardInput() : readFile(path));
+}
+
+PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string_view bytes) {
   const std::string name = toUtf8(path);
   const Format format = formatOf(path);
   if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
-  PolygonSoup soup = readAs(format, std::move(bytes), path);
+  PolygonSoup soup = readAs(format, bytes, path);
   checkSizes(soup, name);
   for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
   return soup;

@@ -17,9 +17,14 @@ inline constexpr const char* kReadableFormats =
 /// Whether files with this extension may hold numbers for each vertex besides its place.
 bool hasVertexArrays(std::string_view extension);
 
-/// What stands for the standard input as a mesh file: "-.obj" and the like, for --read-as. (A file
-/// of such a name is ./-.obj.) Throws UsageError when `mesh` is not "-", or nothing reads `format`.
+/// What stands for the standard input as a mesh file, for --read-as, and is read well in messages:
+/// "standard input (obj)" and the like. (A file of such a name is ./standard input (obj).) Throws
+/// UsageError when `mesh` is not "-", or nothing reads `format`.
 std::string standardInputAs(const std::string& mesh, const std::string& format);
+
+/// What a mesh file holds by its name: the extension in lower case with its dot, also of what
+/// standardInputAs() returns.
+std::string meshExtension(const std::string& name);
 
 /// Reads a mesh file. Vertices and faces keep their order in the file and every
 /// double its bits. Corners of an STL file's facets that are exactly equal are
@@ -31,7 +36,7 @@ std::string standardInputAs(const std::string& mesh, const std::string& format);
 PolygonSoup readPolygonSoup(const std::filesystem::path& path);
 
 /// The same for a file's bytes that are in memory already.
-PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string bytes);
+PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace qelm::tool
 

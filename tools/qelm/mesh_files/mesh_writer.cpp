@@ -161,7 +161,7 @@ void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   if (format == MeshFormat::kStl) writeStl(mesh, block);
   block.flush();
   if (format == MeshFormat::kVtp || format == MeshFormat::kVtu)
-    writeVtkMesh(mesh, {}, format == MeshFormat::kVtu, file);
+    writeVtkMesh(mesh, {}, {}, format == MeshFormat::kVtu, file);
 }
 
 }  // namespace qelm::tool

@@ -24,7 +24,7 @@ class OffReader {
       : lines_(text), name_(name), size_(text.size()) {}
 
   PolygonSoup run() {
-    nextLine("the counts of vertices and faces");
+    nextLine();
     keyword();
     if (isBinary_) return readBinary();
     counts();
@@ -39,18 +39,27 @@ class OffReader {
   }
 
   /// The words of the next line that has any, without its comment.
-  void nextLine(const std::string& wanted) {
+  void nextLine() {
     words_.clear();
-    needWords(1, wanted);
+    needWords(1);
   }
 
   /// Goes on with the next lines while there are fewer words than `count`.
-  void needWords(std::size_t count, const std::string& wanted) {
+  void needWords(std::size_t count) {
     while (words_.size() < count) {
-      if (!lines_.next()) fail(fmt::format("the file ends before {}; it may be cut short", wanted));
-      const auto more = splitAtBlanks(lines_.line().substr(0, lines_.line().find('#')));
-      words_.insert(words_.end(), more.begin(), more.end());
+      if (!lines_.next())
+        fail(fmt::format("the file ends before {}; it may be cut short", whatIsRead()));
+      splitAtBlanks(lines_.line().substr(0, lines_.line().find('#')), more_);
+      words_.insert(words_.end(), more_.begin(), more_.end());
     }
+  }
+
+  std::string whatIsRead() const {
+    if (soup_.points.size() < vertexCount_)
+      return fmt::format("vertex {} of {}", soup_.points.size(), vertexCount_);
+    if (soup_.faces.size() < faceCount_)
+      return fmt::format("face {} of {}", soup_.faces.size(), faceCount_);
+    return "the counts of vertices and faces";
   }
 
   // OFF, COFF, NOFF, CNOFF, STCNOFF: prefixes for texture, colour, normal. 4OFF and
@@ -68,7 +77,7 @@ class OffReader {
       return;
     }
     words_.erase(words_.begin());
-    if (words_.empty()) nextLine("the counts of vertices and faces");
+    if (words_.empty()) nextLine();
   }
 
   void passOver(std::string_view prefix) {
@@ -79,7 +88,7 @@ class OffReader {
 
   // The number of edges may be missing, and is never right to rely on.
   void counts() {
-    needWords(2, "the counts of vertices and faces");
+    needWords(2);
     vertexCount_ = count(words_[0], kLeastVertex, "vertices");
     faceCount_ = count(words_[1], kLeastFace, "faces");
     soup_.points.reserve(vertexCount_);
@@ -96,9 +105,8 @@ class OffReader {
   }
 
   void vertex(std::size_t index) {
-    const std::string wanted = fmt::format("vertex {} of {}", index, vertexCount_);
-    nextLine(wanted);
-    needWords(3, wanted);
+    nextLine();
+    needWords(3);
     Point point{};
     for (std::size_t k = 0; k < 3; ++k) {
       const auto value = parseDouble(words_[k]);
@@ -109,14 +117,13 @@ class OffReader {
   }
 
   void face(std::size_t index) {
-    const std::string wanted = fmt::format("face {} of {}", index, faceCount_);
-    nextLine(wanted);
+    nextLine();
     const auto corners = parseInteger(words_[0]);
     if (!corners || *corners < 0)
       fail(fmt::format("face {}: '{}' is not a number of corners", index, words_[0]));
     if (static_cast<std::size_t>(*corners) > size_)
       fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
-    needWords(static_cast<std::size_t>(*corners) + 1, wanted);
+    needWords(static_cast<std::size_t>(*corners) + 1);
     if (words_.size() > static_cast<std::size_t>(*corners) + 1) soup_.passedOver.insert("colours");
     corners_.clear();
     for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
@@ -167,6 +174,7 @@ class OffReader {
   const std::string& name_;
   std::size_t size_;
   std::vector<std::string_view> words_;
+  std::vector<std::string_view> more_;
   bool isBinary_ = false;
   std::size_t vertexCount_ = 0;
   std::size_t faceCount_ = 0;

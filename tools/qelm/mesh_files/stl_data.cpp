@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <vector>
 
+#include "mesh_files/point_merger.h"
 #include "text/error.h"
 #include "text/text.h"
 
@@ -34,21 +35,81 @@ std::uint64_t facetCount(std::string_view bytes) {
   return valueAt<std::uint32_t>(bytes, kCountOffset);
 }
 
-class StlPass {
+/// The facets' corners, those that are exactly equal as one point.
+class FacetSoup {
  public:
-  StlPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {}
-
-  std::string run() {
-    plain_ = "solid\n";
-    while (lines_.next()) statement(splitAtBlanks(lines_.line()));
-    if (corners_ != kOutside) fail("the file ends within a facet; it may be cut short");
-    if (facetCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name_));
-    plain_ += "endsolid\n";
-    return std::move(plain_);
+  void add(const std::array<Point, 3>& corners) {
+    std::array<int, 3> face{};
+    for (std::size_t k = 0; k < 3; ++k) face[k] = points_.add(corners[k]);
+    soup_.faces.push_back(face);
+  }
+  std::size_t size() const { return soup_.faces.size(); }
+  void passOver(const char* what) { soup_.passedOver.insert(what); }
+  PolygonSoup finish() {
+    soup_.points = points_.finish();
+    soup_.facetsOwnTheirCorners = true;
+    return std::move(soup_);
   }
 
  private:
-  static constexpr int kOutside = -1;
+  PointMerger points_;
+  PolygonSoup soup_;
+};
+
+/// Binary files, as isBinaryStl() says.
+PolygonSoup readBinary(std::string_view bytes, const std::string& name) {
+  const std::uint64_t count = facetCount(bytes);
+  if (count == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name));
+  const std::uint64_t present = (bytes.size() - kHeaderSize) / kFacetSize;
+  if (present < count)
+    throw FileError(
+        fmt::format("{}: not an STL file, or cut short: {} facets are announced, {} are there",
+                    name, count, present));
+  FacetSoup soup;
+  for (std::uint64_t facet = 0; facet < count; ++facet) {
+    const std::size_t place = kHeaderSize + kFacetSize * facet;
+    std::array<float, 9> numbers;
+    std::memcpy(numbers.data(), bytes.data() + place + kNormalSize, sizeof numbers);
+    std::array<Point, 3> corners{};
+    for (std::size_t k = 0; k < numbers.size(); ++k) {
+      // A point that is none could be taken for any other one.
+      if (!std::isfinite(numbers[k]))
+        throw MeshError(
+            fmt::format("{}: facet {}: a coordinate of corner {} is not finite; repair the file",
+                        name, facet, k / 3));
+      corners[k / 3][k % 3] = numbers[k];
+    }
+    soup.add(corners);
+    // Some programs keep a facet's colour there.
+    if (valueAt<std::uint16_t>(bytes, place + kAttributeOffset) != 0) soup.passOver("colours");
+  }
+  return soup.finish();
+}
+
+/// Whether the word is `lower`, in capitals or not.
+bool isWord(std::string_view word, std::string_view lower) {
+  return word.size() == lower.size() &&
+         std::equal(word.begin(), word.end(), lower.begin(), [](char c, char wanted) {
+           return c == wanted || (c >= 'A' && c <= 'Z' && c - 'A' + 'a' == wanted);
+         });
+}
+
+class StlText {
+ public:
+  StlText(std::string_view text, const std::string& name) : lines_(text), name_(name) {}
+
+  PolygonSoup run() {
+    while (lines_.next()) {
+      splitAtBlanks(lines_.line(), words_);
+      statements();
+    }
+    if (cornerCount_ != kOutside) fail("the file ends within a facet; it may be cut short");
+    if (soup_.size() == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name_));
+    return soup_.finish();
+  }
+
+ private:
+  static constexpr std::size_t kOutside = static_cast<std::size_t>(-1);
 
   [[noreturn]] void fail(const std::string& what) const {
     throw FileError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
@@ -58,57 +119,57 @@ class StlPass {
     throw MeshError(fmt::format("{}:{}: {}", name_, lines_.number(), what));
   }
 
-  // One line may hold several statements: some programs write whole facets so.
-  void statement(const std::vector<std::string_view>& words) {
-    for (std::size_t k = 0; k < words.size(); ++k) {
-      const std::string word = lowerCase(words[k]);
-      if (word == "solid" || word == "endsolid") return;  // a name may follow
-      if (word == "facet") beginFacet();
-      if (word == "endfacet") endFacet();
-      if (word == "vertex") {
-        corner(words, k);
+  // One line may hold several: some programs write whole facets so.
+  void statements() {
+    for (std::size_t k = 0; k < words_.size(); ++k) {
+      const std::string_view word = words_[k];
+      if (isWord(word, "solid") || isWord(word, "endsolid")) return;  // a name may follow
+      if (isWord(word, "facet")) beginFacet();
+      if (isWord(word, "endfacet")) endFacet();
+      if (isWord(word, "vertex")) {
+        corner(k);
         k += 3;
       }
     }
   }
 
   void beginFacet() {
-    if (corners_ != kOutside) fail("'facet' within a facet");
-    corners_ = 0;
-    plain_ += "facet\n";
+    if (cornerCount_ != kOutside) fail("'facet' within a facet");
+    cornerCount_ = 0;
   }
 
-  void corner(const std::vector<std::string_view>& words, std::size_t at) {
-    if (corners_ == kOutside) fail("'vertex' outside of a facet");
-    if (++corners_ > 3)
+  void corner(std::size_t at) {
+    if (cornerCount_ == kOutside) fail("'vertex' outside of a facet");
+    if (cornerCount_ == 3)
       fail(fmt::format("facet {} has more than three corners; STL files hold triangles only",
-                       facetCount_));
-    if (words.size() < at + 4) fail("a vertex needs three coordinates");
-    for (std::size_t k = at + 1; k <= at + 3; ++k) {
-      const auto value = parseDouble(words[k]);
-      if (!value) fail(fmt::format("'{}' is not a coordinate", words[k]));
+                       soup_.size()));
+    if (words_.size() < at + 4) fail("a vertex needs three coordinates");
+    Point& point = corners_[cornerCount_++];
+    for (std::size_t k = 0; k < 3; ++k) {
+      const std::string_view word = words_[at + 1 + k];
+      const auto value = parseDouble(word);
+      if (!value) fail(fmt::format("'{}' is not a coordinate", word));
       if (!std::isfinite(*value))
         failMesh(fmt::format("facet {}: coordinate '{}' is not finite; repair the file",
-                             facetCount_, words[k]));
+                             soup_.size(), word));
+      point[k] = *value;
     }
-    fmt::format_to(std::back_inserter(plain_), "vertex {} {} {}\n", words[at + 1], words[at + 2],
-                   words[at + 3]);
   }
 
   void endFacet() {
-    if (corners_ != 3)
-      fail(fmt::format("facet {} has {} corners instead of three", facetCount_,
-                       std::max(corners_, 0)));
-    corners_ = kOutside;
-    ++facetCount_;
-    plain_ += "endfacet\n";
+    if (cornerCount_ != 3)
+      fail(fmt::format("facet {} has {} corners instead of three", soup_.size(),
+                       cornerCount_ == kOutside ? 0 : cornerCount_));
+    cornerCount_ = kOutside;
+    soup_.add(corners_);
   }
 
   LineReader lines_;
   const std::string& name_;
-  std::string plain_;
-  int corners_ = kOutside;
-  long long facetCount_ = 0;
+  std::vector<std::string_view> words_;
+  std::array<Point, 3> corners_{};
+  std::size_t cornerCount_ = kOutside;
+  FacetSoup soup_;
 };
 
 }  // namespace
@@ -119,33 +180,8 @@ bool isBinaryStl(std::string_view bytes) {
   return lowerCase(trimmed(withoutMark(bytes).substr(0, kCountOffset)).substr(0, 5)) != "solid";
 }
 
-void checkBinaryStl(std::string_view bytes, const std::string& name) {
-  const std::uint64_t count = facetCount(bytes);
-  if (count == 0) throw FileError(fmt::format("{}: not a mesh: no facets", name));
-  const std::uint64_t present = (bytes.size() - kHeaderSize) / kFacetSize;
-  if (present < count)
-    throw FileError(
-        fmt::format("{}: not an STL file, or cut short: {} facets are announced, {} are there",
-                    name, count, present));
-  for (std::uint64_t facet = 0; facet < count; ++facet) {
-    const std::size_t corners = kHeaderSize + kFacetSize * facet + kNormalSize;
-    for (std::size_t k = 0; k < 9; ++k)
-      if (!std::isfinite(valueAt<float>(bytes, corners + 4 * k)))
-        throw MeshError(
-            fmt::format("{}: facet {}: a coordinate of corner {} is not finite; repair the file",
-                        name, facet, k / 3));
-  }
-}
-
-bool hasAttributes(std::string_view bytes) {
-  for (std::uint64_t facet = 0; facet < facetCount(bytes); ++facet)
-    if (valueAt<std::uint16_t>(bytes, kHeaderSize + kFacetSize * facet + kAttributeOffset) != 0)
-      return true;
-  return false;
-}
-
-std::string plainStl(std::string_view text, const std::string& name) {
-  return StlPass(text, name).run();
+PolygonSoup readStl(std::string_view bytes, const std::string& name) {
+  return isBinaryStl(bytes) ? readBinary(bytes, name) : StlText(bytes, name).run();
 }
 
 }  // namespace qelm::tool

@@ -95,9 +95,14 @@ class Splitter {
 
   Triangulation run() {
     Mesh& mesh = result_.mesh;
-    mesh.vertices.reserve(3 * soup_.points.size());
-    for (const Point& p : soup_.points)
-      mesh.vertices.insert(mesh.vertices.end(), p.begin(), p.end());
+    mesh.vertices.resize(3 * soup_.points.size());
+    for (std::size_t v = 0; v < soup_.points.size(); ++v)
+      for (std::size_t k = 0; k < 3; ++k) mesh.vertices[3 * v + k] = soup_.points[v][k];
+    if (areTriangles()) {
+      const int* const corners = soup_.faces[0].data();
+      mesh.triangles.assign(corners, corners + soup_.faces.cornerCount());
+      return std::move(result_);
+    }
     mesh.triangles.reserve(3 * soup_.faces.size());
     for (std::size_t f = 0; f < soup_.faces.size(); ++f) addFace(static_cast<int>(f));
     mesh.leftOutFaces = result_.leftOut.count;
@@ -109,6 +114,15 @@ class Splitter {
   }
 
  private:
+  /// With three different corners each, as in most files: nothing is to be done then.
+  bool areTriangles() const {
+    for (std::size_t f = 0; f < soup_.faces.size(); ++f) {
+      const std::span<const int> c = soup_.faces[f];
+      if (c.size() != 3 || c[0] == c[1] || c[1] == c[2] || c[2] == c[0]) return false;
+    }
+    return !soup_.faces.empty();
+  }
+
   void addFace(int face) {
     const std::span<const int> corners = soup_.faces[static_cast<std::size_t>(face)];
     if (corners.size() == 3 && corners[0] != corners[1] && corners[1] != corners[2] &&

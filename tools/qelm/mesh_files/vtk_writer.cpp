@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "text/text_block.h"
@@ -63,9 +64,17 @@ class VtkXmlWriter {
  private:
   void columns(const char* element, std::span<const VtkColumn> columns) {
     if (columns.empty()) return;
-    block_.text("<{} Scalars=\"{}\">\n", element, columns[0].name);
+    block_.text("<{}", element);
+    // Which of them a program shows at first.
+    for (const auto& [attribute, components] : {std::pair("Scalars", 1), std::pair("Vectors", 3)})
+      for (const VtkColumn& column : columns)
+        if (column.components == components) {
+          block_.text(" {}=\"{}\"", attribute, column.name);
+          break;
+        }
+    block_.text(">\n");
     for (const VtkColumn& column : columns)
-      array(column.name, "Float64", 1, bytesOf(column.values));
+      array(column.name, "Float64", column.components, bytesOf(column.values));
     block_.text("</{}>\n", element);
   }
 
@@ -107,12 +116,12 @@ void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file) {
   VtkXmlWriter(output, kind, file).run();
 }
 
-void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData, bool isGrid,
-                  ByteSink& file) {
+void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file) {
   std::vector<int> ends;
   ends.reserve(static_cast<std::size_t>(mesh.triangleCount()));
   for (int t = 1; t <= mesh.triangleCount(); ++t) ends.push_back(3 * t);
-  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData},
+  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData, cellData},
               isGrid ? VtkKind::kTriangles : VtkKind::kPolygons, file);
 }
 

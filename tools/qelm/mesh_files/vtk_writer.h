@@ -13,6 +13,7 @@ namespace qelm::tool {
 struct VtkColumn {
   std::string name;
   std::span<const double> values;
+  int components = 1;  ///< 3 of vectors, packed xyz
 };
 
 /// Points and the cells of one kind over them.
@@ -34,9 +35,9 @@ enum class VtkKind {
 /// kept, not compressed.
 void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file);
 
-/// A mesh as .vtp or, if `isGrid`, .vtu.
-void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData, bool isGrid,
-                  ByteSink& file);
+/// A mesh as .vtp or, if `isGrid`, .vtu, with numbers of its vertices and of its triangles.
+void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file);
 
 }  // namespace qelm::tool
 

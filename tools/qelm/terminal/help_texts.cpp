@@ -99,7 +99,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                            one); of several components NAME.0, NAME.1 and so on\n"
      "  'curves' and 'view' take several --field: all are in each result, in a drawing with\n"
      "  lines of their own, and on the page there is a choice of them.\n"
-     "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"},
+     "  --fix-file and --load take .npy, too: a value per vertex, nan where none is held.\n"
+     "  For all three, - is the standard input: CSV or a numpy array.\n"},
     {"gradients", "what gradient writes, and solve --gradient",
      "  The gradient says in which direction along the surface a field grows most, and its\n"
      "  length, the slope, by how much on a unit of length. The field is linear on each\n"
@@ -110,9 +111,10 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "                     .npy: (m, 3). That is so unless --per is given\n"
      "    --per vertex     .csv: vertex,x,y,z,value,gx,gy,gz,slope, as 'solve --gradient'\n"
      "                     writes; .npy: (n, 3)\n"
-     "  A .ply has gx, gy, gz and slope as properties of its faces or vertices. 'solve\n"
-     "  --gradient' writes the vertices' columns, also as .npy: value, gx, gy, gz, slope; of\n"
-     "  several fields all values come first, then gx1 and so on.\n"
+     "  A .ply has gx, gy, gz and slope as properties of its faces or vertices; .vtp and .vtu\n"
+     "  have gradient and slope as cell data and as point data. 'solve --gradient' writes the\n"
+     "  vertices' columns, also as .npy: value, gx, gy, gz, slope; of several fields all\n"
+     "  values come first, then gx1 and so on; as .vtp and .vtu what 'gradient' writes.\n"
      "  --field FILE.csv:slope cuts or colours the slope.\n"},
     {"robust", "bad triangles",
      "  --robust takes the weights from a better triangulation of the same surface between\n"
@@ -156,7 +158,9 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "\n"
      "  solve    .csv: the header line vertex,x,y,z,value, then for each vertex its number,\n"
      "           place and value, with the shortest digits that read back as the same doubles\n"
-     "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields.\n"
+     "           With a name that ends in .npy: a numpy array, (n,), or (n, c) of c fields;\n"
+     "           in .vtp or .vtu: the mesh with its field, for VTK\n"
+     "  gradient .csv, .npy, .ply, .vtp and .vtu, see 'qelm help gradients'\n"
      "  heatmap  PATH.obj and PATH.mtl and, beside them, viridis.PNG: the largest value is\n"
      "           yellow, the smallest dark blue. Another --ramp makes magma.PNG or so,\n"
      "           or PATH-ramp.PNG. Files of those names are replaced. Vertices come in the\n"

@@ -13,6 +13,9 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 
+// kBlanks.find() would be a call for each character of large files.
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 // std::from_chars takes no leading plus sign; people and programs write one.
 std::string_view withoutPlus(std::string_view text) {
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
@@ -66,8 +69,11 @@ std::string digits(double value) { return fmt::format("{:.9g}", value); }
 
 std::string digits(double value, double step) {
   constexpr int kMost = 17;
+  constexpr double kLarge = 1e6;
   for (int count = 1; count < kMost; ++count) {
     const std::string text = fmt::format("{:.{}g}", value, count);
+    // 100 rather than 1e+02.
+    if (text.find("e+") != std::string::npos && std::abs(value) < kLarge) continue;
     // Less than half a step away, so that neighbours stay apart.
     if (std::abs(*parseDouble(text) - value) < step / 2) return text;
   }
@@ -86,14 +92,19 @@ std::vector<std::string_view> splitAt(std::string_view text, char separator) {
 
 std::vector<std::string_view> splitAtBlanks(std::string_view text) {
   std::vector<std::string_view> parts;
-  for (std::size_t begin = text.find_first_not_of(kBlanks); begin != std::string_view::npos;
-       begin = text.find_first_not_of(kBlanks)) {
-    text.remove_prefix(begin);
-    const std::size_t end = text.find_first_of(kBlanks);
-    parts.push_back(text.substr(0, end));
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end);
-  }
+  splitAtBlanks(text, parts);
   return parts;
+}
+
+void splitAtBlanks(std::string_view text, std::vector<std::string_view>& parts) {
+  parts.clear();
+  for (std::size_t begin = 0; begin < text.size();) {
+    while (begin < text.size() && isBlank(text[begin])) ++begin;
+    std::size_t end = begin;
+    while (end < text.size() && !isBlank(text[end])) ++end;
+    if (end > begin) parts.push_back(text.substr(begin, end - begin));
+    begin = end;
+  }
 }
 
 std::string_view trimmed(std::string_view text) {

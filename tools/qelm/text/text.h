@@ -27,6 +27,8 @@ std::string digits(double value, double step);
 
 std::vector<std::string_view> splitAt(std::string_view text, char separator);
 std::vector<std::string_view> splitAtBlanks(std::string_view text);
+/// The same into `parts`, in place of what is there: no new memory for every line.
+void splitAtBlanks(std::string_view text, std::vector<std::string_view>& parts);
 std::string_view trimmed(std::string_view text);
 
 /// Adds a character's bytes in UTF-8. `character` is at most 0x10ffff.

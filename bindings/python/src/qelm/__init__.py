@@ -30,6 +30,7 @@ from .isolines import Segments, isoline_segments
 from .meshcheck import Finding, Report, RobustReport, check, check_robust
 from .plotting import plot
 from .prediction import Prediction, predict
+from .spacing import simplified_curves, spaced_levels
 from .system import FactorisationInfo, MeshSystem
 from .viewing import Page, view
 from .welding import Welded, weld
@@ -65,6 +66,8 @@ __all__ = [
     "library_version",
     "plot",
     "predict",
+    "simplified_curves",
+    "spaced_levels",
     "view",
     "weld",
     "write_heat_map",

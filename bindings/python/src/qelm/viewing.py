@@ -125,7 +125,7 @@ def view(
         raise FieldError(f"load: the shape is {loads.shape}, must be ({system.vertex_count},)")
     name = re.sub(r"[^\w .+-]", "_", title).strip(" .") or "field"
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
-        _write_ply(os.path.join(folder, f"{name}.ply"), system.vertices, system.triangles)
+        _tool.write_ply(os.path.join(folder, f"{name}.ply"), system.vertices, system.triangles)
         held = system.fixed if _is_solution(system, array, loads) else np.arange(system.vertex_count)
         _write_pairs(os.path.join(folder, "prescribed values"), held, array)
         arguments = ["view", f"{name}.ply", "--fix-file", "prescribed values", "-o", "page.html", "-q"]
@@ -150,22 +150,6 @@ def _is_solution(
 ) -> bool:
     """Whether the tool, which solves again, would arrive at this field."""
     return not system.info and np.array_equal(system.solve(field, load), field)
-
-
-def _write_ply(path: str, vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32]) -> None:
-    """Binary, so that every coordinate keeps its bits and reading takes no time."""
-    header = (
-        "ply\nformat binary_little_endian 1.0\n"
-        f"element vertex {len(vertices)}\nproperty double x\nproperty double y\nproperty double z\n"
-        f"element face {len(triangles)}\nproperty list uchar int vertex_indices\nend_header\n"
-    )
-    faces = np.empty(len(triangles), np.dtype([("count", "u1"), ("corners", "<i4", 3)]))
-    faces["count"] = 3
-    faces["corners"] = triangles
-    with open(path, "wb") as file:
-        file.write(header.encode("ascii"))
-        file.write(vertices.astype("<f8").tobytes())
-        file.write(faces.tobytes())
 
 
 def _write_pairs(path: str, places: npt.NDArray[Any], values: npt.NDArray[np.float64]) -> None:

@@ -1,4 +1,4 @@
-#include "mesh_files/obj_text.h"
+#include "mesh_files/obj_data.h"
 
 #include <fmt/format.h>
 
@@ -60,13 +60,11 @@ constexpr std::pair<std::string_view, const char*> kOthers[] = {
     {"vt", "texture coordinates"}, {"vn", "normals"}, {"g", "groups"}, {"o", "groups"},
     {"usemtl", "materials"},       {"l", "lines"},    {"p", "points"}, {"s", "smoothing groups"}};
 
-class ObjPass {
+class ObjReader {
  public:
-  ObjPass(std::string_view text, const std::string& name) : lines_(text), name_(name) {
-    plain_.reserve(text.size());
-  }
+  ObjReader(std::string_view text, const std::string& name) : lines_(text), name_(name) {}
 
-  std::string run(Attributes& attributes, std::set<std::string>* passedOver) {
+  PolygonSoup run() {
     std::string joined;
     while (lines_.next()) {
       std::string_view line = lines_.line();
@@ -76,13 +74,13 @@ class ObjPass {
       statement(line.substr(0, line.find('#')), first);
     }
     checkHighest();
+    Attributes& attributes = soup_.attributes;
     attributes.groups = groups_.sets();
     std::vector<VertexSet> objects = objects_.sets();
     attributes.groups.insert(attributes.groups.end(), std::make_move_iterator(objects.begin()),
                              std::make_move_iterator(objects.end()));
     attributes.materials = materials_.sets();
-    if (passedOver != nullptr) passedOver->merge(passedOver_);
-    return std::move(plain_);
+    return std::move(soup_);
   }
 
  private:
@@ -104,13 +102,14 @@ class ObjPass {
   }
 
   void statement(std::string_view line, std::size_t number) {
-    const std::vector<std::string_view> words = splitAtBlanks(line);
+    splitAtBlanks(line, words_);
+    const std::vector<std::string_view>& words = words_;
     if (words.empty()) return;
-    if (words[0] == "v") vertex(words, number);
-    if (words[0] == "f" || words[0] == "fo") face(words, number);
+    if (words[0] == "v") return vertex(words, number);
+    if (words[0] == "f" || words[0] == "fo") return face(words, number);
     const bool isSwitchedOff = words.size() == 2 && (words[1] == "off" || words[1] == "0");
     for (const auto& [keyword, what] : kOthers)
-      if (words[0] == keyword && !(words[0] == "s" && isSwitchedOff)) passedOver_.insert(what);
+      if (words[0] == keyword && !(words[0] == "s" && isSwitchedOff)) soup_.passedOver.insert(what);
     if (words[0] == "g") group(words, number);
     // These take one name, which may have blanks in it.
     if (words[0] == "o") nameFaces(objects_, line, words[0]);
@@ -130,31 +129,30 @@ class ObjPass {
 
   void vertex(const std::vector<std::string_view>& words, std::size_t line) {
     if (words.size() < 4) fail(line, "a vertex needs three coordinates");
+    Point point{};
     for (std::size_t k = 1; k <= 3; ++k) {
       const auto value = parseDouble(words[k]);
       if (!value) fail(line, fmt::format("'{}' is not a coordinate", words[k]));
       if (!std::isfinite(*value))
         failMesh(line, fmt::format("vertex {}: coordinate '{}' is not finite; repair the file",
-                                   vertexCount_, words[k]));
+                                   vertexCount(), words[k]));
+      point[k - 1] = *value;
     }
     constexpr std::size_t kWithColour = 7;  // the keyword, x y z, red green blue
-    if (words.size() >= kWithColour) passedOver_.insert("colours");
-    fmt::format_to(std::back_inserter(plain_), "v {} {} {}\n", words[1], words[2], words[3]);
-    ++vertexCount_;
+    if (words.size() >= kWithColour) soup_.passedOver.insert("colours");
+    soup_.points.push_back(point);
   }
 
   void face(const std::vector<std::string_view>& words, std::size_t line) {
     if (words.size() < 4) fail(line, "a face needs at least three corners");
-    plain_ += 'f';
+    corners_.clear();
     for (std::size_t k = 1; k < words.size(); ++k) {
       const long long index = cornerIndex(words[k], line);
-      fmt::format_to(std::back_inserter(plain_), " {}", index);
       if (index > std::numeric_limits<int>::max()) continue;  // out of range, as is said later
-      for (NamedFaces* faces : {&groups_, &objects_, &materials_})
-        faces->add(static_cast<int>(index) - 1);
+      corners_.push_back(static_cast<int>(index) - 1);
+      for (NamedFaces* faces : {&groups_, &objects_, &materials_}) faces->add(corners_.back());
     }
-    plain_ += '\n';
-    ++faceCount_;
+    soup_.faces.push_back(corners_);
   }
 
   /// The vertex of a corner such as "7", "7/1", "7//3" or "-1/-1/-1", from 1.
@@ -166,37 +164,37 @@ class ObjPass {
       if (*index > highest_.index) highest_ = {*index, line};
       return *index;
     }
-    if (*index < -vertexCount_)
+    if (*index < -vertexCount())
       failMesh(line,
                fmt::format("vertex index {} is out of range: {} vertices come before this line",
-                           *index, vertexCount_));
-    return vertexCount_ + *index + 1;
+                           *index, vertexCount()));
+    return vertexCount() + *index + 1;
   }
 
   void checkHighest() const {
-    if (highest_.index > vertexCount_)
+    if (highest_.index > vertexCount())
       failMesh(highest_.line,
                fmt::format("vertex index {} is out of range: the file has {} vertices",
-                           highest_.index, vertexCount_));
-    if (vertexCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no vertices", name_));
-    if (faceCount_ == 0) throw FileError(fmt::format("{}: not a mesh: no faces", name_));
+                           highest_.index, vertexCount()));
+    if (soup_.points.empty()) throw FileError(fmt::format("{}: not a mesh: no vertices", name_));
+    if (soup_.faces.empty()) throw FileError(fmt::format("{}: not a mesh: no faces", name_));
   }
+
+  long long vertexCount() const { return static_cast<long long>(soup_.points.size()); }
 
   LineReader lines_;
   const std::string& name_;
-  std::string plain_;
-  long long vertexCount_ = 0;
-  long long faceCount_ = 0;
+  std::vector<std::string_view> words_;
+  std::vector<int> corners_;
   HighestIndex highest_;
   NamedFaces groups_, objects_, materials_;
-  std::set<std::string> passedOver_;
+  PolygonSoup soup_;
 };
 
 }  // namespace
 
-std::string plainObj(std::string_view text, const std::string& name, Attributes& attributes,
-                     std::set<std::string>* passedOver) {
-  return ObjPass(text, name).run(attributes, passedOver);
+PolygonSoup readObj(std::string_view text, const std::string& name) {
+  return ObjReader(text, name).run();
 }
 
 }  // namespace qelm::tool
