@@ -9,6 +9,7 @@
 #include "factor/ordering.h"
 #include "factor/panel_kernel.h"
 #include "factor/supernodes.h"
+#include "interface/dependencies.h"
 
 namespace qelm::factor {
 namespace {
@@ -54,8 +55,10 @@ std::int64_t blockedBytes(const EliminationTree& tree) {
          kDouble * (largestPanel + widest * (widest + kBlock));
 }
 
-/// Eigen's own loop: one double and two int for each row.
-std::int64_t eigenBytes(std::int64_t n) { return heapBytes(kDouble * n) + 2 * heapBytes(kInt * n); }
+/// Eigen's own loop.
+std::int64_t eigenBytes(std::int64_t n) {
+  return heapBytes(kDouble * n) + kIntsTakenForWork * heapBytes(kInt * n);
+}
 
 }  // namespace
 
@@ -65,8 +68,9 @@ Cost costOf(std::int64_t matrixEntries, std::int64_t upperEntries, const Elimina
   Cost cost;
   cost.entryCount = tree.entryCount();
   cost.multiplicationCount = tree.multiplicationCount();
-  // L, D, the two permutations, the tree and the counts.
-  cost.keptBytes = bytesOfColumns(n, cost.entryCount) + (kDouble + 4 * kInt) * n;
+  // L, D, the two permutations, the tree, and what Eigen works with.
+  cost.keptBytes =
+      bytesOfColumns(n, cost.entryCount) + (kDouble + (3 + kIntsKeptForWork) * kInt) * n;
   const std::int64_t besides = bytesOfColumns(n, upperEntries) + 2 * kInt * n;  // the tree again
   const std::int64_t working = plan.inBlocks ? blockedBytes(tree) : eigenBytes(n);
   const std::int64_t copy = plan.renumbered ? bytesOfColumns(n, matrixEntries) + kInt * n : 0;

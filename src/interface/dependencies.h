@@ -28,6 +28,17 @@ inline auto exactUnsortedSearch() {
 #endif
 }
 
+/// How many int SimplicialLDLT keeps for each column besides L, D, the two permutations and the
+/// elimination tree: Eigen 3.4 counts entries there, later releases keep their working arrays as
+/// well, which 3.4 takes for the time of a factorisation.
+#if EIGEN_VERSION_AT_LEAST(3, 4, 90)
+inline constexpr int kIntsKeptForWork = 4;
+inline constexpr int kIntsTakenForWork = 0;
+#else
+inline constexpr int kIntsKeptForWork = 1;
+inline constexpr int kIntsTakenForWork = 2;
+#endif
+
 /// What a tree's search may ask of a result set besides worstDist() and addPoint(). Later
 /// releases want the types of numbers named, and would sort if they were asked to.
 struct UnsortedResultSet {

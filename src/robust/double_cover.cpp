@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "interface/index.h"
 #include "mesh/vec3.h"
 #include "robust/edge_fan.h"
 #include "robust/mesh_edges.h"
@@ -13,6 +14,49 @@
 namespace qelm {
 namespace {
 
+/// Union-find over triangles: the root of a part is its first triangle, and each triangle knows
+/// whether it is turned over against that one.
+class OrientedParts {
+ public:
+  explicit OrientedParts(std::size_t triangleCount) : links_(triangleCount) {
+    for (std::size_t t = 0; t < triangleCount; ++t) links_[t] = linkTo(t, 0);
+  }
+
+  /// Joins two triangles that share an edge, and of which one must be turned over if they
+  /// `disagree`. False if one part has both already, and has them otherwise.
+  bool unite(std::int32_t a, std::int32_t b, bool disagree) {
+    const std::uint32_t rootA = root(a), rootB = root(b);
+    const std::uint32_t turned = (rootA ^ rootB ^ (disagree ? 1 : 0)) & 1;
+    const std::uint32_t low = std::min(rootA / 2, rootB / 2), high = std::max(rootA / 2, rootB / 2);
+    if (low == high) return turned == 0;
+    links_[high] = linkTo(low, turned);
+    return true;
+  }
+
+  bool isTurned(std::int32_t triangle) { return root(triangle) % 2 != 0; }
+
+ private:
+  static std::uint32_t linkTo(std::size_t triangle, std::uint32_t turned) {
+    return 2 * static_cast<std::uint32_t>(triangle) + turned;
+  }
+
+  /// The link from a triangle to its root. Halves the path.
+  std::uint32_t root(std::int32_t triangle) {
+    std::uint32_t here = linkTo(asIndex(triangle), 0);
+    while (links_[here / 2] / 2 != here / 2) {
+      std::uint32_t& link = links_[here / 2];
+      link = links_[link / 2] ^ (link & 1);
+      here = link ^ (here & 1);
+    }
+    return here;
+  }
+
+  /// Twice the number of a triangle of the part that is no higher, and 1 if the two are turned
+  /// against each other.
+  std::vector<std::uint32_t> links_;
+};
+
+/// Fills in the twins.
 class Gluing {
  public:
   Gluing(std::int32_t taggedCount, std::span<const double> coordinates,
@@ -25,39 +69,43 @@ class Gluing {
     if (cover.sheets == 1) return;
     isTurned_.assign(triangles_.size() / 3, false);
     cover.twin.assign(2 * triangles_.size(), DoubleCover::kNone);
-    edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      if (isPrescribed(sides)) return;
-      if (sides.size() < 3) {
-        glueRound(cover, lowerEnd, sides);
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      if (halfEdges.size() < 3) {
+        glueAround(cover, lowerVertex, halfEdges);
       } else {
-        glueRound(cover, lowerEnd, sortedRound(lowerEnd, sides));
+        glueAround(cover, lowerVertex, sortedAround(lowerVertex, halfEdges));
       }
     });
   }
 
-  /// Whether the front of a triangle runs through its corners the other way.
+  /// Whether the front of a triangle is turned over.
   bool isTurned(std::size_t triangle) const { return isTurned_[triangle]; }
 
  private:
-  /// If its higher end is, its lower one is as well.
-  bool isPrescribed(std::span<const Side> sides) const { return sides[0].higherEnd < taggedCount_; }
+  /// Whether both ends of an edge are prescribed. Prescribed vertices come first in system order,
+  /// so the higher vertex decides.
+  bool isPrescribed(std::span<const MeshHalfEdge> halfEdges) const {
+    return halfEdges[0].higherVertex < taggedCount_;
+  }
 
-  /// Glues fronts to fronts if every edge that is not prescribed has two triangles, and some of
-  /// them can be turned so that all run through their edges in opposite directions.
+  /// Glues fronts to fronts, with some triangles turned over, if every edge that is not prescribed
+  /// has two triangles and each part of the mesh is orientable. False if not.
   bool glueOneSheet(DoubleCover& cover, const MeshEdges& edges) {
     bool inPairs = true;
     bool opposed = true;
     cover.twin.assign(triangles_.size(), DoubleCover::kNone);
-    edges.forEach([&](std::int32_t lowerEnd, std::span<const Side> sides) {
-      if (isPrescribed(sides)) return;
-      inPairs = inPairs && sides.size() == 2;
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      inPairs = inPairs && halfEdges.size() == 2;
       if (!inPairs) return;
-      glue(cover, sides[0].side, sides[1].side);
-      opposed = opposed && startsAt(lowerEnd, sides[0].side) != startsAt(lowerEnd, sides[1].side);
+      glue(cover, halfEdges[0].number, halfEdges[1].number);
+      opposed = opposed && startsAt(lowerVertex, halfEdges[0].number) !=
+                               startsAt(lowerVertex, halfEdges[1].number);
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
-    if (!turnTriangles(cover)) return false;
+    if (!turnTriangles(edges)) return false;
     for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
       if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
     }
@@ -68,39 +116,23 @@ class Gluing {
     return true;
   }
 
-  /// From one triangle to the next over their edges; the first one of each part stays as it is.
-  /// False if some part has only one side.
-  bool turnTriangles(const DoubleCover& cover) {
-    std::vector<bool> isKnown(isTurned_.size());
-    std::vector<std::int32_t> reached;
-    for (std::size_t first = 0; first < isKnown.size(); ++first) {
-      if (isKnown[first]) continue;
-      isKnown[first] = true;
-      reached.push_back(static_cast<std::int32_t>(first));
-      while (!reached.empty()) {
-        const std::int32_t here = reached.back();
-        reached.pop_back();
-        for (std::int32_t side = 3 * here; side < 3 * here + 3; ++side) {
-          const std::int32_t beyond = cover.twin[asIndex(side)];
-          if (beyond == DoubleCover::kNone) continue;
-          const std::int32_t there = beyond / 3;
-          const bool disagree = triangles_[asIndex(side)] == triangles_[asIndex(beyond)];
-          const bool turned = isTurned(asIndex(here)) != disagree;
-          if (!isKnown[asIndex(there)]) {
-            isKnown[asIndex(there)] = true;
-            isTurned_[asIndex(there)] = turned;
-            reached.push_back(there);
-          } else if (isTurned(asIndex(there)) != turned) {
-            return false;
-          }
-        }
-      }
-    }
-    return true;
+  /// Decides which triangles are turned over; the first one of each part stays as it is. False if a
+  /// part is not orientable.
+  bool turnTriangles(const MeshEdges& edges) {
+    OrientedParts parts(isTurned_.size());
+    bool areOrientable = true;
+    edges.forEach([&](std::int32_t lowerEnd, std::span<const MeshHalfEdge> halfEdges) {
+      if (isPrescribed(halfEdges)) return;
+      const std::int32_t g = halfEdges[0].number, h = halfEdges[1].number;
+      areOrientable &= parts.unite(g / 3, h / 3, startsAt(lowerEnd, g) == startsAt(lowerEnd, h));
+    });
+    for (std::size_t t = 0; areOrientable && t < isTurned_.size(); ++t)
+      isTurned_[t] = parts.isTurned(asInt(t));
+    return areOrientable;
   }
 
-  bool startsAt(std::int32_t vertex, std::int32_t side) const {
-    return triangles_[asIndex(side)] == vertex;
+  bool startsAt(std::int32_t vertex, std::int32_t halfEdge) const {
+    return triangles_[asIndex(halfEdge)] == vertex;
   }
 
   static void glue(DoubleCover& cover, DoubleCover::HalfEdge g, DoubleCover::HalfEdge h) {
@@ -108,15 +140,16 @@ class Gluing {
     cover.twin[asIndex(h)] = g;
   }
 
-  /// Glues the side of each triangle that looks towards the next one round the edge, to
-  /// the side of that one that looks back. A triangle that runs through the edge as its
-  /// axis does, from the lower to the higher end, has its front in that direction.
-  void glueRound(DoubleCover& cover, std::int32_t lowerEnd, std::span<const Side> sides) const {
-    for (std::size_t i = 0; i < sides.size(); ++i) {
-      const std::int32_t here = sides[i].side;
-      const std::int32_t there = sides[i + 1 == sides.size() ? 0 : i + 1].side;
-      glue(cover, startsAt(lowerEnd, here) ? here : cover.back(here),
-           startsAt(lowerEnd, there) ? cover.back(there) : there);
+  /// Glues the face of each triangle that looks at the next triangle around the edge to the face of
+  /// that one that looks back. The front looks at the next triangle if the half-edge leads from the
+  /// lower to the higher vertex.
+  void glueAround(DoubleCover& cover, std::int32_t lowerVertex,
+                  std::span<const MeshHalfEdge> halfEdges) const {
+    for (std::size_t i = 0; i < halfEdges.size(); ++i) {
+      const std::int32_t here = halfEdges[i].number;
+      const std::int32_t there = halfEdges[i + 1 == halfEdges.size() ? 0 : i + 1].number;
+      glue(cover, startsAt(lowerVertex, here) ? here : cover.back(here),
+           startsAt(lowerVertex, there) ? cover.back(there) : there);
     }
   }
 
@@ -125,16 +158,17 @@ class Gluing {
             coordinates_[3 * asIndex(v) + 2]};
   }
 
-  std::span<const Side> sortedRound(std::int32_t lowerEnd, std::span<const Side> sides) {
-    blades_.clear();
-    for (const Side& s : sides) {
-      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(s.side))];
-      blades_.push_back({s.side, point(apex)});
+  std::span<const MeshHalfEdge> sortedAround(std::int32_t lowerVertex,
+                                             std::span<const MeshHalfEdge> halfEdges) {
+    fan_.clear();
+    for (const MeshHalfEdge& h : halfEdges) {
+      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(h.number))];
+      fan_.push_back({h.number, point(apex)});
     }
-    const std::int32_t higherEnd = sides[0].higherEnd;
-    sortRoundEdge(point(lowerEnd), point(higherEnd), blades_);
+    const std::int32_t higherVertex = halfEdges[0].higherVertex;
+    sortAroundEdge(point(lowerVertex), point(higherVertex), fan_);
     sorted_.clear();
-    for (const FanBlade& blade : blades_) sorted_.push_back({higherEnd, blade.side});
+    for (const FanTriangle& triangle : fan_) sorted_.push_back({higherVertex, triangle.halfEdge});
     return sorted_;
   }
 
@@ -142,12 +176,12 @@ class Gluing {
   std::span<const double> coordinates_;
   std::span<const std::int32_t> triangles_;
   std::vector<bool> isTurned_;
-  std::vector<FanBlade> blades_;
-  std::vector<Side> sorted_;
+  std::vector<FanTriangle> fan_;
+  std::vector<MeshHalfEdge> sorted_;
 };
 
-/// Corner k of a triangle is opposite its half-edge k + 1.
-void placeTriangle(DoubleCover& cover, std::size_t triangle,
+/// Fills in origins and cotangents. Corner k of a triangle is opposite its half-edge k + 1.
+void writeTriangle(DoubleCover& cover, std::size_t triangle,
                    const std::array<std::int32_t, 3>& corners, const std::array<double, 3>& shape) {
   for (std::size_t k = 0; k < 3; ++k) {
     const std::size_t front = 3 * triangle + k;
@@ -180,8 +214,8 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
                                            triangles[3 * j + 2]};
     if (gluing.isTurned(j)) std::swap(corners[1], corners[2]);
     const Cotangents shape = cotangentsOf(point(corners[0]), point(corners[1]), point(corners[2]));
-    cover.raisedTriangles += shape.raised ? 1 : 0;
-    placeTriangle(cover, j, corners, shape.at);
+    cover.flatTriangles += shape.wasFlat ? 1 : 0;
+    writeTriangle(cover, j, corners, shape.at);
   }
   return cover;
 }

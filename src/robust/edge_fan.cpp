@@ -7,8 +7,8 @@
 namespace qelm {
 namespace {
 
-/// The direction from a to b, of a size around 1; 0 if they are equal. Halves first: the
-/// difference of two coordinates may be too large for a double.
+/// The direction from a to b, with a largest component around 1; 0 if they are equal. Coordinates
+/// are halved first: their difference could overflow.
 Vec3 directionOf(Vec3 a, Vec3 b) {
   const Vec3 half = {b.x / 2 - a.x / 2, b.y / 2 - a.y / 2, b.z / 2 - a.z / 2};
   int exponent = 0;
@@ -17,8 +17,8 @@ Vec3 directionOf(Vec3 a, Vec3 b) {
           std::ldexp(half.z, -exponent)};
 }
 
-/// Two vectors at right angles to the axis and to each other. That they are not of one
-/// length changes angles, but not their order.
+/// Two vectors at right angles to the axis and to each other. Their different lengths change
+/// angles, but not the order of angles.
 struct Frame {
   Vec3 u, v;
 };
@@ -32,7 +32,7 @@ Frame frameAround(Vec3 axis) {
   return {u, cross(axis, u)};
 }
 
-/// Grows with the angle of (x, y), from -2 to 2; 0 for no direction at all.
+/// Grows with the angle of (x, y), from -2 to 2; 0 for (0, 0).
 double pseudoAngle(double x, double y) {
   const double size = std::fabs(x) + std::fabs(y);
   if (size == 0) return 0;
@@ -43,33 +43,33 @@ double pseudoAngle(double x, double y) {
 
 }  // namespace
 
-// The axis leads from the end that is first in space, whichever is called a, so that the
-// same numbers are compared; the other way round the order is the reverse.
-void sortRoundEdge(Vec3 a, Vec3 b, std::vector<FanBlade>& blades) {
-  const bool turned = std::tie(b.x, b.y, b.z) < std::tie(a.x, a.y, a.z);
-  const Vec3 start = turned ? b : a;
-  const Vec3 axis = directionOf(start, turned ? a : b);
+// The axis starts at the end with the lower coordinates, whichever is called a, so that the same
+// numbers are compared in both cases. If that is b, the order is reversed.
+void sortAroundEdge(Vec3 a, Vec3 b, std::vector<FanTriangle>& fan) {
+  const bool reversed = std::tie(b.x, b.y, b.z) < std::tie(a.x, a.y, a.z);
+  const Vec3 start = reversed ? b : a;
+  const Vec3 axis = directionOf(start, reversed ? a : b);
   const Frame frame = frameAround(axis);
   const auto angleOf = [&](Vec3 apex) {
     const Vec3 towards = directionOf(start, apex);
     return pseudoAngle(dot(frame.u, towards), dot(frame.v, towards));
   };
-  struct Placed {
+  struct AtAngle {
     double angle;
-    FanBlade blade;
+    FanTriangle triangle;
   };
-  std::vector<Placed> placed;
-  placed.reserve(blades.size());
-  for (const FanBlade& blade : blades) placed.push_back({angleOf(blade.apex), blade});
-  std::sort(placed.begin(), placed.end(), [](const Placed& p, const Placed& q) {
-    const Vec3 c = p.blade.apex;
-    const Vec3 d = q.blade.apex;
-    return std::tie(p.angle, c.x, c.y, c.z, p.blade.side) <
-           std::tie(q.angle, d.x, d.y, d.z, q.blade.side);
+  std::vector<AtAngle> sorted;
+  sorted.reserve(fan.size());
+  for (const FanTriangle& triangle : fan) sorted.push_back({angleOf(triangle.apex), triangle});
+  std::sort(sorted.begin(), sorted.end(), [](const AtAngle& p, const AtAngle& q) {
+    const Vec3 c = p.triangle.apex;
+    const Vec3 d = q.triangle.apex;
+    return std::tie(p.angle, c.x, c.y, c.z, p.triangle.halfEdge) <
+           std::tie(q.angle, d.x, d.y, d.z, q.triangle.halfEdge);
   });
-  if (turned) std::reverse(placed.begin(), placed.end());
-  std::transform(placed.begin(), placed.end(), blades.begin(),
-                 [](const Placed& p) { return p.blade; });
+  if (reversed) std::reverse(sorted.begin(), sorted.end());
+  std::transform(sorted.begin(), sorted.end(), fan.begin(),
+                 [](const AtAngle& p) { return p.triangle; });
 }
 
 }  // namespace qelm

@@ -1,4 +1,14 @@
-// The order of triangles round an edge that three or more of them share.
+// The edge fan: the cyclic order of the triangles around an edge that three or more of them share.
+//
+// In: the edge's two points, and each triangle's apex, the corner off the edge. Out: the triangles
+// sorted by their angle around the edge. Seen along the edge:
+//
+//      1 \   | 0
+//         \  |             order 0, 1, 2, wherever it starts
+//          \ |______ 2
+//
+// Angles are compared by y / (|x| + |y|), which grows as they do: the functions of mathematical
+// libraries, which differ between systems, decide nothing.
 #ifndef QELM_ROBUST_EDGE_FAN_H
 #define QELM_ROBUST_EDGE_FAN_H
 
@@ -10,21 +20,17 @@
 
 namespace qelm {
 
-/// A triangle at an edge, known by one of its sides, and its corner off the edge.
-struct FanBlade {
-  std::int32_t side;
+/// A triangle at an edge, given by its half-edge there, and its apex.
+struct FanTriangle {
+  std::int32_t halfEdge;
   Vec3 apex;
 };
 
-/// Sorts the triangles at the edge from a to b by their angle round it, counter-clockwise
-/// as seen from b. Where the order starts has no meaning. Triangles at the same angle are
-/// ordered by the coordinates of their apex, and so are all those at an edge without
-/// length; only apexes at one place by their sides' numbers. So the cyclic order depends
-/// on places alone, not on numbers, as far as places tell vertices apart.
-///
-/// Angles are compared by y / (|x| + |y|), which grows as they do, so that no function of
-/// the mathematical library, different on each system, decides.
-void sortRoundEdge(Vec3 a, Vec3 b, std::vector<FanBlade>& blades);
+/// Sorts the triangles at the edge from a to b by their angle around it, counter-clockwise as seen
+/// from b. The first one has no meaning. Triangles at the same angle, and all triangles at an edge
+/// without length, are sorted by the coordinates of their apexes, and those with equal apexes by
+/// their half-edges' numbers. So the cyclic order depends on numbers only where apexes coincide.
+void sortAroundEdge(Vec3 a, Vec3 b, std::vector<FanTriangle>& fan);
 
 }  // namespace qelm
 

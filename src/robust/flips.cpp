@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "interface/index.h"
 #include "robust/triangle_shape.h"
 
 namespace qelm {
@@ -13,22 +14,22 @@ namespace {
 
 using HalfEdge = DoubleCover::HalfEdge;
 
-/// The cotangents of a face with the edge ab, by corner; `apex` is the third one.
+/// The cotangents of a face with the edge ab; `apex` is the third corner.
 struct AtCorners {
   double a, b, apex;
 };
 
-/// cot(a) + cot(b), which is the length of ab over the height on it. Where one of the two
-/// is negative, by the identity ab + bc + ca = 1 of a triangle's cotangents: without
-/// cancellation.
+/// cot(a) + cot(b), which is the length of ab over the height on it. If one of the two is negative,
+/// the sum follows without cancellation from the identity cot a cot b + cot b cot c + cot c cot a =
+/// 1 of a triangle.
 double baseOverHeight(const AtCorners& c) {
   if (c.a < 0) return (1 + c.b * c.b) / (c.b + c.apex);
   if (c.b < 0) return (1 + c.a * c.a) / (c.a + c.apex);
   return c.a + c.b;
 }
 
-/// Of the face at corner a after the flip: at c, at d and at a, where the angles of the two
-/// faces have become one. `ratio` is the height of c over that of d.
+/// The cotangents of the new face with corner a, at c, at d and at a, where the angles of the two
+/// old faces add up. `ratio` is the height of c over that of d, over the line ab.
 ///
 ///   cot(a1 + a2) = (A1 A2 - 1) / (A1 + A2), and the base line dc divides its height over
 ///   a by the law of sines, likewise over A1 + A2.
@@ -44,20 +45,20 @@ class Flipper {
   explicit Flipper(DoubleCover& cover) : cover_(cover), isQueued_(cover.size()) {}
 
   Flips run(std::int64_t limit) {
-    const std::int64_t badEdges = enqueueBadEdges();
+    const std::int64_t notDelaunayEdges = enqueueNotDelaunay();
     std::int64_t done = 0;
-    while (!later_.empty()) {
-      now_.swap(later_);
-      later_.clear();
-      for (const HalfEdge h : now_) {
+    while (!nextQueue_.empty()) {
+      queue_.swap(nextQueue_);
+      nextQueue_.clear();
+      for (const HalfEdge h : queue_) {
         isQueued_[asIndex(h)] = false;
-        if (cover_.twin[asIndex(h)] == DoubleCover::kNone || !isBad(h)) continue;
-        if (done == limit) return {badEdges, done, false};
+        if (cover_.twin[asIndex(h)] == DoubleCover::kNone || !isNotDelaunay(h)) continue;
+        if (done == limit) return {notDelaunayEdges, done, false};
         flip(h);
         ++done;
       }
     }
-    return {badEdges, done, true};
+    return {notDelaunayEdges, done, true};
   }
 
  private:
@@ -68,21 +69,25 @@ class Flipper {
                      std::fabs(cotangent(DoubleCover::previous(h)))});
   }
 
-  bool isBad(HalfEdge h) const {
+  bool isNotDelaunay(HalfEdge h) const {
     const HalfEdge g = cover_.twin[asIndex(h)];
     const double sum = cotangent(h) + cotangent(g);
-    if (sum >= -kBadSum || h / 3 == g / 3) return false;
-    return sum < -(kBadSum + kBadSumShare * std::max(largestInFace(h), largestInFace(g)));
+    if (sum >= -kDelaunayMargin || h / 3 == g / 3) return false;
+    return sum <
+           -(kDelaunayMargin + kDelaunayMarginShare * std::max(largestInFace(h), largestInFace(g)));
   }
 
-  /// Counts them on the triangles' fronts, where an edge of two triangles is seen twice.
-  std::int64_t enqueueBadEdges() {
+  /// Counts edges by the half-edges of the fronts: an edge of two triangles has two.
+  std::int64_t enqueueNotDelaunay() {
     std::int64_t seen = 0;
     for (HalfEdge h = 0; asIndex(h) < cover_.size(); ++h) {
       const HalfEdge g = cover_.twin[asIndex(h)];
-      if (g == DoubleCover::kNone || !isBad(h)) continue;
-      if (h < g) enqueue(h);
-      if (h < cover_.fronts()) seen += g == cover_.back(h) ? 2 : 1;
+      if (g < h || !isNotDelaunay(h)) continue;  // without twin, or seen from there
+      enqueue(h);
+      if (g < cover_.fronts() || (h < cover_.fronts() && g == cover_.back(h)))
+        seen += 2;
+      else if (h < cover_.fronts())
+        seen += 1;
     }
     return (seen + 1) / 2;
   }
@@ -90,7 +95,7 @@ class Flipper {
   void enqueue(HalfEdge h) {
     if (isQueued_[asIndex(h)]) return;
     isQueued_[asIndex(h)] = true;
-    later_.push_back(h);
+    nextQueue_.push_back(h);
   }
 
   void setFace(HalfEdge first, std::int32_t origin0, std::int32_t origin1, std::int32_t origin2,
@@ -104,9 +109,9 @@ class Flipper {
     }
   }
 
-  /// h leads from a to b with c at its left and d at its right; it and its twin g become
-  /// dc and cd. Half-edges keep their faces' numbers, so the outer four move round by one:
-  /// ca and ad stay at h's face, db and bc at g's.
+  /// h leads from a to b with c at its left and d at its right; h and its twin g become dc and cd.
+  /// The face of h becomes d, c, a, that of g becomes c, d, b: the four outer half-edges move on by
+  /// one place, ca and ad to the face of h, db and bc to that of g.
   void flip(HalfEdge h) {
     const HalfEdge g = cover_.twin[asIndex(h)];
     const HalfEdge bc = DoubleCover::next(h);
@@ -126,19 +131,19 @@ class Flipper {
     moveTwins({bc, ca, ad, db}, {db, bc, ca, ad});
     setFace(h, d, c, a, {faceA.at[2], faceA.at[1], faceA.at[0]});
     setFace(g, c, d, b, {faceB.at[2], faceB.at[0], faceB.at[1]});
-    // The edge itself, too: it is good as it comes, but heights may have been raised.
+    // The new edge, too: it is Delaunay, but not always if heights were raised.
     for (const HalfEdge edge : {bc, ca, ad, db, h}) {
-      if (cover_.twin[asIndex(edge)] != DoubleCover::kNone && isBad(edge)) enqueue(edge);
+      if (cover_.twin[asIndex(edge)] != DoubleCover::kNone && isNotDelaunay(edge)) enqueue(edge);
     }
   }
 
-  /// Half-edge from[i] becomes to[i]; some of them may be each other's twins.
+  /// Half-edge from[i] becomes to[i]. Some of them may be each other's twins.
   void moveTwins(const std::array<HalfEdge, 4>& from, const std::array<HalfEdge, 4>& to) {
     std::array<HalfEdge, 4> twins;
     for (std::size_t i = 0; i < 4; ++i) {
       twins[i] = cover_.twin[asIndex(from[i])];
       const auto moved = std::find(from.begin(), from.end(), twins[i]);
-      if (moved != from.end()) twins[i] = to[static_cast<std::size_t>(moved - from.begin())];
+      if (moved != from.end()) twins[i] = to[asIndex(moved - from.begin())];
     }
     for (std::size_t i = 0; i < 4; ++i) {
       cover_.twin[asIndex(to[i])] = twins[i];
@@ -148,12 +153,12 @@ class Flipper {
 
   DoubleCover& cover_;
   std::vector<bool> isQueued_;
-  std::vector<HalfEdge> now_;  // first in, first out, in two halves
-  std::vector<HalfEdge> later_;
+  std::vector<HalfEdge> queue_;  ///< first in, first out: this array, then the next one
+  std::vector<HalfEdge> nextQueue_;
 };
 
 }  // namespace
 
-Flips flipBadEdges(DoubleCover& cover, std::int64_t limit) { return Flipper(cover).run(limit); }
+Flips flipToDelaunay(DoubleCover& cover, std::int64_t limit) { return Flipper(cover).run(limit); }
 
 }  // namespace qelm

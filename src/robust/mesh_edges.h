@@ -1,4 +1,14 @@
-// The sides of a mesh's triangles, gathered by edge.
+// The half-edges of a mesh grouped by edge.
+//
+// In: triangles. Half-edge 3 t + k leads from corner k of triangle t to the next corner. Out: the
+// half-edges sorted by their lower vertex, their higher vertex and their own number: by counting
+// sort into a bucket for each lower vertex, then each bucket, which is small, by itself. Linear.
+//
+//   triangles (0,1,2) (0,2,3)    half-edges 0:0-1 1:1-2 2:2-0 3:0-2 4:2-3 5:3-0
+//
+//   bucket 0   (1: 0) (2: 2) (2: 3) (3: 5)      (higher vertex: half-edge)
+//   bucket 1   (2: 1)
+//   bucket 2   (3: 4)                           edge 0-2 has half-edges 2 and 3
 #ifndef QELM_ROBUST_MESH_EDGES_H
 #define QELM_ROBUST_MESH_EDGES_H
 
@@ -7,41 +17,39 @@
 #include <span>
 #include <vector>
 
+#include "interface/index.h"
+
 namespace qelm {
 
-/// Side 3 t + k of triangle t leads from its k-th corner to the next one.
-struct Side {
-  std::int32_t higherEnd;
-  std::int32_t side;
+/// A half-edge in the bucket of its lower vertex.
+struct MeshHalfEdge {
+  std::int32_t higherVertex;
+  std::int32_t number;
 };
 
-/// Every side of every triangle, sorted by lower end, then higher end, then number: sorted
-/// into buckets of equal lower end by counting, and each small bucket by itself.
-///
-///   triangles (0,1,2) (0,2,3)     sides 0:0-1 1:1-2 2:2-0 3:0-2 4:2-3 5:3-0
-///   bucket 0: (1: 0) (2: 2) (2: 3) (3: 5)    1: (2: 1)    2: (3: 4)
 class MeshEdges {
  public:
   MeshEdges(std::size_t vertexCount, std::span<const std::int32_t> triangles);
 
-  /// visit(lowerEnd, sides) for each edge, in ascending order of its ends.
+  /// Calls visit(lowerVertex, halfEdges) for each edge, in ascending order of its vertices.
   template <class Visit>
   void forEach(Visit visit) const {
     std::size_t first = 0;
     for (std::size_t v = 0; v + 1 < starts_.size(); ++v) {
       while (first < starts_[v + 1]) {
         std::size_t end = first + 1;
-        while (end < starts_[v + 1] && sides_[end].higherEnd == sides_[first].higherEnd) ++end;
-        visit(static_cast<std::int32_t>(v),
-              std::span<const Side>(sides_.data() + first, end - first));
+        while (end < starts_[v + 1] &&
+               halfEdges_[end].higherVertex == halfEdges_[first].higherVertex)
+          ++end;
+        visit(asInt(v), std::span<const MeshHalfEdge>(halfEdges_.data() + first, end - first));
         first = end;
       }
     }
   }
 
  private:
-  std::vector<std::size_t> starts_;
-  std::vector<Side> sides_;
+  std::vector<std::size_t> starts_;  ///< of each bucket
+  std::vector<MeshHalfEdge> halfEdges_;
 };
 
 }  // namespace qelm

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/edge_sums.h"
 
 namespace qelm {
@@ -13,9 +14,9 @@ namespace {
 
 using HalfEdge = DoubleCover::HalfEdge;
 
-/// NaN is above nothing, but not finite.
+/// Tests for finite numbers first: NaN is not greater than anything.
 template <class IsDiagonal>
-bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
+bool isNonnegativeBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
   for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
     for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
       if (!std::isfinite(entry.value())) return false;
@@ -25,24 +26,29 @@ bool isGoodBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
   return true;
 }
 
-/// Leaves each edge's weight at one of its half-edges and 0 at the other, in place of the
-/// cotangents. An edge from a vertex to itself has none, and one without twin ties two
-/// prescribed vertices: its weight is in no free row.
-void turnIntoWeights(DoubleCover& cover) {
+/// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
+/// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
+/// free row. Returns, for each vertex, of how many edges with a weight it is the higher one.
+std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::size_t vertexCount) {
+  std::vector<std::uint32_t> higherEnds(vertexCount);
   const double share = 0.5 / cover.sheets;
   for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
     const HalfEdge g = cover.twin[asIndex(h)];
     if (g > h) continue;
     double weight = 0;
-    if (g != DoubleCover::kNone && cover.origin[asIndex(h)] != cover.origin[asIndex(g)]) {
-      weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+    if (g != DoubleCover::kNone) {
+      const std::int32_t a = cover.origin[asIndex(h)], b = cover.origin[asIndex(g)];
+      if (a != b)
+        weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
+      if (weight > 0) ++higherEnds[asIndex(std::max(a, b))];
+      cover.cotangent[asIndex(g)] = 0;
     }
     cover.cotangent[asIndex(h)] = weight;
-    if (g != DoubleCover::kNone) cover.cotangent[asIndex(g)] = 0;
   }
+  return higherEnds;
 }
 
-/// visit(a, b, weight) for each edge that has one.
+/// Calls visit(a, b, weight) for each edge whose weight is not 0.
 template <class Visit>
 void forEachWeight(const DoubleCover& weighted, Visit visit) {
   for (HalfEdge h = 0; asIndex(h) < weighted.origin.size(); ++h) {
@@ -54,20 +60,17 @@ void forEachWeight(const DoubleCover& weighted, Visit visit) {
 
 }  // namespace
 
-bool isGood(const FreeRowBlocks& plain) {
+bool hasNonnegativeWeights(const FreeRowBlocks& plain) {
   using Eigen::Index;
-  return isGoodBlock(plain.freeFree, [](Index row, Index column) { return row == column; }) &&
-         isGoodBlock(plain.freeFixed, [](Index, Index) { return false; });
+  return isNonnegativeBlock(plain.freeFree,
+                            [](Index row, Index column) { return row == column; }) &&
+         isNonnegativeBlock(plain.freeFixed, [](Index, Index) { return false; });
 }
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
                          std::span<const std::int32_t> triangles) {
-  turnIntoWeights(cover);
+  std::vector<std::uint32_t> higherEnds = replaceCotangentsByWeights(cover, vertexCount);
   std::vector<HalfEdge>().swap(cover.twin);
-  std::vector<std::uint32_t> higherEnds(vertexCount);
-  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) {
-    ++higherEnds[asIndex(std::max(a, b))];
-  });
   EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     sums.add(a, b, -weight);

@@ -1,4 +1,11 @@
 // The free rows of the stiffness matrix with weights that are never negative.
+//
+// In: a cover whose edges are all Delaunay. Out: the two blocks of the rows of free vertices,
+// summed over the cover's edges as the plain assembly sums over triangles:
+//
+//   edge ij with the opposite cotangents c and c', on s sheets      w = (c + c') / (2 s)
+//
+//   K_ij -= w,  K_ii += w,  K_jj += w
 #ifndef QELM_ROBUST_ROBUST_ROWS_H
 #define QELM_ROBUST_ROBUST_ROWS_H
 
@@ -10,21 +17,17 @@
 
 namespace qelm {
 
-/// Whether a plain matrix has nothing that wants repair, unless triangles are steep: all
-/// entries of free rows are finite, and none off the diagonal is above kRoundingOfPlain.
+/// Whether the plain matrix can stay if no triangle is steep: all entries of its free rows are
+/// finite, and none off the diagonal is above kRoundingOfPlain.
 ///
-/// Edges on a circle, such as the diagonals of a regular grid, have weight 0. What rounding
-/// makes of it is below 1e-12 where no triangle is steep or far from the origin.
-bool isGood(const FreeRowBlocks& plain);
+/// Edges whose triangles share a circumcircle, such as the diagonals of a regular grid, have weight
+/// 0. Rounding moves it by less than 1e-12 where no triangle is steep or far from the origin.
+bool hasNonnegativeWeights(const FreeRowBlocks& plain);
 constexpr double kRoundingOfPlain = 1e-12;
 
-/// K_ij = -w_ij with w_ij = (cot + cot') / 2 over the edges from i to j, halved where there
-/// are two sheets, and K_ii the sum of row i's weights. Edges that are bad within rounding
-/// count as 0, so that no entry off the diagonal is positive; weights of 0 leave no entry.
-///
-/// `triangles` are those that the cover was made of, higherEnds as in SystemTriangles a
-/// table of one number for each vertex, whatever it holds. Beyond the result and what is
-/// left of the cover, 36 bytes for each triangle and sheet.
+/// The blocks for the cover of `triangles`. Weights that are negative within rounding count as 0,
+/// so that no entry off the diagonal is positive; weights of 0 leave no entry. Takes 36 bytes for
+/// each triangle and sheet beside the result and three quarters of the cover.
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
                          std::span<const std::int32_t> triangles);
 

@@ -4,10 +4,11 @@
 #include <cmath>
 #include <utility>
 
+#include "interface/index.h"
 #include "robust/double_cover.h"
 #include "robust/flips.h"
-#include "robust/places_order.h"
 #include "robust/robust_rows.h"
+#include "robust/spatial_order.h"
 #include "solve/field_bounds.h"
 
 namespace qelm {
@@ -18,7 +19,7 @@ bool areFinite(std::span<const double> coordinates) {
                      [](double c) { return std::isfinite(c); });
 }
 
-/// Those after the tagged ones, numbered from 0.
+/// The free vertices of `order`, counted from 0.
 std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
                                        std::int32_t taggedCount) {
   std::vector<std::int32_t> free(order.begin() + taggedCount, order.end());
@@ -26,15 +27,15 @@ std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
   return free;
 }
 
-/// What assembling plain rows would say of the triangles.
+/// The status with which assembleFreeRows() would refuse the triangles.
 int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<bool> isUsed(vertexCount);
+  std::vector<char> isUsed(vertexCount);
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
     if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
-    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = true;
+    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
   }
-  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), false) == isUsed.end();
+  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
   return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
 }
 
@@ -45,18 +46,18 @@ void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
 
 }  // namespace
 
-// Blocks change places by swapping, see assembly.cpp.
+// Blocks are moved by swapping, see assembly.cpp.
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
                               std::span<const std::int32_t> triangles,
                               std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
-  const bool steep = haveSteepTriangle(taggedCount, coordinates, triangles);
+  const bool steep = hasSteepTriangle(taggedCount, coordinates, triangles);
   RobustRows result{};
   if (steep) {
     std::vector<std::uint32_t>().swap(higherEnds);
     result.rows.status = defectOf(coordinates.size() / 3, triangles);
   } else {
-    // The plain rows find a mesh's defects and say whether anything need be done, in a fraction of
-    // the time of the rest. They are gone before the rest begins.
+    // Assembling the plain rows finds a mesh's defects and tells whether repair is needed, in a
+    // fraction of the time of repair. They are freed before repair begins.
     AssembledRows plain =
         assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds));
     result.rows.status = plain.status;
@@ -68,19 +69,19 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
     swapBlocks(result.rows.blocks, {});
     return result;
   }
-  if (!steep && isGood(result.rows.blocks)) return result;
+  if (!steep && hasNonnegativeWeights(result.rows.blocks)) return result;
   swapBlocks(result.rows.blocks, {});
 
   DoubleCover cover{};
   if (steep) {
-    const std::vector<std::int32_t> order = orderOfPlaces(taggedCount, coordinates);
+    const std::vector<std::int32_t> order = spatialOrder(taggedCount, coordinates);
     cover = coverInOrder(order, taggedCount, coordinates, triangles);
     result.freeOrder = freeVertices(order, taggedCount);
   } else {
     cover = coverOf(taggedCount, coordinates, triangles);
   }
-  const Flips flips = flipBadEdges(cover, flipLimit);
-  result.report = {1, cover.sheets, cover.raisedTriangles, flips.badEdges, flips.done};
+  const Flips flips = flipToDelaunay(cover, flipLimit);
+  result.report = {1, cover.sheets, cover.flatTriangles, flips.notDelaunayEdges, flips.done};
   if (flips.finished) {
     swapBlocks(result.rows.blocks,
                robustRows(std::move(cover), taggedCount, coordinates.size() / 3, triangles));

@@ -16,7 +16,7 @@ bool isBefore(Vec3 a, Vec3 b) { return std::tie(a.x, a.y, a.z) < std::tie(b.x, b
 
 bool isZero(Vec3 a) { return a.x == 0 && a.y == 0 && a.z == 0; }
 
-/// Edge k is the one opposite corner k, from corner k + 1 to corner k + 2.
+/// Edge k is opposite corner k, from corner k + 1 to corner k + 2.
 std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
   return {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
 }
@@ -26,8 +26,8 @@ double extentOf(const std::array<Vec3, 3>& edges) {
       {largestComponent(edges[0]), largestComponent(edges[1]), largestComponent(edges[2])});
 }
 
-/// The edges, times a power of two where their fourth powers would leave the range of a
-/// double. Where differences of coordinates do so themselves, the points are moved first.
+/// The edges, multiplied by a power of two if their fourth powers would overflow or underflow. If
+/// differences of coordinates would overflow, the points are scaled first.
 std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
   std::array<Vec3, 3> edges = edgesOf(p);
   double extent = extentOf(edges);
@@ -43,9 +43,9 @@ std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
   return edges;
 }
 
-/// Of a triangle of height `height` over a longest edge of length 1 from P to Q, with its
-/// foot at `fromP` from P and `fromQ` from Q. At P, Q and the apex.
-std::array<double, 3> flatShape(double fromP, double fromQ, double height) {
+/// The cotangents at P, Q and the apex of a triangle whose longest edge PQ has length 1, with its
+/// foot at `fromP` from P and `fromQ` from Q.
+std::array<double, 3> cotangentsAtHeight(double fromP, double fromQ, double height) {
   return {fromP / height, fromQ / height, (height * height - fromP * fromQ) / height};
 }
 
@@ -53,9 +53,9 @@ double leastHeight(double fromP, double fromQ) {
   return std::min(fromP, fromQ) < kLeastHeightOfNeedle ? kLeastHeightOfNeedle : kLeastHeight;
 }
 
-/// Corner `apex` and the two after it get what belongs to the apex, P and Q.
-Cotangents turned(std::size_t apex, double atApex, double atP, double atQ, bool raised) {
-  Cotangents c{{}, raised};
+/// P and Q are the two corners after the corner `apex`.
+Cotangents byCorner(std::size_t apex, double atApex, double atP, double atQ, bool wasFlat) {
+  Cotangents c{{}, wasFlat};
   c.at[apex] = atApex;
   c.at[(apex + 1) % 3] = atP;
   c.at[(apex + 2) % 3] = atQ;
@@ -63,18 +63,18 @@ Cotangents turned(std::size_t apex, double atApex, double atP, double atQ, bool 
 }
 
 Cotangents raised(std::size_t apex, double fromP, double fromQ) {
-  const auto flat = flatShape(fromP, fromQ, leastHeight(fromP, fromQ));
-  return turned(apex, flat[2], flat[0], flat[1], true);
+  const auto flat = cotangentsAtHeight(fromP, fromQ, leastHeight(fromP, fromQ));
+  return byCorner(apex, flat[2], flat[0], flat[1], true);
 }
 
-/// Legs of length 1 over a base of kLeastHeightOfNeedle, which the coincident corners
-/// share: neither of them is the apex.
+/// For two coincident corners: an isosceles triangle with legs of length 1 over a base of
+/// kLeastHeightOfNeedle between the two.
 Cotangents needle(std::size_t tip) {
   const double atBase = kLeastHeightOfNeedle / 2;
-  return turned(tip, (1 - atBase * atBase) / (2 * atBase), atBase, atBase, true);
+  return byCorner(tip, (1 - atBase * atBase) / (2 * atBase), atBase, atBase, true);
 }
 
-/// The corner opposite the longest edge; of several, the one that is first in space.
+/// The corner opposite the longest edge; of several, the one with the lowest coordinates.
 std::size_t apexOf(const std::array<Vec3, 3>& p, const std::array<double, 3>& squaredLength) {
   std::size_t apex = 0;
   for (std::size_t k = 1; k < 3; ++k) {
@@ -87,8 +87,8 @@ std::size_t apexOf(const std::array<Vec3, 3>& p, const std::array<double, 3>& sq
 
 }  // namespace
 
-// The cross product of the two shorter edges: for a needle it is exact to rounding, which
-// that of its long edges is not.
+// The area is the cross product of the two shorter edges: accurate for a needle, too, where that of
+// the long edges is not.
 Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
   const std::array<Vec3, 3> p = {p0, p1, p2};
   const std::array<Vec3, 3> e = scaledEdges(p);
@@ -113,11 +113,11 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
   const double fromP = std::clamp(alongP / longest, 0.0, 1.0);
   const double fromQ = std::clamp(alongQ / longest, 0.0, 1.0);
   if (!(twiceArea >= leastHeight(fromP, fromQ) * longest)) return raised(apex, fromP, fromQ);
-  return turned(apex, -dot(apexToP, qToApex) / twiceArea, alongP / twiceArea, alongQ / twiceArea,
-                false);
+  return byCorner(apex, -dot(apexToP, qToApex) / twiceArea, alongP / twiceArea, alongQ / twiceArea,
+                  false);
 }
 
-// Without a root or a quotient, for it is asked of every triangle.
+// Takes no square root and no division, since every triangle is looked at.
 bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2) {
   const std::array<Vec3, 3> e = scaledEdges({p0, p1, p2});
   const Vec3 normal = cross(e[0], e[1]);
@@ -126,8 +126,8 @@ bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2) {
   return std::any_of(dots.begin(), dots.end(), [&](double d) { return d * d > limit; });
 }
 
-// The longest edge lies opposite the lowest cotangent. Those at its ends, x and y, divide
-// it at x : y, and its height is 1 / (x + y) of it.
+// The longest edge is opposite the lowest cotangent. With the cotangents x and y at its ends, the
+// foot divides it at x : y, and the height is 1 / (x + y) of its length.
 Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator) {
   const auto apex = static_cast<std::size_t>(
       std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
@@ -137,7 +137,8 @@ Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denomina
   const double fromP = std::clamp(atP / sum, 0.0, 1.0);
   const double fromQ = std::clamp(atQ / sum, 0.0, 1.0);
   if (!(denominator >= leastHeight(fromP, fromQ) * sum)) return raised(apex, fromP, fromQ);
-  return turned(apex, numerators[apex] / denominator, atP / denominator, atQ / denominator, false);
+  return byCorner(apex, numerators[apex] / denominator, atP / denominator, atQ / denominator,
+                  false);
 }
 
 }  // namespace qelm

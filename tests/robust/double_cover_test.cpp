@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "robust/edge_fan.h"
-#include "robust/places_order.h"
 #include "robust/soups.h"
+#include "robust/spatial_order.h"
 #include "robust/triangle_shape.h"
 #include "support/meshes.h"
 #include "support/random.h"
@@ -163,7 +163,7 @@ TEST(DoubleCover, InOrderOfPlacesIsTheSameForEveryNumbering) {
   const auto newIndex = permutation(random, mesh.vertexCount());
   const Mesh other = relabelled(mesh, newIndex);
   const auto coverOfPlaces = [](const Mesh& m) {
-    return coverInOrder(orderOfPlaces(0, m.vertices), 0, m.vertices, m.triangles);
+    return coverInOrder(spatialOrder(0, m.vertices), 0, m.vertices, m.triangles);
   };
   const DoubleCover cover = coverOfPlaces(mesh);
   const DoubleCover otherCover = coverOfPlaces(other);
@@ -174,22 +174,22 @@ TEST(DoubleCover, InOrderOfPlacesIsTheSameForEveryNumbering) {
   }
 }
 
-/// The sides in the order that begins with side 0.
-std::vector<std::int32_t> fromZero(const std::vector<FanBlade>& blades) {
-  std::vector<std::int32_t> sides;
-  for (const FanBlade& blade : blades) sides.push_back(blade.side);
-  std::rotate(sides.begin(), std::find(sides.begin(), sides.end(), 0), sides.end());
-  return sides;
+/// The half-edges in the order that begins with number 0.
+std::vector<std::int32_t> fromZero(const std::vector<FanTriangle>& fan) {
+  std::vector<std::int32_t> halfEdges;
+  for (const FanTriangle& triangle : fan) halfEdges.push_back(triangle.halfEdge);
+  std::rotate(halfEdges.begin(), std::find(halfEdges.begin(), halfEdges.end(), 0), halfEdges.end());
+  return halfEdges;
 }
 
 TEST(EdgeFan, IsSortedCounterClockwiseSeenFromTheEnd) {
   // Seen from z = 1: 0 in the east, 2 north-east, 3 north-west, 1 south-west.
-  std::vector<FanBlade> blades = {
+  std::vector<FanTriangle> fan = {
       {0, {1, 0, 0}}, {1, {-1, -1, 3}}, {2, {1, 1, -2}}, {3, {-1, 5, 0}}};
-  sortRoundEdge({0, 0, 0}, {0, 0, 1}, blades);
-  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 2, 3, 1}));
-  sortRoundEdge({0, 0, 1}, {0, 0, 0}, blades);
-  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 1, 3, 2}));
+  sortAroundEdge({0, 0, 0}, {0, 0, 1}, fan);
+  EXPECT_EQ(fromZero(fan), (std::vector<std::int32_t>{0, 2, 3, 1}));
+  sortAroundEdge({0, 0, 1}, {0, 0, 0}, fan);
+  EXPECT_EQ(fromZero(fan), (std::vector<std::int32_t>{0, 1, 3, 2}));
 }
 
 TEST(EdgeFan, IsTheSameAtEverySizeAndOrder) {
@@ -200,13 +200,13 @@ TEST(EdgeFan, IsTheSameAtEverySizeAndOrder) {
     for (int k = 0; k < 9; ++k) {
       points.push_back({uniform(random, -1, 1), uniform(random, -1, 1), uniform(random, -1, 1)});
     }
-    const auto order = [&](double unit, const std::vector<std::int32_t>& sides) {
-      std::vector<FanBlade> blades;
-      for (const std::int32_t side : sides) {
-        blades.push_back({side, unit * points[static_cast<std::size_t>(side) + 2]});
+    const auto order = [&](double unit, const std::vector<std::int32_t>& halfEdges) {
+      std::vector<FanTriangle> fan;
+      for (const std::int32_t halfEdge : halfEdges) {
+        fan.push_back({halfEdge, unit * points[static_cast<std::size_t>(halfEdge) + 2]});
       }
-      sortRoundEdge(unit * points[0], unit * points[1], blades);
-      return fromZero(blades);
+      sortAroundEdge(unit * points[0], unit * points[1], fan);
+      return fromZero(fan);
     };
     const auto expected = order(1, {0, 1, 2, 3, 4, 5, 6});
     EXPECT_EQ(order(1, permutation(random, 7)), expected);
@@ -216,12 +216,12 @@ TEST(EdgeFan, IsTheSameAtEverySizeAndOrder) {
 }
 
 TEST(EdgeFan, OrdersByPlaceWhereAnglesAreEqual) {
-  std::vector<FanBlade> blades = {{0, {3, 0, 0}}, {1, {1, 0, 0}}, {2, {2, 0, 0}}};
-  sortRoundEdge({0, 0, 0}, {0, 0, 1}, blades);
-  EXPECT_EQ(fromZero(blades), (std::vector<std::int32_t>{0, 1, 2}));
+  std::vector<FanTriangle> fan = {{0, {3, 0, 0}}, {1, {1, 0, 0}}, {2, {2, 0, 0}}};
+  sortAroundEdge({0, 0, 0}, {0, 0, 1}, fan);
+  EXPECT_EQ(fromZero(fan), (std::vector<std::int32_t>{0, 1, 2}));
   // An edge without length has no angles.
-  std::vector<FanBlade> round = {{0, {3, 0, 0}}, {1, {-1, 0, 0}}, {2, {2, 9, 0}}};
-  sortRoundEdge({1, 1, 1}, {1, 1, 1}, round);
+  std::vector<FanTriangle> round = {{0, {3, 0, 0}}, {1, {-1, 0, 0}}, {2, {2, 9, 0}}};
+  sortAroundEdge({1, 1, 1}, {1, 1, 1}, round);
   EXPECT_EQ(fromZero(round), (std::vector<std::int32_t>{0, 1, 2}));
 }
 

@@ -51,9 +51,9 @@ std::vector<std::array<double, 6>> facesOf(const DoubleCover& cover) {
 TEST(Flips, LeaveAGoodTriangulationAlone) {
   DoubleCover cover = coverOf(0, torusMesh(12, 9).vertices, torusMesh(12, 9).triangles);
   const DoubleCover before = cover;
-  flipBadEdges(cover, kPlenty);
+  flipToDelaunay(cover, kPlenty);
   DoubleCover again = cover;
-  EXPECT_EQ(flipBadEdges(again, kPlenty).done, 0);
+  EXPECT_EQ(flipToDelaunay(again, kPlenty).done, 0);
   EXPECT_EQ(again.twin, cover.twin);
   EXPECT_EQ(again.cotangent, cover.cotangent);
   EXPECT_EQ(before.size(), cover.size());
@@ -72,9 +72,9 @@ TEST(Flips, GiveTheTrianglesOverTheOtherDiagonal) {
     const Mesh given = quadrilateral(a, b, c, d);
     const Mesh other = quadrilateral(b, c, d, a);
     DoubleCover cover = coverOf(0, given.vertices, given.triangles);
-    const Flips flips = flipBadEdges(cover, kPlenty);
+    const Flips flips = flipToDelaunay(cover, kPlenty);
     if (flips.done != 2) continue;  // another edge was bad, too
-    EXPECT_EQ(flips.badEdges, 1);
+    EXPECT_EQ(flips.notDelaunayEdges, 1);
     ++flipped;
     DoubleCover expected = coverOf(0, other.vertices, other.triangles);
     for (std::int32_t& v : expected.origin) v = (v + 1) % 4;
@@ -95,7 +95,7 @@ void expectDelaunay(const DoubleCover& cover) {
     const auto g = cover.twin[h];
     if (g == DoubleCover::kNone || static_cast<std::size_t>(g) / 3 == h / 3) continue;
     const double sum = cover.cotangent[h] + cover.cotangent[static_cast<std::size_t>(g)];
-    EXPECT_GE(sum, -(kBadSum + kBadSumShare * 0x1p27)) << h;
+    EXPECT_GE(sum, -(kDelaunayMargin + kDelaunayMarginShare * 0x1p27)) << h;
   }
 }
 
@@ -106,7 +106,7 @@ TEST(Flips, EndOnEverySoup) {
     for (int k = 0; k < 300; ++k) {
       const Mesh mesh = soup(random, static_cast<SoupKind>(kind));
       DoubleCover cover = coverOf(uniformInt(random, 0, 3), mesh.vertices, mesh.triangles);
-      ASSERT_TRUE(flipBadEdges(cover, kPlenty).finished) << kind << ' ' << k;
+      ASSERT_TRUE(flipToDelaunay(cover, kPlenty).finished) << kind << ' ' << k;
       expectDelaunay(cover);
     }
   }
@@ -116,9 +116,9 @@ TEST(Flips, LeaveEdgesWithoutTwinWhereTheyAre) {
   const Mesh mesh = quadrilateral({-1, 0, 0}, {0, -0.1, 0}, {1, 0, 0}, {0, 0.1, 0});
   DoubleCover cover = coverOf(4, mesh.vertices, mesh.triangles);
   const DoubleCover before = cover;
-  const Flips flips = flipBadEdges(cover, kPlenty);
+  const Flips flips = flipToDelaunay(cover, kPlenty);
   EXPECT_EQ(flips.done, 0);
-  EXPECT_EQ(flips.badEdges, 0);
+  EXPECT_EQ(flips.notDelaunayEdges, 0);
   EXPECT_EQ(cover.origin, before.origin);
 }
 
@@ -136,15 +136,15 @@ Mesh washer(int around) {
 TEST(Flips, StopAtTheirLimitAndSaySo) {
   const Mesh mesh = washer(100);
   DoubleCover cover = coverOf(0, mesh.vertices, mesh.triangles);
-  const Flips all = flipBadEdges(cover, kPlenty);
+  const Flips all = flipToDelaunay(cover, kPlenty);
   ASSERT_TRUE(all.finished);
   ASSERT_GT(all.done, 100);
   DoubleCover short_ = coverOf(0, mesh.vertices, mesh.triangles);
-  const Flips stopped = flipBadEdges(short_, all.done - 1);
+  const Flips stopped = flipToDelaunay(short_, all.done - 1);
   EXPECT_FALSE(stopped.finished);
   EXPECT_EQ(stopped.done, all.done - 1);
   DoubleCover exact = coverOf(0, mesh.vertices, mesh.triangles);
-  EXPECT_TRUE(flipBadEdges(exact, all.done).finished);
+  EXPECT_TRUE(flipToDelaunay(exact, all.done).finished);
 }
 
 TEST(Flips, ThatDoNotEndAreAStatusAndNoMatrix) {

@@ -18,7 +18,7 @@ TEST(TriangleShape, HasTheCotangentsOfItsAngles) {
   EXPECT_DOUBLE_EQ(right.at[0], 0);
   EXPECT_DOUBLE_EQ(right.at[1], 2);
   EXPECT_DOUBLE_EQ(right.at[2], 0.5);
-  EXPECT_FALSE(right.raised);
+  EXPECT_FALSE(right.wasFlat);
   const Cotangents obtuse = cotangentsOf({-1, 0, 5}, {1, 0, 5}, {0, 0.5, 5});
   EXPECT_DOUBLE_EQ(obtuse.at[0], 2);
   EXPECT_DOUBLE_EQ(obtuse.at[1], 2);
@@ -63,7 +63,7 @@ TEST(TriangleShape, IsBoundedForTheLargestCoordinates) {
 TEST(TriangleShape, IsEquilateralForOnePlace) {
   const Cotangents c = cotangentsOf({1, 2, 3}, {1, 2, 3}, {1, 2, 3});
   for (const double cotangent : c.at) EXPECT_DOUBLE_EQ(cotangent, 1 / std::sqrt(3.0));
-  EXPECT_TRUE(c.raised);
+  EXPECT_TRUE(c.wasFlat);
 }
 
 TEST(TriangleShape, IsAnIsoscelesNeedleForTwoEqualCorners) {
@@ -71,7 +71,7 @@ TEST(TriangleShape, IsAnIsoscelesNeedleForTwoEqualCorners) {
   EXPECT_EQ(c.at[0], 0x1p-23);
   EXPECT_EQ(c.at[2], 0x1p-23);
   EXPECT_NEAR(c.at[1], 0x1p22, 1);
-  EXPECT_TRUE(c.raised);
+  EXPECT_TRUE(c.wasFlat);
 }
 
 TEST(TriangleShape, KeepsTheFootOfACapWithoutHeight) {
@@ -79,14 +79,14 @@ TEST(TriangleShape, KeepsTheFootOfACapWithoutHeight) {
   EXPECT_DOUBLE_EQ(c.at[0], 0.25 * 0x1p26);
   EXPECT_DOUBLE_EQ(c.at[2], 0.75 * 0x1p26);
   EXPECT_NEAR(c.at[1], -0.1875 * 0x1p26, 0x1p-25);
-  EXPECT_TRUE(c.raised);
+  EXPECT_TRUE(c.wasFlat);
 }
 
 TEST(TriangleShape, LeavesTrianglesAboveTheLeastHeightAlone) {
-  EXPECT_FALSE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0.5, 0x1.01p-26, 0}).raised);
-  EXPECT_TRUE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0.5, 0x0.ffp-26, 0}).raised);
-  EXPECT_FALSE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0, 0x1.01p-22, 0}).raised);
-  EXPECT_TRUE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0, 0x0.ffp-22, 0}).raised);
+  EXPECT_FALSE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0.5, 0x1.01p-26, 0}).wasFlat);
+  EXPECT_TRUE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0.5, 0x0.ffp-26, 0}).wasFlat);
+  EXPECT_FALSE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0, 0x1.01p-22, 0}).wasFlat);
+  EXPECT_TRUE(cotangentsOf({0, 0, 0}, {1, 0, 0}, {0, 0x0.ffp-22, 0}).wasFlat);
 }
 
 // Any two cotangents x, y of a triangle give the third, (1 - x y) / (x + y).
@@ -126,9 +126,9 @@ TEST(TriangleShape, OfAnyCornersIsThatOfATriangleAndDoesNotDependOnTheirOrder) {
 TEST(TriangleShape, OfNumeratorsIsTheirsOrRaised) {
   const Cotangents plain = cotangentsOf({1, 2, -0.5}, 4);
   EXPECT_EQ(plain.at, (std::array<double, 3>{0.25, 0.5, -0.125}));
-  EXPECT_FALSE(plain.raised);
+  EXPECT_FALSE(plain.wasFlat);
   const Cotangents flat = cotangentsOf({3, 1, -0.75}, 0);
-  EXPECT_TRUE(flat.raised);
+  EXPECT_TRUE(flat.wasFlat);
   EXPECT_DOUBLE_EQ(flat.at[0], 0.75 * 0x1p26);
   EXPECT_DOUBLE_EQ(flat.at[1], 0.25 * 0x1p26);
   expectTriangle(flat);
