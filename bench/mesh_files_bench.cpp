@@ -79,7 +79,7 @@ Write heatWriter(const Mesh& mesh, std::span<const double> field, const std::str
     return [=, &mesh](OutputFile& file) { writeColourPly(mesh, field, scale, {}, file); };
   if (extension == ".glb" || extension == ".gltf")
     return [=, &mesh](OutputFile& file) {
-      writeHeatGltf(mesh, field, scale, 2, extension == ".glb", file);
+      writeHeatGltf(mesh, field, scale, {}, 2, extension == ".glb", file);
     };
   return [=, &mesh](OutputFile& file) {
     writeFieldsVtk(mesh, field, 1, {}, extension == ".vtu", file);

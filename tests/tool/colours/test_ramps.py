@@ -1,5 +1,6 @@
 """--ramp, --range, --title and --unit: the same colours and words in every picture."""
 
+import json
 import re
 import struct
 import zlib
@@ -178,6 +179,22 @@ def test_titles_and_units_are_in_drawings_and_heat_maps(qelm, grid):
     qelm.ok("heatmap", grid, *given, "-o", "h")
     text = (qelm.folder / "h.obj").read_text(encoding="utf-8")
     assert text.startswith("# Snow <&  2026\n# u = 1 at 0 kN/m\u00b2, u = 0 at 1 kN/m\u00b2\nmtllib")
+
+
+def test_titles_and_units_are_in_gltf_and_vtk(qelm, grid):
+    vtk = pytest.importorskip("vtkmodules.vtkIOXML")
+    given = [*LEFT_RIGHT, "--title", "Snow --<&-- \u00e4\n2026", "--unit", "kN/m\u00b2"]
+    qelm.ok("heatmap", grid, *given, "-o", "h.gltf")
+    (node,) = json.loads((qelm.folder / "h.gltf").read_text(encoding="utf-8"))["nodes"]
+    assert node["name"] == "Snow --<&-- \u00e4\n2026" and node["extras"] == {"unit": "kN/m\u00b2"}
+    qelm.ok("heatmap", grid, *given, "-o", "h.vtp")
+    content = (qelm.folder / "h.vtp").read_bytes()
+    assert "<!-- written by qelm: Snow - -<&- - \u00e4 2026; value in kN/m\u00b2 -->".encode() in content
+    reader = vtk.vtkXMLPolyDataReader()
+    reader.SetFileName(str(qelm.folder / "h.vtp"))
+    reader.Update()
+    assert reader.GetOutput().GetNumberOfPolys() > 0
+    qelm.ok("info", "h.vtp")
 
 
 @with_page

@@ -24,7 +24,7 @@ std::vector<float> rampPlaces(std::span<const double> field, const ColourScale& 
 }  // namespace
 
 void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
-                   std::size_t up, bool isBinary, ByteSink& file) {
+                   const Caption& caption, std::size_t up, bool isBinary, ByteSink& file) {
   const GltfPlaces places(mesh.vertices, up);
   const std::vector<std::uint32_t> corners(mesh.triangles.begin(), mesh.triangles.end());
   GltfBuilder builder;
@@ -43,7 +43,9 @@ void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const Colour
       {{"primitives", GltfBuilder::Json::array({{{"attributes", attributes},
                                                  {"indices", builder.addIndices(corners)},
                                                  {"material", 0}}})}});
-  builder.show("mesh", 0, places.transform(), nullptr);
+  const GltfBuilder::Json extras =
+      caption.unit.empty() ? nullptr : GltfBuilder::Json{{"unit", caption.unit}};
+  builder.show(caption.title.empty() ? "mesh" : caption.title, 0, places.transform(), extras);
   builder.write(isBinary, file);
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <span>
 
+#include "colours/caption.h"
 #include "colours/colour_scale.h"
 #include "mesh/mesh.h"
 #include "text/byte_sink.h"
@@ -13,10 +14,11 @@ namespace qelm::tool {
 
 /// glTF 2.0: the mesh in single precision, the colour ramp as its texture, of which each vertex has
 /// its place (TEXCOORD_0), and the field as _VALUE. There are no vertex colours: glTF would
-/// multiply the texture by them. `up` is 0, 1 or 2 for x, y or z. The field must have a range, and
-/// every vertex a value.
+/// multiply the texture by them. The node has the caption's title as its name, and the unit among
+/// its extras. `up` is 0, 1 or 2 for x, y or z. The field must have a range, and every vertex a
+/// value.
 void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,
-                   std::size_t up, bool isBinary, ByteSink& file);
+                   const Caption& caption, std::size_t up, bool isBinary, ByteSink& file);
 
 }  // namespace qelm::tool
 

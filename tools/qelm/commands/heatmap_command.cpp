@@ -84,11 +84,14 @@ void writeOneFile(const SolvedField& solved, const std::string& format, const Co
   if (format == ".ply") return writeColourPly(solved.mesh, solved.field(), scale, caption, file);
   if (format == ".glb" || format == ".gltf") {
     const UsedPart part = usedPart(solved.mesh);
-    return writeHeatGltf(part.mesh, part.of(solved.field()), scale,
+    return writeHeatGltf(part.mesh, part.of(solved.field()), scale, caption,
                          upAxis(std::nullopt, solved.meshName, part.mesh), format == ".glb", file);
   }
   const std::array<VtkColumn, 1> columns = {{{"value", solved.field()}}};
-  writeVtkMesh(solved.mesh, columns, {}, format == ".vtu", file);
+  std::string comment = caption.title;
+  if (!caption.unit.empty())
+    comment += fmt::format("{}value in {}", comment.empty() ? "" : "; ", caption.unit);
+  writeVtkMesh(solved.mesh, columns, {}, format == ".vtu", file, comment);
 }
 
 /// One file instead of three.

@@ -217,6 +217,7 @@ class GltfReader {
     numbers.reserve(xyz.size() / 3);
     const std::size_t before = merger_.size();
     std::vector<std::size_t> isNew;
+    merger_.expect(xyz.size() / 3);
     for (std::size_t k = 0; k + 3 <= xyz.size(); k += 3) {
       const std::size_t size = merger_.size();
       numbers.push_back(merger_.add(placement({xyz[k], xyz[k + 1], xyz[k + 2]})));

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -177,6 +178,12 @@ class MshReader {
       return;
     }
     const std::vector<std::int64_t> tags = source_.integers(size_, count);
+    if (isBinary_ && parameters == 0) {
+      const std::vector<double> places = source_.numbers(kDouble, count, 3);
+      tags_.insert(tags_.end(), tags.begin(), tags.end());
+      coordinates_.insert(coordinates_.end(), places.begin(), places.end());
+      return;
+    }
     for (const std::int64_t tag : tags) node(tag, parameters);
   }
 
@@ -214,8 +221,20 @@ class MshReader {
       const NumberType number = isVersion40_ ? kInt : size_;
       const std::size_t count =
           source_.count(size_, sizeOf(number) * (1 + type.nodes), 1 + type.nodes);
-      for (std::size_t k = 0; k < count; ++k) element(type, source_.integer(number), number);
+      elementBlock(type, count, number);
     }
+  }
+
+  /// Of version 4. Those of a binary file at once: in a text, messages say the line.
+  void elementBlock(const ElementType& type, std::size_t count, NumberType words) {
+    if (!isBinary_) {
+      for (std::size_t k = 0; k < count; ++k) element(type, source_.integer(words), words);
+      return;
+    }
+    const std::size_t each = 1 + type.nodes;
+    const std::vector<std::int64_t> numbers = source_.integers(words, count * each);
+    for (std::size_t k = 0; k < count; ++k)
+      addElement(type, numbers[k * each], std::span(numbers).subspan(k * each + 1, type.nodes));
   }
 
   void elements2() {
@@ -247,9 +266,14 @@ class MshReader {
   }
 
   void element(const ElementType& type, std::int64_t number, NumberType words) {
-    for (std::size_t k = 0; k < type.nodes; ++k) {
-      const std::int64_t tag = source_.integer(words);
-      if (k >= type.used) continue;
+    nodes_.clear();
+    for (std::size_t k = 0; k < type.nodes; ++k) nodes_.push_back(source_.integer(words));
+    addElement(type, number, nodes_);
+  }
+
+  void addElement(const ElementType& type, std::int64_t number,
+                  std::span<const std::int64_t> nodes) {
+    for (const std::int64_t tag : nodes.first(type.used)) {
       const auto node = nodeOf(tag);
       if (!node)
         source_.fail(fmt::format("element {} has a node {}, which is not there", number, tag));
@@ -273,6 +297,7 @@ class MshReader {
   std::unordered_map<std::int64_t, std::int64_t> nodeOf_;
   CellList cells_;
   std::vector<std::int64_t> types_;
+  std::vector<std::int64_t> nodes_;  ///< of an element
 };
 
 }  // namespace

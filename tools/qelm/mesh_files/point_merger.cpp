@@ -33,7 +33,7 @@ int PointMerger::add(const Point& point) {
     points_.push_back(point);
     return static_cast<int>(points_.size()) - 1;
   }
-  if (2 * (points_.size() + 1) > table_.size()) grow();
+  if (2 * (points_.size() + 1) > table_.size()) grow(2 * table_.size());
   const std::size_t mask = table_.size() - 1;
   std::size_t place = hashOf(point) & mask;
   for (; table_[place] >= 0; place = (place + 1) & mask) {
@@ -46,8 +46,12 @@ int PointMerger::add(const Point& point) {
   return table_[place];
 }
 
-void PointMerger::grow() {
-  table_.assign(table_.empty() ? kLeastTable : 2 * table_.size(), -1);
+void PointMerger::expect(std::size_t more) {
+  if (2 * (points_.size() + more) > table_.size()) grow(2 * (points_.size() + more));
+}
+
+void PointMerger::grow(std::size_t least) {
+  table_.assign(std::bit_ceil(std::max(least, kLeastTable)), -1);
   const std::size_t mask = table_.size() - 1;
   for (std::size_t k = 0; k < points_.size(); ++k) {
     if (hasNan(points_[k])) continue;

@@ -14,6 +14,9 @@ namespace qelm::tool {
 /// a point with a coordinate that is not a number is equal to none.
 class PointMerger {
  public:
+  /// Makes room for so many more.
+  void expect(std::size_t more);
+
   /// The number of the point at this place.
   int add(const Point& point);
 
@@ -23,7 +26,7 @@ class PointMerger {
   std::vector<Point> finish() { return std::move(points_); }
 
  private:
-  void grow();
+  void grow(std::size_t least);
 
   std::vector<Point> points_;
   std::vector<int> table_;  ///< a point's number at the first free place after its hash, or -1

@@ -43,6 +43,11 @@ class FacetSoup {
     for (std::size_t k = 0; k < 3; ++k) face[k] = points_.add(corners[k]);
     soup_.faces.push_back(face);
   }
+  /// A closed surface has half as many points as facets.
+  void expect(std::size_t facets) {
+    points_.expect(facets / 2);
+    soup_.faces.reserve(facets);
+  }
   std::size_t size() const { return soup_.faces.size(); }
   void passOver(const char* what) { soup_.passedOver.insert(what); }
   PolygonSoup finish() {
@@ -66,6 +71,7 @@ PolygonSoup readBinary(std::string_view bytes, const std::string& name) {
         fmt::format("{}: not an STL file, or cut short: {} facets are announced, {} are there",
                     name, count, present));
   FacetSoup soup;
+  soup.expect(static_cast<std::size_t>(count));
   for (std::uint64_t facet = 0; facet < count; ++facet) {
     const std::size_t place = kHeaderSize + kFacetSize * facet;
     std::array<float, 9> numbers;

@@ -5,10 +5,12 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -23,6 +25,14 @@ std::string_view bytesOf(std::span<const Number> numbers) {
   return {reinterpret_cast<const char*>(numbers.data()), numbers.size_bytes()};
 }
 
+/// What may not stand in a comment of XML is written otherwise.
+std::string inComment(const std::string& text) {
+  if (text.empty()) return "";
+  std::string result = ": " + printable(oneLine(text));
+  for (std::size_t at = 0; (at = result.find("--", at)) != result.npos;) result.insert(++at, " ");
+  return result;
+}
+
 class VtkXmlWriter {
  public:
   VtkXmlWriter(const VtkOutput& output, VtkKind kind, ByteSink& file)
@@ -33,8 +43,8 @@ class VtkXmlWriter {
     const char* const type = isGrid ? "UnstructuredGrid" : "PolyData";
     block_.text(
         "<?xml version=\"1.0\"?>\n<VTKFile type=\"{}\" version=\"1.0\" "
-        "byte_order=\"LittleEndian\" header_type=\"UInt64\">\n<!-- written by qelm -->\n<{}>\n",
-        type, type);
+        "byte_order=\"LittleEndian\" header_type=\"UInt64\">\n<!-- written by qelm{} -->\n<{}>\n",
+        type, inComment(output_.comment), type);
     block_.text("<Piece NumberOfPoints=\"{}\" ", output_.points.size() / 3);
     if (isGrid)
       block_.text("NumberOfCells=\"{}\">\n", output_.ends.size());
@@ -117,11 +127,12 @@ void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file) {
 }
 
 void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
-                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file) {
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file,
+                  const std::string& comment) {
   std::vector<int> ends;
   ends.reserve(static_cast<std::size_t>(mesh.triangleCount()));
   for (int t = 1; t <= mesh.triangleCount(); ++t) ends.push_back(3 * t);
-  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData, cellData},
+  writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData, cellData, comment},
               isGrid ? VtkKind::kTriangles : VtkKind::kPolygons, file);
 }
 

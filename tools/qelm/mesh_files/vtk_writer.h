@@ -23,6 +23,7 @@ struct VtkOutput {
   std::span<const int> ends;       ///< where each cell's end
   std::span<const VtkColumn> pointData = {};
   std::span<const VtkColumn> cellData = {};
+  std::string comment = {};  ///< at the file's begin, in one line
 };
 
 enum class VtkKind {
@@ -37,7 +38,8 @@ void writeVtkXml(const VtkOutput& output, VtkKind kind, ByteSink& file);
 
 /// A mesh as .vtp or, if `isGrid`, .vtu, with numbers of its vertices and of its triangles.
 void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
-                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file);
+                  std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file,
+                  const std::string& comment = "");
 
 }  // namespace qelm::tool
 

@@ -186,7 +186,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
      "           off-binary, .off have single precision; - is OBJ unless --format is given\n"},
     {"colours", "titles, units and colours of heat maps, drawings and pages",
      "  --title TEXT is the heading, in place of the mesh file's name; --unit TEXT is written\n"
-     "  behind values. In heat maps both are comments.\n"
+     "  behind values. In heat maps both are comments; in glTF the name of the node and the\n"
+     "  unit among its extras.\n"
      "\n"
      "  --ramp says which colours values have. viridis, unless given, magma and cividis grow\n"
      "  evenly lighter; cividis looks alike to colour-blind eyes; turbo has more colours to\n"
