@@ -36,14 +36,12 @@ qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
   qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
   auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
   auto triangles = qelm::renumberTriangles(mesh.triangles, numbering);
-  qelm::AssembledRows rows = qelm::assembleFreeRows(
-      numbering.taggedCount, coordinates, triangles.indices, std::move(triangles.higherEnds));
+  qelm::AssembledRows rows = qelm::assembleFreeRows(numbering.taggedCount, coordinates, triangles);
   if (rows.status != QELM_STATUS_OK) std::abort();
   reordered.fixedCount = numbering.taggedCount;
   reordered.vertexCount = mesh.vertexCount();
   reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
-  reordered.triangles =
-      std::make_shared<const std::vector<std::int32_t>>(std::move(triangles.indices));
+  reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
   reordered.vertexPlace = std::move(numbering.place);
   reordered.vertexOrder = std::move(numbering.order);
   return rows;
@@ -78,10 +76,10 @@ Run assembly(const Case& c) {
 /// Like assembly(), of rows without a negative weight.
 std::size_t assembleRobustly(const Mesh& mesh) {
   const qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
-  qelm::SystemTriangles triangles = qelm::renumberTriangles(mesh.triangles, numbering);
   const qelm::RobustRows robust = qelm::assembleRobustRows(
-      numbering.taggedCount, qelm::reorderCoordinates(mesh.vertices, numbering), triangles.indices,
-      std::move(triangles.higherEnds), qelm::flipLimit(mesh.triangles.size() / 3));
+      numbering.taggedCount, qelm::reorderCoordinates(mesh.vertices, numbering),
+      qelm::renumberTriangles(mesh.triangles, numbering),
+      qelm::flipLimit(mesh.triangles.size() / 3));
   if (robust.rows.status != QELM_STATUS_OK) std::abort();
   return static_cast<std::size_t>(robust.rows.blocks.freeFree.nonZeros());
 }

@@ -143,8 +143,8 @@ dash: the peer does not know the format, or there is none.
 
 What is not quite the same work: VTK and meshio take the arrays of binary VTK files as they lie in the file, where the
 tool looks at every index. The tool makes one vertex of those of a glTF file that lie on each other, which no peer does,
-nor assimp with those of STL. VTK's readers of OBJ, PLY and STL, and assimp's of all, keep single precision; so
-do their writers, and theirs of text write six digits.
+nor assimp with those of STL. VTK's readers of OBJ, PLY and STL and its writers of PLY and STL keep single precision, and
+so does all of assimp.
 
 Reading:
 

@@ -7,10 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/index.h"
+
 namespace qelm {
 
-/// Lines end with a newline, which a stream in text mode translates.
-/// Nothing is certain to have reached the stream before finish().
+/// Lines end with a newline, which a stream in text mode translates. Text may reach the stream only
+/// with finish().
 class BlockWriter {
  public:
   explicit BlockWriter(std::ostream& out);
@@ -23,8 +25,8 @@ class BlockWriter {
     return block_.data() + used_;
   }
 
-  /// Takes what was written to the room, up to `end`.
-  void usedUpTo(const char* end) { used_ = static_cast<std::size_t>(end - block_.data()); }
+  /// Takes the characters that were written into the room, up to `end`.
+  void usedUpTo(const char* end) { used_ = asIndex(end - block_.data()); }
 
   void finish();
 

@@ -1,5 +1,5 @@
-// The heat-map export: two files, one after the other, and a line on the standard
-// error stream when one cannot be opened.
+// The heat-map export writes two files, one after the other, and a line to the standard error
+// stream when one cannot be opened.
 #include <iostream>
 #include <string>
 

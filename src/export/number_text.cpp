@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "interface/index.h"
+
 namespace qelm {
 namespace {
 
@@ -18,8 +20,8 @@ struct SixDigits {
   int exponent;          ///< of the first digit
 };
 
-/// False where the rounding is not certain, or the notation would not be plain:
-/// outside [0.0001, 999999).
+/// Rounds to six significant digits. False where the rounding is not certain, or outside of
+/// [0.0001, 999999), where the notation has an exponent.
 ///
 /// The digits are magnitude * 10^(5 - exponent), rounded to an integer. The power is
 /// exact and the product below 2^20, so it is off by at most 2^-34; where it is further
@@ -38,33 +40,32 @@ bool roundToSix(double magnitude, SixDigits& rounded) {
   const double rest = scaled - whole;
   if (std::fabs(rest - 0.5) < kDoubt) return false;
   rounded.digits = static_cast<std::uint32_t>(whole + (rest > 0.5 ? 1 : 0));
-  rounded.exponent = 5 - static_cast<int>(below);
+  rounded.exponent = 5 - asInt(below);
   if (rounded.digits == 1000000) rounded = {100000, rounded.exponent + 1};
   return true;
 }
 
-/// Writes whole words, whose ends need not belong to the number.
+/// Writes words of eight characters; those behind the number's end mean nothing.
 char* writePlain(char* to, const SixDigits& number) {
   const std::uint64_t digits = eightDigits(number.digits * 100);
-  const auto zerosAtEnd = static_cast<std::size_t>(std::countl_zero(digits)) / 8;
+  const auto zerosAtEnd = asIndex(std::countl_zero(digits)) / 8;
   const std::size_t kept = 8 - zerosAtEnd;
   const std::uint64_t text = digits | kZeros;
   if (number.exponent < 0) {
-    const auto zeros = static_cast<std::size_t>(-number.exponent);
+    const auto zeros = asIndex(-number.exponent);
     writeEight(to, kZeros);
     to[1] = '.';
     writeEight(to + 1 + zeros, text);
     return to + 1 + zeros + kept;
   }
-  const std::size_t beforePoint = static_cast<std::size_t>(number.exponent) + 1;
+  const std::size_t beforePoint = asIndex(number.exponent) + 1;
   writeEight(to, text);
   to[beforePoint] = '.';
   writeEight(to + beforePoint + 1, text >> 8 * beforePoint);
   return to + (kept <= beforePoint ? beforePoint : kept + 1);
 }
 
-/// Streams write NaN as the C library does, which differs between platforms:
-/// glibc shows the sign, the Windows runtime does not.
+/// Streams write NaN as the C library does: glibc shows the sign, the Windows runtime does not.
 std::string_view nanText(double number) {
 #ifdef _WIN32
   static_cast<void>(number);

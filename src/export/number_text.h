@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "interface/index.h"
+
 namespace qelm {
 
-/// Room that writing a number may use, some of it beyond the number's end.
+/// Characters that writing a number may touch, some of them beyond the number's end.
 /// "-1.23457e-308" has 13 characters, "-2147483648" has 11.
 inline constexpr std::size_t kNumberRoom = 24;
 
@@ -20,15 +22,16 @@ char* writeNumber(char* to, double number);
 /// Writes a number in plain decimal. Returns the end.
 char* writeNumber(char* to, std::int32_t number);
 
-// Below, characters are made eight at a time, as the bytes of a word that is then
-// stored at once.
+// Digits are made eight at a time, side by side in the bytes of one word, which is stored at once:
+//
+//   12345678    halves    1234 | 5678    then 12 | 34 | 56 | 78    then '1' '2' ... '8'
 static_assert(std::endian::native == std::endian::little);
 
 inline constexpr std::uint64_t kZeros = 0x3030303030303030;  // eight times '0'
 
-/// The eight decimal digits of a number below 10^8, the first one in the lowest byte.
-/// Halves are split side by side, three times: into numbers below 10^4, below 10^2,
-/// and digits. Multiplying by 10486 / 2^20 divides by 100 exactly below 10^4, by
+/// The eight decimal digits of a number below 10^8, the first one in the lowest byte. Halves are
+/// split side by side, three times: into numbers below 10^4, numbers below 10^2, and digits.
+/// Multiplying by 10486 / 2^20 divides by 100 exactly below 10^4, by
 /// 103 / 2^10 divides by 10 exactly below 10^2.
 inline std::uint64_t eightDigits(std::uint32_t number) {
   const std::uint64_t fours = number / 10000 | std::uint64_t{number % 10000} << 32;
@@ -54,9 +57,9 @@ inline bool isShort(std::int32_t number) { return number >= 0 && number < 100000
 
 inline ShortText shortText(std::int32_t number) {
   const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(number));
-  // The last digit stays, should it be zero, too.
+  // Leading zeros go, but not the last digit, even if it is zero.
   const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;
-  return {(digits | kZeros) >> 8 * zeros, 8 - static_cast<std::size_t>(zeros)};
+  return {(digits | kZeros) >> 8 * zeros, 8 - asIndex(zeros)};
 }
 
 }  // namespace qelm

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "export/output_file.h"
+#include "interface/index.h"
 
 namespace qelm {
 namespace {
@@ -10,9 +11,9 @@ namespace {
 /// Empty if the name cannot be converted, or is empty itself.
 std::wstring widened(const std::string& name) {
   const UINT codePage = AreFileApisANSI() != 0 ? CP_ACP : CP_OEMCP;
-  const int length = static_cast<int>(name.size());
+  const int length = asInt(name.size());
   const int needed = MultiByteToWideChar(codePage, 0, name.data(), length, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(needed > 0 ? needed : 0), L'\0');
+  std::wstring wide(asIndex(needed > 0 ? needed : 0), L'\0');
   MultiByteToWideChar(codePage, 0, name.data(), length, wide.data(), needed);
   return wide;
 }

@@ -1,4 +1,4 @@
-// Supernodes: runs of columns of L that have the same rows below the run.
+// Supernodes: successive columns of L that have the same rows below them.
 //
 //        0  1  2  3  4  5  6
 //   0    1                          supernodes {0}, {1, 2, 3}, {4}, {5, 6}

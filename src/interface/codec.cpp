@@ -18,17 +18,16 @@ constexpr std::int32_t kAllBytesSet = 65535;  // the code of -1
 /// -0.5 for the byte 0, 0.5 for 255.
 float coordinateOfByte(std::int32_t byte) { return (static_cast<float>(byte) - 127.5F) / 255.0F; }
 
-/// Truncation toward zero. NaN and whatever does not fit give the most negative
-/// integer: that is what x86-64's conversion answers, and what is relied upon; in
-/// C++ the plain cast would be undefined there.
+/// Truncation toward zero. NaN and numbers that do not fit give the most negative integer. Callers
+/// rely on that: it is the result of x86-64's conversion; the plain cast would be undefined in C++.
 std::int64_t truncated(float number) {
   const bool fits = number >= -0x1p63F && number < 0x1p63F;  // false for NaN
   return fits ? static_cast<std::int64_t>(number) : std::numeric_limits<std::int64_t>::min();
 }
 
-/// The clamp looks at the low 32 bits as an unsigned number, on purpose: what
-/// truncates to a negative number is huge there, and becomes 255 as well, not 0.
-/// The most negative integer's low bits are 0.
+/// The clamp takes the low 32 bits as an unsigned number, on purpose: a coordinate that truncates
+/// to a negative number is huge there, and becomes 255 as well, not 0. The low bits of the most
+/// negative integer are 0.
 std::int32_t byteOfCoordinate(float coordinate) {
   const float scaled = (coordinate * 255.0F + 127.5F) + 0.5F;
   const auto low = static_cast<std::uint32_t>(static_cast<std::uint64_t>(truncated(scaled)));
@@ -39,7 +38,7 @@ std::int32_t byteOfCoordinate(float coordinate) {
 
 extern "C" int encode_integer_to_sphere(int value, float* x, float* y, float* z) {
   if (x == nullptr || y == nullptr || z == nullptr) return -1;
-  // 65535 is out on purpose: -1 has its bytes.
+  // 65535 is refused on purpose: its bytes are the code of -1.
   if (value < -1 || value > 65534) {
     *x = *y = *z = 0.0F;
     return -1;

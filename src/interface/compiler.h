@@ -1,5 +1,5 @@
-// What is asked of the compiler beyond the language, each with what stands for it elsewhere.
-// Nothing here changes a result.
+// The one place for what compilers offer beyond the language. Each has a plain form for other
+// compilers, and none changes a result.
 #ifndef QELM_INTERFACE_COMPILER_H
 #define QELM_INTERFACE_COMPILER_H
 
@@ -8,33 +8,29 @@
 #define QELM_X86 1
 #endif
 
-// QELM_INLINE: the function becomes part of one that is compiled for another processor.
-// QELM_KEEP_LOOP: the loop stays one until the compiler looks for such as vector instructions
-// can do. QELM_UNROLL: the loop, of up to eight rounds, is written out.
+// QELM_INLINE: the function is compiled as a part of its caller, for the caller's processor.
+// QELM_KEEP_LOOP: the loop is not unrolled, so that the compiler turns it into vector instructions.
 #if defined(__clang__)
 #define QELM_INLINE __attribute__((always_inline)) inline
 #define QELM_KEEP_LOOP _Pragma("clang loop unroll(disable)")
-#define QELM_UNROLL _Pragma("clang loop unroll(full)")
 #elif defined(__GNUC__)
 #define QELM_INLINE __attribute__((always_inline)) inline
 #define QELM_KEEP_LOOP _Pragma("GCC unroll 1")
-#define QELM_UNROLL _Pragma("GCC unroll 8")
 #else
 #define QELM_INLINE inline
 #define QELM_KEEP_LOOP
-#define QELM_UNROLL
 #endif
 
 namespace qelm {
 
-/// Asks for memory that will be read soon. Any address will do.
+/// Asks the processor to fetch memory that will be read soon. Any address is allowed.
 QELM_INLINE void prefetchToRead([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);
 #endif
 }
 
-/// Asks for memory that will be written soon. Any address will do.
+/// Asks the processor to fetch memory that will be written soon. Any address is allowed.
 QELM_INLINE void prefetchToWrite([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address, 1);

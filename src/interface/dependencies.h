@@ -1,7 +1,7 @@
-// Where the releases of Eigen and nanoflann that we accept differ, and nothing else.
+// The differences between the releases of Eigen and nanoflann that we accept, and nothing else.
 //
 // Built and tested with Eigen 3.4 and 5.0, nanoflann 1.4 and 1.12 (scripts/compat);
-// CMake refuses what is outside, in cmake/HeaderOnlyPackages.cmake.
+// CMake refuses other releases, in cmake/HeaderOnlyPackages.cmake.
 #ifndef QELM_INTERFACE_DEPENDENCIES_H
 #define QELM_INTERFACE_DEPENDENCIES_H
 
@@ -18,8 +18,8 @@
 
 namespace qelm {
 
-/// Every point within the radius, in the order in which the tree comes across them.
-/// nanoflann 1.5 dropped a number that was ignored, and renamed the type.
+/// Parameters of an exact search that does not sort the points it finds. nanoflann 1.5 renamed the
+/// type and dropped a number that was ignored.
 inline auto exactUnsortedSearch() {
 #if NANOFLANN_VERSION < 0x150
   return nanoflann::SearchParams(/*ignored=*/0, /*epsilon=*/0, /*sorted=*/false);
@@ -39,8 +39,8 @@ inline constexpr int kIntsKeptForWork = 1;
 inline constexpr int kIntsTakenForWork = 2;
 #endif
 
-/// What a tree's search may ask of a result set besides worstDist() and addPoint(). Later
-/// releases want the types of numbers named, and would sort if they were asked to.
+/// What a tree's search needs of a result set besides worstDist() and addPoint(). Later releases
+/// want the types of numbers named, and call sort().
 struct UnsortedResultSet {
   using DistanceType = double;
   using IndexType = std::int32_t;

@@ -1,15 +1,14 @@
-// Accessors, duplication and release of a MeshSystem handle. Null handles are
-// answered without touching an out-parameter.
+// Accessors, duplication and release of a MeshSystem handle. A call with a null handle touches no
+// out-parameter.
 #include <cstddef>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
 
 namespace {
 
-int vertexCountOf(const MeshSystem& system) {
-  return static_cast<int>(system.vertices->size() / 3);
-}
+int vertexCountOf(const MeshSystem& system) { return qelm::asInt(system.vertices->size() / 3); }
 
 }  // namespace
 
@@ -24,9 +23,8 @@ extern "C" int qelverts(const MeshSystem* h, const double** coordinatesOut) {
   return vertexCountOf(*h);
 }
 
-// The count is the vertex count, exactly as in qelverts(). This is on purpose
-// and stays: callers know their triangle count from the construction, and the
-// isoline pass depends on the number that is reported here.
+// The result is the vertex count, exactly as in qelverts(). This is on purpose and stays: callers
+// know their triangle count from the construction, and the isoline pass depends on this number.
 extern "C" int qeltris(const MeshSystem* h, const int** indicesOut) {
   if (h == nullptr) return 0;
   *indicesOut = h->triangles->data();
@@ -41,7 +39,7 @@ extern "C" void dupl(const MeshSystem* h, MeshSystem** copyOut) {
 extern "C" int usecount(const MeshSystem* h) {
   if (h == nullptr) return 0;
   // An empty pointer counts 0 owners.
-  return static_cast<int>(h->freeSolver.use_count());
+  return qelm::asInt(h->freeSolver.use_count());
 }
 
 extern "C" void qelmfree(MeshSystem* h) { delete h; }

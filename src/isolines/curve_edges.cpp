@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <compare>
 #include <new>
+#include <utility>
 
 #include "isolines/curve_levels.h"
 
@@ -31,15 +33,13 @@ class VertexNumbering {
   std::vector<std::uint32_t> numberOf_;
 };
 
-/// A vertex's rank and number in one word, the rank in the upper half: three of them are sorted
-/// without branches, which could not be predicted here.
-using RankedVertex = std::uint64_t;
+/// Ordered by rank, then by number.
+struct RankedVertex {
+  std::uint32_t rank;
+  std::uint32_t number;  ///< index in CrossedPart::vertices
 
-RankedVertex rankedVertex(std::uint32_t rank, std::uint32_t number) {
-  return std::uint64_t{rank} << 32 | number;
-}
-std::uint32_t rankOf(RankedVertex v) { return static_cast<std::uint32_t>(v >> 32); }
-std::uint32_t numberOf(RankedVertex v) { return static_cast<std::uint32_t>(v); }
+  auto operator<=>(const RankedVertex&) const = default;
+};
 
 /// Numbers edges in the order in which they are first used: a chained hash table whose chains run
 /// through the edges.
@@ -51,22 +51,22 @@ class EdgeNumbering {
   }
 
   /// The number of the edge from `low` to `high`, which counts one more triangle.
-  std::uint32_t use(RankedVertex low, RankedVertex high) {
+  std::uint32_t use(const RankedVertex& low, const RankedVertex& high) {
     std::uint32_t steps = 0;
-    std::uint32_t* head = &heads_[slot(numberOf(low), numberOf(high))];
+    std::uint32_t* head = &heads_[slot(low.number, high.number)];
     for (std::uint32_t e = *head; e != kNoEdge; e = edges_[e].next, ++steps) {
       CrossedEdge& edge = edges_[e];
-      if (edge.low == numberOf(low) && edge.high == numberOf(high)) {
+      if (edge.low == low.number && edge.high == high.number) {
         ++edge.triangles;
         return e;
       }
     }
     if (edges_.size() == heads_.size() || steps > kLongestChain) {
       makeRoom(steps);
-      head = &heads_[slot(numberOf(low), numberOf(high))];
+      head = &heads_[slot(low.number, high.number)];
     }
     const auto e = static_cast<std::uint32_t>(edges_.size());
-    edges_.push_back({numberOf(low), numberOf(high), rankOf(high) - rankOf(low), 1, 0, *head});
+    edges_.push_back({low.number, high.number, high.rank - low.rank, 1, 0, *head});
     *head = e;
     return e;
   }
@@ -123,20 +123,26 @@ Ranks ranksOf(const TriangleCorners& c, std::span<const std::uint32_t> ranks) {
   return {ranks[c[0]], ranks[c[1]], ranks[c[2]]};
 }
 
-/// Looks up a triangle's crossed edges. Mostly only one of the short edges is crossed; which one is
-/// selected without a branch.
-CrossedTriangle useEdges(RankedVertex a, RankedVertex b, RankedVertex c, EdgeNumbering& edges) {
-  const RankedVertex low = std::min({a, b, c});
-  const RankedVertex high = std::max({a, b, c});
-  const RankedVertex middle = a ^ b ^ c ^ low ^ high;
-  const bool lowerIsCrossed = rankOf(low) != rankOf(middle);
-  const bool upperIsCrossed = rankOf(middle) != rankOf(high);
+/// Looks up a triangle's crossed edges.
+CrossedTriangle useEdges(std::array<RankedVertex, 3> corners, EdgeNumbering& edges) {
+  auto& [low, middle, high] = corners;
   CrossedTriangle triangle;
-  // An even permutation of the corners is a rotation.
-  triangle.ascending = !((b < a) ^ (c < b) ^ (c < a));
+  // Each exchange of two corners reverses the orientation.
+  triangle.ascending = true;
+  const auto sort = [&](RankedVertex& a, RankedVertex& b) {
+    if (!(b < a)) return;
+    std::swap(a, b);
+    triangle.ascending = !triangle.ascending;
+  };
+  sort(low, middle);
+  sort(middle, high);
+  sort(low, middle);
   triangle.longEdge = edges.use(low, high);
-  triangle.shortEdge = edges.use(lowerIsCrossed ? low : middle, lowerIsCrossed ? middle : high);
-  if (lowerIsCrossed && upperIsCrossed) triangle.secondShort = edges.use(middle, high);
+  if (low.rank != middle.rank) triangle.shortEdge = edges.use(low, middle);
+  if (middle.rank != high.rank) {
+    const bool both = triangle.shortEdge != kNoEdge;
+    (both ? triangle.secondShort : triangle.shortEdge) = edges.use(middle, high);
+  }
   return triangle;
 }
 
@@ -175,10 +181,9 @@ CrossedPart findCrossed(std::span<const std::int32_t> triangles,
     const TriangleCorners corners = cornersOf(triangles, j);
     const Ranks r = ranksOf(corners, ranks);
     if (!isCrossed(r)) continue;
-    const RankedVertex a = rankedVertex(r[0], vertices.use(corners[0]));
-    const RankedVertex b = rankedVertex(r[1], vertices.use(corners[1]));
-    const RankedVertex c = rankedVertex(r[2], vertices.use(corners[2]));
-    part.triangles.push_back(useEdges(a, b, c, edges));
+    std::array<RankedVertex, 3> ranked;
+    for (std::size_t k = 0; k < 3; ++k) ranked[k] = {r[k], vertices.use(corners[k])};
+    part.triangles.push_back(useEdges(ranked, edges));
   }
   return part;
 }

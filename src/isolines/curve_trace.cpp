@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "interface/compiler.h"
 #include "isolines/curve_loops.h"
 #include "isolines/curve_points.h"
 
@@ -65,7 +64,6 @@ bool CurveTracer::walk(std::uint32_t start, NodeLink link) {
     link = links[1 - back];
     links = {kVisited, kVisited};
     nodes_.push_back(to);
-    prefetchToRead(&graph_.points[to]);  // for fetchPath()
     from = to;
   }
   return false;

@@ -1,4 +1,4 @@
-// Level curves of a field, joined into polylines.
+// Level curves: the level sets of a field on a mesh, as polylines.
 //
 // In: a mesh, a value at each vertex, levels. Out: for each level its level curves, open or closed.
 // Marching triangles: a value at the level counts as above it, so that a level crosses a triangle

@@ -1,4 +1,13 @@
-// From a renumbered mesh to a factorised system.
+// From a mesh in system order to a factorised system.
+//
+//   element_sums     the element stiffness of each triangle, several triangles side by side
+//   lower_triangle   its entries, summed by row and column: a counting sort
+//   free_rows        both triangles of the free rows, as compressed columns
+//   src/factor       L D L^T of the free-free block
+//
+// The stiffness matrix of all vertices is never formed, nor is a list of triplets. Each entry sums
+// its triangles in input order: that order decides the bits. A repeated vertex of a triangle and a
+// vertex without triangle are found on the way, where looking for them takes no time of its own.
 #ifndef QELM_MESH_ASSEMBLY_H
 #define QELM_MESH_ASSEMBLY_H
 
@@ -9,7 +18,6 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/free_rows.h"
-#include "mesh/numbering.h"
 #include "mesh/size_limit.h"
 
 namespace qelm {
@@ -19,36 +27,33 @@ struct AssembledRows {
   FreeRowBlocks blocks;  ///< empty unless the status is 0
 };
 
-/// Assembles the free rows of a mesh in system order: 3n coordinates, 3m indices
-/// in 0 .. n-1 and their n >= 1 higher ends, see SystemTriangles. Each entry sums its triangles'
-/// contributions in input order, starting from the first one. Three different vertices without area
-/// are no defect: their entries are non-finite, and the factorisation meets them.
+/// Assembles the free rows of a mesh in system order: 3n coordinates of n >= 1 vertices, 3m indices
+/// in 0 .. n-1. Each entry sums its triangles' contributions in input order, starting from the
+/// first one. A triangle of three different vertices without area is no defect: its entries are not
+/// finite, and the factorisation meets them.
 ///
-/// Beyond the result it needs 12 bytes for each edge and 28 for each vertex; before
-/// there is room for the result, 36 for each triangle and 28 for each vertex.
+/// Memory beyond the result: 12 bytes for each edge and 24 for each vertex; before there is room
+/// for the result, 36 for each triangle and 20 for each vertex.
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
-                               std::span<const std::int32_t> triangles,
-                               std::vector<std::uint32_t> higherEnds);
+                               std::span<const std::int32_t> triangles);
 
-/// Builds the system of a mesh that is already in system order, its first
-/// `taggedCount` vertices being the prescribed ones.
+/// Builds the system of a mesh in system order, whose first `taggedCount` vertices are prescribed.
 ///
-/// coordinates: 3 * vertexCount values, packed xyz. triangles: three indices in
-/// 0 .. vertexCount-1 each, and their higher ends. Both become the result's; its vertexPlace,
-/// vertexOrder and tags are left empty for the caller.
+/// coordinates: 3 * vertexCount values, packed xyz. triangles: three indices in 0 .. vertexCount-1
+/// each. The result takes both over; the caller fills its vertexPlace, vertexOrder and tags.
 ///
-/// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a
-/// vertex in none); the result is null unless it is 0. With vertexCount 0 the
-/// result is null and status is left as it was. How the factorisation ended is
-/// in freeSolver->info(), not in status. `limit` may be null; with one, the status can be 107.
+/// status receives 0, 23 (a triangle repeats a vertex) or 24 (no triangle, or a vertex in none);
+/// the result is null unless the status is 0. With vertexCount 0 the result is null and status
+/// stays as it was. How the factorisation ended is in freeSolver->info(), not in status. `limit`
+/// may be null; with a limit, the status can be 107.
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,
                                            std::vector<double> coordinates,
-                                           SystemTriangles triangles, SizeLimit* limit,
+                                           std::vector<std::int32_t> triangles, SizeLimit* limit,
                                            int& status);
 
-/// The system of such a mesh from the blocks of its matrix, which are empty afterwards. With an
-/// order of the free vertices, from 0, it is factorised in that order. Null if there is a limit
-/// that it does not keep.
+/// The system of such a mesh from the blocks of its matrix, which are empty afterwards. If
+/// freeOrder is not empty, it orders the free vertices, from 0, for the factorisation. Null if the
+/// system does not keep the limit; `limit` may be null.
 std::unique_ptr<MeshSystem> factorisedSystem(int taggedCount, std::vector<double> coordinates,
                                              std::vector<std::int32_t> triangles,
                                              FreeRowBlocks& blocks,

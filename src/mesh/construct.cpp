@@ -1,4 +1,4 @@
-// The constructor export: argument checks, renumbering, assembly.
+// The constructor export: it checks the arguments, renumbers the mesh, assembles and factorises.
 #include "mesh/construct.h"
 
 #include <cstddef>
@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include "interface/index.h"
 #include "mesh/arguments.h"
 #include "mesh/assembly.h"
 #include "mesh/numbering.h"
@@ -14,18 +15,19 @@
 namespace qelm {
 namespace {
 
-/// The complete system in input terms, or null with a defect in status.
+/// The complete system of a mesh in input order, or null with a defect in `status`.
 std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
                                             std::span<const int> triangles,
                                             std::span<const int> tags, AssembleSystem assemble,
                                             SizeLimit* limit, int& taggedCount, int& status) {
   VertexNumbering numbering = numberVertices(tags);
   taggedCount = numbering.taggedCount;
-  SystemTriangles renumbered = renumberTriangles(triangles, numbering);
-  if (limit != nullptr) limit->assemblyBytes = assemblyBytes(numbering, renumbered);
-  auto system =
-      assemble(taggedCount, static_cast<int>(tags.size()), reorderCoordinates(vertices, numbering),
-               std::move(renumbered), limit, status);
+  std::vector<std::int32_t> renumbered = renumberTriangles(triangles, numbering);
+  if (limit != nullptr) {
+    limit->assemblyBytes = assemblyBytes(taggedCount, tags.size(), renumbered);
+  }
+  auto system = assemble(taggedCount, asInt(tags.size()), reorderCoordinates(vertices, numbering),
+                         std::move(renumbered), limit, status);
   if (system == nullptr) return nullptr;
   system->vertexPlace = std::move(numbering.place);
   system->vertexOrder = std::move(numbering.order);
@@ -47,8 +49,8 @@ int runConstructor(const ConstructorArguments& arguments, AssembleSystem assembl
     *status = argument;
     return 1;
   }
-  const auto n = static_cast<std::size_t>(vertexCount);
-  const auto m = static_cast<std::size_t>(triangleCount);
+  const auto n = asIndex(vertexCount);
+  const auto m = asIndex(triangleCount);
   int taggedCount = 0;
   auto system = constructTagged({vertices, 3 * n}, {triangles, 3 * m}, {tags, n}, assemble, limit,
                                 taggedCount, *status);

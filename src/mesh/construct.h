@@ -2,16 +2,16 @@
 #ifndef QELM_MESH_CONSTRUCT_H
 #define QELM_MESH_CONSTRUCT_H
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "interface/mesh_system.h"
-#include "mesh/numbering.h"
 #include "mesh/size_limit.h"
 
 namespace qelm {
 
-/// A constructor's arguments, not yet checked.
+/// A constructor's arguments, as they come.
 struct ConstructorArguments {
   int vertexCount;
   const double* vertices;
@@ -20,11 +20,11 @@ struct ConstructorArguments {
   const int* tags;
 };
 
-/// assembleSystem(), or another with its contract.
+/// assembleSystem(), or another function with its contract.
 using AssembleSystem = std::unique_ptr<MeshSystem> (*)(int taggedCount, int vertexCount,
                                                        std::vector<double> coordinates,
-                                                       SystemTriangles triangles, SizeLimit* limit,
-                                                       int& status);
+                                                       std::vector<std::int32_t> triangles,
+                                                       SizeLimit* limit, int& status);
 
 /// Checks, renumbers, assembles, and writes the outcome: see qelmctorTagged(), and
 /// qelmctorLimitedTagged() for a limit, which may be null. Returns 1.

@@ -1,8 +1,14 @@
-// Union-find over 0 .. n-1 in which the root of a set is its lowest element.
+// Union-find over 0 .. n-1: disjoint sets, each a tree whose root is its lowest element.
 //
-// Which sets result depends on the united pairs alone, not on their order: the
-// partition is the transitive closure of the pairs, and "the lowest element" is a
-// property of the set. So a search may report its pairs in any order.
+//   unite(1, 3), unite(3, 4)      parent   0 1 2 1 1      sets {0} {1, 3, 4} {2}
+//
+// root() halves the path that it walks: each element on it gets its grandparent as its parent
+// (Tarjan and van Leeuwen, Worst-case analysis of set union algorithms, 1984). Cost: O(log n) for a
+// call, over many calls.
+//
+// Which sets result depends on the united pairs alone, not on their order: the partition is the
+// transitive closure of the pairs, and the lowest element is a property of the set. So a search may
+// report its pairs in any order.
 #ifndef QELM_MESH_DISJOINT_SETS_H
 #define QELM_MESH_DISJOINT_SETS_H
 
@@ -12,6 +18,8 @@
 #include <numeric>
 #include <vector>
 
+#include "interface/index.h"
+
 namespace qelm {
 
 class DisjointSets {
@@ -20,8 +28,7 @@ class DisjointSets {
     std::iota(parent_.begin(), parent_.end(), 0);
   }
 
-  /// Lowest element of the set of `element`. Halves the path on its way, in a
-  /// loop: no chain of parents can overflow the stack.
+  /// Lowest element of the set of `element`. A loop: no chain of parents can overflow the stack.
   std::int32_t root(std::int32_t element) {
     while (parent(element) != element) {
       parent(element) = parent(parent(element));
@@ -36,16 +43,14 @@ class DisjointSets {
     if (rootA != rootB) parent(std::max(rootA, rootB)) = std::min(rootA, rootB);
   }
 
-  /// Of a root that was never united before, to one lower.
+  /// Makes `lower` the parent of a root that was never united before.
   void setParent(std::int32_t element, std::int32_t lower) { parent(element) = lower; }
-  std::int32_t parentOf(std::int32_t element) const {
-    return parent_[static_cast<std::size_t>(element)];
-  }
+  std::int32_t parentOf(std::int32_t element) const { return parent_[asIndex(element)]; }
 
   std::size_t size() const { return parent_.size(); }
 
  private:
-  std::int32_t& parent(std::int32_t element) { return parent_[static_cast<std::size_t>(element)]; }
+  std::int32_t& parent(std::int32_t element) { return parent_[asIndex(element)]; }
 
   std::vector<std::int32_t> parent_;
 };

@@ -1,28 +1,24 @@
-// Stiffnesses of P1 triangles, several side by side in the processor's vector registers,
-// with room for other work while it divides.
+// The element stiffness of P1 triangles, several side by side in the processor's vector registers.
 //
 // The gradient of a corner's hat function points from the foot of its height to the corner
 // and has length 1 / height (Strang and Fix, An Analysis of the Finite Element Method, 1973,
 // ch. 1). For the corner p, whose height has its foot on the edge from q towards r:
 //
-//   height = 2 area / |r - q|
-//   share  = how far from q to r the foot is = (p - q) . (r - q) / |r - q| / |r - q|
-//   foot   = q + share (r - q)
-//   grad   = (p - foot) / height / height
+//            p        height = 2 area / |r - q|
+//           /|\       share  = (p - q) . (r - q) / |r - q| / |r - q|, the way to the foot
+//          / | \      foot   = q + share (r - q)
+//         q--+--r     grad   = (p - foot) / height / height
 //
 // Divisions by a length come one after the other, never by its square: the square rounds
 // differently and can under- or overflow. The order of operations is binding, here and in
 // vec3.h: the assembled matrix has the same bits on every platform because of it. There is
-// no branch either.
+// no branch either, so that the compiler can turn the loop over a block into vector instructions.
 //
 // A triangle without area has heights of 0 and gives NaN or infinite entries; NaN and
 // infinite coordinates do too. Nothing is tested here.
 //
-// An element costs 27 divisions and 4 square roots, which take a processor some 60 cycles,
-// whatever its registers' width; of its other instructions it could do 300 meanwhile. But
-// it looks only so far ahead: what waits for a quotient fills its queues. So each step here
-// asks for quotients and does nothing with them, and between steps the caller does
-// something else.
+// Cost: 27 divisions and 4 square roots for each triangle, which take a processor some 60 cycles,
+// whatever its registers' width.
 #ifndef QELM_MESH_ELEMENT_BLOCK_H
 #define QELM_MESH_ELEMENT_BLOCK_H
 
@@ -34,24 +30,41 @@
 
 namespace qelm {
 
+/// The six different entries of the symmetric 3 x 3 element stiffness
+/// K_ab = area * (grad phi_a . grad phi_b).
+struct ElementStiffness {
+  double k00, k11, k22;
+  double k01, k12, k02;
+};
+
+/// Gradient of the hat function of p; along = (p - q) . (r - q), edge = |r - q|.
+inline Vec3 hatGradient(Vec3 p, Vec3 q, Vec3 r, double along, double edge, double height) {
+  const double share = along / edge / edge;
+  const Vec3 foot = q + share * (r - q);
+  return (p - foot) / height / height;
+}
+
+inline ElementStiffness elementStiffness(Vec3 p0, Vec3 p1, Vec3 p2) {
+  const double area = 0.5 * length(cross(p1 - p0, p2 - p0));
+  const double edge0 = length(p2 - p1);
+  const double edge1 = length(p2 - p0);
+  const double edge2 = length(p1 - p0);
+  const double along = dot(p0 - p1, p2 - p1);
+  const Vec3 g0 = hatGradient(p0, p1, p2, along, edge0, 2 * area / edge0);
+  const Vec3 g1 = hatGradient(p1, p0, p2, dot(p2 - p0, p1 - p0), edge1, 2 * area / edge1);
+  const Vec3 g2 = hatGradient(p2, p1, p0, along, edge2, 2 * area / edge2);
+  return {area * dot(g0, g0), area * dot(g1, g1), area * dot(g2, g2),
+          area * dot(g0, g1), area * dot(g1, g2), area * dot(g0, g2)};
+}
+
 /// Triangles in a block. A multiple of every vector register's length.
 inline constexpr std::size_t kBlock = 8;
-
-/// How often the steps of a block let the caller do something else.
-inline constexpr std::size_t kPauses = 8;
 
 using Lanes = std::array<double, kBlock>;
 
 /// Corners 0, 1, 2 of each triangle.
 struct BlockCorners {
   std::array<Lanes, 3> x, y, z;
-};
-
-/// The six different entries of the symmetric 3 x 3 element matrix
-/// K_ab = area * (grad phi_a . grad phi_b).
-struct ElementStiffness {
-  double k00, k11, k22;
-  double k01, k12, k02;
 };
 
 struct BlockStiffness {
@@ -63,101 +76,22 @@ struct BlockStiffness {
   }
 };
 
-namespace block_steps {
-
-/// Of each corner: its height's foot is looked for from corner kFrom on, towards corner kTo.
-inline constexpr std::array<std::size_t, 3> kFrom = {1, 0, 1};
-inline constexpr std::array<std::size_t, 3> kTo = {2, 2, 0};
-
-struct Between {
-  Lanes area;
-  std::array<Lanes, 3> length;  ///< of the edge opposite each corner
-  std::array<Lanes, 3> share;   ///< of that edge, as far as the foot; on its way there
-  std::array<Lanes, 3> height;
-  std::array<Lanes, 3> x, y, z;  ///< gradients on their way
-};
-
-QELM_INLINE void measure(const BlockCorners& c, Between& b) {
-  QELM_KEEP_LOOP
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    const Vec3 p0{c.x[0][i], c.y[0][i], c.z[0][i]};
-    const Vec3 p1{c.x[1][i], c.y[1][i], c.z[1][i]};
-    const Vec3 p2{c.x[2][i], c.y[2][i], c.z[2][i]};
-    b.area[i] = 0.5 * length(cross(p1 - p0, p2 - p0));
-    b.length[0][i] = length(p2 - p1);
-    b.length[1][i] = length(p2 - p0);
-    b.length[2][i] = length(p1 - p0);
-    b.share[0][i] = dot(p0 - p1, p2 - p1);
-    b.share[1][i] = dot(p2 - p0, p1 - p0);
-    b.share[2][i] = b.share[0][i];
-  }
-}
-
-QELM_INLINE void divideBy(const Lanes& divisor, Lanes& lanes) {
-  QELM_KEEP_LOOP
-  for (std::size_t i = 0; i < kBlock; ++i) lanes[i] = lanes[i] / divisor[i];
-}
-
-QELM_INLINE void findHeight(const Lanes& area, const Lanes& length, Lanes& height) {
-  QELM_KEEP_LOOP
-  for (std::size_t i = 0; i < kBlock; ++i) height[i] = 2 * area[i] / length[i];
-}
-
-/// One coordinate of the way from the foot to the corner, over the height.
-QELM_INLINE void climb(const std::array<Lanes, 3>& corners, std::size_t k, const Lanes& share,
-                       const Lanes& height, Lanes& gradient) {
-  const Lanes& from = corners[kFrom[k]];
-  const Lanes& to = corners[kTo[k]];
-  QELM_KEEP_LOOP
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    const double foot = from[i] + share[i] * (to[i] - from[i]);
-    gradient[i] = (corners[k][i] - foot) / height[i];
-  }
-}
-
-QELM_INLINE void multiply(const Between& b, std::size_t k, std::size_t l, Lanes& entry) {
-  QELM_KEEP_LOOP
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    const Vec3 gradient{b.x[k][i], b.y[k][i], b.z[k][i]};
-    const Vec3 other{b.x[l][i], b.y[l][i], b.z[l][i]};
-    entry[i] = b.area[i] * dot(gradient, other);
-  }
-}
-
-}  // namespace block_steps
-
-/// Of every triangle of a block, with the bits that it would have alone: division and
+/// The stiffness of every triangle of a block, with the bits that it would have alone: division and
 /// square root are rounded correctly in every lane, and no product is fused with a sum.
-/// Calls pause(0) ... pause(kPauses - 1) on the way.
-template <class Pause>
-QELM_INLINE void stiffnessOfBlock(const BlockCorners& c, BlockStiffness& stiffness, Pause pause) {
-  block_steps::Between b;
-  block_steps::measure(c, b);
-  pause(0);
-  for (std::size_t k = 0; k < 3; ++k) {
-    block_steps::findHeight(b.area, b.length[k], b.height[k]);
-    block_steps::divideBy(b.length[k], b.share[k]);
+inline void stiffnessOfBlock(const BlockCorners& corners, BlockStiffness& stiffness) {
+  const auto point = [&](std::size_t corner, std::size_t lane) -> Vec3 {
+    return {corners.x[corner][lane], corners.y[corner][lane], corners.z[corner][lane]};
+  };
+  QELM_KEEP_LOOP
+  for (std::size_t lane = 0; lane < kBlock; ++lane) {
+    const ElementStiffness e = elementStiffness(point(0, lane), point(1, lane), point(2, lane));
+    stiffness.k00[lane] = e.k00;
+    stiffness.k11[lane] = e.k11;
+    stiffness.k22[lane] = e.k22;
+    stiffness.k01[lane] = e.k01;
+    stiffness.k12[lane] = e.k12;
+    stiffness.k02[lane] = e.k02;
   }
-  pause(1);
-  for (std::size_t k = 0; k < 3; ++k) block_steps::divideBy(b.length[k], b.share[k]);
-  for (std::size_t k = 0; k < 3; ++k) {
-    block_steps::climb(c.x, k, b.share[k], b.height[k], b.x[k]);
-    block_steps::climb(c.y, k, b.share[k], b.height[k], b.y[k]);
-    block_steps::climb(c.z, k, b.share[k], b.height[k], b.z[k]);
-    pause(2 + k);
-  }
-  for (std::size_t k = 0; k < 3; ++k) {
-    block_steps::divideBy(b.height[k], b.x[k]);
-    block_steps::divideBy(b.height[k], b.y[k]);
-    block_steps::divideBy(b.height[k], b.z[k]);
-    pause(5 + k);
-  }
-  block_steps::multiply(b, 0, 0, stiffness.k00);
-  block_steps::multiply(b, 1, 1, stiffness.k11);
-  block_steps::multiply(b, 2, 2, stiffness.k22);
-  block_steps::multiply(b, 0, 1, stiffness.k01);
-  block_steps::multiply(b, 1, 2, stiffness.k12);
-  block_steps::multiply(b, 0, 2, stiffness.k02);
 }
 
 }  // namespace qelm

@@ -1,5 +1,10 @@
-// A hash set of 32-bit indices in one flat array; what an index stands for is the
-// caller's to compare. Open addressing with linear probing, at most half full.
+// A hash set of 32-bit indices in one flat array; the caller compares what the indices stand for.
+// Open addressing with linear probing, at most half full:
+//
+//   slot     0  1  2  3  4  5  6  7       key with hash 10: slot 10 mod 8 = 2 holds another key,
+//   index    .  .  0  1  .  .  2  .       so does slot 3, slot 4 is empty: the key is new
+//
+// Cost: one or two slots for a look-up, on average.
 #ifndef QELM_MESH_INDEX_TABLE_H
 #define QELM_MESH_INDEX_TABLE_H
 
@@ -28,7 +33,7 @@ inline std::uint64_t hashWords(std::uint64_t a, std::uint64_t b, std::uint64_t c
 
 class IndexTable {
  public:
-  /// Room for `most` indices, allocated at once.
+  /// Takes up to `most` indices; allocates once.
   explicit IndexTable(std::size_t most) : slots_(std::bit_ceil(2 * most + 1), kEmpty) {}
 
   /// The index already stored for which same(index) holds, or else `index`, which
@@ -43,12 +48,11 @@ class IndexTable {
     return slots_[slot] = index;
   }
 
-  /// Has the memory ready that findOrInsert() with this hash needs first.
+  /// Prefetches the slot in which findOrInsert() with this hash looks first.
   void prefetch(std::uint64_t hash) const {
     prefetchToWrite(&slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)]);
   }
-  /// The index that findOrInsert() with this hash would ask about first; negative if
-  /// there is none.
+  /// The index in that slot; negative if it is empty.
   std::int32_t firstTried(std::uint64_t hash) const {
     return slots_[static_cast<std::size_t>(hash) & (slots_.size() - 1)];
   }

@@ -1,4 +1,13 @@
-// Vertex renumbering: tagged vertices to the front, free ones from the back.
+// Vertex renumbering, from input order to system order: prescribed vertices to the front, free
+// vertices from the back.
+//
+//   input order     0  1  2  3  4        tags 0 1 0 0 2: vertices 1 and 4 are prescribed
+//   system order    4  0  3  2  1        `place`, input index -> system index
+//
+//   system order    0  1  2  3  4
+//   input order     1  4  3  2  0        `order`, system index -> input index, its inverse
+//
+// One pass over the tags, one over the coordinates, one over the triangles.
 #ifndef QELM_MESH_NUMBERING_H
 #define QELM_MESH_NUMBERING_H
 
@@ -25,17 +34,10 @@ VertexNumbering numberVertices(std::span<const std::int32_t> tags);
 std::vector<double> reorderCoordinates(std::span<const double> vertices,
                                        const VertexNumbering& numbering);
 
-struct SystemTriangles {
-  std::vector<std::int32_t> indices;
-  /// For each vertex, how many sides of triangles have it as their higher end. A side is
-  /// counted for each of its triangles.
-  std::vector<std::uint32_t> higherEnds;
-};
-
-/// Triangle indices (3m) rewritten from input to system numbering. The order of
-/// triangles, and of corners within each, stays. Every index must be in 0 .. n-1.
-SystemTriangles renumberTriangles(std::span<const std::int32_t> triangles,
-                                  const VertexNumbering& numbering);
+/// Triangle indices (3m) rewritten from input to system order. The order of triangles, and of
+/// corners within each, stays. Every index must be in 0 .. n-1.
+std::vector<std::int32_t> renumberTriangles(std::span<const std::int32_t> triangles,
+                                            const VertexNumbering& numbering);
 
 }  // namespace qelm
 

@@ -1,10 +1,7 @@
-// A construction's arrays are counted as they are: when the elimination tree is known, all of them
-// but the factor's are there.
 #include "mesh/size_limit.h"
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 namespace qelm {
 namespace {
@@ -13,7 +10,7 @@ std::int64_t bytesOf(const SparseBlock& block) {
   return 4 * (block.cols() + 1) + 12 * block.nonZeros();
 }
 
-/// Of coordinates, triangles and both numberings.
+/// Coordinates, triangles and both permutations.
 std::int64_t meshBytes(const MeshSystem& system) {
   return (24 + 8) * system.vertexCount + 4 * std::ssize(*system.triangles);
 }
@@ -34,10 +31,14 @@ QelmPrediction predictionOf(const MeshSystem& system, const factor::Cost& cost,
 
 }  // namespace
 
-std::int64_t assemblyBytes(const VertexNumbering& numbering, const SystemTriangles& triangles) {
-  const auto n = static_cast<std::int64_t>(numbering.place.size());
-  const auto firstFree = triangles.higherEnds.begin() + numbering.taggedCount;
-  return 28 * n + 12 * std::accumulate(firstFree, triangles.higherEnds.end(), std::int64_t{0});
+std::int64_t assemblyBytes(std::int32_t taggedCount, std::size_t vertexCount,
+                           std::span<const std::int32_t> triangles) {
+  std::int64_t entries = 0;
+  for (std::size_t j = 0; j < triangles.size(); ++j) {
+    const std::size_t next = j % 3 == 2 ? j - 2 : j + 1;
+    if (std::max(triangles[j], triangles[next]) >= taggedCount) ++entries;
+  }
+  return 28 * static_cast<std::int64_t>(vertexCount) + 12 * entries;
 }
 
 bool keeps(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost) {

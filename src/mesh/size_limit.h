@@ -1,31 +1,36 @@
-// What constructing a system takes, and a limit to it.
+// The memory that constructing a system takes, and a limit to it.
+//
+// When the elimination tree is known, all arrays but the factor's are there: they are counted as
+// they are, and the factor's sizes follow from the tree.
 #ifndef QELM_MESH_SIZE_LIMIT_H
 #define QELM_MESH_SIZE_LIMIT_H
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "factor/cost.h"
 #include "interface/mesh_system.h"
-#include "mesh/numbering.h"
 #include "qelm.h"
 
 namespace qelm {
 
-/// One construction's.
+/// The limit of one construction, and what was found on the way.
 struct SizeLimit {
   std::int64_t mostBytes;  ///< negative: stop in any case
 
-  // Written on the way:
-  std::int64_t assemblyBytes = 0;  ///< the most that is held while elements are added up
+  std::int64_t assemblyBytes = 0;  ///< the most that the assembly holds
   QelmPrediction prediction = {};
   bool exceeded = false;
 };
 
-/// While elements are added up, see EdgeSums: an entry for each side of a triangle that is not
-/// between tagged vertices.
-std::int64_t assemblyBytes(const VertexNumbering& numbering, const SystemTriangles& triangles);
+/// The most that the assembly of a mesh in system order holds: an entry in a bucket, see
+/// LowerTriangle, for each edge of each triangle that does not join prescribed vertices; rows,
+/// counts and column pointers for each vertex.
+std::int64_t assemblyBytes(std::int32_t taggedCount, std::size_t vertexCount,
+                           std::span<const std::int32_t> triangles);
 
-/// Whether a system that has all but its factor keeps the limit: takes no more than
+/// Whether a system keeps the limit, when all of it but the factor is there: it takes no more than
 /// `limit.mostBytes`, and its factor has no more entries than an int can count.
 bool keeps(SizeLimit& limit, const MeshSystem& system, const factor::Cost& cost);
 

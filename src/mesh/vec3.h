@@ -30,7 +30,7 @@ inline Vec3 cross(Vec3 a, Vec3 b) {
 /// and loses digits below about 1e-154: squares are formed as they are.
 inline double length(Vec3 a) { return std::sqrt(dot(a, a)); }
 
-/// In size.
+/// The largest magnitude of a component.
 inline double largestComponent(Vec3 a) {
   return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
 }

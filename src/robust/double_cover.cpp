@@ -121,10 +121,11 @@ class Gluing {
   bool turnTriangles(const MeshEdges& edges) {
     OrientedParts parts(isTurned_.size());
     bool areOrientable = true;
-    edges.forEach([&](std::int32_t lowerEnd, std::span<const MeshHalfEdge> halfEdges) {
+    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
       if (isPrescribed(halfEdges)) return;
       const std::int32_t g = halfEdges[0].number, h = halfEdges[1].number;
-      areOrientable &= parts.unite(g / 3, h / 3, startsAt(lowerEnd, g) == startsAt(lowerEnd, h));
+      areOrientable &=
+          parts.unite(g / 3, h / 3, startsAt(lowerVertex, g) == startsAt(lowerVertex, h));
     });
     for (std::size_t t = 0; areOrientable && t < isTurned_.size(); ++t)
       isTurned_[t] = parts.isTurned(asInt(t));

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
-#include <utility>
 
 #include "interface/index.h"
 #include "mesh/arguments.h"
 #include "mesh/construct.h"
+#include "mesh/numbering.h"
 #include "mesh/size_limit.h"
 #include "qelm.h"
 #include "robust/flips.h"
@@ -40,10 +40,9 @@ qelm::AssembleSystem assembleOf(int robust) {
 qelm::RobustRows robustRows(std::span<const double> vertices, std::span<const int> triangles,
                             std::span<const int> tags) {
   const qelm::VertexNumbering numbering = qelm::numberVertices(tags);
-  qelm::SystemTriangles renumbered = qelm::renumberTriangles(triangles, numbering);
   return qelm::assembleRobustRows(
-      numbering.taggedCount, qelm::reorderCoordinates(vertices, numbering), renumbered.indices,
-      std::move(renumbered.higherEnds), qelm::flipLimit(triangles.size() / 3));
+      numbering.taggedCount, qelm::reorderCoordinates(vertices, numbering),
+      qelm::renumberTriangles(triangles, numbering), qelm::flipLimit(triangles.size() / 3));
 }
 
 }  // namespace

@@ -23,10 +23,9 @@ void sortBucket(std::span<MeshHalfEdge> bucket) {
   }
   for (std::size_t i = 1; i < bucket.size(); ++i) {
     const MeshHalfEdge halfEdge = bucket[i];
-    std::size_t place = i;
-    for (; place > 0 && keyOf(halfEdge) < keyOf(bucket[place - 1]); --place)
-      bucket[place] = bucket[place - 1];
-    bucket[place] = halfEdge;
+    std::size_t at = i;
+    for (; at > 0 && keyOf(halfEdge) < keyOf(bucket[at - 1]); --at) bucket[at] = bucket[at - 1];
+    bucket[at] = halfEdge;
   }
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "interface/index.h"
-#include "mesh/edge_sums.h"
+#include "mesh/lower_triangle.h"
 
 namespace qelm {
 namespace {
@@ -28,9 +28,9 @@ bool isNonnegativeBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
 
 /// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
 /// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
-/// free row. Returns, for each vertex, of how many edges with a weight it is the higher one.
+/// free row. Returns the sizes of the buckets that the weights need, see LowerTriangle.
 std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::size_t vertexCount) {
-  std::vector<std::uint32_t> higherEnds(vertexCount);
+  std::vector<std::uint32_t> bucketSizes(vertexCount);
   const double share = 0.5 / cover.sheets;
   for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
     const HalfEdge g = cover.twin[asIndex(h)];
@@ -40,12 +40,12 @@ std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::s
       const std::int32_t a = cover.origin[asIndex(h)], b = cover.origin[asIndex(g)];
       if (a != b)
         weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
-      if (weight > 0) ++higherEnds[asIndex(std::max(a, b))];
+      if (weight > 0) ++bucketSizes[asIndex(std::max(a, b))];
       cover.cotangent[asIndex(g)] = 0;
     }
     cover.cotangent[asIndex(h)] = weight;
   }
-  return higherEnds;
+  return bucketSizes;
 }
 
 /// Calls visit(a, b, weight) for each edge whose weight is not 0.
@@ -67,19 +67,18 @@ bool hasNonnegativeWeights(const FreeRowBlocks& plain) {
          isNonnegativeBlock(plain.freeFixed, [](Index, Index) { return false; });
 }
 
-FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
-                         std::span<const std::int32_t> triangles) {
-  std::vector<std::uint32_t> higherEnds = replaceCotangentsByWeights(cover, vertexCount);
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount) {
+  std::vector<std::uint32_t> bucketSizes = replaceCotangentsByWeights(cover, vertexCount);
   std::vector<HalfEdge>().swap(cover.twin);
-  EdgeSums sums(taggedCount, triangles, std::exchange(higherEnds, {}));
+  LowerTriangle lower(taggedCount, std::exchange(bucketSizes, {}));
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
-    sums.add(a, b, -weight);
-    sums.addToDiagonal(a, weight);
-    sums.addToDiagonal(b, weight);
+    lower.add(a, b, -weight);
+    lower.addToDiagonal(a, weight);
+    lower.addToDiagonal(b, weight);
   });
   cover = {};
-  EdgeSums::Counts counts = sums.addUp();
-  return blocksOf(std::move(sums), std::move(counts), taggedCount);
+  lower.mergeBuckets();
+  return toCompressedColumns(lower, taggedCount);
 }
 
 }  // namespace qelm

@@ -9,8 +9,8 @@
 #ifndef QELM_ROBUST_ROBUST_ROWS_H
 #define QELM_ROBUST_ROBUST_ROWS_H
 
+#include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "mesh/free_rows.h"
 #include "robust/double_cover.h"
@@ -25,11 +25,10 @@ namespace qelm {
 bool hasNonnegativeWeights(const FreeRowBlocks& plain);
 constexpr double kRoundingOfPlain = 1e-12;
 
-/// The blocks for the cover of `triangles`. Weights that are negative within rounding count as 0,
-/// so that no entry off the diagonal is positive; weights of 0 leave no entry. Takes 36 bytes for
-/// each triangle and sheet beside the result and three quarters of the cover.
-FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount,
-                         std::span<const std::int32_t> triangles);
+/// The blocks of a mesh with so many vertices. Weights that are negative within rounding count as
+/// 0, so that no entry off the diagonal is positive; weights of 0 leave no entry. Takes 36 bytes
+/// for each triangle and sheet beside the result and three quarters of the cover.
+FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount);
 
 }  // namespace qelm
 

@@ -48,18 +48,15 @@ void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
 
 // Blocks are moved by swapping, see assembly.cpp.
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
-                              std::span<const std::int32_t> triangles,
-                              std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit) {
+                              std::span<const std::int32_t> triangles, std::int64_t flipLimit) {
   const bool steep = hasSteepTriangle(taggedCount, coordinates, triangles);
   RobustRows result{};
   if (steep) {
-    std::vector<std::uint32_t>().swap(higherEnds);
     result.rows.status = defectOf(coordinates.size() / 3, triangles);
   } else {
     // Assembling the plain rows finds a mesh's defects and tells whether repair is needed, in a
     // fraction of the time of repair. They are freed before repair begins.
-    AssembledRows plain =
-        assembleFreeRows(taggedCount, coordinates, triangles, std::move(higherEnds));
+    AssembledRows plain = assembleFreeRows(taggedCount, coordinates, triangles);
     result.rows.status = plain.status;
     swapBlocks(result.rows.blocks, std::move(plain.blocks));
   }
@@ -84,7 +81,7 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
   result.report = {1, cover.sheets, cover.flatTriangles, flips.notDelaunayEdges, flips.done};
   if (flips.finished) {
     swapBlocks(result.rows.blocks,
-               robustRows(std::move(cover), taggedCount, coordinates.size() / 3, triangles));
+               robustRows(std::move(cover), taggedCount, coordinates.size() / 3));
   } else {
     result.rows.status = QELM_STATUS_ENDLESS_FLIPS;
   }
@@ -93,15 +90,14 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
 
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, SizeLimit* limit,
-                                                 int& status) {
+                                                 std::vector<std::int32_t> triangles,
+                                                 SizeLimit* limit, int& status) {
   if (vertexCount == 0) return nullptr;
   RobustRows robust =
-      assembleRobustRows(taggedCount, coordinates, triangles.indices,
-                         std::move(triangles.higherEnds), flipLimit(triangles.indices.size() / 3));
+      assembleRobustRows(taggedCount, coordinates, triangles, flipLimit(triangles.size() / 3));
   status = robust.rows.status;
   if (status != QELM_STATUS_OK) return nullptr;
-  auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles.indices),
+  auto system = factorisedSystem(taggedCount, std::move(coordinates), std::move(triangles),
                                  robust.rows.blocks, robust.freeOrder, limit);
   if (system == nullptr) {
     status = QELM_STATUS_TOO_LARGE;

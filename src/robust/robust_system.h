@@ -19,7 +19,6 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/assembly.h"
-#include "mesh/numbering.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -35,14 +34,13 @@ struct RobustRows {
 /// The plain rows of assembleFreeRows() if they can stay (hasNonnegativeWeights()); otherwise those
 /// of the triangulation after at most `flipLimit` flips, status 106 if these are too few.
 RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinates,
-                              std::span<const std::int32_t> triangles,
-                              std::vector<std::uint32_t> higherEnds, std::int64_t flipLimit);
+                              std::span<const std::int32_t> triangles, std::int64_t flipLimit);
 
 /// assembleSystem() with robust rows and with bounds for its fields.
 std::unique_ptr<MeshSystem> assembleRobustSystem(int taggedCount, int vertexCount,
                                                  std::vector<double> coordinates,
-                                                 SystemTriangles triangles, SizeLimit* limit,
-                                                 int& status);
+                                                 std::vector<std::int32_t> triangles,
+                                                 SizeLimit* limit, int& status);
 
 }  // namespace qelm
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "interface/index.h"
 #include "solve/factor_rows.h"
 #include "solve/factor_vector.h"
 #include "solve/field_bounds.h"
@@ -16,15 +17,14 @@ namespace {
 using Eigen::Index;
 
 std::size_t fieldCount(const MeshSystem& system, const Batch& batch) {
-  return batch.values.size() / static_cast<std::size_t>(system.vertexCount);
+  return batch.values.size() / asIndex(system.vertexCount);
 }
 
-/// What all blocks of a batch share. Rows 0 .. t-1 hold the tagged vertices in
-/// system order, the others the free ones in the factor's order.
+/// What all blocks of a batch share. Rows 0 .. t-1 hold the prescribed vertices in system order,
+/// the other rows the free vertices in the factor's order.
 struct Workspace {
   Workspace(const MeshSystem& system, std::size_t width)
-      : rows(std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(system.vertexCount) *
-                                                      width)),
+      : rows(std::make_unique_for_overwrite<double[]>(asIndex(system.vertexCount) * width)),
         solved(system.freeSolver->info() == Eigen::Success) {
     if (!solved) return;
     diagonal = system.freeSolver->vectorD();
@@ -34,14 +34,14 @@ struct Workspace {
 
   std::unique_ptr<double[]> rows;
   bool solved;
-  Eigen::VectorXd diagonal;  ///< the factor's
+  Eigen::VectorXd diagonal;  ///< D of the factor
   Eigen::VectorXd scratch;   ///< for a single right-hand side
-  FieldRanges ranges;        ///< kept after robust construction
+  FieldRanges ranges;        ///< bounds of the fields, after robust construction
 };
 
-/// The fields of one block. Where the batch has fewer than Width left, the last
-/// one fills the rest: a field of zeros would do as well, but would send every
-/// column through the slower path for right-hand sides that differ in their zeros.
+/// The fields of one block. Where the batch has fewer than Width fields left, the last field is
+/// repeated: fields of zeros would do as well, but would send every column through the slower path
+/// for right-hand sides that differ in their zeros.
 template <int Width>
 class Block {
  public:
@@ -57,8 +57,8 @@ class Block {
     for (Index s = 0; s < system_.fixedCount; ++s) gather(batch_.values, s, fixed_[s]);
   }
 
-  /// -load - K_fb u_b. Without a load the sums start from zero; where the sign of
-  /// the product is turned makes no difference to its bits.
+  /// -load - K_fb u_b. Without a load the sums start from zero. The sign of a product may be turned
+  /// before or after the multiplication: its bits are the same.
   void formRightHandSides() const {
     for (Index i = 0; i < freeCount(); ++i) startRightHandSide(i);
     const SparseBlock& coupling = *system_.freeFixedBlock;
@@ -75,15 +75,15 @@ class Block {
     const SparseBlock& lower = view.nestedExpression();
     if constexpr (Width == 1) {
       double* const x = free_[0].data();
-      solveLower(lower, x, workspace.scratch.data());
-      solveDiagonalAndUpper(lower, workspace.diagonal, x, workspace.scratch.data());
+      substituteForward(lower, x, workspace.scratch.data());
+      substituteBack(lower, workspace.diagonal, x, workspace.scratch.data());
     } else {
-      solveLower<Width>(lower, free_);
-      solveDiagonalAndUpper<Width>(lower, workspace.diagonal, free_);
+      substituteForward<Width>(lower, free_);
+      substituteBack<Width>(lower, workspace.diagonal, free_);
     }
   }
 
-  /// A load has no bounds.
+  /// Only fields without a load have bounds.
   void keepWithinRanges(FieldRanges& ranges) const {
     if (!ranges.areKept() || !batch_.loads.empty()) return;
     ranges.keep<Width>(
@@ -109,23 +109,23 @@ class Block {
 
   auto rowOfFree(Index i) const { return free_[system_.freeSolver->permutationP().indices()[i]]; }
 
-  /// Where field k of this block has its entry for system vertex s.
-  std::size_t place(std::size_t k, Index s) const {
-    const auto input = static_cast<std::size_t>(system_.vertexOrder[static_cast<std::size_t>(s)]);
-    return (first_ + k) * static_cast<std::size_t>(system_.vertexCount) + input;
+  /// Position in the batch's arrays of field k of this block at system vertex s.
+  std::size_t position(std::size_t k, Index s) const {
+    const auto input = asIndex(system_.vertexOrder[asIndex(s)]);
+    return (first_ + k) * asIndex(system_.vertexCount) + input;
   }
 
   template <class Row>
   void gather(std::span<const double> fields, Index s, Row&& row) const {
     for (std::size_t k = 0; k < Width; ++k) {
-      row[static_cast<Index>(k)] = fields[place(std::min(k, count_ - 1), s)];
+      row[static_cast<Index>(k)] = fields[position(std::min(k, count_ - 1), s)];
     }
   }
 
   template <class Row>
   void scatter(const Row& row, Index s) const {
     for (std::size_t k = 0; k < count_; ++k) {
-      batch_.results[place(k, s)] = row[static_cast<Index>(k)];
+      batch_.results[position(k, s)] = row[static_cast<Index>(k)];
     }
   }
 
@@ -147,8 +147,8 @@ class Block {
   Rows free_;
 };
 
-/// Everything that the block reads is read before the first of its results is
-/// written, and it writes nothing that another block reads.
+/// A block reads all of its values and loads before it writes its first result, and writes nothing
+/// that another block reads: so the arrays of a batch may be the same.
 template <int Width>
 void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
                 Workspace& workspace) {
@@ -167,7 +167,7 @@ void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
 
 using SolveBlock = void (*)(const MeshSystem&, const Batch&, std::size_t, Workspace&);
 
-/// For 1, 2, 4, ... 32 fields.
+/// Entry k solves a block of 2^k fields.
 constexpr SolveBlock kSolveBlock[] = {solveBlock<1>, solveBlock<2>,  solveBlock<4>,
                                       solveBlock<8>, solveBlock<16>, solveBlock<32>};
 
@@ -175,7 +175,7 @@ constexpr SolveBlock kSolveBlock[] = {solveBlock<1>, solveBlock<2>,  solveBlock<
 
 void solveBatch(const MeshSystem& system, const Batch& batch, int width) {
   const std::size_t count = fieldCount(system, batch);
-  const std::size_t widest = std::min(static_cast<std::size_t>(width), std::bit_ceil(count));
+  const std::size_t widest = std::min(asIndex(width), std::bit_ceil(count));
   Workspace workspace(system, widest);
   std::size_t step = 0;
   for (std::size_t first = 0; first < count; first += step) {

@@ -1,5 +1,15 @@
-// Fields between prescribed values from a stored factorisation: one, or several at each
-// pass through the factor.
+// Fields between prescribed values from a stored factorisation: forward and back substitution for
+// one right-hand side, or for several in each pass through the factor.
+//
+// In: n values for each field, and n loads or none, in input order. Out: n results for each field.
+// The factor is read once for a block of up to 16 fields. Their right-hand sides lie side by side:
+//
+//              field 0 1 .. 15
+//   row 0      | x x .. x |  rows 0 .. t-1: prescribed vertices, in system order
+//   row 1      | x x .. x |
+//   ...                      rows t .. n-1: free vertices, in the factor's order
+//
+// Cost for each field: two multiplications for each entry of L, and a sixteenth of reading L.
 #ifndef QELM_SOLVE_BATCH_SOLVE_H
 #define QELM_SOLVE_BATCH_SOLVE_H
 
@@ -9,17 +19,15 @@
 
 namespace qelm {
 
-/// Fields of n values each, one after another, input order throughout. `loads` may
-/// be empty: then there are none. Any two of the three arrays may be the same, but
-/// may not overlap otherwise.
+/// Fields of n values each, one after another, in input order. `loads` may be empty: then there are
+/// no loads. Any two of the three arrays may be the same, but may not overlap otherwise.
 struct Batch {
   std::span<const double> values;
   std::span<const double> loads;
   std::span<double> results;
 };
 
-/// How many right-hand sides go through the factor together. Powers of two, 1 to
-/// 32, are possible.
+/// How many right-hand sides go through the factor together: a power of two from 1 to 32.
 ///
 /// 16, by measurement (bench/batch_bench.cpp). Time for one field, as a share of
 /// Eigen's own single solve, on grids of 100 thousand and 1 million vertices:
@@ -40,14 +48,14 @@ constexpr int kBatchWidth = 16;
 ///
 /// the rows of the free vertices of K u + load = 0, or of K u = 0 without loads: the
 /// discrete harmonic field between the prescribed values. A load enters as it is, one
-/// value for each free vertex, without mass matrix or scaling. Values are read at tagged
-/// vertices only and come back bit for bit; loads are read at free ones only. If the
+/// value for each free vertex, without mass matrix or scaling. Values are read at prescribed
+/// vertices only and come back bit for bit; loads are read at free vertices only. If the
 /// factorisation failed, every free vertex gets 0.0.
 ///
-/// A field's bits are those of Eigen's own solve() for it alone, a NaN's sign aside;
-/// `width` bounds how many go together and has no influence on them. Needs as many
-/// doubles for each vertex as go together, and two more, all allocated before the first
-/// result is written. Reads the system only, takes no lock.
+/// A field's bits are those of Eigen's own solve() for that field alone, a NaN's sign aside;
+/// `width`, the most fields in a block, has no influence on them. Needs `width` + 2 doubles for
+/// each vertex, all allocated before the first result is written. Reads the system only, takes no
+/// lock.
 void solveBatch(const MeshSystem& system, const Batch& batch, int width = kBatchWidth);
 
 }  // namespace qelm

@@ -1,7 +1,9 @@
-// The solve exports: checks in order, views, one call, the status.
+// The solve exports: they check their arguments in the documented order, make views of the arrays,
+// solve, and write the status.
 #include <cstddef>
 #include <span>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
 #include "solve/batch_solve.h"
@@ -14,11 +16,10 @@ int handleStatus(const MeshSystem* handle) {
   return QELM_STATUS_OK;
 }
 
-/// One span over `count` fields; none for a null array.
+/// One span over `count` fields; an empty one for a null array.
 template <class T>
 std::span<T> fieldsAt(T* fields, int count, std::size_t n) {
-  return fields == nullptr ? std::span<T>()
-                           : std::span<T>(fields, static_cast<std::size_t>(count) * n);
+  return fields == nullptr ? std::span<T>() : std::span<T>(fields, qelm::asIndex(count) * n);
 }
 
 }  // namespace
@@ -27,7 +28,7 @@ extern "C" void qelmsolveTagged(const MeshSystem* handle, const double* values, 
                                 int* status) {
   const int outcome = handleStatus(handle);
   if (outcome == QELM_STATUS_OK) {
-    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    const auto n = qelm::asIndex(handle->vertexCount);
     qelm::solveBatch(*handle, {{values, n}, {}, {result, n}});
   }
   *status = outcome;
@@ -37,7 +38,7 @@ extern "C" void qelmsolvePTagged(const MeshSystem* handle, const double* values,
                                  double* result, int* status) {
   const int outcome = handleStatus(handle);
   if (outcome == QELM_STATUS_OK) {
-    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    const auto n = qelm::asIndex(handle->vertexCount);
     qelm::solveBatch(*handle, {{values, n}, {load, n}, {result, n}});
   }
   *status = outcome;
@@ -48,7 +49,7 @@ extern "C" void qelmsolveManyTagged(const MeshSystem* handle, int count, const d
   int outcome = handleStatus(handle);
   if (outcome == QELM_STATUS_OK && count < 0) outcome = QELM_STATUS_BAD_COUNT_OR_HANDLE;
   if (outcome == QELM_STATUS_OK && count > 0) {
-    const auto n = static_cast<std::size_t>(handle->vertexCount);
+    const auto n = qelm::asIndex(handle->vertexCount);
     qelm::solveBatch(*handle, {fieldsAt(values, count, n), fieldsAt(loads, count, n),
                                fieldsAt(results, count, n)});
   }

@@ -1,10 +1,10 @@
-// Substitution through a stored factor for several right-hand sides at once.
+// Forward and back substitution through a stored factor for several right-hand sides at once.
 //
-// The right-hand sides lie side by side: row i holds entry i of each of them, in
-// the factor's order. An entry of L is then read once for all of them, and its row
-// is one short contiguous array, which the processor's vector instructions take
-// whole. Each right-hand side sees the operations of a single solve in the order
-// of a single solve, so that it comes out with the same bits.
+// The right-hand sides lie side by side: row i holds entry i of each right-hand side, in the
+// factor's order. So an entry of L is read once for all of them, and each of its operations is on
+// two short contiguous arrays, which the processor's vector instructions take whole. Each
+// right-hand side sees the operations of a single solve in the order of a single solve, so that the
+// results have the same bits.
 #ifndef QELM_SOLVE_FACTOR_ROWS_H
 #define QELM_SOLVE_FACTOR_ROWS_H
 
@@ -30,9 +30,9 @@ class RowsView {
   double* first_;
 };
 
-/// row -= pivot * entry, where the pivot is not zero. A single solve passes over
-/// the column of a zero; so must every right-hand side here on its own account,
-/// or a -0.0 might become 0.0, and 0 times an infinite entry NaN.
+/// row -= pivot * entry, where the pivot is not zero. A single solve skips the column of a zero
+/// pivot; each right-hand side here must do the same, or a -0.0 might become 0.0, and 0 times an
+/// infinite entry NaN.
 template <int Width>
 void subtractWhereNonzero(double* row, const double* pivot, double entry) {
   for (int k = 0; k < Width; ++k) {
@@ -43,36 +43,38 @@ void subtractWhereNonzero(double* row, const double* pivot, double entry) {
 
 /// rows = L^-1 rows, column by column; L has a unit diagonal that is not stored.
 template <int Width>
-void solveLower(const SparseBlock& lower, RowsView<Width> rows) {
+void substituteForward(const SparseBlock& lower, RowsView<Width> rows) {
   using Row = typename RowsView<Width>::Row;
-  const int* starts = lower.outerIndexPtr();
-  const int* below = lower.innerIndexPtr();
-  const double* entries = lower.valuePtr();
+  const int* columnPointers = lower.outerIndexPtr();
+  const int* rowIndices = lower.innerIndexPtr();
+  const double* values = lower.valuePtr();
   for (Eigen::Index j = 0; j < lower.cols(); ++j) {
     const Row pivot = rows[j];
     const Eigen::Index nonzero = (pivot != 0).count();
     if (nonzero == Width) {
-      for (int k = starts[j]; k < starts[j + 1]; ++k) rows[below[k]] -= pivot * entries[k];
+      for (int k = columnPointers[j]; k < columnPointers[j + 1]; ++k)
+        rows[rowIndices[k]] -= pivot * values[k];
     } else if (nonzero > 0) {
-      for (int k = starts[j]; k < starts[j + 1]; ++k) {
-        subtractWhereNonzero<Width>(rows[below[k]].data(), pivot.data(), entries[k]);
+      for (int k = columnPointers[j]; k < columnPointers[j + 1]; ++k) {
+        subtractWhereNonzero<Width>(rows[rowIndices[k]].data(), pivot.data(), values[k]);
       }
     }
   }
 }
 
-/// rows = L^-T D^-1 rows, from the last row up. Multiplies by the reciprocals of
-/// D, as the single solve does; a division would round differently.
+/// rows = L^-T D^-1 rows, from the last row up. Multiplies by the reciprocals of D, as the single
+/// solve does; a division would round differently.
 template <int Width>
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal,
-                           RowsView<Width> rows) {
+void substituteBack(const SparseBlock& lower, const Eigen::VectorXd& diagonal,
+                    RowsView<Width> rows) {
   using Row = typename RowsView<Width>::Row;
-  const int* starts = lower.outerIndexPtr();
-  const int* below = lower.innerIndexPtr();
-  const double* entries = lower.valuePtr();
+  const int* columnPointers = lower.outerIndexPtr();
+  const int* rowIndices = lower.innerIndexPtr();
+  const double* values = lower.valuePtr();
   for (Eigen::Index j = lower.cols() - 1; j >= 0; --j) {
     Row sum = rows[j] * (1.0 / diagonal[j]);
-    for (int k = starts[j]; k < starts[j + 1]; ++k) sum -= entries[k] * rows[below[k]];
+    for (int k = columnPointers[j]; k < columnPointers[j + 1]; ++k)
+      sum -= values[k] * rows[rowIndices[k]];
     rows[j] = sum;
   }
 }

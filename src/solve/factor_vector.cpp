@@ -1,21 +1,7 @@
-// Most of L lies in supernodes: runs of columns that have the same rows below the run (the
-// tail).
-//
-//   column   4 5 6        x's entries of the tail, 9 and 12, are gathered once for the run.
-//   row 5    x            Then all columns read and write them side by side, as vectors, and
-//       6    x x          of L only the values are read, not the row numbers: 8 bytes for an
-//       9    x x x        entry in place of 12.
-//      12    x x x
-//
-// Going up, the entries of a column are subtracted one after the other, and the columns are read
-// from the last to the first.
-//
-// Where L is larger than the caches, both ways wait for memory. Processors fetch ahead in rising
-// order only, and begin anew with every column of a group, so the values that come next are asked
-// for here.
 #include "solve/factor_vector.h"
 
 #include "interface/compiler.h"
+#include "interface/index.h"
 
 namespace qelm {
 namespace {
@@ -23,46 +9,48 @@ namespace {
 using Numbers = Eigen::Map<Eigen::ArrayXd>;
 using ConstNumbers = Eigen::Map<const Eigen::ArrayXd>;
 
-/// Entries, 16 MB of values. With fewer, asking for them takes longer than it saves.
-constexpr Eigen::Index kCached = 2'000'000;
+/// Entries of L, 16 MB of values. With fewer, prefetching takes longer than it saves.
+constexpr Eigen::Index kMostCachedEntries = 2'000'000;
 
-/// L's arrays, and what can be told from them about runs of columns.
+/// L's compressed columns, and the supernodes that show in them.
 template <bool kIsCached>
 class Columns {
  public:
   explicit Columns(const SparseBlock& lower)
-      : count_(static_cast<int>(lower.cols())),
-        starts_(lower.outerIndexPtr()),
+      : count_(asInt(lower.cols())),
+        columnPointers_(lower.outerIndexPtr()),
         rows_(lower.innerIndexPtr()),
         values_(lower.valuePtr()) {}
 
   int count() const { return count_; }
-  int size(int column) const { return starts_[column + 1] - starts_[column]; }
-  const int* rows(int column) const { return rows_ + starts_[column]; }
-  const double* values(int column) const { return values_ + starts_[column]; }
+  int size(int column) const { return columnPointers_[column + 1] - columnPointers_[column]; }
+  const int* rows(int column) const { return rows_ + columnPointers_[column]; }
+  const double* values(int column) const { return values_ + columnPointers_[column]; }
 
-  /// Whether the next column has the same rows as this one, but for the first, which is itself.
-  bool goesOn(int column) const {
+  /// Whether the next column's index and its rows are the rows of this column.
+  bool nextHasSameRows(int column) const {
     return size(column) > 0 && *rows(column) == column + 1 && size(column + 1) == size(column) - 1;
   }
-  int pastRunFrom(int first) const {
-    int past = first + 1;
-    while (past < count_ && goesOn(past - 1)) ++past;
-    return past;
+  /// One past the last column of the supernode that starts with `first`.
+  int endOfSupernode(int first) const {
+    int end = first + 1;
+    while (end < count_ && nextHasSameRows(end - 1)) ++end;
+    return end;
   }
-  int firstOfRunUpTo(int last) const {
+  /// The first column of the supernode that ends with `last`.
+  int startOfSupernode(int last) const {
     int first = last;
-    while (first > 0 && goesOn(first - 1)) --first;
+    while (first > 0 && nextHasSameRows(first - 1)) --first;
     return first;
   }
 
-  /// Has the values ready that lie some kilobytes before or after the column's. In line, since GCC
+  /// Prefetch the values that lie some kilobytes before or after the column's. In line, since GCC
   /// leaves out calls of functions that change nothing.
   QELM_INLINE void prefetchBefore(int column) const { prefetchAt(column, -kAhead); }
   QELM_INLINE void prefetchAfter(int column) const { prefetchAt(column, kAhead); }
 
  private:
-  static constexpr int kAhead = 512;  // entries; twice and half of it give the same
+  static constexpr int kAhead = 512;  // entries; 256 and 1024 give the same times
 
   QELM_INLINE void prefetchAt(int column, int distance) const {
     if constexpr (kIsCached) return;
@@ -72,23 +60,23 @@ class Columns {
   }
 
   int count_;
-  const int* starts_;
+  const int* columnPointers_;
   const int* rows_;
   const double* values_;
 };
 
-/// Shorter runs take no less time than their columns one by one.
-constexpr int kShortestRun = 3;
+/// Narrower supernodes take no less time than their columns one by one.
+constexpr int kNarrowestSupernode = 3;
 
-/// Some columns of a run whose entries of x are not zero, in ascending order.
+/// Up to four columns of a supernode whose entries of x are not zero, in ascending order.
 struct Group {
   static constexpr int kSize = 4;
   int count = 0;
-  const double* tails[kSize];
-  double pivots[kSize];
+  const double* tails[kSize];  ///< the values of each column in the tail's rows
+  double pivots[kSize];        ///< the columns' entries of x
 };
 
-/// Each entry of the tail takes the columns one after the other.
+/// Subtracts the columns from the tail, one after the other from each entry.
 void subtract(const Group& group, Numbers tail) {
   const auto product = [&](int k) {
     return group.pivots[k] * ConstNumbers(group.tails[k], tail.size());
@@ -101,7 +89,7 @@ void subtract(const Group& group, Numbers tail) {
 }
 
 template <class Columns>
-void solveLowerAlone(const Columns& lower, int column, double* x) {
+void substituteForwardColumn(const Columns& lower, int column, double* x) {
   const double pivot = x[column];
   if (pivot == 0) return;
   lower.prefetchAfter(column);
@@ -111,9 +99,10 @@ void solveLowerAlone(const Columns& lower, int column, double* x) {
 }
 
 template <class Columns>
-void solveLowerRun(const Columns& lower, int first, int past, double* x, double* scratch) {
-  const int* const rows = lower.rows(past - 1);
-  Numbers tail(scratch, lower.size(past - 1));
+void substituteForwardSupernode(const Columns& lower, int first, int end, double* x,
+                                double* scratch) {
+  const int* const rows = lower.rows(end - 1);
+  Numbers tail(scratch, lower.size(end - 1));
   bool gathered = false;
   Group group;
   const auto flush = [&] {
@@ -125,14 +114,14 @@ void solveLowerRun(const Columns& lower, int first, int past, double* x, double*
     subtract(group, tail);
     group.count = 0;
   };
-  for (int column = first; column < past; ++column) {
+  for (int column = first; column < end; ++column) {
     const double pivot = x[column];
     if (pivot == 0) continue;
     lower.prefetchAfter(column);
-    const int inRun = past - 1 - column;
+    const int inSupernode = end - 1 - column;
     const double* const values = lower.values(column);
-    Numbers(x + column + 1, inRun) -= pivot * ConstNumbers(values, inRun);
-    group.tails[group.count] = values + inRun;
+    Numbers(x + column + 1, inSupernode) -= pivot * ConstNumbers(values, inSupernode);
+    group.tails[group.count] = values + inSupernode;
     group.pivots[group.count++] = pivot;
     if (group.count == Group::kSize) flush();
   }
@@ -142,7 +131,8 @@ void solveLowerRun(const Columns& lower, int first, int past, double* x, double*
 }
 
 template <class Columns>
-void solveUpperAlone(const Columns& lower, int column, const Eigen::VectorXd& diagonal, double* x) {
+void substituteBackColumn(const Columns& lower, int column, const Eigen::VectorXd& diagonal,
+                          double* x) {
   lower.prefetchBefore(column);
   const int* const rows = lower.rows(column);
   const double* const values = lower.values(column);
@@ -152,8 +142,8 @@ void solveUpperAlone(const Columns& lower, int column, const Eigen::VectorXd& di
 }
 
 template <class Columns>
-void solveUpperRun(const Columns& lower, int first, int last, const Eigen::VectorXd& diagonal,
-                   double* x, double* scratch) {
+void substituteBackSupernode(const Columns& lower, int first, int last,
+                             const Eigen::VectorXd& diagonal, double* x, double* scratch) {
   const int* const rows = lower.rows(last);
   const int tailSize = lower.size(last);
   for (int k = 0; k < tailSize; ++k) scratch[k] = x[rows[k]];
@@ -168,26 +158,27 @@ void solveUpperRun(const Columns& lower, int first, int last, const Eigen::Vecto
 }
 
 template <class Columns>
-void solveLower(const Columns& lower, double* x, double* scratch) {
+void substituteForward(const Columns& lower, double* x, double* scratch) {
   for (int first = 0; first < lower.count();) {
-    const int past = lower.pastRunFrom(first);
-    if (past - first >= kShortestRun) {
-      solveLowerRun(lower, first, past, x, scratch);
+    const int end = lower.endOfSupernode(first);
+    if (end - first >= kNarrowestSupernode) {
+      substituteForwardSupernode(lower, first, end, x, scratch);
     } else {
-      for (int column = first; column < past; ++column) solveLowerAlone(lower, column, x);
+      for (int column = first; column < end; ++column) substituteForwardColumn(lower, column, x);
     }
-    first = past;
+    first = end;
   }
 }
 
 template <class Columns>
-void solveUpper(const Columns& lower, const Eigen::VectorXd& diagonal, double* x, double* scratch) {
+void substituteBack(const Columns& lower, const Eigen::VectorXd& diagonal, double* x,
+                    double* scratch) {
   for (int last = lower.count() - 1; last >= 0;) {
-    const int first = lower.firstOfRunUpTo(last);
+    const int first = lower.startOfSupernode(last);
     if (first == last) {
-      solveUpperAlone(lower, last, diagonal, x);
+      substituteBackColumn(lower, last, diagonal, x);
     } else {
-      solveUpperRun(lower, first, last, diagonal, x, scratch);
+      substituteBackSupernode(lower, first, last, diagonal, x, scratch);
     }
     last = first - 1;
   }
@@ -195,7 +186,7 @@ void solveUpper(const Columns& lower, const Eigen::VectorXd& diagonal, double* x
 
 template <class Solve>
 void withColumnsOf(const SparseBlock& lower, Solve solve) {
-  if (lower.nonZeros() <= kCached) {
+  if (lower.nonZeros() <= kMostCachedEntries) {
     solve(Columns<true>(lower));
   } else {
     solve(Columns<false>(lower));
@@ -204,13 +195,13 @@ void withColumnsOf(const SparseBlock& lower, Solve solve) {
 
 }  // namespace
 
-void solveLower(const SparseBlock& lower, double* x, double* scratch) {
-  withColumnsOf(lower, [&](const auto& columns) { solveLower(columns, x, scratch); });
+void substituteForward(const SparseBlock& lower, double* x, double* scratch) {
+  withColumnsOf(lower, [&](const auto& columns) { substituteForward(columns, x, scratch); });
 }
 
-void solveDiagonalAndUpper(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
-                           double* scratch) {
-  withColumnsOf(lower, [&](const auto& columns) { solveUpper(columns, diagonal, x, scratch); });
+void substituteBack(const SparseBlock& lower, const Eigen::VectorXd& diagonal, double* x,
+                    double* scratch) {
+  withColumnsOf(lower, [&](const auto& columns) { substituteBack(columns, diagonal, x, scratch); });
 }
 
 }  // namespace qelm

@@ -1,11 +1,18 @@
-// Keeps fields within the range of the prescribed values that bound them.
+// Keeps fields within the range of the prescribed values that bound them: the discrete maximum
+// principle, made exact.
 //
-// With weights that are not negative, each free value of a harmonic field is a mean of its
-// neighbours' values. So it lies between the least and the greatest value prescribed next
-// to its region: the free vertices that entries of the matrix connect with it. Rounding
-// leaves that range all the same, and far where weights of one row differ so much that the
-// diagonal, their sum, cannot hold the small ones. A value outside is moved to the nearest
-// bound: that makes the promise exact, and no error larger than it was.
+// With cotangent weights that are not negative, each free value of a harmonic field is a mean of
+// its neighbours' values. So it lies between the least and the greatest value prescribed next to
+// its region: the free vertices that entries of the matrix connect with it. Rounding can leave that
+// range, and by much where the weights of one row differ so much that their sum, the diagonal,
+// cannot hold the small ones. A value outside is moved to the nearest bound: no error grows by
+// that, and the promise is exact.
+//
+//   prescribed   region 0   prescribed   region 1     the fields in region 0 stay within the values
+//       A ------- . - . ------- B ------- . - .       at A and B, in region 1 within those at B
+//
+// Cost: union-find over the entries of the free-free block at construction; one look at each entry
+// of the free-fixed block and at each free value for a field.
 #ifndef QELM_SOLVE_FIELD_BOUNDS_H
 #define QELM_SOLVE_FIELD_BOUNDS_H
 
@@ -15,11 +22,12 @@
 #include <limits>
 #include <vector>
 
+#include "interface/index.h"
 #include "interface/mesh_system.h"
 
 namespace qelm {
 
-/// Regions of a system's free vertices, numbered from 0 in the order of their lowest ones.
+/// Regions of a system's free vertices, numbered from 0 in the order of their lowest vertices.
 struct FieldBounds {
   std::vector<std::int32_t> region;  ///< of each free vertex
   std::int32_t regionCount = 0;
@@ -27,17 +35,18 @@ struct FieldBounds {
 
 FieldBounds boundsOf(const SparseBlock& freeFree);
 
-/// The ranges of some fields, side by side. Sizes: twice the regions times the fields.
+/// The least and the greatest prescribed value next to each region, for several fields side by
+/// side.
 class FieldRanges {
  public:
   FieldRanges() = default;
   FieldRanges(const FieldBounds& bounds, std::size_t width)
-      : bounds_(&bounds), ranges_(2 * static_cast<std::size_t>(bounds.regionCount) * width) {}
+      : bounds_(&bounds), ranges_(2 * asIndex(bounds.regionCount) * width) {}
 
   bool areKept() const { return bounds_ != nullptr; }
 
-  /// fixed(j) and free(i) give `Width` values of tagged vertex j and free vertex i. A NaN
-  /// bounds nothing and stays a NaN; a region without a bound is left as it is.
+  /// fixed(j) and free(i) give `Width` values of prescribed vertex j and free vertex i. A NaN
+  /// bounds nothing and stays a NaN; a region without a bound stays as it is.
   template <int Width, class Fixed, class Free>
   void keep(const SparseBlock& freeFixed, Fixed fixed, Free free) {
     constexpr auto kInfinity = std::numeric_limits<double>::infinity();
@@ -59,12 +68,10 @@ class FieldRanges {
   }
 
  private:
-  std::int32_t regionOf(Eigen::Index vertex) const {
-    return bounds_->region[static_cast<std::size_t>(vertex)];
-  }
+  std::int32_t regionOf(Eigen::Index vertex) const { return bounds_->region[asIndex(vertex)]; }
   template <int Width>
   double* low(std::int32_t region) {
-    return ranges_.data() + 2 * static_cast<std::size_t>(region) * Width;
+    return ranges_.data() + 2 * asIndex(region) * Width;
   }
   template <int Width>
   double* high(std::int32_t region) {

@@ -24,7 +24,7 @@ SEEN_BY = {
     "infowindow": ("infowindow_layout", ""),
     "interface": ("interface", "mesh solve size_limit robust isolines curves export batch allocation_failure bits twin"),
     "isolines": ("isolines curves", "interface allocation_failure bits twin"),
-    "mesh": ("mesh element_sums ranks size_limit",
+    "mesh": ("mesh element_sums size_limit",
              "solve batch robust_steps robust interface isolines export allocation_failure bits twin"),
     "mesh/check": ("check", "robust allocation_failure bits twin"),
     "mesh/weld": ("weld", "allocation_failure bits twin"),

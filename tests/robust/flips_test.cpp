@@ -150,9 +150,9 @@ TEST(Flips, StopAtTheirLimitAndSaySo) {
 TEST(Flips, ThatDoNotEndAreAStatusAndNoMatrix) {
   const Mesh mesh = washer(100).withTagged({0});
   const VertexNumbering numbering = numberVertices(mesh.tags);
-  SystemTriangles triangles = renumberTriangles(mesh.triangles, numbering);
-  const RobustRows rows = assembleRobustRows(1, reorderCoordinates(mesh.vertices, numbering),
-                                             triangles.indices, triangles.higherEnds, 10);
+  const auto triangles = renumberTriangles(mesh.triangles, numbering);
+  const RobustRows rows =
+      assembleRobustRows(1, reorderCoordinates(mesh.vertices, numbering), triangles, 10);
   EXPECT_EQ(rows.rows.status, QELM_STATUS_ENDLESS_FLIPS);
   EXPECT_EQ(rows.report.changed, 1);
   EXPECT_EQ(rows.report.flips, 10);

@@ -1,4 +1,4 @@
-// One right-hand side, run by run, beside a loop over the columns: the same bits.
+// One right-hand side, supernode by supernode, beside a loop over the columns: the same bits.
 #include "solve/factor_vector.h"
 
 #include <gtest/gtest.h>
@@ -39,11 +39,11 @@ void expectTheBitsOfALoopOverColumns(const SparseBlock& lower, const Eigen::Vect
   std::vector<double> scratch(start.size());
   std::vector<double> actual = start;
   std::vector<double> expected = start;
-  solveLower(lower, actual.data(), scratch.data());
-  solveLower<1>(lower, RowsView<1>(expected.data()));
+  substituteForward(lower, actual.data(), scratch.data());
+  substituteForward<1>(lower, RowsView<1>(expected.data()));
   ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "down";
-  solveDiagonalAndUpper(lower, diagonal, actual.data(), scratch.data());
-  solveDiagonalAndUpper<1>(lower, diagonal, RowsView<1>(expected.data()));
+  substituteBack(lower, diagonal, actual.data(), scratch.data());
+  substituteBack<1>(lower, diagonal, RowsView<1>(expected.data()));
   ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "up";
 }
 
@@ -72,7 +72,7 @@ TEST(FactorVector, HasTheBitsOfALoopOverColumns) {
   }
 }
 
-// Its values are asked for ahead.
+// The factor's values are prefetched.
 TEST(FactorVector, HasTheSameBitsWhereTheFactorIsLargerThanTheCaches) {
   Random random(4);
   const int side = 260;
@@ -102,8 +102,8 @@ TEST(FactorVector, PassesOverColumnsOfZerosEvenWhereLIsNotFinite) {
 TEST(FactorVector, TakesAFactorWithoutColumns) {
   const SparseBlock lower(0, 0);
   const Eigen::VectorXd diagonal;
-  solveLower(lower, nullptr, nullptr);
-  solveDiagonalAndUpper(lower, diagonal, nullptr, nullptr);
+  substituteForward(lower, nullptr, nullptr);
+  substituteBack(lower, diagonal, nullptr, nullptr);
   EXPECT_EQ(lower.cols(), 0);
 }
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/numbering.h"
 
 namespace qelm {
@@ -41,9 +42,8 @@ void note(QelmFinding& finding, std::size_t index) {
   ++finding.count;
 }
 
-// A vertex counts as used when any triangle names it, whatever else is wrong with
-// that triangle: so a defect of a triangle is not reported again as one of its
-// vertices.
+// A vertex counts as used when any triangle names it, whatever else is wrong with that triangle: so
+// a triangle's defect is not reported once more as an unused vertex.
 void checkIndices(const MeshView& mesh, QelmMeshReport& report) {
   std::vector<bool> used(mesh.vertexCount(), false);
   for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {
@@ -51,7 +51,7 @@ void checkIndices(const MeshView& mesh, QelmMeshReport& report) {
     bool allInRange = true;
     for (const std::int32_t v : c) {
       if (mesh.inRange(v)) {
-        used[static_cast<std::size_t>(v)] = true;
+        used[asIndex(v)] = true;
       } else {
         allInRange = false;
       }

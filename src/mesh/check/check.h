@@ -1,5 +1,15 @@
-// What is wrong with a mesh, before anything is built from it. Nothing is taken
-// for granted: any index, any coordinate, any tag.
+// What is wrong with a mesh, before anything is built from it. Any index, any coordinate and any
+// tag is taken.
+//
+// In: a mesh. Out: a count and the lowest index of each defect. Each file looks for some of them:
+//
+//   check             indices out of range, repeated vertices of a triangle, unused vertices
+//   check_geometry    coordinates that are not finite; area and size of triangles (quality)
+//   check_parts       connected parts without a prescribed vertex: union-find over the triangles
+//   check_edges       boundary loops, edges of three triangles or more: half-edges, sorted
+//   check_repeats     equal triangles, vertices at one point: hash tables
+//
+// Cost: O(n) for n vertices and triangles, but for sorting the half-edges.
 #ifndef QELM_MESH_CHECK_H
 #define QELM_MESH_CHECK_H
 
@@ -7,6 +17,7 @@
 #include <cstdint>
 #include <span>
 
+#include "interface/index.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -23,9 +34,7 @@ struct MeshView {
   std::span<const std::int32_t> corners(std::size_t triangle) const {
     return triangles.subspan(3 * triangle, 3);
   }
-  bool inRange(std::int32_t vertex) const {
-    return vertex >= 0 && static_cast<std::size_t>(vertex) < vertexCount();
-  }
+  bool inRange(std::int32_t vertex) const { return vertex >= 0 && asIndex(vertex) < vertexCount(); }
   /// Whether a triangle names three different vertices of the mesh.
   bool isSound(std::size_t triangle) const;
   /// Whether the three coordinates of a vertex are numbers and not infinite.
@@ -35,10 +44,10 @@ struct MeshView {
 /// A report with nothing in it.
 QelmMeshReport emptyReport();
 
-/// Counts one more; `first` stays the lowest index, in whatever order they come.
+/// Counts one more defect; `first` is the lowest index, in whatever order defects are found.
 void note(QelmFinding& finding, std::size_t index);
 
-/// All of it.
+/// The whole report.
 QelmMeshReport checkMesh(const MeshView& mesh);
 
 /// The code of the report's first defect in the documented order, or 0.

@@ -1,59 +1,69 @@
-// What meets at the edges. Only triangles of three different vertices take part.
+// The triangles at each edge: half-edges sorted by their vertices, so that those of one edge stand
+// next to each other. Only triangles of three different vertices take part.
+//
+//   triangles (0,1,2) (2,1,3)     low high triangle ascending
+//                                  0    1     0       yes
+//                                  0    2     0       no
+//                                  1    2     0       yes    } one edge: its two triangles run
+//                                  1    2     1       no     } through it in opposite directions
+//                                  1    3     1       yes
+//                                  2    3     1       no
 #include <algorithm>
 #include <cstdint>
 #include <span>
 #include <tuple>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/check/check.h"
 #include "mesh/disjoint_sets.h"
 
 namespace qelm {
 namespace {
 
-/// One side of one triangle.
-struct Side {
+/// A half-edge: one edge of one triangle.
+struct HalfEdge {
   std::int32_t low;
   std::int32_t high;
   std::int32_t triangle;
-  bool ascending;  ///< whether the triangle runs from low to high
+  bool ascending;  ///< whether the triangle runs through it from low to high
 };
 
-Side sideOf(std::int32_t from, std::int32_t to, std::size_t triangle) {
-  return {std::min(from, to), std::max(from, to), static_cast<std::int32_t>(triangle), from < to};
+HalfEdge halfEdge(std::int32_t from, std::int32_t to, std::size_t triangle) {
+  return {std::min(from, to), std::max(from, to), asInt(triangle), from < to};
 }
 
-bool sameEdge(const Side& a, const Side& b) { return a.low == b.low && a.high == b.high; }
+bool sameEdge(const HalfEdge& a, const HalfEdge& b) { return a.low == b.low && a.high == b.high; }
 
-/// All sides, those of one edge next to each other, by triangle.
-std::vector<Side> sortedSides(const MeshView& mesh) {
-  std::vector<Side> sides;
-  sides.reserve(mesh.triangles.size());
+/// All half-edges, those of one edge next to each other, by triangle.
+std::vector<HalfEdge> sortedHalfEdges(const MeshView& mesh) {
+  std::vector<HalfEdge> halfEdges;
+  halfEdges.reserve(mesh.triangles.size());
   for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {
     if (!mesh.isSound(j)) continue;
     const auto c = mesh.corners(j);
-    for (std::size_t k = 0; k < 3; ++k) sides.push_back(sideOf(c[k], c[(k + 1) % 3], j));
+    for (std::size_t k = 0; k < 3; ++k) halfEdges.push_back(halfEdge(c[k], c[(k + 1) % 3], j));
   }
-  std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
+  std::sort(halfEdges.begin(), halfEdges.end(), [](const HalfEdge& a, const HalfEdge& b) {
     return std::tie(a.low, a.high, a.triangle) < std::tie(b.low, b.high, b.triangle);
   });
-  return sides;
+  return halfEdges;
 }
 
-/// Groups of boundary edges that hang together at vertices.
+/// The boundary edges, grouped by shared vertices with union-find: each group is a loop.
 class Boundary {
  public:
   explicit Boundary(std::size_t vertexCount) : groups_(vertexCount), present_(vertexCount) {}
 
-  void add(const Side& side) {
-    groups_.unite(side.low, side.high);
-    present_[static_cast<std::size_t>(side.low)] = true;
-    present_[static_cast<std::size_t>(side.high)] = true;
+  void add(const HalfEdge& edge) {
+    groups_.unite(edge.low, edge.high);
+    present_[asIndex(edge.low)] = true;
+    present_[asIndex(edge.high)] = true;
   }
 
   void noteLoops(QelmFinding& finding) {
     for (std::size_t i = 0; i < present_.size(); ++i) {
-      const auto v = static_cast<std::int32_t>(i);
+      const auto v = asInt(i);
       if (present_[i] && groups_.root(v) == v) note(finding, i);
     }
   }
@@ -63,12 +73,12 @@ class Boundary {
   std::vector<bool> present_;
 };
 
-/// The sides at one edge.
-void noteEdge(std::span<const Side> sides, Boundary& boundary, QelmMeshReport& report) {
-  const auto triangle = static_cast<std::size_t>(sides.front().triangle);
-  if (sides.size() == 1) boundary.add(sides.front());
-  if (sides.size() > 2) note(report.crowdedEdge, triangle);
-  if (sides.size() == 2 && sides[0].ascending == sides[1].ascending) {
+/// Takes the half-edges of one edge.
+void noteEdge(std::span<const HalfEdge> halfEdges, Boundary& boundary, QelmMeshReport& report) {
+  const auto triangle = asIndex(halfEdges.front().triangle);
+  if (halfEdges.size() == 1) boundary.add(halfEdges.front());
+  if (halfEdges.size() > 2) note(report.crowdedEdge, triangle);
+  if (halfEdges.size() == 2 && halfEdges[0].ascending == halfEdges[1].ascending) {
     note(report.opposedEdge, triangle);
   }
 }
@@ -76,12 +86,12 @@ void noteEdge(std::span<const Side> sides, Boundary& boundary, QelmMeshReport& r
 }  // namespace
 
 void checkEdges(const MeshView& mesh, QelmMeshReport& report) {
-  const std::vector<Side> sides = sortedSides(mesh);
+  const std::vector<HalfEdge> halfEdges = sortedHalfEdges(mesh);
   Boundary boundary(mesh.vertexCount());
-  for (auto edge = sides.begin(); edge != sides.end();) {
-    const auto end =
-        std::find_if(edge, sides.end(), [&](const Side& side) { return !sameEdge(*edge, side); });
-    noteEdge({&*edge, static_cast<std::size_t>(end - edge)}, boundary, report);
+  for (auto edge = halfEdges.begin(); edge != halfEdges.end();) {
+    const auto end = std::find_if(edge, halfEdges.end(),
+                                  [&](const HalfEdge& other) { return !sameEdge(*edge, other); });
+    noteEdge({&*edge, asIndex(end - edge)}, boundary, report);
     edge = end;
   }
   boundary.noteLoops(report.boundaryLoop);

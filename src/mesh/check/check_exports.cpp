@@ -1,6 +1,7 @@
-// The check export: arguments first, then the mesh.
+// The check export: it checks the arguments, then the mesh.
 #include <cstddef>
 
+#include "interface/index.h"
 #include "mesh/arguments.h"
 #include "mesh/check/check.h"
 #include "qelm.h"
@@ -10,8 +11,8 @@ extern "C" int qelmcheckTagged(int vertexCount, const double* vertices, int tria
   QelmMeshReport report = qelm::emptyReport();
   int code = qelm::argumentStatus(vertexCount, vertices, triangleCount, triangles, tags);
   if (code == QELM_STATUS_OK) {
-    const auto n = static_cast<std::size_t>(vertexCount);
-    const auto m = static_cast<std::size_t>(triangleCount);
+    const auto n = qelm::asIndex(vertexCount);
+    const auto m = qelm::asIndex(triangleCount);
     report = qelm::checkMesh({{vertices, 3 * n}, {triangles, 3 * m}, {tags, n}});
     code = qelm::firstDefect(report);
   }

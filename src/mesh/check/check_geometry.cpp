@@ -1,7 +1,8 @@
-// Coordinates, and what the triangles look like. Triangles that name no three
-// vertices, or whose corners are not finite, have a defect already and no shape.
+// Coordinates that are not finite, and the shapes of triangles. A triangle that does not name three
+// different vertices, or has a corner that is not finite, has a defect already and no shape.
 #include <algorithm>
 
+#include "interface/index.h"
 #include "mesh/check/check.h"
 #include "mesh/check/quality.h"
 
@@ -9,18 +10,18 @@ namespace qelm {
 namespace {
 
 Vec3 pointAt(const MeshView& mesh, std::int32_t vertex) {
-  const auto p = mesh.vertices.subspan(3 * static_cast<std::size_t>(vertex), 3);
+  const auto p = mesh.vertices.subspan(3 * asIndex(vertex), 3);
   return {p[0], p[1], p[2]};
 }
 
 bool hasAShape(const MeshView& mesh, std::size_t triangle) {
   const auto c = mesh.corners(triangle);
   return mesh.isSound(triangle) && std::all_of(c.begin(), c.end(), [&mesh](std::int32_t v) {
-           return mesh.isFinite(static_cast<std::size_t>(v));
+           return mesh.isFinite(asIndex(v));
          });
 }
 
-/// A triangle is too flat or else of the wrong size, never both.
+/// A triangle is reported as too flat or as too small or large, never as both.
 void noteShape(const TriangleShape& shape, std::size_t triangle, QelmMeshReport& report) {
   if (shape.quality < report.worstQuality) {
     report.worstQuality = shape.quality;

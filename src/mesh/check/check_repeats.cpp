@@ -1,9 +1,10 @@
-// Things that are there more than once.
+// Triangles and vertices that are there more than once, found with hash tables.
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 
+#include "interface/index.h"
 #include "mesh/check/check.h"
 #include "mesh/index_table.h"
 
@@ -13,7 +14,7 @@ namespace {
 using Corners = std::array<std::int32_t, 3>;
 
 Corners sortedCorners(const MeshView& mesh, std::int32_t triangle) {
-  const auto c = mesh.corners(static_cast<std::size_t>(triangle));
+  const auto c = mesh.corners(asIndex(triangle));
   Corners sorted = {c[0], c[1], c[2]};
   std::sort(sorted.begin(), sorted.end());
   return sorted;
@@ -23,7 +24,7 @@ void checkTriangles(const MeshView& mesh, QelmMeshReport& report) {
   IndexTable seen(mesh.triangleCount());
   for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {
     if (!mesh.isSound(j)) continue;
-    const auto index = static_cast<std::int32_t>(j);
+    const auto index = asInt(j);
     const Corners c = sortedCorners(mesh, index);
     const auto hash = hashWords(static_cast<std::uint64_t>(c[0]), static_cast<std::uint64_t>(c[1]),
                                 static_cast<std::uint64_t>(c[2]));
@@ -36,18 +37,18 @@ std::span<const double> pointOf(const MeshView& mesh, std::size_t vertex) {
   return mesh.vertices.subspan(3 * vertex, 3);
 }
 
-/// Adding 0 makes -0.0 the 0.0 that it equals.
+/// Adding 0 turns -0.0 into 0.0: equal coordinates must have equal bits.
 std::uint64_t wordOf(double coordinate) { return std::bit_cast<std::uint64_t>(coordinate + 0.0); }
 
-/// Vertices at one place, exactly. A coordinate that is not finite is no place.
+/// Vertices with exactly the coordinates of an earlier one. Those that are not finite are left out.
 void checkVertices(const MeshView& mesh, QelmMeshReport& report) {
   IndexTable seen(mesh.vertexCount());
   for (std::size_t i = 0; i < mesh.vertexCount(); ++i) {
     if (!mesh.isFinite(i)) continue;
-    const auto index = static_cast<std::int32_t>(i);
+    const auto index = asInt(i);
     const auto p = pointOf(mesh, i);
     const auto same = [&](std::int32_t other) {
-      return std::ranges::equal(pointOf(mesh, static_cast<std::size_t>(other)), p);
+      return std::ranges::equal(pointOf(mesh, asIndex(other)), p);
     };
     const auto hash = hashWords(wordOf(p[0]), wordOf(p[1]), wordOf(p[2]));
     if (seen.findOrInsert(hash, index, same) != index) note(report.coincidentVertex, i);

@@ -6,8 +6,8 @@
 namespace qelm {
 namespace {
 
-/// The power of two that brings a positive magnitude to 0.5 .. 1, or as near as a
-/// normal number can bring it: the smallest magnitudes reach 2^-52 only.
+/// The power of two that scales a positive magnitude to 0.5 .. 1, or as near as a normal number
+/// can: the smallest magnitudes reach 2^-52 only.
 double scaleToOne(double magnitude) {
   int exponent = 0;
   std::frexp(magnitude, &exponent);
@@ -24,7 +24,7 @@ TriangleShape shapeOf(Vec3 p0, Vec3 p1, Vec3 p2) {
   Vec3 e02 = toReach * p2 - toReach * p0;
   Vec3 e12 = toReach * p2 - toReach * p1;
 
-  // Once more: edges may be shorter than coordinates by any number of digits.
+  // Scaled once more: edges may be any number of digits shorter than coordinates.
   const double extent =
       std::max({largestComponent(e01), largestComponent(e02), largestComponent(e12)});
   if (extent == 0) return {0, 0};

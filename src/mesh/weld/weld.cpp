@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "interface/dependencies.h"
+#include "interface/index.h"
 #include "mesh/index_table.h"
 #include "mesh/vec3.h"
 #include "mesh/weld/weld_alone.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// One point per cell, in tree coordinates, with the box around them.
+/// The first point of each cell, in search coordinates, with the box around all.
 class CellCloud {
  public:
   CellCloud(std::span<const double> vertices, const WeldCells& cells, double cell) {
@@ -31,13 +32,13 @@ class CellCloud {
     }
   }
 
-  const double* point(std::int32_t c) const { return points_[static_cast<std::size_t>(c)].data(); }
+  const double* point(std::int32_t c) const { return points_[asIndex(c)].data(); }
   const double* lowCorner() const { return low_.data(); }
 
-  // What the tree asks for, under the tree's own names.
+  // nanoflann's interface of a point set.
   std::size_t kdtree_get_point_count() const { return points_.size(); }
   double kdtree_get_pt(std::int32_t c, std::int32_t axis) const {
-    return points_[static_cast<std::size_t>(c)][static_cast<std::size_t>(axis)];
+    return points_[asIndex(c)][asIndex(axis)];
   }
   template <class TreeBox>
   bool kdtree_get_bbox(TreeBox& box) const {
@@ -66,13 +67,12 @@ using CellTree = nanoflann::KDTreeSingleIndexAdaptor<
 
 constexpr std::size_t kLeafSize = 10;
 
-/// A result set without a bound: takes every cell, in the order in which the tree
-/// comes across them.
+/// A result set without a bound: it takes every cell, in the order in which the search meets them.
 class EveryCell : public UnsortedResultSet {
  public:
   explicit EveryCell(std::vector<std::int32_t>& cells) : cells_(cells) {}
 
-  // What the tree asks of a result set, under the tree's own names.
+  // nanoflann's interface of a result set.
   double worstDist() const { return kInfinity; }
   bool addPoint(double /*distance*/, std::int32_t found) {
     cells_.push_back(found);
@@ -83,8 +83,8 @@ class EveryCell : public UnsortedResultSet {
   std::vector<std::int32_t>& cells_;
 };
 
-/// Every cell, leaf after leaf of the tree. Squared distances of search coordinates
-/// are finite (see searchCoordinate()), so none is beyond the bound.
+/// Every cell, leaf after leaf of the tree. Squared distances of search coordinates are finite (see
+/// searchCoordinate()), so every cell is within the bound.
 std::vector<std::int32_t> inOrderOfLeaves(const CellTree& tree, const CellCloud& cloud) {
   std::vector<std::int32_t> cells;
   cells.reserve(cloud.kdtree_get_point_count());
@@ -93,16 +93,15 @@ std::vector<std::int32_t> inOrderOfLeaves(const CellTree& tree, const CellCloud&
   return cells;
 }
 
-/// Takes the cells that the tree finds around one cell and unites what an exact
-/// test finds near enough.
+/// A result set that tests the cells which the tree finds around one cell, and unites those that
+/// have points near enough.
 ///
-/// The tree may not decide itself. It bounds a branch's distance by adding and
-/// subtracting squares level by level, and the roundings can carry that bound past
-/// the radius although the distance to a point inside, computed directly, is below
-/// it. So it searches a wider sphere: the reach, which has slack for that, and the
-/// spreads of both cells. Of two cells the one with the larger spread looks for the
-/// other, so twice its own spread is enough, and cells of one point search no
-/// wider than they would without cells.
+/// The tree may not decide itself. It bounds a branch's distance by adding and subtracting squares
+/// level by level, and the roundings can carry that bound past the radius although the distance to
+/// a point inside, computed directly, is below the radius. So the search takes a wider sphere: the
+/// reach, which has slack for those roundings, and the spreads of both cells. Of two cells, the one
+/// with the larger spread searches for the other, so twice its own spread is enough, and cells of
+/// one point search no wider than they would without cells.
 class CellJoiner : public UnsortedResultSet {
  public:
   CellJoiner(std::span<const double> vertices, const WeldScale& scale, WeldCells& cells,
@@ -115,21 +114,21 @@ class CellJoiner : public UnsortedResultSet {
     reachSquared_ = reach * reach;
   }
 
-  // What the tree asks of a result set, under the tree's own names.
+  // nanoflann's interface of a result set.
   double worstDist() const { return reachSquared_; }
   bool addPoint(double /*distance*/, std::int32_t found) {
-    const bool isOurs =
+    const bool isOursToTest =
         spreadOf(found) == spreadOf(cell_) ? found > cell_ : spreadOf(found) < spreadOf(cell_);
-    if (isOurs) join(found);
+    if (isOursToTest) join(found);
     return true;
   }
 
  private:
-  double spreadOf(std::int32_t cell) const { return cells_.spread[static_cast<std::size_t>(cell)]; }
+  double spreadOf(std::int32_t cell) const { return cells_.spread[asIndex(cell)]; }
 
   void join(std::int32_t found) {
-    const std::int32_t a = cells_.first[static_cast<std::size_t>(cell_)];
-    const std::int32_t b = cells_.first[static_cast<std::size_t>(found)];
+    const std::int32_t a = cells_.first[asIndex(cell_)];
+    const std::int32_t b = cells_.first[asIndex(found)];
     if (sets_.root(a) == sets_.root(b)) return;
     if (anyPairWithin(vertices_, scale_.radiusSquared, cells_.membersOf(cell_),
                       cells_.membersOf(found))) {
@@ -150,7 +149,7 @@ void uniteAcrossCells(std::span<const double> vertices, const WeldScale& scale, 
   const CellCloud cloud(vertices, cells, scale.cell);
   const CellTree tree(3, cloud, nanoflann::KDTreeSingleIndexAdaptorParams(kLeafSize));
   CellJoiner joiner(vertices, scale, cells, sets);
-  // One query then walks nodes that the one before has just brought into the cache.
+  // Leaf after leaf, a query walks nodes that the query before has just brought into the cache.
   for (const std::int32_t cell : inOrderOfLeaves(tree, cloud)) {
     joiner.setCell(cell);
     tree.findNeighbors(joiner, cloud.point(cell), exactUnsortedSearch());
@@ -159,7 +158,7 @@ void uniteAcrossCells(std::span<const double> vertices, const WeldScale& scale, 
 
 using Corners = std::array<std::int32_t, 3>;
 
-/// Sorted corners: the same for every order and orientation.
+/// The corners in ascending order: one key for every rotation and orientation of a triangle.
 inline Corners triangleKey(const Corners& c) {
   const auto [a, b] = std::minmax(c[0], c[1]);
   return {std::min(a, c[2]), std::max(a, std::min(b, c[2])), std::max(b, c[2])};
@@ -170,7 +169,7 @@ std::uint64_t hashOf(const Corners& key) {
                    static_cast<std::uint64_t>(key[2]));
 }
 
-/// Some triangles ahead, so that what they need of the table can be fetched in time.
+/// The next triangles with their hashes, so that their slots in the table are prefetched.
 struct TriangleBlock {
   static constexpr std::size_t kMost = 16;
   struct Triangle {
@@ -181,14 +180,14 @@ struct TriangleBlock {
   std::array<Triangle, kMost> triangles;
   std::size_t count = 0;
 
-  /// Of the triangles of a span, those that have three vertices.
+  /// Takes those triangles of a span that have three different vertices.
   void fill(std::span<const std::int32_t> from, std::span<const std::int32_t> vertexMap,
             const IndexTable& known) {
     count = 0;
     for (std::size_t i = 0; i < from.size(); i += 3) {
       Triangle& t = triangles[count];
       for (std::size_t k = 0; k < 3; ++k) {
-        t.corners[k] = vertexMap[static_cast<std::size_t>(from[i + k])];
+        t.corners[k] = vertexMap[asIndex(from[i + k])];
       }
       t.key = triangleKey(t.corners);
       if (t.key[0] == t.key[1] || t.key[1] == t.key[2]) continue;
@@ -207,8 +206,8 @@ DisjointSets uniteNeighbours(std::span<const double> vertices, double tolerance)
   // have underflowed to it) or below NaN.
   if (!(tolerance * tolerance > 0)) return sets;
   const WeldScale scale = weldScale(tolerance);
-  const std::vector<std::int32_t> others = uniteAlone(vertices, scale, sets);
-  WeldCells cells = uniteWithinCells(vertices, others, scale, sets);
+  const std::vector<std::int32_t> undecided = uniteIsolatedClusters(vertices, scale, sets);
+  WeldCells cells = uniteWithinCells(vertices, undecided, scale, sets);
   uniteAcrossCells(vertices, scale, cells, sets);
   return sets;
 }
@@ -217,11 +216,10 @@ std::vector<std::int32_t> numberSets(DisjointSets& sets, std::span<std::int32_t>
   std::vector<std::int32_t> lowest;
   lowest.reserve(sets.size());
   for (std::size_t i = 0; i < sets.size(); ++i) {
-    const auto element = static_cast<std::int32_t>(i);
+    const auto element = asInt(i);
     const std::int32_t root = sets.root(element);
     // The root is the lowest element, so it has its number already.
-    numbers[i] = root == element ? static_cast<std::int32_t>(lowest.size())
-                                 : numbers[static_cast<std::size_t>(root)];
+    numbers[i] = root == element ? asInt(lowest.size()) : numbers[asIndex(root)];
     if (root == element) lowest.push_back(element);
   }
   return lowest;
@@ -233,13 +231,13 @@ std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
   IndexTable known(triangles.size() / 3);
   TriangleBlock block;
   std::int32_t count = 0;
-  // The arrays may be one: what is written is behind what was read.
+  // The arrays may be the same: a triangle is written where one was read before.
   for (std::size_t t = 0; t < triangles.size(); t += 3 * TriangleBlock::kMost) {
     const std::size_t length = std::min(triangles.size() - t, 3 * TriangleBlock::kMost);
     block.fill(triangles.subspan(t, length), vertexMap, known);
     for (const auto& next : std::span(block.triangles).first(block.count)) {
       const std::int32_t found = known.findOrInsert(next.hash, count, [&](std::int32_t other) {
-        const std::int32_t* const corner = &welded[3 * static_cast<std::size_t>(other)];
+        const std::int32_t* const corner = &welded[3 * asIndex(other)];
         return triangleKey({corner[0], corner[1], corner[2]}) == next.key;
       });
       if (found != count) continue;
@@ -263,17 +261,17 @@ extern "C" int qelmWeld(int vertexCount, const double* vertices, int triangleCou
   if (weldedVertexCount != nullptr) *weldedVertexCount = 0;
   if (weldedTriangleCount != nullptr) *weldedTriangleCount = 0;
   if (vertexCount == 0) return QELM_STATUS_OK;
-  const auto n = static_cast<std::size_t>(vertexCount);
-  const auto m = static_cast<std::size_t>(triangleCount);
+  const auto n = qelm::asIndex(vertexCount);
+  const auto m = qelm::asIndex(triangleCount);
   const std::span<const double> points(vertices, 3 * n);
   qelm::DisjointSets clusters = qelm::uniteNeighbours(points, tolerance);
   const std::vector<std::int32_t> kept = qelm::numberSets(clusters, {vertexMap, n});
-  // Ascending, and no vertex moves back: this works in place, too.
+  // `kept` ascends, so each vertex moves towards the front or stays: this works in place, too.
   double* next = weldedVertices;
   for (const std::int32_t i : kept) next = std::copy_n(vertices + 3 * std::size_t(i), 3, next);
   const std::int32_t keptTriangles =
       qelm::weldTriangles({triangles, 3 * m}, {vertexMap, n}, {weldedTriangles, 3 * m});
-  *weldedVertexCount = static_cast<int>(kept.size());
+  *weldedVertexCount = qelm::asInt(kept.size());
   *weldedTriangleCount = keptTriangles;
   return QELM_STATUS_OK;
 }

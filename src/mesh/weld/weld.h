@@ -1,5 +1,18 @@
-// Vertex welding: clusters of vertices nearer than a tolerance, and the triangles
-// that are left of a mesh when each cluster is one vertex.
+// Vertex welding: vertices nearer than a tolerance become one, and triangles that then have the
+// same vertices become one.
+//
+// In: 3n coordinates, 3m indices, a tolerance. Out: the welded mesh, and each vertex's index there.
+// A cluster is what single linkage joins: a chain of vertices, each nearer than the tolerance to
+// the next. Union-find holds the clusters. Three steps find what to unite, the cheapest first:
+//
+//   1 weld_alone   coarse grid      a cube whose points are all near its first point, and far from
+//                                   its faces, is a cluster of its own: most of a triangle soup
+//   2 weld_cells   small cells      the points of one cell are nearer than the tolerance to each
+//                                   other: they are united without a test, however many they are
+//   3 weld         kd-tree          one point for each cell; what it finds near is tested exactly
+//
+// Cost: hash look-ups for 1 and 2, O(n); c log c for the c cells that step 1 leaves. Small cells in
+// front of a search for neighbours are those of Gan and Tao (DBSCAN revisited, 2015).
 #ifndef QELM_MESH_WELD_H
 #define QELM_MESH_WELD_H
 

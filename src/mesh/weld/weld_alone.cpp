@@ -7,52 +7,56 @@
 #include <numeric>
 
 #include "interface/compiler.h"
+#include "interface/index.h"
 #include "mesh/index_table.h"
 #include "mesh/vec3.h"
 
 namespace qelm {
 namespace {
 
-// A cube's edge is at most this part of what would be the distance between all points
-// if they were spread evenly over a square: few cubes see two clusters then. In cells'
-// edges it is at least the other number: fewer points than one in five are near a face.
+// How small cubes must be, so that few of them see two clusters: n points spread evenly over a
+// square as wide as the mesh would be this many cube edges apart, or more.
 constexpr double kCubesToSpacing = 16;
+
+// How large cubes must be, in edges of the small cells, so that fewer than one point in five is
+// near a face.
 constexpr double kLeastCellsToCube = 128;
 
-// Places in the grid are below this, so what is added to them is rounded by at most
-// 2^-13. Twice that and more is in the slack of the margin along a cube's faces.
+// Coordinates in cube edges are below kMostCubes, so adding kShift to them rounds by at most 2^-13.
+// The slack of the margin along a cube's faces is more than twice that.
 constexpr double kMostCubes = 0x1p40;
 constexpr double kMarginSlack = 0x1p-10;
 
-// Meshes like to have round numbers for coordinates, and planes through the origin.
-// The grid's faces are off them, by a fraction of a cube that is not round.
+// Many meshes have round coordinates and planes through the origin. A shift by a fraction of a cube
+// that is not round keeps the grid's faces off them.
 constexpr double kShift = 0.381966011250105;
 
-/// A place in units of cubes.
-struct Place {
-  std::array<std::int64_t, 3> cube;
+/// The cube in which a point lies, and whether the point is within the margin of a face.
+struct Cube {
+  std::array<std::int64_t, 3> index;
   bool nearFace;
 
-  bool operator==(const Place& other) const { return cube == other.cube; }
+  bool operator==(const Cube& other) const { return index == other.index; }
 };
 
 class Grid {
  public:
   Grid(double edge, double margin) : perEdge_(1 / edge), margin_(margin) {}
 
-  /// False for coordinates outside of the grid, or none.
-  bool locate(Vec3 p, Place& place) const {
-    const std::array<double, 3> along{p.x * perEdge_ + kShift, p.y * perEdge_ + kShift,
-                                      p.z * perEdge_ + kShift};
-    place.nearFace = false;
+  /// False for coordinates outside of the grid or not finite.
+  bool locate(Vec3 p, Cube& cube) const {
+    const std::array<double, 3> coordinates{p.x * perEdge_ + kShift, p.y * perEdge_ + kShift,
+                                            p.z * perEdge_ + kShift};
+    cube.nearFace = false;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (!(std::fabs(along[axis]) < kMostCubes)) return false;
-      // Truncated, then floored: std::floor is a call on older processors.
-      auto cube = static_cast<std::int64_t>(along[axis]);
-      cube -= static_cast<double>(cube) > along[axis] ? 1 : 0;
-      const double inside = along[axis] - static_cast<double>(cube);
-      place.cube[axis] = cube;
-      place.nearFace |= inside < margin_ || inside > 1 - margin_;
+      const double x = coordinates[axis];
+      if (!(std::fabs(x) < kMostCubes)) return false;
+      // Truncated, then corrected to the floor: std::floor is a call without SSE 4.1.
+      auto index = static_cast<std::int64_t>(x);
+      index -= static_cast<double>(index) > x ? 1 : 0;
+      const double inside = x - static_cast<double>(index);
+      cube.index[axis] = index;
+      cube.nearFace |= inside < margin_ || inside > 1 - margin_;
     }
     return true;
   }
@@ -62,14 +66,14 @@ class Grid {
   double margin_;
 };
 
-std::uint64_t hashOf(const Place& place) {
-  return hashWords(static_cast<std::uint64_t>(place.cube[0]),
-                   static_cast<std::uint64_t>(place.cube[1]),
-                   static_cast<std::uint64_t>(place.cube[2]));
+std::uint64_t hashOf(const Cube& cube) {
+  return hashWords(static_cast<std::uint64_t>(cube.index[0]),
+                   static_cast<std::uint64_t>(cube.index[1]),
+                   static_cast<std::uint64_t>(cube.index[2]));
 }
 
-/// Longest edge of the box around all points; NaN or infinity if one is not finite, or
-/// if it overflows.
+/// Longest edge of the box around all points; NaN or infinite if a coordinate is not finite or the
+/// edge overflows.
 double extentOf(std::span<const double> vertices) {
   std::array<double, 3> low{vertices[0], vertices[1], vertices[2]};
   std::array<double, 3> high = low;
@@ -86,21 +90,23 @@ double extentOf(std::span<const double> vertices) {
          notFinite[1] + notFinite[2];
 }
 
-/// A power of two; 0 if a grid is of no use.
+/// Edge of the grid's cubes, a power of two; 0 if a grid is of no use.
 double cubeEdge(std::span<const double> vertices, const WeldScale& scale) {
   if (vertices.empty()) return 0;
   const double spacing = extentOf(vertices) / std::sqrt(static_cast<double>(vertices.size()) / 3);
   const double most = spacing / kCubesToSpacing;
-  // Not far from where powers of two end, so that one over it is one, too.
+  // The edge stays away from the limits of the exponent, so that its reciprocal is a power of two,
+  // too.
   if (!(most >= kLeastCellsToCube * scale.cell && most >= 0x1p-1000 && most <= 0x1p1000)) return 0;
   return std::ldexp(1.0, std::ilogb(most));
 }
 
-/// One after the other joins the first point of its cube.
-class Joiner {
+/// Unites each point with the first point of its cube, if they are near enough, and marks the
+/// cubes that are not clusters of their own.
+class CubeJoiner {
  public:
-  Joiner(std::span<const double> vertices, const WeldScale& scale, const Grid& grid,
-         DisjointSets& sets)
+  CubeJoiner(std::span<const double> vertices, const WeldScale& scale, const Grid& grid,
+             DisjointSets& sets)
       : vertices_(vertices),
         radiusSquared_(scale.radiusSquared),
         grid_(grid),
@@ -119,17 +125,17 @@ class Joiner {
       for (std::size_t k = 0; k < block.count; ++k) prefetchFirst(block.hash[k]);
       for (std::size_t k = 0; k < block.count; ++k) {
         if (!block.inGrid[k]) continue;
-        join(static_cast<std::int32_t>(begin + k), block.place[k], block.hash[k]);
+        join(asInt(begin + k), block.cube[k], block.hash[k]);
       }
     }
   }
 
-  /// The points of cubes in which something was not clear.
+  /// The points of cubes that are not clusters of their own.
   std::vector<std::int32_t> undecided() const {
     std::vector<std::int32_t> points;
     for (std::size_t i = 0; i < sets_.size(); ++i) {
-      const auto point = static_cast<std::int32_t>(i);
-      if (undecided_[at(sets_.parentOf(point))]) points.push_back(point);
+      const auto point = asInt(i);
+      if (undecided_[asIndex(sets_.parentOf(point))]) points.push_back(point);
     }
     return points;
   }
@@ -137,51 +143,50 @@ class Joiner {
  private:
   static constexpr std::size_t kBlock = 16;
   struct Block {
-    std::array<Place, kBlock> place;
+    std::array<Cube, kBlock> cube;
     std::array<std::uint64_t, kBlock> hash;
     std::array<bool, kBlock> inGrid;
     std::size_t count = 0;
   };
 
-  static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
-
-  /// Some points ahead, so that what they need in memory can be fetched in time.
+  /// Locates a block of points and prefetches their slots in the hash table.
   void locate(std::size_t begin, Block& block) {
     block.count = std::min(kBlock, sets_.size() - std::min(begin, sets_.size()));
     for (std::size_t k = 0; k < block.count; ++k) {
-      Place& place = block.place[k];
-      const auto point = static_cast<std::int32_t>(begin + k);
-      block.inGrid[k] = grid_.locate(pointAt(vertices_, point), place);
+      Cube& cube = block.cube[k];
+      const auto point = asInt(begin + k);
+      block.inGrid[k] = grid_.locate(pointAt(vertices_, point), cube);
       if (!block.inGrid[k]) {
         undecided_[begin + k] = 1;
-        place = {};
+        cube = {};
       }
-      block.hash[k] = hashOf(place);
+      block.hash[k] = hashOf(cube);
       table_.prefetch(block.hash[k]);
     }
   }
 
   void prefetchFirst(std::uint64_t hash) const {
     const std::int32_t first = table_.firstTried(hash);
-    if (first >= 0) prefetchToRead(&vertices_[3 * at(first)]);
+    if (first >= 0) prefetchToRead(&vertices_[3 * asIndex(first)]);
   }
 
-  void join(std::int32_t point, const Place& place, std::uint64_t hash) {
+  void join(std::int32_t point, const Cube& cube, std::uint64_t hash) {
     const Vec3 p = pointAt(vertices_, point);
     const std::int32_t first = table_.findOrInsert(hash, point, [&](std::int32_t other) {
       const Vec3 start = pointAt(vertices_, other);
-      Place otherPlace;
-      // Nobody off all faces is welded to a point in another cube.
-      return (!place.nearFace && isWelded(p, start)) ||
-             (grid_.locate(start, otherPlace) && otherPlace == place);
+      Cube otherCube;
+      // A point away from all faces is welded to no point in another cube: one that it is welded
+      // to lies in the same cube.
+      return (!cube.nearFace && isWelded(p, start)) ||
+             (grid_.locate(start, otherCube) && otherCube == cube);
     });
-    if (place.nearFace) undecided_[at(first)] = 1;
+    if (cube.nearFace) undecided_[asIndex(first)] = 1;
     if (first == point) return;
     if (isWelded(p, pointAt(vertices_, first))) {
       sets_.setParent(point, first);
     } else {
-      undecided_[at(first)] = 1;
-      undecided_[at(point)] = 1;
+      undecided_[asIndex(first)] = 1;
+      undecided_[asIndex(point)] = 1;
     }
   }
 
@@ -194,14 +199,14 @@ class Joiner {
   double radiusSquared_;
   const Grid& grid_;
   DisjointSets& sets_;
-  IndexTable table_;             ///< first points
-  std::vector<char> undecided_;  ///< for each first point, and those without one
+  IndexTable table_;             ///< the first point of each cube
+  std::vector<char> undecided_;  ///< marks first points, and points without a cube
 };
 
 }  // namespace
 
-std::vector<std::int32_t> uniteAlone(std::span<const double> vertices, const WeldScale& scale,
-                                     DisjointSets& sets) {
+std::vector<std::int32_t> uniteIsolatedClusters(std::span<const double> vertices,
+                                                const WeldScale& scale, DisjointSets& sets) {
   const double edge = cubeEdge(vertices, scale);
   if (edge == 0) {
     std::vector<std::int32_t> all(sets.size());
@@ -209,7 +214,7 @@ std::vector<std::int32_t> uniteAlone(std::span<const double> vertices, const Wel
     return all;
   }
   const Grid grid(edge, scale.reach * (scale.cell / edge) + kMarginSlack);
-  Joiner joiner(vertices, scale, grid, sets);
+  CubeJoiner joiner(vertices, scale, grid, sets);
   joiner.joinAll();
   return joiner.undecided();
 }

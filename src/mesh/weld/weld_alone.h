@@ -1,4 +1,15 @@
-// The easy part of a weld: clusters that lie alone, far from everything else.
+// The easy part of a weld: clusters that lie alone, far from all other points.
+//
+// A spatial hash of large cubes keeps the first point of each cube.
+//
+//   +-------+-------+-------+
+//   |       |  . .  |       |     a: all points are near the cube's first one, and none is within
+//   |  :.   |     a |.  b   |        the margin of a face: they are one cluster, decided here
+//   |     a |  b    |       |     b: some point is far from the first one, or near a face: the
+//   +-------+-------+-------+        cube's points are left to the search
+//
+// Cost: one hash look-up and one distance for each point. The corners of a triangle soup are nearly
+// all in cubes of kind a when the tolerance is small beside the edges.
 #ifndef QELM_MESH_WELD_ALONE_H
 #define QELM_MESH_WELD_ALONE_H
 
@@ -11,15 +22,13 @@
 
 namespace qelm {
 
-/// Unites points where a coarse grid shows without a search what belongs together: all
-/// points of one of its cubes are welded to the first one of them, and none is so near
-/// a face that a point in another cube could be welded to it. Corners of a mesh's
-/// triangles are nearly all like that when the tolerance is small beside its edges.
+/// Unites the points of each cube that is a cluster of its own: every point is welded to the cube's
+/// first one, and none is so near a face that a point in another cube could be welded to it.
 ///
-/// Returns the other points, ascending. None of them is welded to a point that is not
-/// among them. Pairs of them may be united already, if they are to be welded.
-std::vector<std::int32_t> uniteAlone(std::span<const double> vertices, const WeldScale& scale,
-                                     DisjointSets& sets);
+/// Returns the undecided points, ascending. None of them is welded to a point that is decided. Some
+/// of them may be united already: pairs that are to be welded in any case.
+std::vector<std::int32_t> uniteIsolatedClusters(std::span<const double> vertices,
+                                                const WeldScale& scale, DisjointSets& sets);
 
 }  // namespace qelm
 

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 
+#include "interface/index.h"
 #include "mesh/index_table.h"
 
 namespace qelm {
@@ -29,17 +30,17 @@ bool isFinite(Vec3 p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::
 
 bool isEqual(Vec3 a, Vec3 b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 
-/// Lower end of the cell along one axis. Divisions and products by a power of two
-/// are exact here. From 2^52 cell edges on, the coordinate is a whole number of
-/// them already (or the quotient overflows): a cell then holds one coordinate.
-/// Adding 0.0 turns -0.0 into 0.0: equal ends must have equal bits.
-double cellEnd(double coordinate, double cell) {
+/// Lower bound of a coordinate's cell along one axis. Divisions and products by a power of two
+/// are exact here. From 2^52 cell edges on, the coordinate is a whole number of edges already (or
+/// the quotient overflows): a cell then holds one coordinate. Adding 0.0 turns -0.0 into 0.0:
+/// equal bounds must have equal bits.
+double cellBound(double coordinate, double cell) {
   const double edges = coordinate / cell;
   return (std::fabs(edges) < 0x1p52 ? std::floor(edges) * cell : coordinate) + 0.0;
 }
 
 Vec3 cellOf(Vec3 p, double cell) {
-  return {cellEnd(p.x, cell), cellEnd(p.y, cell), cellEnd(p.z, cell)};
+  return {cellBound(p.x, cell), cellBound(p.y, cell), cellBound(p.z, cell)};
 }
 
 std::uint64_t hashOf(Vec3 p) {
@@ -47,8 +48,8 @@ std::uint64_t hashOf(Vec3 p) {
                    std::bit_cast<std::uint64_t>(p.z));
 }
 
-/// Numbers the cells. Returns the cell of each point that is to become a member,
-/// -1 for those that are not finite or repeat the first point of their cell.
+/// Numbers the cells and unites the points of each. Returns the cell of each point that becomes a
+/// member, and -1 for points that are not finite or repeat the first point of their cell.
 std::vector<std::int32_t> assignCells(std::span<const double> vertices,
                                       std::span<const std::int32_t> points, double cell,
                                       DisjointSets& sets, WeldCells& cells) {
@@ -59,33 +60,34 @@ std::vector<std::int32_t> assignCells(std::span<const double> vertices,
     const Vec3 p = pointAt(vertices, point);
     if (!isFinite(p)) continue;
     const Vec3 corner = cellOf(p, cell);
-    const auto next = static_cast<std::int32_t>(cells.size());
+    const auto next = asInt(cells.size());
     const std::int32_t found = table.findOrInsert(hashOf(corner), next, [&](std::int32_t other) {
-      const Vec3 start = pointAt(vertices, cells.first[static_cast<std::size_t>(other)]);
+      const Vec3 start = pointAt(vertices, cells.first[asIndex(other)]);
       return isEqual(cellOf(start, cell), corner);
     });
     if (found == next) cells.first.push_back(point);
-    const std::int32_t first = cells.first[static_cast<std::size_t>(found)];
+    const std::int32_t first = cells.first[asIndex(found)];
     if (first != point) sets.unite(first, point);
     if (first == point || !isEqual(pointAt(vertices, first), p)) memberOf[i] = found;
   }
   return memberOf;
 }
 
-/// Counting sort of the members by cell.
-void fillMembers(std::span<const std::int32_t> points, std::span<const std::int32_t> memberOf,
+/// Groups the members by cell: a counting sort.
+void sortMembers(std::span<const std::int32_t> points, std::span<const std::int32_t> memberOf,
                  WeldCells& cells) {
-  // Shifted by one place: after the fill below, start[c] is where cell c begins.
+  // start[c + 1] is where the next member of cell c goes; in the end, that is where cell c + 1
+  // begins.
   cells.start.assign(cells.size() + 2, 0);
   for (const std::int32_t c : memberOf) {
-    if (c >= 0) ++cells.start[static_cast<std::size_t>(c) + 2];
+    if (c >= 0) ++cells.start[asIndex(c) + 2];
   }
   for (std::size_t c = 2; c < cells.start.size(); ++c) cells.start[c] += cells.start[c - 1];
-  cells.members.resize(static_cast<std::size_t>(cells.start.back()));
+  cells.members.resize(asIndex(cells.start.back()));
   for (std::size_t i = 0; i < memberOf.size(); ++i) {
     if (memberOf[i] < 0) continue;
-    std::int32_t& place = cells.start[static_cast<std::size_t>(memberOf[i]) + 1];
-    cells.members[static_cast<std::size_t>(place++)] = points[i];
+    std::int32_t& next = cells.start[asIndex(memberOf[i]) + 1];
+    cells.members[asIndex(next++)] = points[i];
   }
   cells.start.pop_back();
 }
@@ -94,7 +96,7 @@ void measureSpreads(std::span<const double> vertices, double cell, WeldCells& ce
   cells.spread.assign(cells.size(), 0);
   for (std::size_t c = 0; c < cells.size(); ++c) {
     const Vec3 first = pointAt(vertices, cells.first[c]);
-    for (const std::int32_t member : cells.membersOf(static_cast<std::int32_t>(c))) {
+    for (const std::int32_t member : cells.membersOf(asInt(c))) {
       // Divided before it is squared: at most one edge per axis then.
       const double distance = length((pointAt(vertices, member) - first) / cell);
       cells.spread[c] = std::fmax(cells.spread[c], distance);
@@ -121,9 +123,9 @@ double gap(double lowA, double highA, double lowB, double highB) {
   return std::max(0.0, std::max(lowB - highA, lowA - highB));
 }
 
-/// Squared distance between the nearest places of two boxes. Rounding keeps order
-/// in differences, squares and sums, so this is never above the computed squared
-/// distance of two points in them; likewise farthestSquared() is never below it.
+/// Least squared distance between points of two boxes. Rounding keeps the order of differences,
+/// squares and sums, so this is never above the computed squared distance of two points in them;
+/// likewise farthestSquared() is never below it.
 double nearestSquared(const Box& a, const Box& b) {
   const Vec3 d{gap(a.low.x, a.high.x, b.low.x, b.high.x), gap(a.low.y, a.high.y, b.low.y, b.high.y),
                gap(a.low.z, a.high.z, b.low.z, b.high.z)};
@@ -145,14 +147,14 @@ std::pair<std::size_t, double> longestAxis(const Box& box) {
                     : std::pair<std::size_t, double>{2, d.z};
 }
 
-/// Splits in two halves by the coordinate along `axis`; returns the first's size.
+/// Splits the points into two halves at the median coordinate along `axis`; returns the size of
+/// the first half.
 std::size_t halve(std::span<const double> vertices, std::span<std::int32_t> points,
                   std::size_t axis) {
   const std::size_t half = points.size() / 2;
   std::nth_element(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(half), points.end(),
                    [&](std::int32_t i, std::int32_t j) {
-                     return vertices[3 * static_cast<std::size_t>(i) + axis] <
-                            vertices[3 * static_cast<std::size_t>(j) + axis];
+                     return vertices[3 * asIndex(i) + axis] < vertices[3 * asIndex(j) + axis];
                    });
   return half;
 }
@@ -170,16 +172,16 @@ bool anyPairWithinDirectly(std::span<const double> vertices, double radiusSquare
 
 }  // namespace
 
-// The points of one cell differ by less than one edge e along each axis, and e is a power of
-// two that is at most half the tolerance. Rounding keeps order: if e * e is representable,
-// each squared difference is at most that, the sum of three at most 3 e * e, and the rounded
-// square of the tolerance at least 4 e * e. If it is not, e * e is at most a quarter of the
-// smallest positive number, and the squared differences round to 0.
+// Why the points of one cell are welded. They differ by less than one edge e along each axis, and e
+// is a power of two that is at most half the tolerance. Rounding keeps order: if e * e is
+// representable, each squared difference is at most e * e, the sum of three at most 3 e * e, and
+// the rounded square of the tolerance at least 4 e * e. If e * e is not representable, it is at
+// most a quarter of the smallest positive number, and the squared differences round to 0.
 //
-// The other way round: for tiny tolerances let q be the smallest positive number and n q
-// the rounded square. What is welded has a squared distance of at most (n + 1/2) q while the
-// squared tolerance is at least (n - 1/2) q, three times less: no welded pair is farther apart
-// than twice the tolerance.
+// Why no welded pair is farther apart than the reach. For tiny tolerances let q be the smallest
+// positive number and n q the rounded square of the tolerance. Welded points have a squared
+// distance of at most (n + 1/2) q while the squared tolerance is at least (n - 1/2) q, three times
+// less: no welded pair is farther apart than twice the tolerance.
 WeldScale weldScale(double tolerance) {
   const bool tiny = tolerance < kTinyTolerance;
   const int exponent = std::ilogb(std::min(tolerance, kOverflowLength / 2));
@@ -188,12 +190,11 @@ WeldScale weldScale(double tolerance) {
   return {tolerance * tolerance, cell, reach * (tiny ? 2 : kReachSlack)};
 }
 
-// Linear as far as 2^300 edges, which is all that ordinary data needs. Beyond,
-// neighbouring numbers are 2^248 edges apart: points that differ there along one
-// axis are never welded, so all that the tree needs is equal results for equal
-// coordinates. Growing like a logarithm, the coordinates cannot overflow in the
-// tree, and the number of times that the tree can halve its box, and with it the
-// depth of its recursion, is at most about 3 * 311 instead of some 6000.
+// Linear up to 2^300 edges, which is all that ordinary data needs. Beyond, neighbouring doubles are
+// 2^248 edges apart: points that differ there along one axis are never welded, so the tree needs
+// no more than equal results for equal coordinates. As the result grows like a logarithm, the
+// tree's squares cannot overflow, and the tree can halve its box at most about 3 * 311 times, not
+// some 6000 times: that bounds the depth of its recursion.
 double searchCoordinate(double coordinate, double cell) {
   const double edges = coordinate / cell;
   if (std::fabs(edges) <= kLinearLimit) return edges;
@@ -207,14 +208,14 @@ WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std
                            const WeldScale& scale, DisjointSets& sets) {
   WeldCells cells;
   const std::vector<std::int32_t> memberOf = assignCells(vertices, points, scale.cell, sets, cells);
-  fillMembers(points, memberOf, cells);
+  sortMembers(points, memberOf, cells);
   measureSpreads(vertices, scale.cell, cells);
   return cells;
 }
 
-// Halving ends: boxes without extent have one distance, which decides at once, and
-// a box with extent has two points or more. The depth is at most that of halving
-// both lists down to single points, 62 for 32-bit counts.
+// Branch and bound on the boxes of two point sets, the longer box halved. It ends: boxes without
+// extent have one distance, which decides at once, and a box with extent has two points or more.
+// The depth is at most that of halving both lists down to single points, 62 for 32-bit counts.
 bool anyPairWithin(std::span<const double> vertices, double radiusSquared,
                    std::span<std::int32_t> a, std::span<std::int32_t> b) {
   constexpr std::size_t kFewPairs = 64;

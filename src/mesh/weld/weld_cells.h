@@ -1,5 +1,12 @@
-// What keeps a weld near n log n however dense the cloud is: cells so small that
-// the points of one always belong together, and an exact test between two cells.
+// A spatial hash of cells so small that the points of one cell are always welded, and an exact test
+// between the points of two cells. They keep a weld near n log n however dense the points are.
+//
+//   tolerance         |-------|
+//   cells of half     | . .:| .   |:.: |     points of one cell: one cluster without a test
+//   that or less                             points of two cells: anyPairWithin()
+//
+// The members are grouped by cell with a counting sort: those of cell c are
+// members[start[c]] ... members[start[c + 1] - 1].
 #ifndef QELM_MESH_WELD_CELLS_H
 #define QELM_MESH_WELD_CELLS_H
 
@@ -8,13 +15,14 @@
 #include <span>
 #include <vector>
 
+#include "interface/index.h"
 #include "mesh/disjoint_sets.h"
 #include "mesh/vec3.h"
 
 namespace qelm {
 
 inline Vec3 pointAt(std::span<const double> vertices, std::int32_t i) {
-  const std::size_t base = 3 * static_cast<std::size_t>(i);
+  const std::size_t base = 3 * asIndex(i);
   return {vertices[base], vertices[base + 1], vertices[base + 2]};
 }
 
@@ -31,29 +39,28 @@ WeldScale weldScale(double tolerance);
 /// A coordinate in cell edges, for the search tree only; see the .cpp file.
 double searchCoordinate(double coordinate, double cell);
 
-/// Finite points grouped by cell; cells in the order of their lowest point.
+/// Finite points grouped by cell; cells in the order of their lowest points.
 struct WeldCells {
   std::vector<std::int32_t> first;    ///< lowest point of each cell
-  std::vector<std::int32_t> start;    ///< one more than cells: range in members
-  std::vector<std::int32_t> members;  ///< first, and what is not equal to it
-  std::vector<double> spread;         ///< farthest member from first, in cell edges
+  std::vector<std::int32_t> start;    ///< one more than there are cells: ranges of members
+  std::vector<std::int32_t> members;  ///< the first point, and those with other coordinates
+  std::vector<double> spread;         ///< distance of the farthest member from first, in cell edges
 
   std::size_t size() const { return first.size(); }
   std::span<std::int32_t> membersOf(std::int32_t cell) {
-    const auto c = static_cast<std::size_t>(cell);
-    return std::span(members).subspan(static_cast<std::size_t>(start[c]),
-                                      static_cast<std::size_t>(start[c + 1] - start[c]));
+    const auto c = asIndex(cell);
+    return std::span(members).subspan(asIndex(start[c]), asIndex(start[c + 1] - start[c]));
   }
 };
 
-/// Unites those of `points`, ascending, that are in one cell. Points with a coordinate that is NaN
-/// or infinite get no cell: their distance to anything, themselves included, is NaN or infinite,
-/// and neither is below any radius.
+/// Unites those of `points`, ascending, that lie in one cell. A point with a coordinate that is NaN
+/// or infinite gets no cell: its distance to any point, itself included, is NaN or infinite, and
+/// neither is below any radius.
 WeldCells uniteWithinCells(std::span<const double> vertices, std::span<const std::int32_t> points,
                            const WeldScale& scale, DisjointSets& sets);
 
-/// True if some pair of a and b has a squared distance below radiusSquared.
-/// Exact. Reorders both.
+/// True if some point of a and some point of b have a squared distance below radiusSquared.
+/// Exact. Reorders both lists.
 bool anyPairWithin(std::span<const double> vertices, double radiusSquared,
                    std::span<std::int32_t> a, std::span<std::int32_t> b);
 

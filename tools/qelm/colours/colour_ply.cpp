@@ -1,9 +1,11 @@
 #include "colours/colour_ply.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "text/index.h"
 #include "text/text.h"
@@ -11,6 +13,8 @@
 
 namespace qelm::tool {
 namespace {
+
+static_assert(sizeof(int) == sizeof(std::int32_t));
 
 constexpr Colour kNoValue = {128, 128, 128};
 
@@ -38,14 +42,14 @@ void writeColourPly(const Mesh& mesh, std::span<const double> field, const Colou
   writeHeader(mesh, scale, caption, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const double value = field[asIndex(v)];
-    for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
-    for (const std::uint8_t channel : std::isnan(value) ? kNoValue : scale(value))
-      block.bytes(channel);
+    block.bytes(mesh.point(v));
+    block.bytes(std::isnan(value) ? kNoValue : scale(value));
     block.bytes(value);
   }
+  std::array<char, 1 + 3 * sizeof(std::int32_t)> face = {3};
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    block.bytes(std::uint8_t{3});
-    for (const int v : mesh.corners(t)) block.bytes(std::int32_t{v});
+    std::memcpy(face.data() + 1, mesh.corners(t).data(), face.size() - 1);
+    block.bytes(face);
   }
   block.flush();
 }

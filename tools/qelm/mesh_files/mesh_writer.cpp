@@ -23,6 +23,7 @@
 namespace qelm::tool {
 namespace {
 
+static_assert(sizeof(int) == sizeof(std::int32_t));
 static_assert(std::endian::native == std::endian::little, "binary PLY and STL are little-endian");
 
 void writeObj(const Mesh& mesh, TextBlock& block) {
@@ -69,16 +70,19 @@ void writeBinaryOff(const Mesh& mesh, TextBlock& block) {
   }
 }
 
-void writePly(const Mesh& mesh, TextBlock& block) {
+void writePly(const Mesh& mesh, TextBlock& block, ByteSink& file) {
   block.text(
       "ply\nformat binary_little_endian 1.0\nelement vertex {}\nproperty double x\n"
       "property double y\nproperty double z\nelement face {}\n"
       "property list uchar int vertex_indices\nend_header\n",
       mesh.vertexCount(), mesh.triangleCount());
-  for (const double coordinate : mesh.vertices) block.bytes(coordinate);
+  block.flush();
+  file.write(
+      {reinterpret_cast<const char*>(mesh.vertices.data()), mesh.vertices.size() * sizeof(double)});
+  std::array<char, 1 + 3 * sizeof(std::int32_t)> face = {3};
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    block.bytes(std::uint8_t{3});
-    for (const int v : mesh.corners(t)) block.bytes(std::int32_t{v});
+    std::memcpy(face.data() + 1, mesh.corners(t).data(), face.size() - 1);
+    block.bytes(face);
   }
 }
 
@@ -157,7 +161,7 @@ void writeMesh(const Mesh& mesh, MeshFormat format, ByteSink& file) {
   if (format == MeshFormat::kObj) writeObj(mesh, block);
   if (format == MeshFormat::kOff) writeOff(mesh, block);
   if (format == MeshFormat::kOffBinary) writeBinaryOff(mesh, block);
-  if (format == MeshFormat::kPly) writePly(mesh, block);
+  if (format == MeshFormat::kPly) writePly(mesh, block, file);
   if (format == MeshFormat::kStl) writeStl(mesh, block);
   block.flush();
   if (format == MeshFormat::kVtp || format == MeshFormat::kVtu)

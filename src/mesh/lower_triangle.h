@@ -1,0 +1,102 @@
+// The strictly lower triangle of the stiffness matrix K in its free rows, and their diagonal,
+// summed over the triangles of a mesh.
+//
+// In: contributions K_ab += value, one for each edge of each triangle. Out: for each free vertex v
+// the entries K_vu with u < v, one for each lower vertex of v's one-ring, ascending. Each entry
+// sums its contributions from the first to the last; that order decides the bits.
+//
+// The trick is a counting sort. The bucket of v takes all contributions to row v, one after the
+// other; then a table with a slot for each column merges those of one entry within the bucket:
+//
+//   triangles (0,1,2) (0,2,3), contributions a b c of the first one's edges, d e f of the second's
+//   buckets     1: (0,a)    2: (1,b) (0,c) (0,d)     3: (2,e) (0,f)
+//   merged      1: (0,a)    2: (0,c+d) (1,b)         3: (0,f) (2,e)
+//
+// Cost: O(m) for m triangles, and sorting rows of some three entries. 36 bytes for each triangle
+// until the buckets are merged, then 12 for each edge; 16 for each vertex. The sort by buckets is
+// that of Gustavson (Two fast algorithms for sparse matrices: multiplication and permuted
+// transposition, 1978).
+#ifndef QELM_MESH_LOWER_TRIANGLE_H
+#define QELM_MESH_LOWER_TRIANGLE_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "interface/compiler.h"
+#include "interface/index.h"
+
+namespace qelm {
+
+/// Number of contributions to each of n rows: of edges (a, b) of triangles with max(a, b) = row. An
+/// edge counts once for each of its triangles.
+std::vector<std::uint32_t> bucketSizes(std::span<const std::int32_t> triangles,
+                                       std::size_t vertexCount);
+
+class LowerTriangle {
+ public:
+// Without padding: a third more entries in the caches.
+#pragma pack(push, 4)
+  struct Entry {
+    std::int32_t column;
+    double value;
+  };
+#pragma pack(pop)
+
+  /// Empty buckets of these sizes. The first `taggedCount` rows, of prescribed vertices, stay
+  /// empty.
+  LowerTriangle(std::int32_t taggedCount, const std::vector<std::uint32_t>& bucketSizes);
+
+  /// K_ab += value. Does nothing if both vertices are prescribed. With a == b it fills the slot
+  /// that was counted, and the matrix means nothing.
+  void add(std::int32_t a, std::int32_t b, double value) {
+    const std::int32_t row = std::max(a, b);
+    if (row < taggedCount_) return;
+    entries_[rows_[asIndex(row)].end++] = {std::min(a, b), value};
+  }
+
+  /// K_vv += value, which must not be -0.0.
+  void addToDiagonal(std::int32_t v, double value) { rows_[asIndex(v)].diagonal += value; }
+
+  /// Prefetch what adding to row v needs: first the row, then, when it has come, its next entry.
+  QELM_INLINE void prefetchRow(std::int32_t v) const { prefetchToWrite(&rows_[asIndex(v)]); }
+  QELM_INLINE void prefetchBucket(std::int32_t v) const {
+    prefetchToWrite(entries_.get() + rows_[asIndex(v)].end);
+  }
+
+  /// Whether something was added to the diagonal of every vertex.
+  bool coversEveryVertex() const;
+
+  /// Once, when all is added: makes one entry of all contributions to it, and sorts the rows.
+  void mergeBuckets();
+
+  std::int32_t vertexCount() const { return asInt(rows_.size()); }
+  double diagonal(std::int32_t v) const { return rows_[asIndex(v)].diagonal; }
+  /// The entries of row v, columns ascending.
+  std::span<const Entry> row(std::int32_t v) const {
+    return {entries_.get() + start(v), entries_.get() + rows_[asIndex(v)].end};
+  }
+
+ private:
+  struct Row {
+    double diagonal;
+    std::size_t end;  ///< of its entries, which start where those of the row before end
+  };
+  struct Free {
+    void operator()(void* block) const { std::free(block); }
+  };
+  std::size_t start(std::int32_t v) const { return v == 0 ? 0 : rows_[asIndex(v) - 1].end; }
+  void resizeEntries(std::size_t count);
+
+  std::int32_t taggedCount_;
+  std::vector<Row> rows_;
+  std::unique_ptr<Entry[], Free> entries_;  // realloc() can make it shorter without a copy
+};
+
+}  // namespace qelm
+
+#endif  // QELM_MESH_LOWER_TRIANGLE_H
