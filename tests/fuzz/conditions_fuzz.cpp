@@ -11,7 +11,7 @@
 #include <optional>
 #include <set>
 
-#include "conditions/selection.h"
+#include "conditions/prescribed.h"
 #include "fuzz/input.h"
 #include "fuzz/tool_checks.h"
 #include "mesh/feature_edges.h"
@@ -156,7 +156,8 @@ void requireGoodSelection(const Mesh& mesh, const Condition& condition) {
   std::set<int> selected;
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const auto i = static_cast<std::size_t>(v);
-    require((prescribed.tags[i] != 0) == (prescribed.heldBy[i] == 2), "fixed where it selects");
+    require((prescribed.tags[i] != 0) == (prescribed.prescribedBy[i] == 2),
+            "fixed where it selects");
     if (prescribed.tags[i] != 0) selected.insert(v);
   }
   for (const double value : prescribed.values) require(std::isfinite(value), "finite values");

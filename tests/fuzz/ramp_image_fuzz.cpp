@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "colours/ramp.h"
+#include "colours/ramp_from_image.h"
 #include "text/error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -29,6 +29,17 @@ def test_no_room_includes_one_above_it():
     assert wrong == []
 
 
+def test_every_source_has_its_header():
+    alone = {"text/fmt_library.cpp"}  # compiles another library's templates
+    sources = {source for source in TOOL.glob("*/*.cpp") if str(source.relative_to(TOOL)) not in alone}
+    assert [source.name for source in sorted(sources) if not source.with_suffix(".h").exists()] == []
+
+
+def test_tests_mirror_the_rooms():
+    folders = {p.name for p in (built.SOURCE / "tests" / "tool").iterdir() if p.is_dir() and p.name != "__pycache__"}
+    assert folders <= set(rooms())
+
+
 def test_construction_includes_neither_welding_nor_the_check():
     mesh = built.SOURCE / "src" / "mesh"
     for source in [*mesh.glob("*.cpp"), *mesh.glob("*.h")]:

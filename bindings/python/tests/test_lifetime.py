@@ -34,13 +34,15 @@ def run_python(program):
 
 
 def test_a_million_constructions_keep_memory_flat():
-    vertices, triangles, tags = square()
     # The checks before the call are numpy's; what is the library's is taken a million times.
     from qelm._building import construct as build
+    from qelm._mesh import MeshArrays
+
+    mesh = MeshArrays(*square())
 
     def construct(times):
         for _ in range(times):
-            build(vertices, triangles, tags)
+            build(mesh)
 
     construct(10_000)
     before = resident_bytes()

@@ -77,7 +77,8 @@ def public():
         thing = getattr(qelm, name)
         yield name, thing
         if inspect.isclass(thing):
-            for member, value in vars(thing).items():
+            own = [cls for cls in thing.__mro__ if cls.__module__.startswith("qelm")]
+            for member, value in [item for cls in own for item in vars(cls).items()]:
                 if not member.startswith("_") and (callable(value) or isinstance(value, (property, classmethod))):
                     yield f"{name}.{member}", value
 

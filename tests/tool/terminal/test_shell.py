@@ -44,7 +44,7 @@ printf '%s\\n' "${COMPREPLY[@]}"
 @pytest.fixture
 def bash(installed, tmp_path):
     (script,) = installed.rglob("bash-completion/completions/qelm")
-    for name in ("a.obj", "b.off", "c.ply", "d.stl", "e.csv", "f.txt"):
+    for name in ("a.obj", "b.off", "c.ply", "d.stl", "e.csv", "f.txt", "g.3mf", "h.vtu"):
         (tmp_path / name).touch()
     (tmp_path / "parts").mkdir()
     return Bash(script, tmp_path)
@@ -73,7 +73,7 @@ def test_bash_completes_what_an_option_takes(bash):
 
 
 def test_bash_completes_meshes_and_folders(bash):
-    assert bash("solve", "") == ["a.obj", "b.off", "c.ply", "d.stl", "parts"]
+    assert bash("solve", "") == ["a.obj", "b.off", "c.ply", "d.stl", "g.3mf", "h.vtu", "parts"]
 
 
 def test_every_option_of_every_command_is_completed(qelm, bash):

@@ -1,10 +1,15 @@
-// Coarse forms of a large mesh and its curves, for while somebody turns them.
+// Coarse forms of a large mesh and its curves, drawn while somebody turns them.
+//
+// The mesh: vertex clustering (Rossignac and Borrel, 1993). A grid of cubes divides space, each side as
+// long as that of a square with a cell's share of the area; the first vertex in a cube stands for all
+// of them. Triangles that lose a corner so, or repeat another one, are left out. Curves: every k-th
+// point. Both take time in proportion to the mesh, once.
 import { segmentsOf } from './curves.js';
 
 export const kFewTriangles = 150000; // meshes up to this size need no coarse form
 /**
- * The forms, each coarser than the one before: cells that the surface is divided into, about, of
- * which each becomes two or three triangles, and segments of all curves together.
+ * The forms, each coarser than the one before: about how many cells the surface is divided into, of
+ * which each becomes two or three triangles; and the segments of all curves together.
  */
 export const kCoarseForms = [
   { cells: 12000, segments: 3000 },
@@ -22,11 +27,7 @@ function areaOf(positions, index) {
   return area;
 }
 
-/**
- * Fewer triangles over the same vertices (vertex clustering): of all vertices in one cell of a grid
- * the first one stands for all; what has no three corners left goes, and so does what is there
- * already. Positions and index as graphics cards have them; returns Uint32Array.
- */
+/** Fewer triangles over the same vertices. Positions and index as graphics cards take them; Uint32Array. */
 export function coarseIndex(positions, index, cells) {
   const size = Math.sqrt(areaOf(positions, index) / cells) || 1;
   const across = Math.ceil(2 / size) + 2;
@@ -54,7 +55,7 @@ export function coarseIndex(positions, index, cells) {
   return Uint32Array.from(coarse);
 }
 
-/** Curves as traceCurves() has them with fewer points, both ends of open ones among them. */
+/** The curves of traceCurves() with fewer points; the ends of open ones stay. */
 export function coarseCurves({ points, starts, levels, closed, triangles }, most) {
   const stride = Math.ceil(points.length / 3 / most);
   const kept = [];
@@ -73,7 +74,7 @@ export function coarseCurves({ points, starts, levels, closed, triangles }, most
   };
 }
 
-/** segmentsOf() them, with the whole curves' points for gaps and levels. */
+/** segmentsOf() the coarse curves. `pointOf` numbers the points of the whole curves, for gaps and levels. */
 export function coarseSegments(curves, most) {
   const thin = coarseCurves(curves, most);
   const segments = segmentsOf(thin);

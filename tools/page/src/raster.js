@@ -1,4 +1,7 @@
 // A mesh on a picture without a graphics card: what lies in front, and in which colour.
+//
+// A depth buffer. Triangles are drawn pixel by pixel; each pixel keeps the largest 1 / depth so far,
+// which is linear on the picture, as depth is not. A line is cut where it is behind the buffer.
 
 /**
  * Points on a picture of width x height pixels as a camera has them: Float32Array(3n) of x, y and
@@ -24,8 +27,9 @@ export class DepthPicture {
   }
 
   /**
-   * Draws a triangle of projected() points a, b, c (places in `points`). Calls `put(pixel, u, v, w)`
-   * with the corners' shares, right in perspective, where the triangle is in front so far.
+   * Draws a triangle of projected() points that begin at a, b and c in `points`. Calls
+   * `put(pixel, u, v, w)` with barycentric coordinates, correct in perspective, wherever the triangle
+   * is in front of all before it.
    */
   add(points, a, b, c, put) {
     const [ax, ay, az] = [points[a], points[a + 1], points[a + 2]];
@@ -60,8 +64,8 @@ export class DepthPicture {
   }
 }
 
-const kSlack = 0.004; // of the depth: a pixel's middle is not the point
-const kStep = 3; // pixels; long pieces are looked at in steps for where they pass behind
+const kSlack = 0.004; // of the depth, which the buffer has at the pixel's middle, not at the point
+const kStep = 3; // in pixels: how far apart the points of a line are that are compared with the buffer
 
 /**
  * The parts of a line of projected points (`from` to `to` in points, one after the other, and back

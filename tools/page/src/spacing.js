@@ -1,6 +1,6 @@
 // How far apart level curves lie, for drawing fewer of them where they are dense.
 
-const kWindow = 4; // pieces of a curve on each side that a piece's spacing is the mean of
+const kWindow = 4; // a segment's spacing is the mean over so many segments of its curve on each side
 
 /** The gradient of a linear field on the triangle whose corners begin at `corner`; 0 without area. */
 export function gradientOf({ positions: p, triangles }, field, corner) {
@@ -17,7 +17,7 @@ export function gradientOf({ positions: p, triangles }, field, corner) {
   return u.map((x, k) => s * x + t * v[k]);
 }
 
-/** From each level half way to both neighbours: the step in value that it stands for. */
+/** For each level the mean of the steps to its neighbours. */
 export function stepsOf(levels) {
   const last = levels.length - 1;
   if (last < 1) return levels.map(() => Infinity);
@@ -29,9 +29,9 @@ export function stepsOf(levels) {
 }
 
 /**
- * For every point of traceCurves() where the next level's curve is, to first order: Float32Array(4p)
- * of a direction and a distance, which is the mean along the curve, so that lines do not come and
- * go with every triangle.
+ * For every point of traceCurves() the direction and distance of the next level's curve, to first
+ * order: Float32Array(4p). The distance is a mean along the curve, so that lines do not come and go
+ * with every triangle.
  */
 export function gapsOf(mesh, field, levels, { points, starts, levels: levelOf, triangles }) {
   const steps = stepsOf(levels);
@@ -54,7 +54,7 @@ export function gapsOf(mesh, field, levels, { points, starts, levels: levelOf, t
   return gaps;
 }
 
-const kFar = 1e9; // in place of no neighbour at all
+const kFar = 1e9; // the distance where there is no next curve
 
-/** Which levels stay the longest where curves are thinned out: every 2nd, every 4th, every 8th ... */
+/** How long a level stays while curves are thinned out: every 2nd, every 4th, every 8th level ... */
 export const rankOf = (l) => (l === 0 ? 1 << 20 : l & -l);

@@ -1,4 +1,9 @@
 // Numbers on the level curves, upright however the mesh is turned.
+//
+// Each level has at most one label, on one of its three longest curves, at one of seven places along
+// each. Whenever the picture changes, levels are taken one after another, those first that stay when
+// curves are thinned out; a label goes to its last place if that is still good, else to the first
+// place that is in view, in front, far enough from the next curve and clear of all labels so far.
 import { Vector3 } from 'three';
 import { lengthOf } from './curves.js';
 import { levelTexts } from './levels.js';
@@ -73,7 +78,7 @@ export class ValueLabels {
     }
   }
 
-  /** Where the label was before, if it can be there still, so that it does not jump about. */
+  /** Its last place comes first, so that a label does not jump about. */
   #place(context, l) {
     const { text, places, rank } = this.levels[l];
     const width = context.measureText(text).width;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "text/index.h"
 #include "text/text.h"
 #include "text/text_block.h"
 
@@ -40,7 +41,7 @@ void writeColourPly(const Mesh& mesh, std::span<const double> field, const Colou
   TextBlock block(file);
   writeHeader(mesh, scale, caption, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
-    const double value = field[static_cast<std::size_t>(v)];
+    const double value = field[asIndex(v)];
     block.bytes(mesh.point(v));
     block.bytes(std::isnan(value) ? kNoValue : scale(value));
     block.bytes(value);

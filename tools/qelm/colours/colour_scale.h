@@ -27,11 +27,11 @@ std::optional<ValueRange> parseRange(const std::string& text);
 struct ColourScale {
   Ramp ramp;
   double low, high;      ///< the values that have the ramp's first and last colour
-  bool isFixed = false;  ///< by --range: the field may be narrower, or leave it
+  bool isFixed = false;  ///< the range is that of --range: the field may be narrower, or leave it
 
   /// Where `value` lies between low and high, from 0 to 1; NaN stays so.
   double part(double value) const;
-  /// Values outside have the colour of the end. `value` must be a number.
+  /// Values outside of the range have the colour of its end. `value` must not be NaN.
   Colour operator()(double value) const { return ramp(part(value)); }
 };
 
@@ -40,7 +40,7 @@ class ColourChoice {
   /// Reads the ramp's image, if it is one. Throws UsageError, FileError.
   explicit ColourChoice(const ColourOptions& options);
 
-  /// For a field of this range, with a note if it leaves a range that was given.
+  /// The scale for a field with this range, with a note if the field leaves that of --range.
   ColourScale scaleFor(const FieldRange& field, const Console& console) const;
 
   const Ramp& ramp() const { return ramp_; }

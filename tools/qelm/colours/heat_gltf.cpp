@@ -8,7 +8,8 @@
 namespace qelm::tool {
 namespace {
 
-/// From the middle of the ramp's first column, the largest value, to that of its last.
+/// Texture coordinates: from the middle of the ramp's first column, for the largest value, to the
+/// middle of its last one.
 std::vector<float> rampPlaces(std::span<const double> field, const ColourScale& scale) {
   std::vector<float> uv;
   uv.reserve(2 * field.size());

@@ -3,23 +3,23 @@
 #include <cstddef>
 #include <vector>
 
+#include "text/index.h"
 #include "text/text.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
 namespace {
 
-/// For each place in the library's order the mesh's vertex.
+/// The mesh's vertices in system order, as src/mesh/numbering has it.
 std::vector<int> systemOrder(std::span<const int> tags) {
   std::vector<int> order(tags.size());
   std::size_t front = 0;
   std::size_t back = tags.size();
-  for (std::size_t i = 0; i < tags.size(); ++i)
-    order[tags[i] != 0 ? front++ : --back] = static_cast<int>(i);
+  for (std::size_t i = 0; i < tags.size(); ++i) order[tags[i] != 0 ? front++ : --back] = asInt(i);
   return order;
 }
 
-/// The texture coordinates alone do not tell the values.
+/// Says which values the texture coordinates stand for.
 void writeComments(const ColourScale& scale, const Caption& caption, TextBlock& block) {
   if (!caption.title.empty()) block.text("# {}\n", oneLine(caption.title));
   if (!caption.unit.empty() || scale.isFixed)
@@ -40,14 +40,12 @@ void writeHeatObj(const Mesh& mesh, std::span<const double> field, std::span<con
     const Point p = mesh.point(v);
     block.text("v {} {} {}\n", p[0], p[1], p[2]);
   }
-  for (const int v : order)
-    block.text("vt {} 0.5\n", 1 - scale.part(field[static_cast<std::size_t>(v)]));
-  std::vector<int> number(order.size());  // from 1
-  for (std::size_t k = 0; k < order.size(); ++k)
-    number[static_cast<std::size_t>(order[k])] = static_cast<int>(k) + 1;
+  for (const int v : order) block.text("vt {} 0.5\n", 1 - scale.part(field[asIndex(v)]));
+  std::vector<int> number(order.size());  // of each vertex in the file, from 1
+  for (std::size_t k = 0; k < order.size(); ++k) number[asIndex(order[k])] = asInt(k) + 1;
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto c = mesh.corners(t);
-    const auto at = [&](std::size_t k) { return number[static_cast<std::size_t>(c[k])]; };
+    const auto at = [&](std::size_t k) { return number[asIndex(c[k])]; };
     block.text("f {0}/{0} {1}/{1} {2}/{2}\n", at(0), at(1), at(2));
   }
   block.flush();

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "colours/published_ramps.h"
+#include "colours/ramp_from_image.h"
 #include "files/paths.h"
 #include "text/error.h"
 

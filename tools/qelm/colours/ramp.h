@@ -17,13 +17,13 @@ class Ramp {
   /// `colours` of the smallest value first, two at least; `name` is a published ramp's, or empty.
   Ramp(std::vector<Colour> colours, std::string name);
 
-  /// The colour at t from 0 to 1, between neighbouring ones by linear interpolation. t must be a
-  /// number; values outside take an end's colour.
+  /// The colour at t from 0 to 1, by linear interpolation between neighbouring colours. Below 0 and
+  /// above 1 it is that of the end; t must not be NaN.
   Colour operator()(double t) const;
 
   Ramp reversed() const;
 
-  /// "viridis", "viridis-reversed", or empty of an image's.
+  /// "viridis", "viridis-reversed"; empty if the ramp is an image's.
   const std::string& name() const { return name_; }
 
  private:
@@ -34,16 +34,12 @@ class Ramp {
 /// The published ramp of that name. Throws UsageError that lists them.
 Ramp namedRamp(const std::string& name);
 
-/// What --ramp says: a published ramp, or a PNG image that is read along its middle, from the
-/// colour of the largest value at the left (or, of an image that is higher than wide, at the top)
-/// to that of the smallest. "reversed:" before either turns it round. Throws UsageError, FileError.
+/// The ramp of --ramp: the name of a published one, or of a PNG image, see rampOfImage();
+/// "reversed:" before either turns it round. Throws UsageError, FileError.
 Ramp parseRamp(const std::string& text);
 
-/// The file that `text` names, or empty.
+/// The file that a text of --ramp names; empty if it names none.
 std::string rampFile(const std::string& text);
-
-/// The ramp of a PNG image's bytes; `name` is for messages. Throws FileError.
-Ramp rampOfImage(std::string_view bytes, const std::string& name);
 
 }  // namespace qelm::tool
 

@@ -1,10 +1,12 @@
+#include "colours/ramp_from_image.h"
+
 #include <fmt/format.h>
 
 #include <cstddef>
 #include <memory>
 
-#include "colours/ramp.h"
 #include "text/error.h"
+#include "text/index.h"
 
 // The one file that holds stb_image's code: PNG alone, from memory, and no larger than here.
 #define STB_IMAGE_IMPLEMENTATION
@@ -27,8 +29,8 @@
 namespace qelm::tool {
 namespace {
 
-// A ramp is some thousand pixels wide, and compresses well. What is packed a thousand times
-// smaller, as hostile files are, then takes some 250 MB at most.
+// A ramp is some thousand pixels wide and compresses well. A hostile file, packed a thousand times
+// smaller than its image, then takes some 250 MB at most.
 constexpr int kMostPixels = 1 << 20;
 constexpr std::size_t kMostBytes = 256 << 10;
 
@@ -36,8 +38,8 @@ constexpr std::size_t kMostBytes = 256 << 10;
   throw FileError(fmt::format("{}: {}", name, what));
 }
 
-/// Whether the file has the chunks in full that it announces, up to its end's, and bytes in each of
-/// its data; memory is taken for them unseen.
+/// Whether all chunks up to the end chunk are in the file in full, and no data chunk is empty. The
+/// decoder takes memory for chunks without looking.
 bool hasItsChunks(std::string_view bytes) {
   constexpr std::size_t kSignature = 8;
   constexpr std::size_t kAround = 12;  // a chunk's length, name and check sum
@@ -64,11 +66,11 @@ struct FreePixels {
 Ramp rampOfImage(std::string_view bytes, const std::string& name) {
   if (bytes.size() > kMostBytes) failImage(name, "too large for a ramp of colours");
   const auto* const raw = reinterpret_cast<const unsigned char*>(bytes.data());
-  const auto size = static_cast<int>(bytes.size());
+  const int size = asInt(bytes.size());
   int width = 0;
   int height = 0;
   int channels = 0;
-  // The size is looked at first: a small file may announce a large image.
+  // A small file may announce a large image, so its size is looked at before anything is decoded.
   if (!hasItsChunks(bytes) || stbi_info_from_memory(raw, size, &width, &height, &channels) == 0)
     failImage(name, "not a PNG image, or a damaged one");
   if (width > kMostPixels / height) failImage(name, "too large for a ramp of colours");
@@ -84,8 +86,7 @@ Ramp rampOfImage(std::string_view bytes, const std::string& name) {
     const int x = isUpright ? width / 2 : k;
     const int y = isUpright ? k : height / 2;
     const unsigned char* const pixel =
-        pixels.get() + kRgb * (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                               static_cast<std::size_t>(x));
+        pixels.get() + kRgb * (asIndex(y) * asIndex(width) + asIndex(x));
     colours.push_back({pixel[0], pixel[1], pixel[2]});
   }
   return {std::move(colours), ""};

@@ -14,6 +14,8 @@
 #include <stb/stb_image_write.h>
 #pragma GCC diagnostic pop
 
+#include "text/index.h"
+
 namespace qelm::tool {
 namespace {
 
@@ -34,8 +36,7 @@ std::string rampImage(const Ramp& ramp) {
     }
   std::string png;
   const auto append = [](void* context, void* data, int size) {
-    static_cast<std::string*>(context)->append(static_cast<const char*>(data),
-                                               static_cast<std::size_t>(size));
+    static_cast<std::string*>(context)->append(static_cast<const char*>(data), asIndex(size));
   };
   if (stbi_write_png_to_func(append, &png, kWidth, kHeight, kChannels, pixels.data(),
                              kWidth * kChannels) == 0)

@@ -8,9 +8,9 @@
 
 namespace qelm::tool {
 
-// Viewers repeat textures: at u = 0 and u = 1 they mix the first and the last
-// column. The wider the image, the narrower the band of values in which that
-// shows; at 2048 it is a quarter of a thousandth of the field's range.
+// Viewers repeat textures: at u = 0 and u = 1 they mix the first and the last column. The wider the
+// image, the narrower the band of values in which that shows: a quarter of a thousandth of the
+// field's range at 2048.
 inline constexpr int kRampWidth = 2048;
 
 /// The bytes of a PNG image of the ramp, the colour of the largest value at the left: the heat

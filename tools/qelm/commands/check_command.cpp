@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "fields/field_report.h"
 #include "fields/robustness.h"
 #include "fields/verdict.h"
 #include "files/output_file.h"
@@ -14,15 +15,17 @@
 #include "mesh_files/load_mesh.h"
 #include "qelm.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// What the first index of a finding is an index of.
+/// What a finding counts, and what its first index numbers.
 enum class Element { vertex, triangle };
 
+/// How a finding is told.
 struct Line {
   const char* key;  ///< in JSON
   QelmFinding QelmMeshReport::*finding;
@@ -32,7 +35,7 @@ struct Line {
   const char* advice;  ///< empty for what is no defect
 };
 
-/// Defects where the mesh will not work, else for information.
+// Thin triangles are defects if the mesh will not work, else information.
 constexpr Line kThin = {
     "nearZeroArea",
     &QelmMeshReport::nearZeroArea,
@@ -97,7 +100,7 @@ struct Check {
   bool works() const { return verdict.grade != Grade::kWillNotWork; }
 };
 
-/// Without conditions one vertex of every part counts as fixed, so that no part lacks one.
+/// Without conditions one vertex of every part counts as prescribed, so that no part lacks one.
 std::vector<int> tagsOf(const Check& check) {
   return check.prescribed ? check.prescribed->tags : leastTags(check.mesh);
 }
@@ -105,7 +108,7 @@ std::vector<int> tagsOf(const Check& check) {
 /// Without conditions every vertex counts as free: the weights of all edges matter.
 std::optional<QelmRobustReport> robustReportOf(const Check& check) {
   if (check.prescribed) return robustReport(check.mesh, check.prescribed->tags);
-  const std::vector<int> none(static_cast<std::size_t>(check.mesh.vertexCount()), 0);
+  const std::vector<int> none(asIndex(check.mesh.vertexCount()), 0);
   return robustReport(check.mesh, none);
 }
 
@@ -133,20 +136,20 @@ Check checkFile(const CheckOptions& options, const Console& console) {
   check.report = reportOn(check.mesh, tags, &check.code);
   check.notDelaunay = notDelaunay(check.mesh, tags);
   check.verdict = verdictOn(check.mesh, tags, check.report, check.strict);
-  // What works is no defect, whatever the report says.
+  // A mesh that works has no defect, whatever the library's report says.
   if (check.works()) check.code = 0;
   check.robust = robustReportOf(check);
   return check;
 }
 
-/// Whether a finding keeps the mesh from working, or would.
+/// Whether a finding is told among the defects.
 bool isDefect(const Check& check, const Line& line) {
   if (line.finding == kThin.finding) return !check.works();
   return line.finding != kUnused.finding || check.strict;
 }
 
 std::string describeFirst(const Mesh& mesh, Element element, std::int64_t index) {
-  const int i = static_cast<int>(index);
+  const int i = asInt(index);
   return element == Element::vertex ? describeVertex(mesh, i) : describeTriangle(mesh, i);
 }
 
@@ -154,7 +157,7 @@ std::string describe(const Check& check, const Line& line) {
   const QelmFinding& finding = check.report.*line.finding;
   std::string text =
       fmt::format("{:>9} {}", finding.count, finding.count == 1 ? line.one : line.many);
-  // Every mesh has a first part and loop; that is no news.
+  // Every mesh has a first part and a first loop: the first index says nothing.
   const bool isOrdinary =
       line.finding == &QelmMeshReport::part || line.finding == &QelmMeshReport::boundaryLoop;
   if (finding.count > 0 && !isOrdinary)
@@ -181,7 +184,7 @@ std::string describeNotDelaunay(const Check& check) {
 std::string describeWorst(const Check& check) {
   if (check.report.worstTriangle < 0) return "";
   return fmt::format("          the thinnest for its size and place: {}\n",
-                     describeTriangle(check.mesh, static_cast<int>(check.report.worstTriangle)));
+                     describeTriangle(check.mesh, asInt(check.report.worstTriangle)));
 }
 
 std::string describeVerdict(const Check& check) {

@@ -5,19 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "fields/solve_job.h"
+#include "terminal/console.h"
 
 namespace qelm::tool {
 
 struct CheckOptions {
   std::string mesh;
   bool strict = false;             ///< see MeshSource
-  std::vector<std::string> fixes;  ///< none, and no file: conditions are not looked at
+  std::vector<std::string> fixes;  ///< without these and a file, conditions are not checked
   std::string fixFile;
 };
 
-/// Prints the report on the standard output. Returns what a solve with these conditions would
-/// end with; without conditions, with one fixed vertex in every part.
+/// Prints the report on the standard output. Returns the exit code of a solve with these conditions
+/// or, without any, of one with a fixed vertex in every part.
 int runCheck(const CheckOptions& options, const OutputOptions& output);
 
 }  // namespace qelm::tool

@@ -1,4 +1,4 @@
-// The tool's command line: every command, option and help text.
+// The tool's command line: finds the command that it asks for, and explains what is wrong with it.
 #ifndef QELM_TOOLS_COMMAND_LINE_H
 #define QELM_TOOLS_COMMAND_LINE_H
 

@@ -24,6 +24,7 @@
 #include "curves/simplify.h"
 #include "curves/upright.h"
 #include "fields/field_range.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
@@ -84,7 +85,7 @@ std::vector<Target> openTargets(const CurvesOptions& options, const OutputOption
   return targets;
 }
 
-/// What is written besides the curves themselves.
+/// What the writers take besides the curves.
 struct Look {
   const Mesh& mesh;
   const Projection& projection;
@@ -132,7 +133,7 @@ std::string describe(const CurveSet& curves, std::size_t closed) {
                      levels.size(), levels.size() == 1 ? "" : "s", levels.front(), levels.back());
 }
 
-/// How even the curves of --spacing are.
+/// How far apart the curves of --spacing have come out.
 ReportItem spacingReport(const CurveSet& curves, double spacing) {
   constexpr double kStepsToASpacing = 8;
   const auto distances = distancesBetween(curves, spacing / kStepsToASpacing);
@@ -147,14 +148,14 @@ ReportItem spacingReport(const CurveSet& curves, double spacing) {
           {{"spacing", {{"smallest", smallest}, {"largest", largest}}}}};
 }
 
-/// What is to be done with every field.
+/// How every field is cut and coloured.
 struct Cutting {
   LevelChoice levels;
   ColourChoice colours;
-  double tolerance;  ///< of --simplify; 0: every point stays
+  double tolerance;  ///< of --simplify; 0 keeps every point
 };
 
-/// The curves of field k, with what the summary says of them.
+/// The curves of field k. What the summary says of them is added to `reports`.
 FieldCurves cutField(SolvedField& solved, std::size_t k, const Cutting& cutting,
                      const Console& console, std::vector<ReportItem>& reports) {
   const FieldRange range = rangeOf(solved.field(k));
@@ -183,7 +184,8 @@ FieldCurves cutField(SolvedField& solved, std::size_t k, const Cutting& cutting,
           cutting.colours.scaleFor(range, console)};
 }
 
-/// The reports of several fields: lines that name them, and one list for programs.
+/// Puts the fields' names into their lines and their JSON members into one list. `counts` are the
+/// numbers of reports after each field.
 void joinReports(std::vector<ReportItem>& reports, const std::vector<FieldCurves>& fields,
                  const std::vector<std::size_t>& counts) {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();

@@ -12,6 +12,7 @@
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -50,7 +51,7 @@ struct Steepest {
 
 Steepest steepestOf(const Gradient& gradient) {
   Steepest steepest;
-  for (int t = 0; t < static_cast<int>(gradient.ofTriangles.size() / 3); ++t)
+  for (int t = 0; t < asInt(gradient.ofTriangles.size() / 3); ++t)
     if (const double slope = length(gradient.ofTriangle(t)); slope > steepest.slope)
       steepest = {slope, t};
   return steepest;

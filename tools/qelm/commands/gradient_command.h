@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "fields/field_report.h"
 #include "fields/gradient.h"
 #include "fields/solve_job.h"
 

@@ -17,6 +17,7 @@
 #include "colours/ramp_image.h"
 #include "curves/upright.h"
 #include "fields/field_range.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
@@ -47,11 +48,11 @@ std::string rampNameFor(const fs::path& base, const Ramp& ramp) {
   return toUtf8(fs::path(base).replace_filename(toPath(name)));
 }
 
-/// Three files that appear together.
+/// Writes OBJ, MTL and the ramp's image, which appear together.
 void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   const Console console(output);
   const fs::path base = basePath(options.output);
-  // What cannot be written is better known before a long solve.
+  // Files are opened before the solve: what cannot be written is better known at once.
   const std::string objName = withExtension(base, ".obj");
   const std::string mtlName = withExtension(base, ".mtl");
   const ColourChoice colours(options.picture.colours);
@@ -63,14 +64,14 @@ void runHeatObj(const HeatmapOptions& options, const OutputOptions& output) {
   requireRange(solved, "colour");
   const ColourScale scale = colours.scaleFor(rangeOf(solved.fields), console);
   solved.steps.run("write", [&] {
-    // A reader looks for the material from where the OBJ file lies.
+    // The material's name is relative to the OBJ file.
     const UsedPart part = usedPart(solved.mesh);
     writeHeatObj(part.mesh, part.of(solved.field()),
                  part.of(std::span<const int>(solved.prescribed.tags)), scale,
                  options.picture.caption, withExtension(base.filename(), ".mtl"), obj);
     writeHeatMtl(toUtf8(toPath(rampName).filename()), mtl);
     ramp.write(rampImage(scale.ramp));
-    // The OBJ file comes last: where it is, what it refers to is there as well.
+    // The OBJ file comes last: when it is there, so are the files that it refers to.
     commitTogether({&ramp, &mtl, &obj});
   });
   if (toUtf8(base.filename()).find(' ') != std::string::npos)

@@ -15,7 +15,7 @@ class HelpFormatter : public CLI::Formatter {
  public:
   HelpFormatter() { column_width(kColumn); }
 
-  /// No heading for the one thing that must be named.
+  /// Without a heading, as there is one positional argument at most.
   std::string make_positionals(const CLI::App* app) const override {
     std::string text;
     for (const CLI::Option* option :
@@ -28,8 +28,8 @@ class HelpFormatter : public CLI::Formatter {
     if (option->get_items_expected_max() == 0 || option->get_positional()) return "";
     return " " + option->get_type_name();
   }
-  /// Options of a group that is named after a topic take one line together: with all of them in
-  /// full --help would not fit a screen. The manual page and completion have them in full.
+  /// Options of a group that is named after a help topic share one line, so that --help fits a
+  /// screen. The manual page and completion have them in full.
   std::string make_group(std::string group, bool isPositional,
                          std::vector<const CLI::Option*> options) const override {
     if (group.rfind("qelm help ", 0) != 0)
@@ -39,7 +39,7 @@ class HelpFormatter : public CLI::Formatter {
     names.resize(std::max(names.size() + 2, get_column_width()), ' ');
     return names + "See '" + group + "'\n";
   }
-  /// Such lines follow the others without a gap.
+  /// Without the blank lines before such groups.
   std::string make_help(const CLI::App* app, std::string name,
                         CLI::AppFormatMode mode) const override {
     std::string text = CLI::Formatter::make_help(app, std::move(name), mode);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "fields/solve_job.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/mesh_facts.h"
@@ -48,7 +48,7 @@ std::string loopsText(const Mesh& mesh, const MeshFacts& facts) {
   if (facts.loops.empty()) return "boundary   none: the mesh is closed\n";
   // Nobody tells places of loops apart that are closer together.
   constexpr double kStep = 1e-6;
-  const double step = kStep * length(facts.high - facts.low);
+  const double step = kStep * length(facts.box.size());
   std::string text =
       fmt::format("boundary   {}, longest first\n", plural(facts.loops.size(), "loop"));
   for (std::size_t k = 0; k < std::min(facts.loops.size(), kShown); ++k) {
@@ -85,16 +85,16 @@ std::string namesText(const Attributes& attributes) {
 }
 
 std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
-  const Point size = facts.high - facts.low;
+  const Point size = facts.box.size();
   std::string text = fmt::format(
       "{}\nvertices   {}\ntriangles  {}\n"
       "box        {},{},{} to {},{},{}\n"
       "size       {} x {} x {}\narea       {}\n"
       "edges      {}, {} to {} long, {} on average\n",
-      name, mesh.vertexCount(), mesh.triangleCount(), facts.low[0], facts.low[1], facts.low[2],
-      facts.high[0], facts.high[1], facts.high[2], digits(size[0]), digits(size[1]),
-      digits(size[2]), digits(facts.area), facts.edges.count, digits(facts.edges.shortest),
-      digits(facts.edges.longest), digits(facts.edges.mean));
+      name, mesh.vertexCount(), mesh.triangleCount(), facts.box.low[0], facts.box.low[1],
+      facts.box.low[2], facts.box.high[0], facts.box.high[1], facts.box.high[2], digits(size[0]),
+      digits(size[1]), digits(size[2]), digits(facts.area), facts.edges.count,
+      digits(facts.edges.shortest), digits(facts.edges.longest), digits(facts.edges.mean));
   if (!facts.unused.empty())
     text += fmt::format("unused     {}, the first is {}\n", facts.unused.size(),
                         describeVertex(mesh, facts.unused[0]));
@@ -105,7 +105,7 @@ Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
   Json json = {{"mesh", name},
                {"vertices", mesh.vertexCount()},
                {"triangles", mesh.triangleCount()},
-               {"box", {{"min", facts.low}, {"max", facts.high}}},
+               {"box", {{"min", facts.box.low}, {"max", facts.box.high}}},
                {"area", facts.area},
                {"edges",
                 {{"count", facts.edges.count},

@@ -8,7 +8,7 @@
 namespace qelm::tool {
 namespace {
 
-/// What is wrong with a condition is said when it is its turn.
+/// Passes over a condition that is wrong: the command itself says so.
 void addFilesOf(const std::string& condition, InputNames& names) {
   try {
     for (std::string& file : filesOf(parseCondition(condition))) names.push_back(std::move(file));

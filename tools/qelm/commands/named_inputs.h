@@ -8,7 +8,8 @@
 
 namespace qelm::tool {
 
-/// All that the command line says, but where results go: what of it is a file may be read.
+/// The values of all options but --output, and the files within them. Those that are names of files
+/// may be read.
 InputNames inputsOf(const CLI::App& command);
 
 }  // namespace qelm::tool

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "commands/new_mesh.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
@@ -27,7 +27,7 @@ struct RepairRun {
   Steps steps;
 };
 
-Json summaryOf(const RepairRun& run, const RepairOptions& options) {
+Json summaryOf(const RepairRun& run, const NewMeshOptions& options) {
   const Repaired& after = run.after;
   Json seconds = Json::object();
   for (const Step& step : run.steps.list()) seconds[step.name] = step.seconds;
@@ -50,7 +50,7 @@ Json summaryOf(const RepairRun& run, const RepairOptions& options) {
           {"results", Json::array({options.output})}};
 }
 
-void printLines(const RepairRun& run, const RepairOptions& options, const Console& console) {
+void printLines(const RepairRun& run, const NewMeshOptions& options, const Console& console) {
   const Repaired& after = run.after;
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", options.mesh, run.vertices,
                            run.triangles));
@@ -87,7 +87,7 @@ void noteWhatIsLeft(const Repaired& after, const Console& console) {
 
 }  // namespace
 
-void runRepair(const RepairOptions& options, const OutputOptions& output) {
+void runRepair(const NewMeshOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
   const Console console(output);

@@ -23,7 +23,7 @@ void addMesh(CLI::App& command, std::string& mesh, bool& strict) {
   command.add_option("mesh", mesh, "Mesh file (see 'qelm help files'), or - (stdin)")
       ->type_name("MESH")
       ->required();
-  // Options are looked at in the order in which they are added here.
+  // CLI11 takes options in the order in which they are added: MESH comes before --read-as.
   command
       .add_option_function<std::string>(
           "--read-as", [&mesh](const std::string& format) { mesh = standardInputAs(mesh, format); },

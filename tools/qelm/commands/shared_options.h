@@ -29,11 +29,11 @@ void addGivenField(CLI::App& command, FieldOptions& field);
 void addLevels(CLI::App& command, LevelOptions& levels);
 void addSimplify(CLI::App& command, std::string& simplify);
 
-/// Of what is looked at: --view, for which `lookedFrom` is the help, and --up.
+/// --view, with `lookedFrom` as its help, and --up.
 void addViewOptions(CLI::App& command, PictureOptions& picture, const char* lookedFrom);
-/// Of drawings to scale: --scale, --paper, --mesh-unit.
+/// For drawings to scale: --scale, --paper, --mesh-unit.
 void addSheetOptions(CLI::App& command, SheetOptions& sheet);
-/// Of what has colours: --title, --unit, --ramp, --range.
+/// For what has colours: --title, --unit, --ramp, --range.
 void addColourOptions(CLI::App& command, PictureOptions& picture);
 
 }  // namespace qelm::tool

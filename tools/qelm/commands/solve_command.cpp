@@ -9,11 +9,13 @@
 #include "conditions/npy_array.h"
 #include "fields/field_csv.h"
 #include "fields/field_range.h"
+#include "fields/field_report.h"
 #include "fields/gradient_files.h"
 #include "files/output_file.h"
 #include "files/result_name.h"
 #include "mesh/mesh_checks.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -24,18 +26,18 @@ using Json = nlohmann::ordered_json;
 std::size_t worstOf(const std::vector<double>& fields, const std::vector<double>& others) {
   std::vector<double> differences(fields.size());
   for (std::size_t i = 0; i < fields.size(); ++i) differences[i] = std::abs(fields[i] - others[i]);
-  return static_cast<std::size_t>(rangeOf(differences).highest);
+  return asIndex(rangeOf(differences).highest);
 }
 
-/// How far the plain fields are off, or why there are none.
+/// How far the plain fields differ from the robust ones, or why there are none.
 ReportItem comparePlain(const SolvedField& solved) {
   try {
     const FieldSystem plain(solved.mesh, solved.prescribed.tags, false);
     const std::vector<double> fields =
         plain.solve(solved.mesh, solved.prescribed.values, solved.load);
     const std::size_t worst = worstOf(solved.fields, fields);
-    const auto n = static_cast<std::size_t>(solved.mesh.vertexCount());
-    const int vertex = static_cast<int>(worst % n);
+    const std::size_t n = asIndex(solved.mesh.vertexCount());
+    const int vertex = asInt(worst % n);
     const double difference = std::abs(fields[worst] - solved.fields[worst]);
     const FieldRange range = rangeOf(fields);
     std::string text = fmt::format("differs by at most {:.3g}, at {}", difference,
@@ -80,7 +82,7 @@ void runSolve(const SolveOptions& options, const OutputOptions& output) {
   const std::string format =
       resultFormat(options.output, options.format, {".csv", ".txt", ".dat", ".npy", ".vtp", ".vtu"},
                    "'solve' writes the field as .csv, .npy, .vtp or .vtu");
-  // Opened first: a long solve must not end with a folder that is not there.
+  // The file is opened before the solve: a missing folder is better known at once.
   std::optional<OutputFile> file;
   if (!options.output.empty()) file.emplace(options.output, output.inputs);
   SolvedField solved = solveField(options.field, console);

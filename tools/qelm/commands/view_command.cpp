@@ -11,7 +11,9 @@
 #include "curves/field_levels.h"
 #include "curves/projection.h"
 #include "curves/upright.h"
+#include "encodings/base64.h"
 #include "fields/field_range.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
@@ -19,6 +21,7 @@
 #include "page/page_data.h"
 #include "page/view_page.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -35,8 +38,8 @@ std::string titleOf(const SolvedField& solved, const ViewOptions& options) {
   return title.empty() ? toUtf8(toPath(solved.meshName).filename()) : title;
 }
 
-/// A value that differs from vertex to vertex belongs to the text: the page could not show it as
-/// a number, nor change it.
+/// Values that differ from vertex to vertex stand in the text: the page can neither show them as a
+/// number nor change them.
 Json conditionFacts(const Condition& condition, int vertices) {
   const bool areNumbers = std::all_of(condition.values.begin(), condition.values.end(),
                                       [](const Value& value) { return value.isNumber(); });
@@ -50,7 +53,7 @@ Json conditionFacts(const Condition& condition, int vertices) {
   return facts;
 }
 
-/// By name and levels, of several fields; nothing of a single one.
+/// Names and levels of several fields; an empty list for a single one.
 Json fieldFacts(const SolvedField& solved, const std::vector<std::vector<double>>& levels) {
   Json list = Json::array();
   if (levels.size() > 1)
@@ -59,7 +62,7 @@ Json fieldFacts(const SolvedField& solved, const std::vector<std::vector<double>
   return list;
 }
 
-/// What the page writes into its corner, and what it begins with.
+/// What the page shows in its corner, and the state in which it opens.
 Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& options,
                const FirstView& view, const ColourChoice& colours,
                const std::vector<std::vector<double>>& levels) {
@@ -84,7 +87,7 @@ Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& 
   if (colours.range()) facts["range"] = {colours.range()->low, colours.range()->high};
   const std::vector<bool> used = usedVertices(solved.mesh);
   for (int v = 0; v < solved.mesh.vertexCount(); ++v)
-    if (!used[static_cast<std::size_t>(v)])
+    if (!used[asIndex(v)])
       facts["noValue"].push_back({{"vertex", v}, {"point", solved.mesh.point(v)}});
   const std::size_t up = upAxis(view.up, solved.meshName, shown);
   facts["up"] = std::string(1, "xyz"[up]);
@@ -92,20 +95,20 @@ Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& 
   return facts;
 }
 
-/// For each vertex the place of its condition in the page's list, from 1.
+/// For each vertex the number of its condition in the page's list, from 1; 0 if the vertex is free.
 std::vector<int> fixedBy(const SolvedField& solved) {
-  std::vector<int> places = solved.prescribed.heldBy;
-  // The file's place is the first one, which it has only when there is a file.
+  std::vector<int> places = solved.prescribed.prescribedBy;
+  // A file comes first in the list, if there is one.
   const int shift = solved.fromFile > 0 ? 0 : 1;
   for (int& place : places) place = place == 0 ? 0 : place - shift;
   return places;
 }
 
-// From so many vertices on, positions on a page that only shows them are rounded to what a
-// screen can show: 24 bits across the mesh, nine bytes a vertex instead of 24.
+// A page with more vertices has rounded positions, which is all that a screen can show: 24 bits
+// across the mesh, nine bytes a vertex instead of 24.
 constexpr int kMostExact = 100'000;
 
-/// Vertices in no triangle have nothing to show.
+/// The page's data, without the vertices in no triangle.
 std::string pageDataOf(const SolvedField& solved, const UsedPart& part, const Ramp& ramp,
                        bool isExact) {
   const std::vector<double> field = part.of(solved.field());
@@ -121,12 +124,12 @@ std::string pageDataOf(const SolvedField& solved, const UsedPart& part, const Ra
       {part.mesh, field, others, load, part.of(std::span<const int>(places)), ramp, isExact});
 }
 
-/// A page of the caller's own may solve with the positions.
+/// A page of the caller's own may solve with the positions, so they keep every bit.
 bool isExact(const SolvedField& solved, const ViewOptions& options) {
   return !options.page.empty() || solved.mesh.vertexCount() <= kMostExact;
 }
 
-/// In a script element nothing may look like its end.
+/// JSON for a script element, in which nothing may look like the element's end.
 std::string inScript(const Json& json) {
   std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
   for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at))
@@ -151,8 +154,8 @@ constexpr std::string_view kTitleMark = "@QELM_TITLE@";
 constexpr std::string_view kFactsMark = "@QELM_FACTS@";
 constexpr std::string_view kMeshMark = "@QELM_MESH@";
 
-/// The page to fill in. Throws FileError when --page's has not the marks, OutputError
-/// when there is none.
+/// The page to fill in. Throws FileError if that of --page lacks a mark, OutputError if the tool
+/// was built without a page.
 std::string pageToFill(const ViewOptions& options) {
   if (!options.page.empty()) {
     std::string page = readFile(toPath(options.page));
@@ -185,7 +188,7 @@ void writeFilled(std::string_view page,
   file.write(page);
 }
 
-/// The first field's levels are those of the summary.
+/// In JSON the summary has the first field's levels alone.
 ReportItem levelReport(const SolvedField& solved, std::size_t k,
                        const std::vector<double>& levels) {
   const std::string name = solved.fieldCount() > 1 ? solved.fieldName(k) + ": " : "";
@@ -226,7 +229,7 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
         page,
         {{kTitleMark, inHtml(titleOf(solved, options)) + " \u2013 qelm"},
          {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, colours, levels))},
-         {kMeshMark, base64(pageDataOf(solved, part, colours.ramp(), isExact(solved, options)))}},
+         {kMeshMark, toBase64(pageDataOf(solved, part, colours.ramp(), isExact(solved, options)))}},
         file);
     file.commit();
   });

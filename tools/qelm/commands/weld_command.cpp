@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "commands/new_mesh.h"
+#include "fields/field_report.h"
 #include "files/output_file.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/weld.h"
@@ -31,7 +31,7 @@ Json countsJson(const Mesh& mesh) {
   return {{"vertices", mesh.vertexCount()}, {"triangles", mesh.triangleCount()}};
 }
 
-void printJson(const WeldRun& run, const WeldOptions& options) {
+void printJson(const WeldRun& run, const NewMeshOptions& options) {
   Json seconds = Json::object();
   for (const Step& step : run.steps.list()) seconds[step.name] = step.seconds;
   const Json summary = {{"mesh", options.mesh},
@@ -46,7 +46,7 @@ void printJson(const WeldRun& run, const WeldOptions& options) {
   printData(summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-void printLines(const WeldRun& run, const WeldOptions& options, const Console& console) {
+void printLines(const WeldRun& run, const NewMeshOptions& options, const Console& console) {
   console.line(fmt::format("mesh     {}: {} vertices, {} triangles", options.mesh,
                            run.before.vertexCount(), run.before.triangleCount()));
   console.line(fmt::format("welded   {} vertices, {} triangles, within {}",
@@ -62,7 +62,7 @@ void printLines(const WeldRun& run, const WeldOptions& options, const Console& c
 
 }  // namespace
 
-void runWeld(const WeldOptions& options, const OutputOptions& output) {
+void runWeld(const NewMeshOptions& options, const OutputOptions& output) {
   if (output.json && options.output == "-")
     throw UsageError("the standard output takes the mesh (-o -) or --json, not both");
   const Console console(output);

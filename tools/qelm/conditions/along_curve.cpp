@@ -8,21 +8,20 @@
 #include <nanoflann.hpp>
 
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// Samples to an edge: neighbouring ones then nearly always have neighbouring vertices.
-constexpr double kSamplesToAnEdge = 4;
-// Of one file, where a mesh has tiny edges; the samples are farther apart then.
+// With so many samples for an edge, the vertices of samples in a row are nearly always neighbours.
+constexpr double kSamplesPerEdge = 4;
+// Of one file. With tiny edges the samples are farther apart.
 constexpr double kMostSamples = 1e5;
 
 /// The mesh's vertices as nanoflann asks for them.
-struct Cloud {
+struct VertexCloud {
   const Mesh& mesh;
-  std::size_t kdtree_get_point_count() const {
-    return static_cast<std::size_t>(mesh.vertexCount());
-  }
+  std::size_t kdtree_get_point_count() const { return asIndex(mesh.vertexCount()); }
   double kdtree_get_pt(std::size_t vertex, std::size_t axis) const {
     return mesh.vertices[3 * vertex + axis];
   }
@@ -31,35 +30,34 @@ struct Cloud {
     return false;
   }
 };
-using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud>, Cloud,
-                                                 3, std::size_t>;
+using VertexTree =
+    nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, VertexCloud>,
+                                        VertexCloud, 3, std::size_t>;
 
-/// For each vertex those that it has an edge with.
-class Neighbours {
+/// The one-rings of all vertices, by a counting sort: vertex v has those from starts_[v] to before
+/// starts_[v + 1]. A neighbour comes once for each triangle that it has in common with v.
+class OneRings {
  public:
-  explicit Neighbours(const Mesh& mesh)
-      : starts_(static_cast<std::size_t>(mesh.vertexCount()) + 1) {
-    const auto corner = [&mesh](std::size_t k) {
-      return static_cast<std::size_t>(mesh.triangles[k]);
-    };
+  explicit OneRings(const Mesh& mesh) : starts_(asIndex(mesh.vertexCount()) + 1) {
+    const auto corner = [&mesh](std::size_t k) { return asIndex(mesh.triangles[k]); };
     for (std::size_t k = 0; k < mesh.triangles.size(); ++k) starts_[corner(k) + 1] += 2;
     for (std::size_t v = 1; v < starts_.size(); ++v) starts_[v] += starts_[v - 1];
-    others_.resize(starts_.back());
+    neighbours_.resize(starts_.back());
     std::vector<std::size_t> next(starts_.begin(), starts_.end() - 1);
     for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
       const std::size_t first = k - k % 3;
-      others_[next[corner(k)]++] = mesh.triangles[first + (k + 1) % 3];
-      others_[next[corner(k)]++] = mesh.triangles[first + (k + 2) % 3];
+      neighbours_[next[corner(k)]++] = mesh.triangles[first + (k + 1) % 3];
+      neighbours_[next[corner(k)]++] = mesh.triangles[first + (k + 2) % 3];
     }
   }
   std::span<const int> of(int vertex) const {
-    const auto v = static_cast<std::size_t>(vertex);
-    return {others_.data() + starts_[v], starts_[v + 1] - starts_[v]};
+    const std::size_t v = asIndex(vertex);
+    return {neighbours_.data() + starts_[v], starts_[v + 1] - starts_[v]};
   }
 
  private:
   std::vector<std::size_t> starts_;
-  std::vector<int> others_;
+  std::vector<int> neighbours_;
 };
 
 double meanEdge(const Mesh& mesh) {
@@ -78,10 +76,10 @@ double lengthOf(const Polyline& curve) {
   return sum;
 }
 
-class Follower {
+class CurveFollower {
  public:
-  Follower(const Mesh& mesh, double step)
-      : mesh_(mesh), step_(step), cloud_{mesh}, tree_(3, cloud_), neighbours_(mesh) {}
+  CurveFollower(const Mesh& mesh, double step)
+      : mesh_(mesh), step_(step), cloud_{mesh}, tree_(3, cloud_), rings_(mesh) {}
 
   void follow(const Polyline& curve) {
     const double whole = lengthOf(curve);
@@ -110,31 +108,30 @@ class Follower {
     double arc, distance;
   };
 
-  /// Of a polyline that is `whole` long, after `passed` of it.
   struct Segment {
     Point from, to;
-    double size, passed, whole;
+    double size;    ///< its length
+    double passed;  ///< the polyline's length before it
+    double whole;   ///< the polyline's length
 
-    Point at(double part) const {
-      Point p;
-      for (std::size_t k = 0; k < 3; ++k) p[k] = std::lerp(from[k], to[k], part);
-      return p;
-    }
+    Point at(double part) const { return between(from, to, part); }
   };
 
+  /// Takes the sample's nearest vertex, and those on the way to it from the one before. Returns it.
   int visit(const Segment& segment, double part, int before) {
     std::size_t vertex = 0;
     double squared = std::numeric_limits<double>::infinity();
-    // How many were found is one: meshes have vertices. Later releases of nanoflann insist on an
-    // answer.
+    // One vertex is found, as every mesh has one. Later releases of nanoflann warn unless that is
+    // looked at.
     static_cast<void>(tree_.knnSearch(segment.at(part).data(), 1, &vertex, &squared));
-    const int here = static_cast<int>(vertex);
+    const int here = asInt(vertex);
     take(here, segment);
     if (before != kNone && before != here) walk(before, here, segment);
     return here;
   }
 
-  /// Where the vertex is nearest to the segment.
+  /// Notes the vertex with its nearest point on the segment; of several segments the nearest
+  /// counts.
   void take(int vertex, const Segment& segment) {
     const Point p = mesh_.point(vertex);
     const Point along = segment.to - segment.from;
@@ -149,13 +146,13 @@ class Follower {
     if (!isNew && away < at->second.distance) at->second = {arc, away};
   }
 
-  /// Along edges, each time to the neighbour nearest to the goal, so that no gap is left; ends
-  /// where no neighbour is nearer, as beside a hole.
+  /// Walks along edges, each time to the neighbour nearest to the goal. Gives up where none is
+  /// nearer, as beside a hole.
   void walk(int from, int to, const Segment& segment) {
     const Point goal = mesh_.point(to);
     while (from != to) {
       int best = from;
-      for (const int v : neighbours_.of(from))
+      for (const int v : rings_.of(from))
         if (length(mesh_.point(v) - goal) < length(mesh_.point(best) - goal)) best = v;
       if (best == from) return;
       from = best;
@@ -165,9 +162,9 @@ class Follower {
 
   const Mesh& mesh_;
   double step_;
-  Cloud cloud_;
-  Tree tree_;
-  Neighbours neighbours_;
+  VertexCloud cloud_;
+  VertexTree tree_;
+  OneRings rings_;
   std::map<int, Place> found_;
 };
 
@@ -176,8 +173,8 @@ class Follower {
 std::vector<VertexOnCurve> verticesAlong(const Mesh& mesh, const std::vector<Polyline>& curves) {
   double whole = 0;
   for (const Polyline& curve : curves) whole += lengthOf(curve);
-  const double step = std::max(meanEdge(mesh) / kSamplesToAnEdge, whole / kMostSamples);
-  Follower follower(mesh, step > 0 ? step : std::numeric_limits<double>::infinity());
+  const double step = std::max(meanEdge(mesh) / kSamplesPerEdge, whole / kMostSamples);
+  CurveFollower follower(mesh, step > 0 ? step : std::numeric_limits<double>::infinity());
   for (const Polyline& curve : curves) follower.follow(curve);
   return follower.found();
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -16,7 +17,7 @@ namespace {
   throw UsageError(fmt::format("--fix {}: {}", text, why));
 }
 
-/// The first of `sign` that is in no brackets and no double quotes; npos if there is none.
+/// The first `sign` outside of brackets and double quotes; npos if there is none.
 std::size_t outside(std::string_view text, char sign) {
   int depth = 0;
   bool quoted = false;
@@ -57,7 +58,7 @@ std::vector<Value> parseValues(std::string_view list, std::string_view text) {
   }
 }
 
-/// `*` needs one property: whose values these are; s needs something that has a length.
+/// The value * needs exactly one property; s needs a selector that has a length.
 void checkValues(const Condition& condition, std::string_view text) {
   int properties = 0;
   int lines = 0;
@@ -111,12 +112,13 @@ std::size_t fieldCount(const std::vector<Condition>& conditions) {
 std::optional<int> parseTag(std::string_view text) {
   const auto tag = parseInteger(text);
   if (!tag || *tag < 1 || *tag > 3) return {};
-  return static_cast<int>(*tag);
+  return asInt(*tag);
 }
 
 Condition parseCondition(const std::string& text) {
   const std::string_view view = text;
-  // The first one: an expression may compare. A name with = in it stands in quotes.
+  // The first = ends the selectors: an expression may compare. A name with = in it stands in
+  // quotes.
   std::size_t equals = 0;
   bool quoted = false;
   while (equals < view.size() && (quoted || view[equals] != '=')) quoted ^= view[equals++] == '"';

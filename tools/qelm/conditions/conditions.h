@@ -13,10 +13,10 @@
 
 namespace qelm::tool {
 
-/// What vertices are held at.
+/// The VALUE of a condition: a number, an expression or *.
 struct Value {
   std::string text;                      ///< as written
-  double number = 0;                     ///< unless one of the following says otherwise
+  double number = 0;                     ///< if isNumber()
   std::optional<Expression> expression;  ///< in x, y, z and s
   bool ofProperty = false;               ///< *: the values of the condition's property
 
@@ -30,19 +30,19 @@ struct Condition {
   int tag = 1;                ///< 1, 2 or 3: the library treats all alike
 };
 
-/// "0,1" as it would be written.
+/// The values as they are written, such as "0,1".
 std::string describeValues(const Condition& condition);
 
 /// How many fields the conditions ask for. Throws UsageError when they disagree.
 std::size_t fieldCount(const std::vector<Condition>& conditions);
 
-/// The library's marks for vertices that are held: 1, 2 and 3.
+/// The library's marks for prescribed vertices: 1, 2 and 3.
 std::optional<int> parseTag(std::string_view text);
 
 /// Throws UsageError that quotes `text`.
 Condition parseCondition(const std::string& text);
 
-/// The files that its selectors read.
+/// The files that the condition's selectors read.
 std::vector<std::string> filesOf(const Condition& condition);
 
 }  // namespace qelm::tool

@@ -16,23 +16,6 @@ std::string_view unquoted(std::string_view field) {
   return trimmed(field.substr(1, field.size() - 2));
 }
 
-void appendUtf8(std::string& text, std::uint32_t character) {
-  const auto byte = [&text](std::uint32_t bits) { text.push_back(static_cast<char>(bits)); };
-  if (character < 0x80) return byte(character);
-  if (character < 0x800) {
-    byte(0xc0 | character >> 6);
-  } else {
-    if (character < 0x10000) {
-      byte(0xe0 | character >> 12);
-    } else {
-      byte(0xf0 | character >> 18);
-      byte(0x80 | (character >> 12 & 0x3f));
-    }
-    byte(0x80 | (character >> 6 & 0x3f));
-  }
-  byte(0x80 | (character & 0x3f));
-}
-
 std::string fromUtf16(std::string_view bytes, bool isBigEndian) {
   constexpr std::uint32_t kReplacement = 0xfffd;
   const auto unitAt = [&](std::size_t at) -> std::uint32_t {

@@ -13,72 +13,72 @@
 namespace qelm::tool {
 namespace {
 
-struct One {
+struct Unary {
   const char* name;
   double (*call)(double);
 };
-struct Two {
+struct Binary {
   const char* name;
   double (*call)(double, double);
 };
 
 double sign(double a) { return a > 0 ? 1 : a < 0 ? -1 : a; }
 
-/// In the order of the alphabet, for messages; "-" is the sign in front.
-constexpr std::array kOne = {
-    One{"abs", [](double a) { return std::abs(a); }},
-    One{"acos", [](double a) { return std::acos(a); }},
-    One{"asin", [](double a) { return std::asin(a); }},
-    One{"atan", [](double a) { return std::atan(a); }},
-    One{"cbrt", [](double a) { return std::cbrt(a); }},
-    One{"ceil", [](double a) { return std::ceil(a); }},
-    One{"cos", [](double a) { return std::cos(a); }},
-    One{"cosh", [](double a) { return std::cosh(a); }},
-    One{"exp", [](double a) { return std::exp(a); }},
-    One{"floor", [](double a) { return std::floor(a); }},
-    One{"log", [](double a) { return std::log(a); }},
-    One{"log10", [](double a) { return std::log10(a); }},
-    One{"round", [](double a) { return std::round(a); }},
-    One{"sign", sign},
-    One{"sin", [](double a) { return std::sin(a); }},
-    One{"sinh", [](double a) { return std::sinh(a); }},
-    One{"sqrt", [](double a) { return std::sqrt(a); }},
-    One{"tan", [](double a) { return std::tan(a); }},
-    One{"tanh", [](double a) { return std::tanh(a); }},
-    One{"-", [](double a) { return -a; }},
+/// In alphabetical order, for messages; "-" is the sign in front.
+constexpr std::array kUnary = {
+    Unary{"abs", [](double a) { return std::abs(a); }},
+    Unary{"acos", [](double a) { return std::acos(a); }},
+    Unary{"asin", [](double a) { return std::asin(a); }},
+    Unary{"atan", [](double a) { return std::atan(a); }},
+    Unary{"cbrt", [](double a) { return std::cbrt(a); }},
+    Unary{"ceil", [](double a) { return std::ceil(a); }},
+    Unary{"cos", [](double a) { return std::cos(a); }},
+    Unary{"cosh", [](double a) { return std::cosh(a); }},
+    Unary{"exp", [](double a) { return std::exp(a); }},
+    Unary{"floor", [](double a) { return std::floor(a); }},
+    Unary{"log", [](double a) { return std::log(a); }},
+    Unary{"log10", [](double a) { return std::log10(a); }},
+    Unary{"round", [](double a) { return std::round(a); }},
+    Unary{"sign", sign},
+    Unary{"sin", [](double a) { return std::sin(a); }},
+    Unary{"sinh", [](double a) { return std::sinh(a); }},
+    Unary{"sqrt", [](double a) { return std::sqrt(a); }},
+    Unary{"tan", [](double a) { return std::tan(a); }},
+    Unary{"tanh", [](double a) { return std::tanh(a); }},
+    Unary{"-", [](double a) { return -a; }},
 };
-constexpr std::array kTwo = {
-    Two{"atan2", [](double a, double b) { return std::atan2(a, b); }},
-    // With three arguments a template; with two, glibc 2.35's.
-    Two{"hypot", [](double a, double b) { return std::hypot(a, b, 0.0); }},
-    Two{"max", [](double a, double b) { return std::max(a, b); }},
-    Two{"min", [](double a, double b) { return std::min(a, b); }},
-    Two{"mod", [](double a, double b) { return a - b * std::floor(a / b); }},
-    Two{"pow", [](double a, double b) { return std::pow(a, b); }},
-    Two{"+", [](double a, double b) { return a + b; }},
-    Two{"-", [](double a, double b) { return a - b; }},
-    Two{"*", [](double a, double b) { return a * b; }},
-    Two{"/", [](double a, double b) { return a / b; }},
-    Two{"^", [](double a, double b) { return std::pow(a, b); }},
-    Two{"<", [](double a, double b) { return a < b ? 1.0 : 0.0; }},
-    Two{"<=", [](double a, double b) { return a <= b ? 1.0 : 0.0; }},
-    Two{">", [](double a, double b) { return a > b ? 1.0 : 0.0; }},
-    Two{">=", [](double a, double b) { return a >= b ? 1.0 : 0.0; }},
-    Two{"==", [](double a, double b) { return a == b ? 1.0 : 0.0; }},
-    Two{"!=", [](double a, double b) { return a != b ? 1.0 : 0.0; }},
+constexpr std::array kBinary = {
+    Binary{"atan2", [](double a, double b) { return std::atan2(a, b); }},
+    // hypot of three arguments is a template; that of two asks for glibc 2.35.
+    Binary{"hypot", [](double a, double b) { return std::hypot(a, b, 0.0); }},
+    Binary{"max", [](double a, double b) { return std::max(a, b); }},
+    Binary{"min", [](double a, double b) { return std::min(a, b); }},
+    Binary{"mod", [](double a, double b) { return a - b * std::floor(a / b); }},
+    Binary{"pow", [](double a, double b) { return std::pow(a, b); }},
+    Binary{"+", [](double a, double b) { return a + b; }},
+    Binary{"-", [](double a, double b) { return a - b; }},
+    Binary{"*", [](double a, double b) { return a * b; }},
+    Binary{"/", [](double a, double b) { return a / b; }},
+    Binary{"^", [](double a, double b) { return std::pow(a, b); }},
+    Binary{"<", [](double a, double b) { return a < b ? 1.0 : 0.0; }},
+    Binary{"<=", [](double a, double b) { return a <= b ? 1.0 : 0.0; }},
+    Binary{">", [](double a, double b) { return a > b ? 1.0 : 0.0; }},
+    Binary{">=", [](double a, double b) { return a >= b ? 1.0 : 0.0; }},
+    Binary{"==", [](double a, double b) { return a == b ? 1.0 : 0.0; }},
+    Binary{"!=", [](double a, double b) { return a != b ? 1.0 : 0.0; }},
 };
 constexpr std::string_view kChoice = "if";  // if(condition, then, else)
 constexpr std::string_view kVariables = "xyzs";
 constexpr std::size_t kArc = 3;
 
-// Each level takes some of the program's stack.
+// Each level of brackets and signs takes some of this program's own stack.
 constexpr int kDeepestExpression = 100;
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 template <class Functions>
-std::optional<std::uint8_t> placeOf(const Functions& functions, std::string_view name) {
+std::optional<std::uint8_t> indexOf(const Functions& functions, std::string_view name) {
   for (std::size_t k = 0; k < functions.size(); ++k)
     if (name == functions[k].name) return static_cast<std::uint8_t>(k);
   return {};
@@ -86,6 +86,7 @@ std::optional<std::uint8_t> placeOf(const Functions& functions, std::string_view
 
 }  // namespace
 
+/// The grammar, a function for each of its rules:
 /// comparison := sum (sign sum)?; sum := product ([+-] product)*; product := signed ([*/] signed)*;
 /// signed := [+-] signed | power; power := atom ('^' signed)?
 class ExpressionParser {
@@ -108,7 +109,7 @@ class ExpressionParser {
     for (const char* sign : {"<=", ">=", "==", "!=", "<", ">"})
       if (taken(sign)) {
         sum(depth);
-        two(sign);
+        pushBinary(sign);
         return;
       }
   }
@@ -118,10 +119,10 @@ class ExpressionParser {
     while (true) {
       if (taken("+")) {
         product(depth);
-        two("+");
+        pushBinary("+");
       } else if (taken("-")) {
         product(depth);
-        two("-");
+        pushBinary("-");
       } else {
         return;
       }
@@ -133,10 +134,10 @@ class ExpressionParser {
     while (true) {
       if (taken("*")) {
         withSign(depth);
-        two("*");
+        pushBinary("*");
       } else if (taken("/")) {
         withSign(depth);
-        two("/");
+        pushBinary("/");
       } else {
         return;
       }
@@ -148,14 +149,14 @@ class ExpressionParser {
     if (taken("+")) return withSign(depth + 1);
     if (!taken("-")) return power(depth);
     withSign(depth + 1);
-    push({Kind::one, *placeOf(kOne, "-"), 0});
+    push({Kind::unary, *indexOf(kUnary, "-"), 0});
   }
 
   void power(int depth) {
     atom(depth);
     if (!taken("^")) return;
     withSign(depth + 1);
-    two("^");
+    pushBinary("^");
   }
 
   void atom(int depth) {
@@ -208,33 +209,33 @@ class ExpressionParser {
   }
 
   void call(std::string_view name, int depth) {
-    const auto one = placeOf(kOne, name);
-    const auto two = placeOf(kTwo, name);
-    if (!one && !two && name != kChoice)
+    const auto unary = indexOf(kUnary, name);
+    const auto binary = indexOf(kBinary, name);
+    if (!unary && !binary && name != kChoice)
       fail(fmt::format("there is no '{}'; use x, y, z, s, pi, e or {}", name,
                        expressionFunctions()));
     need("(");
-    const int count = one ? 1 : two ? 2 : 3;
+    const int count = unary ? 1 : binary ? 2 : 3;
     for (int k = 0; k < count; ++k) {
       if (k > 0) need(",");
       comparison(depth + 1);
     }
     need(")");
-    if (one)
-      push({Kind::one, *one, 0});
-    else if (two)
-      push({Kind::two, *two, 0});
+    if (unary)
+      push({Kind::unary, *unary, 0});
+    else if (binary)
+      push({Kind::binary, *binary, 0});
     else
-      push({Kind::three, 0, 0});
+      push({Kind::choice, 0, 0});
   }
 
-  void two(const char* sign) { push({Kind::two, *placeOf(kTwo, sign), 0}); }
+  void pushBinary(const char* sign) { push({Kind::binary, *indexOf(kBinary, sign), 0}); }
 
   void push(const Expression::Step& step) {
     if (step.kind == Kind::number || step.kind == Kind::variable) ++depth_;
-    if (step.kind == Kind::two) depth_ -= 1;
-    if (step.kind == Kind::three) depth_ -= 2;
-    result_.deepest_ = std::max(result_.deepest_, depth_);
+    if (step.kind == Kind::binary) depth_ -= 1;
+    if (step.kind == Kind::choice) depth_ -= 2;
+    result_.stackSize_ = std::max(result_.stackSize_, depth_);
     result_.steps_.push_back(step);
   }
 
@@ -255,13 +256,13 @@ class ExpressionParser {
 
   std::string_view rest_;
   Expression& result_;
-  std::size_t depth_ = 0;  ///< of the stack after the steps so far
+  std::size_t depth_ = 0;  ///< entries on the stack after the steps so far
 };
 
 Expression::Expression(std::string_view text) { ExpressionParser(text, *this).run(); }
 
 double Expression::operator()(const Point& point, double s) const {
-  std::vector<double> stack(deepest_);
+  std::vector<double> stack(stackSize_);
   std::size_t size = 0;
   for (const Step& step : steps_) {
     switch (step.kind) {
@@ -271,14 +272,14 @@ double Expression::operator()(const Point& point, double s) const {
       case Step::Kind::variable:
         stack[size++] = step.which == kArc ? s : point[step.which];
         break;
-      case Step::Kind::one:
-        stack[size - 1] = kOne[step.which].call(stack[size - 1]);
+      case Step::Kind::unary:
+        stack[size - 1] = kUnary[step.which].call(stack[size - 1]);
         break;
-      case Step::Kind::two:
+      case Step::Kind::binary:
         --size;
-        stack[size - 1] = kTwo[step.which].call(stack[size - 1], stack[size]);
+        stack[size - 1] = kBinary[step.which].call(stack[size - 1], stack[size]);
         break;
-      case Step::Kind::three:
+      case Step::Kind::choice:
         size -= 2;
         stack[size - 1] = stack[size - 1] != 0 ? stack[size] : stack[size + 1];
         break;
@@ -289,9 +290,9 @@ double Expression::operator()(const Point& point, double s) const {
 
 std::string expressionFunctions() {
   std::string names;
-  for (const One& function : kOne)
+  for (const Unary& function : kUnary)
     if (isLetter(function.name[0])) names += fmt::format("{}, ", function.name);
-  for (const Two& function : kTwo)
+  for (const Binary& function : kBinary)
     if (isLetter(function.name[0])) names += fmt::format("{}, ", function.name);
   return names + std::string(kChoice);
 }

@@ -13,6 +13,7 @@
 #include "files/paths.h"
 #include "mesh_files/mesh_reader.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -21,7 +22,7 @@ namespace {
 class FieldCsv {
  public:
   FieldCsv(const FieldSource& source, std::string_view text, int vertexCount)
-      : source_(source), lines_(text), n_(static_cast<std::size_t>(vertexCount)) {}
+      : source_(source), lines_(text), n_(asIndex(vertexCount)) {}
 
   std::vector<double> run() {
     values_.assign(n_, 0.0);
@@ -61,8 +62,8 @@ class FieldCsv {
     const auto number = parseInteger(source_.column);
     if (isHeader && found != titles.end())
       column_ = static_cast<std::size_t>(found - titles.begin());
-    else if (number && *number >= 0 && static_cast<std::size_t>(*number) < count_)
-      column_ = static_cast<std::size_t>(*number);
+    else if (number && *number >= 0 && asIndex(*number) < count_)
+      column_ = asIndex(*number);
     else if (source_.column.empty() && count_ == 1)
       column_ = 0;
     else
@@ -80,7 +81,7 @@ class FieldCsv {
     std::size_t vertex = rows_;
     if (vertex_) {
       const auto number = parseInteger(trimmed(fields[*vertex_]));
-      vertex = number && *number >= 0 ? static_cast<std::size_t>(*number) : n_;
+      vertex = number && *number >= 0 ? asIndex(*number) : n_;
       if (vertex >= n_)
         fail(fmt::format("there is no vertex '{}'; the mesh has {} vertices, numbered 0 to {}",
                          trimmed(fields[*vertex_]), n_, n_ - 1));
@@ -114,16 +115,14 @@ class FieldCsv {
 std::vector<double> columnOf(const NpyArray& array, const FieldSource& source, std::size_t n) {
   if (array.rows != n) failSource(source, fmt::format("{} rows for {} vertices", array.rows, n));
   const auto number = parseInteger(source.column);
-  if (!source.column.empty() &&
-      (!number || *number < 0 || static_cast<std::size_t>(*number) >= array.columns))
+  if (!source.column.empty() && (!number || *number < 0 || asIndex(*number) >= array.columns))
     failSource(source, fmt::format("there is no column '{}'; the array has {}, numbered from 0",
                                    source.column, array.columns));
   if (source.column.empty() && array.columns != 1)
     failSource(source, fmt::format("the array has {} columns; name one by number, as in {}:0",
                                    array.columns, source.file));
   std::vector<double> values(n);
-  for (std::size_t v = 0; v < n; ++v)
-    values[v] = array.at(v, number ? static_cast<std::size_t>(*number) : 0);
+  for (std::size_t v = 0; v < n; ++v) values[v] = array.at(v, number ? asIndex(*number) : 0);
   return values;
 }
 
@@ -144,7 +143,7 @@ std::vector<double> propertyOf(const PolygonSoup& soup, const FieldSource& sourc
 }
 
 std::vector<double> valuesOf(const FieldSource& source, std::string_view bytes, int vertexCount) {
-  const auto n = static_cast<std::size_t>(vertexCount);
+  const std::size_t n = asIndex(vertexCount);
   const std::string extension = lowerExtension(toPath(source.file));
   if (extension == ".npy" || isNpy(bytes)) return columnOf(parseNpy(bytes, source.file), source, n);
   if (hasVertexArrays(extension))
@@ -166,7 +165,7 @@ FieldSource parseFieldSource(const std::string& text) {
 
 std::vector<double> parseField(const FieldSource& source, std::string_view bytes,
                                const std::vector<bool>& used) {
-  std::vector<double> values = valuesOf(source, bytes, static_cast<int>(used.size()));
+  std::vector<double> values = valuesOf(source, bytes, asInt(used.size()));
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (!used[v])
       values[v] = std::nan("");

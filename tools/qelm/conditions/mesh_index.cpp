@@ -8,10 +8,11 @@
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 
-// A power of two is taken out of the differences before they are squared.
+// Divides the differences by a power of two, which is exact, so that their squares stay in range.
 long double distance(const Point& a, const Point& b) {
   int exponent = 0;
   Point d = a - b;
@@ -36,7 +37,7 @@ int MeshIndex::nearestVertex(const Point& point) {
   int nearest = 0;
   long double least = std::numeric_limits<long double>::infinity();
   for (int v = 0; v < mesh_.vertexCount(); ++v) {
-    if (!used()[static_cast<std::size_t>(v)]) continue;
+    if (!used()[asIndex(v)]) continue;
     const long double here = distance(mesh_.point(v), point);
     if (here < least) {
       nearest = v;
@@ -49,19 +50,16 @@ int MeshIndex::nearestVertex(const Point& point) {
 const Box& MeshIndex::box() {
   if (box_) return *box_;
   for (int v = 0; v < mesh_.vertexCount(); ++v) {
-    if (!used()[static_cast<std::size_t>(v)]) continue;
+    if (!used()[asIndex(v)]) continue;
     if (!box_) box_ = Box{mesh_.point(v), mesh_.point(v)};
-    for (std::size_t k = 0; k < 3; ++k) {
-      box_->low[k] = std::min(box_->low[k], mesh_.point(v)[k]);
-      box_->high[k] = std::max(box_->high[k], mesh_.point(v)[k]);
-    }
+    box_->add(mesh_.point(v));
   }
   if (!box_) box_ = Box{mesh_.point(0), mesh_.point(0)};
   return *box_;
 }
 
 double MeshIndex::tolerance() {
-  // As for welding: room for coordinates in single precision, far below any detail.
+  // As for welding: more than the rounding of single precision, far less than any detail.
   constexpr double kPart = 1e-6;
   return static_cast<double>(kPart * distance(box().low, box().high));
 }
@@ -75,11 +73,10 @@ const std::vector<int>& MeshIndex::parts() {
   if (parts_) return *parts_;
   std::vector<int> lowest = lowestOfPart(mesh_);
   std::vector<int> number(lowest.size(), -1);
-  for (const int v : mesh_.triangles)
-    number[static_cast<std::size_t>(lowest[static_cast<std::size_t>(v)])] = 0;
+  for (const int v : mesh_.triangles) number[asIndex(lowest[asIndex(v)])] = 0;
   for (int& part : number)
     if (part == 0) part = partCount_++;
-  for (int& part : lowest) part = number[static_cast<std::size_t>(part)];
+  for (int& part : lowest) part = number[asIndex(part)];
   return parts_.emplace(std::move(lowest));
 }
 

@@ -1,4 +1,4 @@
-// What conditions ask about a mesh again and again, found out once.
+// What several selectors ask about a mesh, computed when the first one asks.
 #ifndef QELM_TOOLS_MESH_INDEX_H
 #define QELM_TOOLS_MESH_INDEX_H
 
@@ -12,7 +12,8 @@
 
 namespace qelm::tool {
 
-/// As length(a - b), bit for bit, wherever that neither overflows nor underflows.
+/// The distance of any two finite points: length(a - b), bit for bit, unless that would overflow or
+/// underflow.
 long double distance(const Point& a, const Point& b);
 
 class MeshIndex {
@@ -25,13 +26,15 @@ class MeshIndex {
   const std::vector<bool>& used();
   /// The used vertex nearest to a point; of equally near ones the one with the lowest number.
   int nearestVertex(const Point& point);
+  /// The box of the used vertices.
   const Box& box();
-  /// A millionth of the box's diagonal: what counts as on a plane.
+  /// How far from a plane vertices still count as on it: a millionth of the box's diagonal.
   double tolerance();
   const std::vector<BoundaryLoop>& loops();
   /// 0 unless loops() was called.
   std::size_t loopCount() const { return loops_ ? loops_->size() : 0; }
-  /// For each vertex the number of its connected part, by lowest vertex; -1 in no triangle.
+  /// For each vertex the number of its connected part, counted by their lowest vertices; -1 if the
+  /// vertex is in no triangle.
   const std::vector<int>& parts();
   int partCount();
 

@@ -1,13 +1,14 @@
-// Polylines from OBJ and CSV; declared in along_curve.h.
+#include "conditions/polyline_file.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
-#include "conditions/along_curve.h"
 #include "files/paths.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -68,7 +69,7 @@ class PolylineReader {
       const long long place = !index ? 0 : *index < 0 ? count + *index + 1 : *index;
       if (place < 1 || place > count)
         fail(fmt::format("'{}' is no vertex of a line; {} come before it", words[k], count));
-      curve.points.push_back(points_[static_cast<std::size_t>(place - 1)]);
+      curve.points.push_back(points_[asIndex(place - 1)]);
     }
     add(std::move(curve));
   }

@@ -9,11 +9,13 @@
 #include <limits>
 
 #include "conditions/along_curve.h"
+#include "conditions/polyline_file.h"
 #include "mesh/feature_edges.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -29,9 +31,9 @@ std::string namesOf(const std::vector<Named>& list) {
   return fmt::format("{}{}", fmt::join(names, ", "), list.size() > kShownNames ? ", ..." : "");
 }
 
-class Selecting {
+class ConditionSelector {
  public:
-  Selecting(MeshIndex& index, const Condition& condition)
+  ConditionSelector(MeshIndex& index, const Condition& condition)
       : index_(index), mesh_(index.mesh()), condition_(condition) {
     for (const Value& value : condition.values) takesProperty_ |= value.ofProperty;
   }
@@ -76,7 +78,7 @@ class Selecting {
     return vertices;
   }
 
-  bool isUsed(int vertex) const { return index_.used()[static_cast<std::size_t>(vertex)]; }
+  bool isUsed(int vertex) const { return index_.used()[asIndex(vertex)]; }
 
   std::vector<int> others(const std::vector<int>& vertices) const {
     std::vector<int> rest;
@@ -96,10 +98,10 @@ class Selecting {
       if (range.last >= mesh_.vertexCount())
         fail(fmt::format("there is no vertex {}; the mesh has {} vertices, numbered 0 to {}",
                          range.last, mesh_.vertexCount(), mesh_.vertexCount() - 1));
-      if (range.first == range.last && !isUsed(static_cast<int>(range.first)))
+      if (range.first == range.last && !isUsed(asInt(range.first)))
         fail(fmt::format("vertex {} is in no triangle, so nothing depends on its value",
                          range.first));
-      for (long long v = range.first; v <= range.last; ++v) vertices.push_back(static_cast<int>(v));
+      for (long long v = range.first; v <= range.last; ++v) vertices.push_back(asInt(v));
     }
     return vertices;
   }
@@ -107,9 +109,9 @@ class Selecting {
   std::vector<int> select(const LoopNumber& loop) {
     const auto& loops = index_.loops();
     if (loops.empty()) fail("the mesh is closed: it has no boundary loop");
-    const auto number = static_cast<unsigned long long>(loop.number);
+    const std::size_t number = asIndex(loop.number);
     if (number >= loops.size()) fail(fmt::format("there is no loop {}; {}", number, loopList()));
-    return loopVertices(loops[static_cast<std::size_t>(number)]);
+    return loopVertices(loops[number]);
   }
 
   std::vector<int> select(const LoopNear& loop) {
@@ -139,11 +141,12 @@ class Selecting {
     return loops.size() > kShownNames ? text + ", ..." : text;
   }
 
-  /// Notes the way along it, from its lowest vertex on, or from the beginning of an open one.
+  /// Notes each vertex's way along the loop, from the lowest vertex on or, of an open loop, from
+  /// its beginning.
   std::vector<int> loopVertices(const BoundaryLoop& loop) {
     const std::vector<int>& v = loop.vertices;
     const std::size_t n = v.size();
-    const auto lowest = static_cast<std::size_t>(std::min_element(v.begin(), v.end()) - v.begin());
+    const std::size_t lowest = asIndex(std::min_element(v.begin(), v.end()) - v.begin());
     const std::size_t first = loop.closed ? lowest : 0;
     double passed = 0;
     for (std::size_t k = 0; k < n; ++k) {
@@ -155,9 +158,8 @@ class Selecting {
   }
 
   void setArc(int vertex, double arc) {
-    if (result_.arc.empty())
-      result_.arc.assign(static_cast<std::size_t>(mesh_.vertexCount()), std::nan(""));
-    double& place = result_.arc[static_cast<std::size_t>(vertex)];
+    if (result_.arc.empty()) result_.arc.assign(asIndex(mesh_.vertexCount()), std::nan(""));
+    double& place = result_.arc[asIndex(vertex)];
     if (std::isnan(place)) place = arc;
   }
 
@@ -194,7 +196,7 @@ class Selecting {
           static_cast<double>(outside), static_cast<double>(diagonal)));
   }
 
-  /// All vertices for which `holds`; a note where there are none.
+  /// All used vertices whose place fulfils `holds`; a note if there are none.
   template <class Holds>
   std::vector<int> where(const Holds& holds, const char* nothing) {
     std::vector<int> vertices;
@@ -257,14 +259,14 @@ class Selecting {
     if (part.number >= index_.partCount())
       fail(fmt::format("there is no part {}; the mesh has {}, numbered 0 to {}", part.number,
                        index_.partCount(), index_.partCount() - 1));
-    return partVertices(static_cast<int>(part.number));
+    return partVertices(asInt(part.number));
   }
 
   std::vector<int> select(const PartNear& part) {
     int nearest = -1;
     long double least = std::numeric_limits<long double>::infinity();
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
-      if (index_.parts()[static_cast<std::size_t>(v)] < 0) continue;
+      if (index_.parts()[asIndex(v)] < 0) continue;
       const long double here = distance(mesh_.point(v), part.point);
       if (nearest < 0 || here < least) {
         nearest = v;
@@ -272,7 +274,7 @@ class Selecting {
       }
     }
     if (nearest < 0) fail("the mesh has no triangle, so no part");
-    const int number = index_.parts()[static_cast<std::size_t>(nearest)];
+    const int number = index_.parts()[asIndex(nearest)];
     result_.details.push_back(
         fmt::format("part:{}, {:.6g} away", number, static_cast<double>(least)));
     return partVertices(number);
@@ -281,7 +283,7 @@ class Selecting {
   std::vector<int> partVertices(int number) {
     std::vector<int> vertices;
     for (int v = 0; v < mesh_.vertexCount(); ++v)
-      if (index_.parts()[static_cast<std::size_t>(v)] == number) vertices.push_back(v);
+      if (index_.parts()[asIndex(v)] == number) vertices.push_back(v);
     return vertices;
   }
 
@@ -297,7 +299,7 @@ class Selecting {
     result_.property = &array;
     std::vector<int> vertices;
     for (int v = 0; v < mesh_.vertexCount(); ++v) {
-      const double value = array.values[static_cast<std::size_t>(v)];
+      const double value = array.values[asIndex(v)];
       if (!std::isnan(value) && (takesProperty_ || value != 0)) vertices.push_back(v);
     }
     if (vertices.empty())
@@ -328,7 +330,7 @@ class Selecting {
     double farthest = 0;
     const UsedPart part = usedPart(mesh_);
     for (const VertexOnCurve& found : verticesAlong(part.mesh, readPolylines(curve.file))) {
-      const int vertex = part.vertices[static_cast<std::size_t>(found.vertex)];
+      const int vertex = part.vertices[asIndex(found.vertex)];
       vertices.push_back(vertex);
       setArc(vertex, found.arc);
       farthest = std::max(farthest, found.distance);
@@ -347,7 +349,7 @@ class Selecting {
 }  // namespace
 
 Selected select(MeshIndex& index, const Condition& condition) {
-  return Selecting(index, condition).run();
+  return ConditionSelector(index, condition).run();
 }
 
 }  // namespace qelm::tool

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -86,7 +87,7 @@ class LeafParser {
     if (leaf_.size() != 4 || leaf_[0] < 'x' || leaf_[0] > 'z') return {};
     const std::string_view end = leaf_.substr(1);
     if (end != "min" && end != "max") return {};
-    return BoxSide{static_cast<std::size_t>(leaf_[0] - 'x'), end == "max"};
+    return BoxSide{asIndex(leaf_[0] - 'x'), end == "max"};
   }
 
   VertexList vertices() const {
@@ -103,11 +104,9 @@ class LeafParser {
 
   Box box() const {
     const std::vector<double> v = numbers(rest_, 6, 6);
-    Box result{};
-    for (std::size_t k = 0; k < 3; ++k) {
-      result.low[k] = std::min(v[k], v[k + 3]);
-      result.high[k] = std::max(v[k], v[k + 3]);
-    }
+    Box result;
+    result.add(point(v, 0));
+    result.add(point(v, 3));
     return result;
   }
 

@@ -9,12 +9,13 @@
 #include <variant>
 #include <vector>
 
+#include "mesh/box.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
 
 struct VertexRange {
-  long long first, last;  ///< both belong to it
+  long long first, last;  ///< both included
 };
 struct VertexList {  ///< vertex:I[,I...], where I may be I-I
   std::vector<VertexRange> ranges;
@@ -29,9 +30,6 @@ struct WholeBoundary {};  ///< boundary
 struct NearestTo {        ///< near:X,Y,Z
   Point point;
 };
-struct Box {  ///< box:X0,Y0,Z0,X1,Y1,Z1, any two opposite corners
-  Point low, high;
-};
 struct Sphere {  ///< sphere:X,Y,Z,R
   Point centre;
   double radius;
@@ -45,7 +43,7 @@ struct Plane {  ///< plane:X,Y,Z,NX,NY,NZ[,T], above:X,Y,Z,NX,NY,NZ and below:
   Side side;
   Point point;
   Point normal;                     ///< not zero
-  std::optional<double> tolerance;  ///< none: the mesh's
+  std::optional<double> tolerance;  ///< none: MeshIndex::tolerance()
 };
 struct PartNumber {  ///< part:K
   long long number;
@@ -69,17 +67,18 @@ struct AlongCurve {  ///< curve:FILE
   std::string file;
 };
 
+/// Box is box:X0,Y0,Z0,X1,Y1,Z1, any two opposite corners.
 using Selector = std::variant<VertexList, LoopNumber, LoopNear, WholeBoundary, NearestTo, Box,
                               Sphere, BoxSide, Plane, PartNumber, PartNear, GroupName, MaterialName,
                               PropertyName, FeatureAngle, AlongCurve>;
 
-/// A selector, or what joins some.
+/// An expression of selectors: a tree.
 struct SelectorTree {
   enum class Kind { leaf, all, any, none };  ///< a selector, A & B, A | B, !A
   Kind kind = Kind::leaf;
   Selector selector;                ///< of a leaf
   std::string text;                 ///< of a leaf, as written
-  std::vector<SelectorTree> parts;  ///< of the others
+  std::vector<SelectorTree> parts;  ///< A and B
 };
 
 /// Throws UsageError that quotes `condition`, of which `text` is the part before its "=".

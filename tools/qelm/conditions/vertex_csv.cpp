@@ -12,6 +12,7 @@
 #include "conditions/npy_array.h"
 #include "files/paths.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -30,7 +31,7 @@ struct Row {
   int tag;
 };
 
-/// What sets the two kinds of files apart.
+/// How files of loads and files of values to prescribe differ.
 struct Form {
   const char* what;      ///< "load"
   bool mayOmitVertices;  ///< values alone, in order
@@ -57,7 +58,7 @@ class VertexCsv {
         continue;
       }
       if (!dialect_) dialect_ = CsvDialect::of(line);
-      // A separator at the end stands before an empty field, also when it is a tab.
+      // The untrimmed line: a separator at its end, even a tab, stands before an empty field.
       const std::vector<std::string_view> fields = dialect_->fields(lines_.line().substr(0, mark));
       if (!columns_ && (columns_ = header(fields))) continue;
       if (!columns_) columns_ = withoutHeader(fields.size());
@@ -87,7 +88,7 @@ class VertexCsv {
     return columns;
   }
 
-  /// The columns by their titles; the value's is beyond the last where there is none.
+  /// The columns by their titles. Without a column "value" its index is titles.size().
   Columns titled(const std::vector<std::string_view>& titles) const {
     Columns columns{titles.size(), {}, titles.size(), {}};
     for (std::size_t k = 0; k < titles.size(); ++k) {
@@ -99,7 +100,7 @@ class VertexCsv {
     return columns;
   }
 
-  /// The last comment before the rows can be their header: so numpy.savetxt() writes it.
+  /// The header may be the last comment before the rows, as numpy.savetxt() writes it.
   Columns withoutHeader(std::size_t count) const {
     const Columns columns = titled(dialect_->fields(comment_));
     if (columns.count == count && columns.value < count &&
@@ -123,7 +124,7 @@ class VertexCsv {
                        form_.what));
     if (given_[vertex]) fail(fmt::format("vertex {} has a {} already", vertex, form_.what));
     given_[vertex] = true;
-    // As fields are written: a vertex in no triangle has no value.
+    // 'solve' writes an empty field for a vertex in no triangle.
     if (!used_[vertex] && fields[columns_->value].empty()) return;
     rows_.push_back({vertex, valueIn(fields[columns_->value]),
                      columns_->tag ? tagIn(fields[*columns_->tag]) : 1});
@@ -131,10 +132,10 @@ class VertexCsv {
 
   std::size_t vertexIn(std::string_view field) const {
     const auto vertex = dialect_->wholeNumber(field);
-    if (!vertex || *vertex < 0 || static_cast<std::size_t>(*vertex) >= given_.size())
+    if (!vertex || *vertex < 0 || asIndex(*vertex) >= given_.size())
       fail(fmt::format("there is no vertex '{}'; the mesh has {} vertices, numbered 0 to {}", field,
                        given_.size(), given_.size() - 1));
-    return static_cast<std::size_t>(*vertex);
+    return asIndex(*vertex);
   }
 
   double valueIn(std::string_view field) const {
@@ -144,7 +145,7 @@ class VertexCsv {
     return *value;
   }
 
-  /// What a field that holds other separators may have been meant for.
+  /// For a field that holds other separators: what the first line made of them.
   std::string hint(std::string_view field) const {
     if (field.find_first_of(" \t;,") == std::string_view::npos) return "";
     return fmt::format("; the first line says that fields are {}", dialect_->name());
@@ -153,7 +154,7 @@ class VertexCsv {
   int tagIn(std::string_view field) const {
     const auto tag = dialect_->wholeNumber(field);
     if (!tag || *tag < 1 || *tag > 3) fail(fmt::format("'{}' is not a tag; give 1, 2 or 3", field));
-    return static_cast<int>(*tag);
+    return asInt(*tag);
   }
 
   std::string text_;
@@ -183,7 +184,7 @@ std::vector<FixedVertex> parseFixes(std::string_view text, const std::string& na
   std::vector<FixedVertex> fixes;
   const Form form{"value", false, true};
   for (const Row& row : VertexCsv(text, name, used, form).run())
-    fixes.push_back({static_cast<int>(row.vertex), row.value, row.tag});
+    fixes.push_back({asInt(row.vertex), row.value, row.tag});
   if (fixes.empty())
     throw FileError(fmt::format("{}: no vertex to fix; give lines of VERTEX,VALUE", name));
   return fixes;
@@ -196,10 +197,10 @@ bool isNpyFile(std::string_view bytes, const std::string& name) {
   return isNpy(bytes) || lowerExtension(toPath(name)) == ".npy";
 }
 
-/// One for each vertex.
+/// A value for each vertex.
 std::vector<double> npyColumn(std::string_view bytes, const std::string& name, int vertexCount) {
   const NpyArray array = parseNpy(bytes, name);
-  if (array.rows != static_cast<std::size_t>(vertexCount) || array.columns != 1)
+  if (array.rows != asIndex(vertexCount) || array.columns != 1)
     throw FileError(
         fmt::format("{}: an array of {} by {}; {} by 1 is needed, a value for each "
                     "vertex",
@@ -213,7 +214,7 @@ std::vector<double> readLoad(const std::string& file, const std::vector<bool>& u
   const std::string bytes = readFileOrStandardInput(file);
   const std::string name = shownName(file);
   if (!isNpyFile(bytes, name)) return parseLoad(bytes, name, used);
-  std::vector<double> load = npyColumn(bytes, name, static_cast<int>(used.size()));
+  std::vector<double> load = npyColumn(bytes, name, asInt(used.size()));
   for (std::size_t v = 0; v < load.size(); ++v)
     if (used[v] && !std::isfinite(load[v]))
       throw FileError(fmt::format("{}: vertex {}: the load {} is not finite", name, v, load[v]));
@@ -224,12 +225,12 @@ std::vector<FixedVertex> readFixes(const std::string& file, const std::vector<bo
   const std::string bytes = readFileOrStandardInput(file);
   const std::string name = shownName(file);
   if (!isNpyFile(bytes, name)) return parseFixes(bytes, name, used);
-  const std::vector<double> values = npyColumn(bytes, name, static_cast<int>(used.size()));
+  const std::vector<double> values = npyColumn(bytes, name, asInt(used.size()));
   std::vector<FixedVertex> fixes;
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (std::isinf(values[v]))
       throw FileError(fmt::format("{}: vertex {}: the value {} is not finite", name, v, values[v]));
-    if (!std::isnan(values[v])) fixes.push_back({static_cast<int>(v), values[v], 1});
+    if (!std::isnan(values[v])) fixes.push_back({asInt(v), values[v], 1});
   }
   if (fixes.empty()) throw FileError(fmt::format("{}: no vertex to fix: all values are nan", name));
   return fixes;

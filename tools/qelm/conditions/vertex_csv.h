@@ -1,4 +1,4 @@
-// Values at vertices as CSV: loads, and values to hold.
+// Values at vertices as CSV or NPY: loads, and values to prescribe.
 #ifndef QELM_TOOLS_VERTEX_CSV_H
 #define QELM_TOOLS_VERTEX_CSV_H
 
@@ -20,9 +20,9 @@ struct FixedVertex {
   int tag;
 };
 
-/// Reads values to hold, see the topic "conditions" of the help; every vertex at most once, in the
-/// file's order. A numpy array has a value for each vertex, NaN for a free one. "-" is the standard
-/// input. Throws FileError that names the file and the line.
+/// Reads values to prescribe, see the topic "conditions" of the help; every vertex at most once, in
+/// the file's order. A numpy array has a value for each vertex, NaN for a free one. "-" is the
+/// standard input. Throws FileError that names the file and the line.
 std::vector<FixedVertex> readFixes(const std::string& file, const std::vector<bool>& used);
 
 /// The same for the text of a file that is called `name`.

@@ -13,9 +13,10 @@
 namespace qelm::tool {
 namespace {
 
-// Of one level: more are farther apart, so that a tiny step on a large mesh ends.
+// Of one level. A level that asks for more has its samples farther apart.
 constexpr double kMostSamples = 1e6;
-// The nearest place is on the segment of one of so many nearest samples, but for rare bends.
+// The nearest point of a curve is on the segment of one of so many nearest samples, but for rare
+// bends.
 constexpr std::size_t kNearest = 4;
 
 /// A point of a curve, and the segment it is on.
@@ -36,10 +37,6 @@ using SampleTree =
     nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, SampleCloud>,
                                         SampleCloud, 3, std::size_t>;
 
-Point between(const Point& a, const Point& b, double t) {
-  return {std::lerp(a[0], b[0], t), std::lerp(a[1], b[1], t), std::lerp(a[2], b[2], t)};
-}
-
 double lengthOf(const Curve& curve) {
   double sum = 0;
   for (std::size_t k = 0; k + (curve.closed ? 0 : 1) < curve.size(); ++k)
@@ -57,10 +54,7 @@ void addSamples(const Curve& curve, double step, SampleCloud& cloud) {
 }
 
 double distanceTo(const Sample& sample, const Point& p) {
-  const Point along = sample.to - sample.from;
-  const double squared = dot(along, along);
-  const double t = squared > 0 ? std::clamp(dot(p - sample.from, along) / squared, 0.0, 1.0) : 0.0;
-  return length(between(sample.from, sample.to, t) - p);
+  return length(between(sample.from, sample.to, nearestPart(sample.from, sample.to, p)) - p);
 }
 
 double distanceTo(const SampleTree& tree, const SampleCloud& cloud, const Point& p) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "mesh/box.h"
 #include "mesh/vec3.h"
 #include "text/text_block.h"
 
@@ -27,21 +28,12 @@ constexpr int kClosed = 1;
 constexpr int kPolyline3d = 8;
 constexpr int kVertex3d = 32;
 
-struct Box {
-  Point low = {INFINITY, INFINITY, INFINITY};
-  Point high = {-INFINITY, -INFINITY, -INFINITY};
-};
-
 Box boxOf(std::span<const FieldCurves> fields) {
   Box box;
   for (const FieldCurves& field : fields)
     for (std::size_t c = 0; c < field.curves.size(); ++c) {
       const Curve curve = field.curves[c];
-      for (std::size_t k = 0; k < curve.size(); ++k)
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-          box.low[axis] = std::min(box.low[axis], curve.point(k)[axis]);
-          box.high[axis] = std::max(box.high[axis], curve.point(k)[axis]);
-        }
+      for (std::size_t k = 0; k < curve.size(); ++k) box.add(curve.point(k));
     }
   if (box.low[0] > box.high[0]) box = {{0, 0, 0}, {0, 0, 0}};
   return box;
@@ -70,7 +62,7 @@ class DxfWriter {
     header();
     tables();
     block_.text("0\nSECTION\n2\nENTITIES\n");
-    const double height = kTextPart * length(box_.high - box_.low);
+    const double height = kTextPart * length(box_.size());
     for (std::size_t f = 0; f < fields_.size(); ++f) {
       const CurveSet& curves = fields_[f].curves;
       for (std::size_t c = 0; c < curves.size(); ++c) {

@@ -10,24 +10,24 @@
 #include <numeric>
 #include <optional>
 
+#include "text/index.h"
+
 namespace qelm::tool {
 namespace {
 
 // Digits of the usual sans-serif fonts are 0.56 of their size wide.
 constexpr double kDigitWidth = 0.56 * kLabelSize;
 
-// A curve shorter than so many labels would be more label than curve.
+// In widths of its label: the shortest curve that has one.
 constexpr double kLeastLength = 4;
-
-// Chord to arc under a label: below this, the curve bends away from the text.
+// Chord by arc under a label. With less the curve bends away from the text.
 constexpr double kStraight = 0.97;
-
-// What a label is off by must not show beside the distance to the next level.
+// In gaps between levels: how far the text of a level may be off.
 constexpr double kLabelError = 0.02;
 constexpr int kFewestDigits = 3;
 constexpr int kMostDigits = 17;
 
-// Tried in this order, as parts of the curve's length.
+// The places of a label, as parts of the curve's length, in the order in which they are tried.
 constexpr std::array<double, 9> kPlaces = {0.5, 0.4, 0.6, 0.3, 0.7, 0.2, 0.8, 0.1, 0.9};
 
 // With three arguments hypot() is a template of the C++ library; with two it would be
@@ -36,10 +36,10 @@ double distance(const PicturePoint& a, const PicturePoint& b) {
   return std::hypot(b[0] - a[0], b[1] - a[1], 0.0);
 }
 
-/// A stroke by the length along it.
-class Measured {
+/// A stroke by arc length.
+class MeasuredStroke {
  public:
-  explicit Measured(const Stroke& stroke) : points_(stroke.points) {
+  explicit MeasuredStroke(const Stroke& stroke) : points_(stroke.points) {
     if (stroke.closed) points_.push_back(points_.front());
     along_.push_back(0);
     for (std::size_t k = 1; k < points_.size(); ++k)
@@ -48,9 +48,10 @@ class Measured {
 
   double length() const { return along_.back(); }
 
+  /// The point at this arc length.
   PicturePoint at(double place) const {
     const auto after = std::upper_bound(along_.begin(), along_.end(), place);
-    const auto k = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(
+    const std::size_t k = asIndex(std::clamp<std::ptrdiff_t>(
         after - along_.begin(), 1, static_cast<std::ptrdiff_t>(along_.size()) - 1));
     const double span = along_[k] - along_[k - 1];
     const double t = span > 0 ? std::clamp((place - along_[k - 1]) / span, 0.0, 1.0) : 0;
@@ -63,14 +64,13 @@ class Measured {
   std::vector<double> along_;
 };
 
-/// A label takes up a disc, whichever way it is turned.
-class Placer {
+class LabelPlacer {
  public:
-  explicit Placer(double width, double height) : width_(width), height_(height) {}
+  explicit LabelPlacer(double width, double height) : width_(width), height_(height) {}
 
   bool place(const Stroke& stroke, const std::string& text) {
     const double size = static_cast<double>(text.size()) * kDigitWidth;
-    const Measured curve(stroke);
+    const MeasuredStroke curve(stroke);
     if (curve.length() < kLeastLength * size) return false;
     for (const double part : kPlaces) {
       const PicturePoint a = curve.at(part * curve.length() - size / 2);
@@ -98,6 +98,7 @@ class Placer {
     return true;
   }
 
+  /// The direction from a to b in degrees, turned round where the text would be upside down.
   static double upright(const PicturePoint& a, const PicturePoint& b) {
     const double degrees = std::atan2(b[1] - a[1], b[0] - a[0]) * 180 / std::numbers::pi;
     return degrees > 90 ? degrees - 180 : degrees < -90 ? degrees + 180 : degrees;
@@ -126,13 +127,13 @@ std::vector<std::string> levelTexts(const std::vector<double>& levels, double sp
 
 std::vector<CurveLabel> placeLabels(const CurvePicture& picture,
                                     const std::vector<std::vector<std::string>>& texts) {
-  Placer placer(picture.width, picture.height);
+  LabelPlacer placer(picture.width, picture.height);
   for (std::size_t field = 0; field < texts.size(); ++field)
     for (std::size_t level = 0; level < texts[field].size(); ++level) {
       std::vector<const Stroke*> strokes;
       for (const Stroke& stroke : picture.fields[field][level].front) strokes.push_back(&stroke);
       std::stable_sort(strokes.begin(), strokes.end(), [](const Stroke* a, const Stroke* b) {
-        return Measured(*a).length() > Measured(*b).length();
+        return MeasuredStroke(*a).length() > MeasuredStroke(*b).length();
       });
       for (const Stroke* stroke : strokes)
         if (placer.place(*stroke, texts[field][level])) break;

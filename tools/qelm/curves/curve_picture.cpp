@@ -3,15 +3,18 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
-#include <tuple>
 
 #include "curves/depth_image.h"
 #include "mesh/boundary.h"
+#include "mesh/box.h"
+#include "mesh/half_edges.h"
+#include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// Long pieces are looked at in steps of so many pixels for where they pass behind.
+// In pixels: how far apart the points of a segment are of which it is asked whether they show.
 constexpr double kStep = 3;
 
 /// From space to the picture.
@@ -19,16 +22,10 @@ class Fit {
  public:
   Fit(const Mesh& mesh, const Projection& projection, const PictureFrame& frame)
       : projection_(projection) {
-    Point high = projection(mesh.point(0));
-    low_ = high;
-    for (int v = 1; v < mesh.vertexCount(); ++v) {
-      const Point p = projection(mesh.point(v));
-      for (std::size_t k = 0; k < 3; ++k) {
-        low_[k] = std::min(low_[k], p[k]);
-        high[k] = std::max(high[k], p[k]);
-      }
-    }
-    const Point size = high - low_;
+    Box box;
+    for (int v = 0; v < mesh.vertexCount(); ++v) box.add(projection(mesh.point(v)));
+    low_ = box.low;
+    const Point size = box.size();
     const auto& [mostWidth, mostHeight, scale] = frame;
     scale_ = scale > 0 ? scale
                        : std::min(size[0] > 0 ? mostWidth / size[0] : mostHeight / size[1],
@@ -53,8 +50,7 @@ class Fit {
   double height_ = 0;
 };
 
-/// Takes a curve's points one by one and cuts it where it comes to the front or
-/// passes behind.
+/// Cuts a polyline where it passes behind the mesh or comes to the front again.
 class Cutter {
  public:
   Cutter(const DepthImage& depth, LevelStrokes& into) : depth_(depth), into_(into) {}
@@ -62,7 +58,8 @@ class Cutter {
   void add(const std::vector<Point>& points, bool closed) {
     const std::size_t n = points.size();
     begin(points[0], depth_.shows(points[0]));
-    for (std::size_t k = 0; k + (closed ? 0 : 1) < n; ++k) piece(points[k], points[(k + 1) % n]);
+    for (std::size_t k = 0; k + (closed ? 0 : 1) < n; ++k)
+      addSegment(points[k], points[(k + 1) % n]);
     if (closed && !wasCut_) {
       current_.points.pop_back();
       current_.closed = true;
@@ -81,13 +78,11 @@ class Cutter {
       (isFront_ ? into_.front : into_.behind).push_back(std::move(current_));
   }
 
-  void piece(const Point& a, const Point& b) {
+  void addSegment(const Point& a, const Point& b) {
     const double size = std::hypot(b[0] - a[0], b[1] - a[1], 0.0);  // not glibc 2.35's
     const int steps = std::max(1, static_cast<int>(size / kStep));
     for (int k = 1; k <= steps; ++k) {
-      const double t = static_cast<double>(k) / steps;
-      const Point p = {std::lerp(a[0], b[0], t), std::lerp(a[1], b[1], t),
-                       std::lerp(a[2], b[2], t)};
+      const Point p = between(a, b, static_cast<double>(k) / steps);
       const bool isFront = depth_.shows(p);
       if (isFront != isFront_) {
         current_.points.push_back({p[0], p[1]});
@@ -107,55 +102,34 @@ class Cutter {
   bool wasCut_ = false;
 };
 
-/// A side of a triangle, and whether that shows its front.
-struct FacingSide {
-  int low, high;
-  bool isFront;
-};
-
-std::vector<FacingSide> facingSides(const Mesh& mesh, const std::vector<Point>& flat) {
-  std::vector<FacingSide> sides;
-  sides.reserve(mesh.triangles.size());
-  for (int t = 0; t < mesh.triangleCount(); ++t) {
-    const auto c = mesh.corners(t);
-    const auto at = [&](int k) {
-      return flat[static_cast<std::size_t>(c[static_cast<std::size_t>(k)])];
-    };
-    const bool isFront = cross(at(1) - at(0), at(2) - at(0))[2] < 0;  // y points down
-    for (std::size_t k = 0; k < 3; ++k) {
-      const int a = c[k];
-      const int b = c[(k + 1) % 3];
-      // Neighbours that are oriented alike run along their edge in opposite ways.
-      sides.push_back({std::min(a, b), std::max(a, b), a < b ? isFront : !isFront});
-    }
-  }
-  std::sort(sides.begin(), sides.end(), [](const FacingSide& a, const FacingSide& b) {
-    return std::tie(a.low, a.high) < std::tie(b.low, b.high);
-  });
-  return sides;
-}
-
-/// Edges at which a triangle that faces the viewer meets one that does not.
-std::vector<std::array<int, 2>> turningEdges(const Mesh& mesh, const std::vector<Point>& flat) {
-  const std::vector<FacingSide> sides = facingSides(mesh, flat);
+/// Silhouette edges: both of their triangles lie on the same side of them in the picture.
+std::vector<std::array<int, 2>> silhouetteEdges(const Mesh& mesh, const std::vector<Point>& flat) {
+  // Of the edge from its lower to its higher vertex.
+  const auto isOnTheLeft = [&](const HalfEdge& halfEdge) {
+    const auto c = mesh.corners(halfEdge.triangle());
+    const auto at = [&](std::size_t k) { return flat[asIndex(c[k])]; };
+    const bool isCounterClockwise = areaVector(at(0), at(1), at(2))[2] < 0;  // y points down
+    return halfEdge.isUpward == isCounterClockwise;
+  };
   std::vector<std::array<int, 2>> edges;
-  for (std::size_t k = 0; k + 1 < sides.size(); ++k)
-    if (sides[k].low == sides[k + 1].low && sides[k].high == sides[k + 1].high &&
-        sides[k].isFront == sides[k + 1].isFront)
-      edges.push_back({sides[k].low, sides[k].high});
+  forEachEdge(sortedHalfEdges(mesh), [&](std::span<const HalfEdge> edge) {
+    for (std::size_t k = 0; k + 1 < edge.size(); ++k)
+      if (isOnTheLeft(edge[k]) == isOnTheLeft(edge[k + 1]))
+        edges.push_back({edge[0].low, edge[0].high});
+  });
   return edges;
 }
 
 std::vector<Stroke> drawOutline(const Mesh& mesh, const std::vector<Point>& flat,
                                 const DepthImage& depth) {
   LevelStrokes strokes;
-  const auto at = [&](int v) { return flat[static_cast<std::size_t>(v)]; };
+  const auto at = [&](int v) { return flat[asIndex(v)]; };
   for (const BoundaryLoop& loop : boundaryLoops(mesh)) {
     std::vector<Point> points;
     for (const int v : loop.vertices) points.push_back(at(v));
     Cutter(depth, strokes).add(points, loop.closed);
   }
-  for (const auto& [a, b] : turningEdges(mesh, flat))
+  for (const auto& [a, b] : silhouetteEdges(mesh, flat))
     Cutter(depth, strokes).add({at(a), at(b)}, false);
   return std::move(strokes.front);
 }

@@ -1,4 +1,8 @@
-// Level curves and the mesh's outline, flattened for a picture.
+// Level curves and the mesh's outline, projected onto a picture.
+//
+// The mesh is projected and drawn into a depth image. Every curve, and every edge of the outline
+// (boundary edges and silhouette edges), is cut into strokes wherever it passes behind the mesh or
+// comes to the front again.
 #ifndef QELM_TOOLS_CURVE_PICTURE_H
 #define QELM_TOOLS_CURVE_PICTURE_H
 
@@ -28,9 +32,8 @@ struct LevelStrokes {
 
 struct CurvePicture {
   double width, height;
-  std::vector<std::vector<LevelStrokes>> fields;  ///< of each field one for each of its levels
-  /// Where the mesh ends, and where it turns away from the viewer, in front only.
-  std::vector<Stroke> outline;
+  std::vector<std::vector<LevelStrokes>> fields;  ///< for each field, for each of its levels
+  std::vector<Stroke> outline;                    ///< boundary and silhouette, in front only
 };
 
 /// In pixels.
@@ -39,7 +42,7 @@ struct PictureFrame {
   double scale = 0;  ///< pixels for a unit of the mesh; 0: as large as fits
 };
 
-/// Width and height of a mesh as it is seen, in its own units.
+/// Width and height of the projected mesh, in the mesh's unit.
 PicturePoint extentOf(const Mesh& mesh, const Projection& projection);
 
 CurvePicture drawCurves(const Mesh& mesh, std::span<const FieldCurves> fields,

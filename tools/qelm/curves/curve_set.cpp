@@ -6,6 +6,7 @@
 
 #include "qelm.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -22,16 +23,16 @@ CurveSet::CurveSet(const FieldSystem& system, std::span<const double> field,
   int status = -1;
   QelmCurves* curves = nullptr;
   const std::vector<double> own = system.used(field);
-  qelmcurvesTagged(system.handle(), own.data(), static_cast<int>(levels_.size()), levels_.data(),
-                   &curves, &status);
+  qelmcurvesTagged(system.handle(), own.data(), asInt(levels_.size()), levels_.data(), &curves,
+                   &status);
   const std::unique_ptr<QelmCurves, Free> owner(curves);
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to cut curves with status {}", status));
   for (int c = 0; c < curves->curveCount; ++c) {
-    const auto first = static_cast<std::size_t>(curves->starts[c]);
-    const auto last = static_cast<std::size_t>(curves->starts[c + 1]);
-    add({curves->points + 3 * first, 3 * (last - first)},
-        static_cast<std::size_t>(curves->levels[c]), curves->closed[c] != 0);
+    const std::size_t first = asIndex(curves->starts[c]);
+    const std::size_t last = asIndex(curves->starts[c + 1]);
+    add({curves->points + 3 * first, 3 * (last - first)}, asIndex(curves->levels[c]),
+        curves->closed[c] != 0);
   }
 }
 

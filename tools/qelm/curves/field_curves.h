@@ -1,4 +1,4 @@
-// What is drawn of one field.
+// The level curves of one field, with what it takes to draw them.
 #ifndef QELM_TOOLS_FIELD_CURVES_H
 #define QELM_TOOLS_FIELD_CURVES_H
 

@@ -8,20 +8,21 @@
 #include <limits>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
 namespace {
 
-// Of a field that nobody has looked at yet: enough to see its shape, few enough to label.
-constexpr int kLevelsUnlessGiven = 10;
+// Enough to see a field's shape, few enough to label.
+constexpr int kDefaultLevels = 10;
 
 int parsedCount(const std::string& text) {
   const auto count = parseInteger(trimmed(text));
   if (!count || *count < 1 || *count > kMostLevels)
     throw UsageError(
         fmt::format("--levels {}: a whole number from 1 to {} is needed", text, kMostLevels));
-  return static_cast<int>(*count);
+  return asInt(*count);
 }
 
 double parsedPositive(const char* option, const std::string& text, const char* what) {
@@ -66,21 +67,21 @@ struct RoundStep {
   int power;  ///< of ten
 };
 
-/// The step's multiples strictly between low and high, each the double nearest to the decimal
-/// number: 0.3, not 3 * 0.1. None where they cannot be counted. A level so near to an end that
-/// rounding alone may have put it inside does not count: the noise there has no shape.
+/// The step's multiples strictly between low and high, each the double nearest to its decimal
+/// number: 0.3, not 3 * 0.1. None where there are too many to count. Multiples so near to an end
+/// that rounding alone may have put them inside are left out: curves there would be noise.
 std::vector<double> multiplesOf(RoundStep step, double low, double high) {
   constexpr double kNoise = 1e-9;        // of the range
   constexpr double kMostCounted = 1e18;  // fits 64 bits, five times as well
   const double size = *parseDouble(fmt::format("{}e{}", step.digit, step.power));
-  // Below, the double nearest to a step may be a fifth off, and its multiples somewhere else.
+  // The double nearest to a smaller step may be off by a fifth, and its multiples by as much.
   if (size < std::numeric_limits<double>::min()) return {};
   const double margin = kNoise * (high - low);
   std::vector<double> levels;
   const double first = std::floor(low / size);
   if (!(std::abs(first) < kMostCounted) || !(std::ceil(high / size) - first <= kMostLevels))
     return levels;
-  // The quotients are rounded: one more on either side.
+  // The quotients are rounded: look at one multiple more on either side.
   for (auto i = static_cast<long long>(first) - 1;; ++i) {
     const double level = *parseDouble(fmt::format("{}e{}", step.digit * i, step.power));
     if (level >= high - margin) return levels;
@@ -98,7 +99,7 @@ LevelChoice::LevelChoice(const LevelOptions& options) {
   if (options.round && given == 1 && options.count.empty())
     throw UsageError("--round is for --levels; the others say exactly which levels");
   round_ = options.round || given == 0;
-  count_ = given == 0 ? kLevelsUnlessGiven : 0;
+  count_ = given == 0 ? kDefaultLevels : 0;
   if (!options.count.empty()) count_ = parsedCount(options.count);
   if (!options.at.empty()) list_ = parsedList(options.at);
   if (!options.every.empty()) step_ = parsedPositive("--every", options.every, "a step");
@@ -130,7 +131,7 @@ std::vector<double> LevelChoice::chosen(double low, double high, const Console& 
 }
 
 std::vector<double> LevelChoice::round(double low, double high) const {
-  // Halves: the whole range may be too large for a double.
+  // The range itself may be too large for a double, so halves are subtracted.
   const double rough = 2 * (high / 2 - low / 2) / (count_ + 1);
   if (!(rough > 0)) return even(low, high);
   const int power = std::isfinite(rough) ? static_cast<int>(std::floor(std::log10(rough)))
@@ -151,7 +152,7 @@ std::vector<double> LevelChoice::round(double low, double high) const {
 std::vector<double> LevelChoice::even(double low, double high) const {
   std::vector<double> levels;
   for (int k = 1; k <= count_; ++k) {
-    // Whole-numbered weights: between round values this gives round levels.
+    // Weights that are whole numbers give round levels between round values.
     double level = (low * (count_ + 1 - k) + high * k) / (count_ + 1);
     if (!std::isfinite(level)) level = std::lerp(low, high, static_cast<double>(k) / (count_ + 1));
     if (level > low && level < high && (levels.empty() || level > levels.back()))
@@ -172,8 +173,8 @@ std::vector<double> LevelChoice::multiples(double low, double high) const {
     throw RequestError(fmt::format("--every {}: more than {} levels between {} and {}", step_,
                                    kMostLevels, low, high));
   std::vector<double> levels;
-  // Far from 0 the next whole number is no double any more: one added to k would stand
-  // still, and several k are the same.
+  // Far from 0 neighbouring whole numbers are the same double: `first + 1` may be `first`. So i
+  // counts from 0, and equal levels are left out.
   for (double i = 0; i <= last - first; ++i) {
     const double level = (first + i) * step_;
     if (level > low && level < high && (levels.empty() || level > levels.back()))

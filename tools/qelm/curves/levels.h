@@ -11,7 +11,7 @@
 
 namespace qelm::tool {
 
-// More curves than anyone can look at, and few enough to be cut in a moment.
+// More levels than anyone can look at, and few enough to be cut in a moment.
 inline constexpr int kMostLevels = 10000;
 
 /// As on the command line; of the first four texts one is not empty at most.
@@ -36,13 +36,13 @@ class LevelChoice {
   ///    ten; evenly spaced ones where there is none;
   ///  - a step: all its multiples strictly between low and high;
   ///  - a list: as given, with a note about those outside;
-  ///  - `more`: the values at the points of through(), beside these or alone, and the levels that
-  ///    spacing() asks for, which take the place of these.
+  ///  - `more`, which the caller has computed: the values at the points of through(), besides the
+  ///    levels above or alone; and the levels of spacing(), in place of the levels above.
   /// Throws RequestError when nothing lies between.
   std::vector<double> levels(double low, double high, const Console& console,
                              std::span<const double> more = {}) const;
 
-  /// How far apart curves shall be; 0 where that is not asked for.
+  /// How far apart curves are to be; 0 without --spacing.
   double spacing() const { return spacing_; }
 
   /// The points that --through names.
@@ -60,7 +60,7 @@ class LevelChoice {
   std::vector<double> list_;
   std::vector<Point> through_;
   double spacing_ = 0;
-  bool onlyMore_ = false;
+  bool onlyMore_ = false;  ///< no level but those of --spacing and --through
 };
 
 }  // namespace qelm::tool

@@ -8,20 +8,19 @@
 
 #include "curves/clearance.h"
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// Of half a clearance: two segments that both come so near to each other must not touch by
-// rounding.
+// Of half a clearance: two chords that both use all of theirs must not touch by rounding.
 constexpr double kSafe = 1 - 1e-6;
-
-// A piece's direction is that of the way to so many points on; the one that leads farthest is
-// taken.
+// The directions that a piece may have: from its first point to the one so many points on. The
+// direction that leads farthest is taken.
 constexpr std::array<std::size_t, 4> kAhead = {32, 8, 2, 1};
 
-/// Points of one curve from `begin` to `end` that run on in one direction, both ends included.
-/// Between `first` and `last` points may be dropped.
+/// The points `begin` to `end` of one curve, both included, which run on in one direction. Those
+/// between `first` and `last` may be dropped.
 struct Piece {
   std::size_t curve;
   std::size_t begin, first, last, end;
@@ -38,7 +37,7 @@ class OpenedCurve {
   const Curve& curve_;
 };
 
-/// Where a piece that begins here ends, if it runs in this direction: one point on at least.
+/// The last point of the run from `begin` on in this direction: one point on at least.
 std::size_t endOfRun(const OpenedCurve& points, std::size_t begin, const Point& direction) {
   std::size_t end = begin + 1;
   while (end + 1 < points.size() && dot(points[end + 1] - points[end], direction) > 0) ++end;
@@ -101,8 +100,8 @@ class Simplifier {
   }
 
  private:
-  /// Numbers for the tree: of a piece, and of the segments at both of its ends, which stay.
-  static int number(std::size_t piece, int part) { return 3 * static_cast<int>(piece) + part; }
+  /// What the tree takes for pieces: part 1 is the middle of a piece, 0 and 2 are its ends.
+  static int number(std::size_t piece, int part) { return 3 * asInt(piece) + part; }
 
   PieceSegment segment(std::size_t piece, std::size_t k) const {
     const Piece& own = pieces_[piece];
@@ -112,7 +111,7 @@ class Simplifier {
     return {points[k], points[k + 1], number(piece, part)};
   }
 
-  /// Marks what stays of a piece.
+  /// Marks the points of a piece that stay.
   void thin(std::size_t piece, const OpenedCurve& points) {
     const Piece& own = pieces_[piece];
     for (const std::size_t k : {own.begin, own.first, own.last, own.end}) kept_[k] = true;
@@ -121,7 +120,7 @@ class Simplifier {
     for (std::size_t k = own.first; k < own.last; ++k)
       clearances_.push_back(
           tree_.clearance(segment(piece, k), number(piece, 0), number(piece, 2), 2 * tolerance_));
-    // Halves that wait: pairs of points that stay.
+    // Chords to look at: pairs of points that stay.
     std::vector<std::pair<std::size_t, std::size_t>> open = {{own.first, own.last}};
     while (!open.empty()) {
       const auto [from, to] = open.back();
@@ -138,8 +137,8 @@ class Simplifier {
     for (std::size_t k = piece.begin; k <= piece.end; ++k) kept_[k] = true;
   }
 
-  /// The point between two that stay that is farthest from the segment between them; `from` if all
-  /// can be dropped. `first` is where the clearances begin.
+  /// The point farthest from the chord between two points that stay; `from` if all points between
+  /// them can be dropped. `first` is the point at which the clearances begin.
   std::size_t farthest(const OpenedCurve& points, std::size_t from, std::size_t to,
                        std::size_t first) const {
     if (to - from < 2) return from;

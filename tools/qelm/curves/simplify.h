@@ -1,4 +1,20 @@
-// --simplify: curves with fewer points.
+// --simplify: curves with fewer points, of which none comes to cross or touch another one or
+// itself.
+//
+// A curve is cut at knots into pieces, each of which runs on in one direction:
+//
+//      _,--._         from a to b, and from b to c. Chords between points of a piece run on in its
+//   a-'      `b       direction as well: a simplified piece cannot meet itself.
+//         c--'
+//
+// The single segments at both ends of a piece never change. Every segment between them has a
+// clearance: its distance to whatever is neither in its own piece nor at its piece's ends, from a
+// tree of boxes. Within a piece the farthest point from the chord is kept and both halves go on so
+// (Ramer 1972, Douglas and Peucker 1973), but points are dropped only if all are nearer to their
+// chord than the tolerance, and than half the clearance of each segment that the chord replaces.
+// So a chord stays nearer to its own old segments than to anybody else's, and no two chords meet.
+//
+// Takes n log n steps for n points, unless curves run so close that the tree is of no use.
 #ifndef QELM_TOOLS_SIMPLIFY_H
 #define QELM_TOOLS_SIMPLIFY_H
 
@@ -7,19 +23,7 @@
 namespace qelm::tool {
 
 /// Drops points that are less than `tolerance` from the polyline that stays. What stays are points
-/// of the curves; ends stay, and closed curves stay closed, with three points at least. No curve
-/// comes to cross or touch another one, or itself.
-///
-/// Why not: a curve is cut at knots into pieces, each of which runs on in one direction; so does
-/// every simplification of it, which then cannot meet itself. A piece's ends are single segments
-/// that never change. Every other segment knows its clearance, the distance to whatever is neither
-/// of its own piece nor at its piece's ends. Points between two that stay are dropped only where
-/// they are nearer to the segment between these than half the clearance of each segment that it
-/// replaces. Two such segments, or anything on the way to them, then lie nearer to their own old
-/// places than to each other's.
-///
-/// Within a piece it is the usual halving at the farthest point (Ramer 1972, Douglas and Peucker
-/// 1973). Clearances come from a tree of boxes.
+/// of the curves; ends stay, and closed curves stay closed, with three points at least.
 CurveSet simplify(const CurveSet& curves, double tolerance);
 
 }  // namespace qelm::tool

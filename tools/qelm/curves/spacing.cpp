@@ -11,15 +11,18 @@
 #include "curves/levels.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// Of the spacing: what rounding may leave. A last level that is nearer to the end lies on it.
+// In spacings. A strip that is wider than the last one by less than this ends at the largest value:
+// rounding made the difference.
 constexpr double kRounding = 1e-9;
+// A level whose strip is off by less than this is found.
 constexpr double kClose = 1e-13;
 
-// On a smooth quotient false position takes some eight steps, bisection fifty.
+// False position takes some eight steps on a smooth function, bisection fifty.
 constexpr int kFalsePositions = 30;
 constexpr int kMostTrials = 100;
 
@@ -27,15 +30,15 @@ constexpr int kMostTrials = 100;
 struct Slice {
   double low, middle, high;
   double area;
-  double longest;  ///< length of the curve at `middle`; of the side with one value, if there is one
+  double longest;  ///< length of the curve at `middle`, or of the edge with that value
 
-  /// Length of the curve at v; where the triangle has a side at v, as just above v.
+  /// Length of the curve at v. Where an edge of the triangle lies at v: just above v.
   double lengthAbove(double v) const {
     if (v < low || v >= high) return 0;
     return v < middle ? longest * ((v - low) / (middle - low))
                       : longest * ((high - v) / (high - middle));
   }
-  /// The same, as just below v.
+  /// The same, but just below v.
   double lengthBelow(double v) const {
     if (v <= low || v > high) return 0;
     return v <= middle ? longest * ((v - low) / (middle - low))
@@ -54,17 +57,14 @@ struct Slice {
 Slice sliceOf(const Mesh& mesh, std::span<const double> field, int t) {
   const auto c = mesh.corners(t);
   std::array<int, 3> v = {c[0], c[1], c[2]};
-  const auto value = [&](int k) { return field[static_cast<std::size_t>(k)]; };
+  const auto value = [&](int k) { return field[asIndex(k)]; };
   std::sort(v.begin(), v.end(), [&](int a, int b) { return value(a) < value(b); });
   const std::array<Point, 3> p = {mesh.point(v[0]), mesh.point(v[1]), mesh.point(v[2])};
-  Slice slice{value(v[0]), value(v[1]), value(v[2]), length(cross(p[1] - p[0], p[2] - p[0])) / 2,
-              0};
+  Slice slice{value(v[0]), value(v[1]), value(v[2]), length(areaVector(p[0], p[1], p[2])) / 2, 0};
   if (slice.low == slice.high) return slice;
   const double part = (slice.middle - slice.low) / (slice.high - slice.low);
-  Point facing{};  // on the side from the lowest corner to the highest, at the middle value
-  for (std::size_t axis = 0; axis < 3; ++axis)
-    facing[axis] = std::lerp(p[0][axis], p[2][axis], part);
-  slice.longest = length(p[1] - facing);
+  // The curve at the middle value runs from the middle corner to the edge that faces it.
+  slice.longest = length(p[1] - between(p[0], p[2], part));
   return slice;
 }
 
@@ -86,7 +86,7 @@ class Spacer {
     admit(low_);
     begin(low_);
     while (const std::optional<double> level = next(step)) {
-      if (levels.size() == static_cast<std::size_t>(kMostLevels))
+      if (levels.size() == asIndex(kMostLevels))
         throw RequestError(fmt::format("--spacing {}: more than {} levels; take a larger spacing",
                                        spacing_, kMostLevels));
       step = *level - base_;
@@ -97,13 +97,13 @@ class Spacer {
   }
 
  private:
-  /// A triangle that reaches beyond the level that was found last.
+  /// A triangle that reaches beyond the base, which is the last level that was found.
   struct Active {
     Slice slice;
     double areaBelowBase;
   };
 
-  /// Takes in the triangles that begin at v or below.
+  /// Makes the triangles active whose smallest value is v or less.
   void admit(double v) {
     for (; admitted_ < slices_.size() && slices_[admitted_].low <= v; ++admitted_)
       active_.push_back({slices_[admitted_], 0});
@@ -119,7 +119,7 @@ class Spacer {
     }
   }
 
-  /// How far the quotient at v is above the spacing, all triangles up to v being admitted.
+  /// How much wider than the spacing the strip from the base to v is. Requires admit(v).
   double excess(double v) const {
     double area = 0;
     double length = baseLength_;
@@ -141,16 +141,17 @@ class Spacer {
       if (over == high_ && !(overBy > kRounding * spacing_)) return {};
       // Steps are often equal: the first guess is then the level itself.
       if (std::abs(overBy) <= kClose * spacing_) return over;
-      if (overBy > 0) return between(under, underBy, over, overBy);
+      if (overBy > 0) return rootBetween(under, underBy, over, overBy);
       under = over;
       underBy = overBy;
     }
   }
 
-  /// Where the excess turns from negative to positive: false position (the Illinois form, which
-  /// halves the value of an end that stays), or bisection where that does not close in.
-  std::optional<double> between(double under, double underBy, double over, double overBy) const {
-    int moved = 0;  // the end that moved last: -1 the lower, 1 the upper
+  /// The root of the excess between two levels: by false position (the Illinois form, which halves
+  /// the value at an end that stays), or by bisection where that does not close in.
+  std::optional<double> rootBetween(double under, double underBy, double over,
+                                    double overBy) const {
+    int moved = 0;  // the end that moved last: -1 is the lower one, 1 the upper one
     for (int k = 0; k < kMostTrials; ++k) {
       const double part = k < kFalsePositions ? overBy / (overBy - underBy) : 0.5;
       const double middle = over - part * (over - under);

@@ -6,22 +6,17 @@
 #include <limits>
 
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
 using Weights = std::array<double, 3>;
 
-/// The nearest point of a segment to p, as how much of the way from a to b it is.
-double partOf(const Point& a, const Point& b, const Point& p) {
-  const Point along = b - a;
-  const double squared = dot(along, along);
-  return squared > 0 ? std::clamp(dot(p - a, along) / squared, 0.0, 1.0) : 0;
-}
-
-/// Barycentric coordinates of p's foot in the triangle's plane, if it is inside.
+/// The barycentric coordinates of p's projection onto the triangle's plane; false if that is
+/// outside.
 bool insideWeights(const std::array<Point, 3>& c, const Point& p, Weights& weights) {
-  const Point normal = cross(c[1] - c[0], c[2] - c[0]);
+  const Point normal = areaVector(c[0], c[1], c[2]);
   const double squared = dot(normal, normal);
   if (!(squared > 0)) return false;
   for (std::size_t k = 0; k < 3; ++k) {
@@ -39,7 +34,8 @@ Point mixed(const std::array<Point, 3>& c, const Weights& weights) {
   return p;
 }
 
-/// Of the triangle's nearest point to p: its foot, or the nearest point of the three sides.
+/// The barycentric coordinates of the triangle's nearest point to p: its projection, or the nearest
+/// point of an edge.
 Weights nearestWeights(const std::array<Point, 3>& c, const Point& p) {
   Weights best{};
   if (insideWeights(c, p, best)) return best;
@@ -47,7 +43,7 @@ Weights nearestWeights(const std::array<Point, 3>& c, const Point& p) {
   for (std::size_t k = 0; k < 3; ++k) {
     const std::size_t next = (k + 1) % 3;
     Weights weights{};
-    weights[next] = partOf(c[k], c[next], p);
+    weights[next] = nearestPart(c[k], c[next], p);
     weights[k] = 1 - weights[next];
     const double away = length(mixed(c, weights) - p);
     if (!(away < least)) continue;
@@ -68,8 +64,7 @@ PlaceOnMesh nearestPlace(const Mesh& mesh, std::span<const double> field, const 
     const double away = length(mixed(c, weights) - point);
     if (!(away < best.distance)) continue;
     best = {away, 0};
-    for (std::size_t k = 0; k < 3; ++k)
-      best.value += weights[k] * field[static_cast<std::size_t>(v[k])];
+    for (std::size_t k = 0; k < 3; ++k) best.value += weights[k] * field[asIndex(v[k])];
   }
   return best;
 }

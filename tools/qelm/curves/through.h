@@ -13,8 +13,8 @@ struct PlaceOnMesh {
   double value;     ///< linear between the triangle's corners
 };
 
-/// The nearest place on all triangles; of equally near ones that of the first triangle. Requires
-/// finite coordinates and a triangle.
+/// The point of the surface that is nearest to `point`; of equally near ones that of the first
+/// triangle. Looks at every triangle. Requires finite coordinates and a triangle.
 PlaceOnMesh nearestPlace(const Mesh& mesh, std::span<const double> field, const Point& point);
 
 }  // namespace qelm::tool

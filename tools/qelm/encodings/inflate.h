@@ -1,4 +1,4 @@
-// What zlib has compressed.
+// Decompression of what zlib has compressed.
 #ifndef QELM_TOOLS_INFLATE_H
 #define QELM_TOOLS_INFLATE_H
 
@@ -14,8 +14,9 @@ enum class Wrapping {
   kNone   ///< the compressed data alone (RFC 1951), as in ZIP archives
 };
 
-/// Adds the `size` bytes that `compressed` stands for to `bytes`. False when it is damaged or
-/// stands for another number of bytes; memory is taken only for what it can stand for.
+/// Decompresses exactly `size` bytes and adds them to `bytes`. Returns false if the data are
+/// damaged or stand for another number of bytes. Takes no more memory than so many compressed bytes
+/// can stand for.
 bool inflate(std::string_view compressed, Wrapping wrapping, std::size_t size, std::string& bytes);
 
 /// The check sum of ZIP archives.

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -31,8 +32,7 @@ void NumberSource::setBinary(ByteOrder order) {
 void NumberSource::fail(const std::string& what) const {
   if (isBinary_)
     throw FileError(fmt::format("{}: {}{}{}", name_, place_, place_.empty() ? "" : ": ", what));
-  const auto line =
-      firstLine_ + static_cast<std::size_t>(std::count(bytes_.data(), rest_.data(), '\n'));
+  const auto line = firstLine_ + asIndex(std::count(bytes_.data(), rest_.data(), '\n'));
   throw FileError(fmt::format("{}:{}: {}", name_, line, what));
 }
 
@@ -77,7 +77,7 @@ double NumberSource::parsedNumber() {
   const char* const end = rest_.data() + rest_.size();
   const auto [stop, error] = std::from_chars(rest_.data(), end, value);
   if (error == std::errc{} && (stop == end || isBlank(*stop))) {
-    rest_.remove_prefix(static_cast<std::size_t>(stop - rest_.data()));
+    rest_.remove_prefix(asIndex(stop - rest_.data()));
     return value;
   }
   const std::string_view begin = rest_;
@@ -95,7 +95,7 @@ std::int64_t NumberSource::parsedInteger() {
   const char* const end = rest_.data() + rest_.size();
   const auto [stop, error] = std::from_chars(rest_.data(), end, value);
   if (error == std::errc{} && (stop == end || isBlank(*stop))) {
-    rest_.remove_prefix(static_cast<std::size_t>(stop - rest_.data()));
+    rest_.remove_prefix(asIndex(stop - rest_.data()));
     return value;
   }
   if (rest_.empty()) fail("the file ends here; it may be cut short");
@@ -160,7 +160,7 @@ std::size_t NumberSource::count(NumberType type, std::size_t least, std::size_t 
   const std::size_t each = std::max<std::size_t>(1, isBinary_ ? least : kLeastText * words);
   if (number < 0 || static_cast<std::size_t>(number) > (rest_.size() + 1) / each)
     fail(fmt::format("{} are announced, but the file is too short for them", number));
-  return static_cast<std::size_t>(number);
+  return asIndex(number);
 }
 
 }  // namespace qelm::tool

@@ -13,9 +13,9 @@
 
 namespace qelm::tool {
 
-/// Reads them in order. What is announced is compared with what the file can hold before memory is
-/// taken. Numbers are text until setBinary(). All throw FileError that names the line of a text,
-/// the place of binary numbers.
+/// Reads words and numbers in order. A count that the file announces is compared with what the rest
+/// of the file can hold before memory is taken. Numbers are text until setBinary(). Every function
+/// throws FileError, which names the line of a text, or the place of binary numbers.
 class NumberSource {
  public:
   /// `name` is the file's, for messages; both must outlive this. `firstLine` is where in the file
@@ -42,11 +42,10 @@ class NumberSource {
   std::vector<double> numbers(NumberType type, std::size_t tuples, std::size_t components);
   std::vector<std::int64_t> integers(NumberType type, std::size_t count);
 
-  /// A single one.
   double number(NumberType type);
   std::int64_t integer(NumberType type);
-  /// A single one that says how many there are of what takes at least `least` bytes, or in a text
-  /// two characters for each of `words` numbers.
+  /// A number that announces how many elements follow. An element takes at least `least` bytes or,
+  /// in a text, two characters for each of its `words` numbers.
   std::size_t count(NumberType type, std::size_t least, std::size_t words);
 
   [[noreturn]] void fail(const std::string& what) const;

@@ -96,7 +96,7 @@ void forEachNumber(std::string_view bytes, NumberType type, ByteOrder order, Use
   }
 }
 
-/// As an integer. What does not fit becomes the end of the range.
+/// The number as an integer: rounded towards 0, and clamped to the range of integers.
 template <class Number>
 std::int64_t wholeOf(Number number) {
   if constexpr (std::is_floating_point_v<Number>) {

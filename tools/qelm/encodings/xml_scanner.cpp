@@ -16,25 +16,6 @@ constexpr std::string_view kXmlBlanks = " \t\r\n";
 // Deeper than any format here goes, and little memory.
 constexpr std::size_t kMostDepth = 1000;
 
-void appendCharacter(std::uint32_t code, std::string& text) {
-  const auto add = [&text](std::uint32_t byte) {
-    text += static_cast<char>(static_cast<unsigned char>(byte));
-  };
-  if (code < 0x80) return add(code);
-  if (code < 0x800) {
-    add(0xc0 | (code >> 6));
-  } else {
-    if (code < 0x10000) {
-      add(0xe0 | (code >> 12));
-    } else {
-      add(0xf0 | (code >> 18));
-      add(0x80 | ((code >> 12) & 63));
-    }
-    add(0x80 | ((code >> 6) & 63));
-  }
-  add(0x80 | (code & 63));
-}
-
 /// What stands between & and ;.
 std::optional<std::string> meaningOf(std::string_view reference) {
   if (reference == "amp") return "&";
@@ -55,7 +36,7 @@ std::optional<std::string> meaningOf(std::string_view reference) {
   }
   if (reference.empty() || code == 0) return {};
   std::string text;
-  appendCharacter(code, text);
+  appendUtf8(text, code);
   return text;
 }
 

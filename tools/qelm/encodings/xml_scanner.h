@@ -1,5 +1,5 @@
-// XML, one tag after another: files of millions of elements are never held as a tree, and VTK's
-// may have bytes behind their tags that are no XML.
+// XML, one tag after another. There is no tree of elements, of which files have millions; and the
+// caller may take bytes after a tag that are no XML, as VTK's files have them.
 #ifndef QELM_TOOLS_XML_SCANNER_H
 #define QELM_TOOLS_XML_SCANNER_H
 
@@ -25,18 +25,18 @@ class XmlScanner {
   /// FileError that names the line.
   Event next();
 
-  /// Of the element that begins or ends here.
+  /// The name of the element that begins or ends here.
   std::string_view element() const { return element_; }
   /// How many elements are open around this place, its own included.
   std::size_t depth() const { return open_.size(); }
 
-  /// An attribute of the element that begins here, without the references it may have (&amp;).
+  /// An attribute of the element that begins here, its references (&amp;) resolved.
   std::optional<std::string> attribute(std::string_view name) const;
-  /// The same as it stands there: for numbers, which have no references.
+  /// The attribute as it is written: for numbers, which have no references.
   std::optional<std::string_view> plainAttribute(std::string_view name) const;
   /// The text between this tag and the next one.
   std::string_view text() const;
-  /// Everything behind this tag. Goes on behind `size` bytes of it.
+  /// Everything after this tag. passOver() goes on after `size` bytes of it.
   std::string_view rest() const { return text_.substr(at_); }
   void passOver(std::size_t size) { at_ += size; }
 

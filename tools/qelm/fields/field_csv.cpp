@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "text/index.h"
+
 namespace qelm::tool {
 
 std::vector<std::string> fieldTitles(std::size_t fieldCount) {
@@ -19,14 +21,14 @@ std::vector<std::string> fieldTitles(std::size_t fieldCount) {
 void writeFieldCsv(const Mesh& mesh, const std::vector<std::string>& titles,
                    std::span<const double> columns, ByteSink& file) {
   constexpr std::size_t kBlock = 1 << 16;
-  const auto n = static_cast<std::size_t>(mesh.vertexCount());
+  const std::size_t n = asIndex(mesh.vertexCount());
   fmt::memory_buffer block;
   const auto out = std::back_inserter(block);
   fmt::format_to(out, "vertex,x,y,z,{}\n", fmt::join(titles, ","));
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const Point p = mesh.point(v);
     fmt::format_to(out, "{},{},{},{}", v, p[0], p[1], p[2]);
-    for (auto i = static_cast<std::size_t>(v); i < columns.size(); i += n) {
+    for (std::size_t i = asIndex(v); i < columns.size(); i += n) {
       block.push_back(',');
       if (!std::isnan(columns[i])) fmt::format_to(out, "{}", columns[i]);
     }

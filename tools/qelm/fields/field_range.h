@@ -6,6 +6,8 @@
 #include <limits>
 #include <span>
 
+#include "text/index.h"
+
 namespace qelm::tool {
 
 struct FieldRange {
@@ -15,17 +17,17 @@ struct FieldRange {
   int highest = -1;
 };
 
-/// Vertices in no triangle have no value, which is not a number here: they do not count.
+/// Vertices in no triangle have the value NaN, which does not count.
 inline FieldRange rangeOf(std::span<const double> field) {
   FieldRange range;
   for (std::size_t i = 0; i < field.size(); ++i) {
     if (field[i] < range.low) {
       range.low = field[i];
-      range.lowest = static_cast<int>(i);
+      range.lowest = asInt(i);
     }
     if (field[i] > range.high) {
       range.high = field[i];
-      range.highest = static_cast<int>(i);
+      range.highest = asInt(i);
     }
   }
   return range;

@@ -10,6 +10,7 @@
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -40,13 +41,13 @@ FieldSystem::FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robus
 std::vector<double> FieldSystem::used(std::span<const double> entries) const {
   std::vector<double> own;
   own.reserve(size());
-  for (const int v : vertices_) own.push_back(entries[static_cast<std::size_t>(v)]);
+  for (const int v : vertices_) own.push_back(entries[asIndex(v)]);
   return own;
 }
 
 std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double> values,
                                        std::span<const double> load) const {
-  const auto n = static_cast<std::size_t>(mesh.vertexCount());
+  const std::size_t n = asIndex(mesh.vertexCount());
   const std::size_t count = values.size() / n;
   std::vector<double> own;  // values, then the fields
   std::vector<double> loads;
@@ -58,14 +59,14 @@ std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double>
     loads.insert(loads.end(), its.begin(), its.end());
   }
   int status = -1;
-  qelmsolveManyTagged(handle(), static_cast<int>(count), own.data(),
-                      load.empty() ? nullptr : loads.data(), own.data(), &status);
+  qelmsolveManyTagged(handle(), asInt(count), own.data(), load.empty() ? nullptr : loads.data(),
+                      own.data(), &status);
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to solve: {}", qelmstatustext(status)));
   std::vector<double> fields(values.size(), std::numeric_limits<double>::quiet_NaN());
   for (std::size_t i = 0; i < own.size(); ++i) {
     const int vertex = vertices_[i % size()];
-    fields[i / size() * n + static_cast<std::size_t>(vertex)] = own[i];
+    fields[i / size() * n + asIndex(vertex)] = own[i];
     if (!std::isfinite(own[i]))
       throw SingularError(
           fmt::format("the field is not finite, first at {}; look for needle-like "

@@ -12,27 +12,26 @@
 
 namespace qelm::tool {
 
-/// Vertices in no triangle take no part; a field has no value there, which is not a number.
+/// A mesh's handle without the vertices that are in no triangle. Fields are NaN there.
 class FieldSystem {
  public:
-  /// Plain or robust. Throws InputError when the library refuses the mesh or cannot
-  /// factorise.
+  /// Throws InputError if the library refuses the mesh or cannot factorise.
   FieldSystem(const Mesh& mesh, std::span<const int> tags, bool robust);
 
-  /// One or more fields, one after another, with a value for each vertex in the mesh's
-  /// order; `load` is one of them for all, or empty for none. Throws InputError when a
-  /// value is not finite, qelminfo() alone does not see that; vertices in no triangle apart.
+  /// Fields from prescribed values: one or more, one after another, with a value for each vertex in
+  /// the mesh's order. `load` is the same for all fields; empty: none. Throws InputError if a field
+  /// is not finite, which qelminfo() does not see.
   std::vector<double> solve(const Mesh& mesh, std::span<const double> values,
                             std::span<const double> load) const;
 
-  /// What rounding does on this mesh: the largest deviation of the field that should be 1
-  /// everywhere, so an error as a part of a field's largest value. Infinite where such a
-  /// field is not finite.
+  /// The error that rounding makes on this mesh, as a part of a field's largest value: how far the
+  /// field that should be 1 everywhere is off at most. Infinite if that field is not finite.
   double constantError() const;
 
   const MeshSystem* handle() const { return handle_.get(); }
 
-  /// Of one entry for each of the mesh's vertices, those that the handle has, in its input order.
+  /// The handle's entries of an array with one for each of the mesh's vertices, in the handle's
+  /// input order.
   std::vector<double> used(std::span<const double> entries) const;
 
  private:

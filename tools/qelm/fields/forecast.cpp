@@ -11,10 +11,9 @@
 namespace qelm::tool {
 namespace {
 
-// With fewer vertices, any factor takes some seconds at most.
+// The factor of a mesh with fewer vertices takes some seconds at most, whatever the mesh is.
 constexpr int kSmall = 10'000;
-
-// Measured: 3 to 9 thousand million, the more the denser the factor.
+// Measured: 3 to 9 thousand million, more for denser factors.
 constexpr double kMultiplicationsPerSecond = 5e9;
 
 constexpr double kLong = 10;

@@ -1,4 +1,4 @@
-// What constructing a system will take, told before anybody waits for it.
+// How long construction will take, told before anybody waits for it.
 #ifndef QELM_TOOLS_FORECAST_H
 #define QELM_TOOLS_FORECAST_H
 
@@ -12,11 +12,11 @@
 
 namespace qelm::tool {
 
-/// Of a mesh that passes checkMesh(); nothing of a small one. Throws InputError if the library
-/// cannot index the factor.
+/// The library's prediction for a mesh that passes checkMesh(); nothing for a small one. Throws
+/// InputError if the library cannot index the factor.
 std::optional<QelmPrediction> forecast(const Mesh& mesh, std::span<const int> tags, bool robust);
 
-/// On a processor of today; within a factor of three.
+/// The time of the factorisation on a processor of today, within a factor of three.
 double secondsOf(const QelmPrediction& prediction);
 
 /// "about 3 minutes: the factor has 120 M entries", if that is longer than ten seconds.

@@ -9,6 +9,7 @@
 #include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 
@@ -36,14 +37,14 @@ SolvedField givenFields(const FieldOptions& options, const Console& console) {
     solved.fields.insert(solved.fields.end(), field.begin(), field.end());
   }
   solved.prescribed.fieldCount = options.given.size();
-  // Nothing is divided by an area: thin triangles do no harm.
+  // Curves divide by no area: thin triangles do no harm.
   const bool isRobust = true;
   naming(options.mesh + ": will not work", [&] {
     steps.run("check", [&] { checkMesh(mesh, {isRobust, options.strict}); });
   });
-  solved.prescribed.heldBy.assign(static_cast<std::size_t>(mesh.vertexCount()), 0);
-  // With every vertex fixed there is nothing to factorise.
-  solved.prescribed.tags.assign(static_cast<std::size_t>(mesh.vertexCount()), 1);
+  solved.prescribed.prescribedBy.assign(asIndex(mesh.vertexCount()), 0);
+  // The handle is only there for its curves: with every vertex tagged, nothing is factorised.
+  solved.prescribed.tags.assign(asIndex(mesh.vertexCount()), 1);
   naming(options.mesh, [&] { solved.system.emplace(mesh, solved.prescribed.tags, false); });
   return solved;
 }

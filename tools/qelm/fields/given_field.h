@@ -6,8 +6,8 @@
 
 namespace qelm::tool {
 
-/// Reads mesh and fields; no vertex counts as held. Throws UsageError where there are conditions as
-/// well, or several fields for a command that takes one, InputError.
+/// Reads mesh and fields; no vertex counts as prescribed. Throws UsageError if there are conditions
+/// as well, or several fields for a command that takes one; InputError.
 SolvedField givenFields(const FieldOptions& options, const Console& console);
 
 }  // namespace qelm::tool

@@ -5,6 +5,7 @@
 
 #include "mesh/mesh_checks.h"
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -21,7 +22,7 @@ struct TriangleGradient {
 };
 
 TriangleGradient gradientIn(const std::array<Point, 3>& p, const std::array<double, 3>& u) {
-  const Point normal = cross(p[1] - p[0], p[2] - p[0]);
+  const Point normal = areaVector(p[0], p[1], p[2]);
   const double twiceArea = length(normal);
   const Point along = scaledSum(u[1] - u[0], p[0] - p[2], u[2] - u[0], p[1] - p[0]);
   Point vector = cross(normal, along);
@@ -46,13 +47,13 @@ Gradient gradientOf(const Mesh& mesh, std::span<const double> field) {
     std::array<double, 3> values;
     for (std::size_t k = 0; k < 3; ++k) {
       places[k] = mesh.point(mesh.corners(t)[k]);
-      values[k] = field[static_cast<std::size_t>(mesh.corners(t)[k])];
+      values[k] = field[asIndex(mesh.corners(t)[k])];
     }
     const auto [vector, twiceArea] = gradientIn(places, values);
     for (std::size_t axis = 0; axis < 3; ++axis)
-      gradient.ofTriangles[3 * static_cast<std::size_t>(t) + axis] = vector[axis];
+      gradient.ofTriangles[3 * asIndex(t) + axis] = vector[axis];
     for (const int v : mesh.corners(t)) {
-      const auto i = static_cast<std::size_t>(v);
+      const std::size_t i = asIndex(v);
       weights[i] += twiceArea;
       for (std::size_t axis = 0; axis < 3; ++axis)
         gradient.ofVertices[3 * i + axis] += twiceArea * vector[axis];

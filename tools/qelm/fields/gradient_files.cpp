@@ -12,6 +12,7 @@
 #include "fields/field_csv.h"
 #include "mesh/vec3.h"
 #include "mesh_files/vtk_writer.h"
+#include "text/index.h"
 #include "text/text_block.h"
 
 namespace qelm::tool {
@@ -60,7 +61,7 @@ FieldColumns withGradients(std::span<const double> fields, std::span<const Gradi
       for (std::size_t v = 0; v < n; ++v)
         columns.values.push_back(gradients[k].ofVertices[3 * v + axis]);
     for (std::size_t v = 0; v < n; ++v)
-      columns.values.push_back(length(gradients[k].ofVertex(static_cast<int>(v))));
+      columns.values.push_back(length(gradients[k].ofVertex(asInt(v))));
   }
   return columns;
 }
@@ -102,7 +103,7 @@ void writeGradientPly(const Mesh& mesh, std::span<const double> field, const Gra
       isPerVertex ? "" : kGradient);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     for (const double coordinate : mesh.point(v)) block.bytes(coordinate);
-    block.bytes(field[static_cast<std::size_t>(v)]);
+    block.bytes(field[asIndex(v)]);
     if (isPerVertex) writeVector(gradient.ofVertex(v), block);
   }
   for (int t = 0; t < mesh.triangleCount(); ++t) {

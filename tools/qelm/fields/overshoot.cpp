@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "mesh/mesh_checks.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -20,7 +21,7 @@ constexpr const char* kRemedy =
 
 std::optional<Overshoot> overshootOf(std::span<const double> field, const Prescribed& prescribed,
                                      std::size_t k) {
-  constexpr double kRounding = 1e-9;  // of the largest value that is held
+  constexpr double kRounding = 1e-9;  // of the largest prescribed value
   Overshoot worst{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                   -1, 0, 0};
   for (std::size_t i = 0; i < field.size(); ++i) {
@@ -31,7 +32,7 @@ std::optional<Overshoot> overshootOf(std::span<const double> field, const Prescr
   }
   for (std::size_t i = 0; i < field.size(); ++i) {
     const double by = std::max(worst.low - field[i], field[i] - worst.high);
-    if (by > worst.by) worst = {worst.low, worst.high, static_cast<int>(i), field[i], by};
+    if (by > worst.by) worst = {worst.low, worst.high, asInt(i), field[i], by};
   }
   if (!(worst.by > kRounding * std::max(std::abs(worst.low), std::abs(worst.high)))) return {};
   return worst;

@@ -1,4 +1,4 @@
-// Fields that leave the range of the values that are held.
+// Fields that leave the range of their prescribed values.
 #ifndef QELM_TOOLS_OVERSHOOT_H
 #define QELM_TOOLS_OVERSHOOT_H
 
@@ -7,20 +7,21 @@
 #include <span>
 #include <string>
 
-#include "conditions/selection.h"
+#include "conditions/prescribed.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
 
 struct Overshoot {
-  double low, high;  ///< of the values that are held
+  double low, high;  ///< the range
   int vertex;        ///< where the field is farthest outside
   double value;      ///< the field there
-  double by;         ///< how far outside that is, above 0
+  double by;         ///< how far outside `value` is, above 0
 };
 
-/// None where the field number k stays inside, but for rounding. Without a load the smooth field
-/// has its extremes where it is held; on triangles with obtuse angles the computed one need not.
+/// How far field k leaves the range; nothing if it stays inside but for rounding. Without a load a
+/// smooth field has its extremes at prescribed vertices (the maximum principle); on triangles with
+/// obtuse angles the computed field may break that.
 std::optional<Overshoot> overshootOf(std::span<const double> field, const Prescribed& prescribed,
                                      std::size_t k);
 

@@ -22,7 +22,7 @@ enum class Construction {
 /// UsageError.
 Construction parseConstruction(const std::string& text);
 
-/// What robust construction would do; none where the library refuses the mesh.
+/// What robust construction would do; nothing if the library refuses the mesh.
 std::optional<QelmRobustReport> robustReport(const Mesh& mesh, std::span<const int> tags);
 
 /// "3 edges not Delaunay, 1 triangle without height, 12 flips".

@@ -7,6 +7,7 @@
 
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -25,12 +26,10 @@ std::optional<double> parseUniformLoad(const std::string& text) {
 }
 
 std::vector<double> uniformLoad(const Mesh& mesh, double perArea) {
-  std::vector<double> load(static_cast<std::size_t>(mesh.vertexCount()), 0.0);
+  std::vector<double> load(asIndex(mesh.vertexCount()), 0.0);
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    const auto c = mesh.corners(t);
-    const Point p = mesh.point(c[0]);
-    const double twice = length(cross(mesh.point(c[1]) - p, mesh.point(c[2]) - p));
-    for (const int v : c) load[static_cast<std::size_t>(v)] += perArea * twice / 6;
+    const double twiceArea = length(areaVector(mesh, t));
+    for (const int v : mesh.corners(t)) load[asIndex(v)] += perArea * twiceArea / 6;
   }
   return load;
 }

@@ -10,17 +10,18 @@
 
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// Six digits of a field are more than its mesh is good for.
+// A smaller error is below what the mesh itself is good for.
 constexpr double kNoError = 1e-6;
-// One digit left is none.
+// With a larger error not one digit is left.
 constexpr double kNothingLeft = 0.1;
 
-/// The report's bound on the error, rounding over quality, was never below what was measured:
-/// where it is small enough nothing need be built.
+/// Rounding by the worst quality bounds the error: in no measurement was it exceeded. So a small
+/// bound makes building the system needless.
 bool isBeyondDoubt(const QelmMeshReport& report) {
   return std::numeric_limits<double>::epsilon() / report.worstQuality <= kNoError;
 }
@@ -32,8 +33,8 @@ void addUnused(const Mesh& mesh, QelmFinding& finding) {
 }
 
 std::string describeWorst(const Mesh& mesh) {
-  const std::vector<int> tags(static_cast<std::size_t>(mesh.vertexCount()), 0);
-  return describeTriangle(mesh, static_cast<int>(reportOn(mesh, tags).worstTriangle));
+  const std::vector<int> tags(asIndex(mesh.vertexCount()), 0);
+  return describeTriangle(mesh, asInt(reportOn(mesh, tags).worstTriangle));
 }
 
 }  // namespace
@@ -48,8 +49,7 @@ QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code) 
   if (code != nullptr) *code = status;
   for (QelmFinding* finding : {&report.notFinite, &report.untaggedPart, &report.part,
                                &report.boundaryLoop, &report.coincidentVertex})
-    if (finding->count > 0)
-      finding->first = part.vertices[static_cast<std::size_t>(finding->first)];
+    if (finding->count > 0) finding->first = part.vertices[asIndex(finding->first)];
   addUnused(mesh, report.unusedVertex);
   return report;
 }
@@ -89,7 +89,7 @@ Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshRep
 std::vector<int> leastTags(const Mesh& mesh) {
   const std::vector<int> lowest = lowestOfPart(mesh);
   std::vector<int> tags(lowest.size(), 0);
-  for (const int v : lowest) tags[static_cast<std::size_t>(v)] = 1;
+  for (const int v : lowest) tags[asIndex(v)] = 1;
   return tags;
 }
 

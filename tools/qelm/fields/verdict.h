@@ -15,17 +15,16 @@
 namespace qelm::tool {
 
 /// The library's report, and its status in `code` if wanted. Vertices in no triangle are counted,
-/// but are nothing that the status speaks of. The last word on what it calls an
-/// area near zero is measuredError()'s.
+/// but do not change the status. Whether areas near zero do harm is for measuredError() to say.
 QelmMeshReport reportOn(const Mesh& mesh, std::span<const int> tags, int* code = nullptr);
 
-/// The error that rounding leaves in a field on this mesh, as a part of its largest value, where
-/// it is worth a word; else 0. Costs one solve. Throws SingularError when nothing of the field is
-/// left.
+/// The error that rounding leaves in a field on this mesh, as a part of its largest value; 0 if it
+/// is below a millionth. Costs one solve. Throws SingularError if nothing of the field is left.
 ///
-/// Why a measurement: one needle in a good mesh does no harm, many do, and the shape of the worst
-/// triangle cannot tell which. A constant field has a known solution; on strips of slivers, single
-/// needles and meshes far from the origin it was off by about as much as a linear one, or more.
+/// The error is measured because the shape of the worst triangle does not tell it: one needle in a
+/// good mesh does no harm, many do. The field measured is the constant 1, whose solution is known.
+/// On strips of slivers, single needles and meshes far from the origin it was off by about as much
+/// as a linear field, or by more.
 double measuredError(const FieldSystem& system, const Mesh& mesh);
 
 /// "will work, but with an error of about 4e-05 of the largest value: ...".
@@ -40,12 +39,12 @@ struct Verdict {
   ExitCode exitCode = kExitOk;
 };
 
-/// What a solve with these tags would say. Builds the system where the report leaves it open.
+/// What a solve with these tags would say. Builds the system unless the report is enough to tell.
 /// Vertices in no triangle do no harm unless `strict`.
 Verdict verdictOn(const Mesh& mesh, std::span<const int> tags, const QelmMeshReport& report,
                   bool strict = false);
 
-/// One fixed vertex in every part: the tags of a mesh without conditions.
+/// The fewest tags with which a mesh can be solved: one vertex of every part.
 std::vector<int> leastTags(const Mesh& mesh);
 
 }  // namespace qelm::tool

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "text/index.h"
+
 namespace qelm::tool {
 
 using Point = std::array<double, 3>;
@@ -26,15 +28,15 @@ struct VertexSet {
   std::vector<int> vertices;  ///< in increasing order, each once
 };
 
-/// What a file says about its vertices besides their places.
+/// What a file says of its vertices besides their coordinates.
 struct Attributes {
   std::vector<VertexArray> arrays;
   std::vector<VertexSet> groups;
   std::vector<VertexSet> materials;
 };
 
-/// Polygons, their corners one after another in one array: a million small arrays would take
-/// longer than reading them.
+/// Polygons, packed: corners one after another, and where each polygon's end. A million arrays of
+/// their own would take longer than reading the file.
 class Faces {
  public:
   std::size_t size() const { return ends_.size(); }
@@ -61,17 +63,16 @@ class Faces {
   std::vector<std::size_t> ends_;
 };
 
-/// What a file holds: points and polygons over them, nothing checked but that
-/// every index is in range.
+/// What a file holds: points, and polygons between them. Only the range of indices is checked.
 struct PolygonSoup {
   std::vector<Point> points;
   Faces faces;
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;
   Attributes attributes;
-  /// How many points lay exactly on one before them and became one with it.
+  /// How many points were merged with an earlier one at exactly the same place.
   std::size_t mergedPoints = 0;
-  /// What the file holds besides, as people call it: "normals", "colours".
+  /// What else the file holds, as people call it: "normals", "colours".
   std::set<std::string> passedOver;
 };
 
@@ -79,21 +80,23 @@ struct PolygonSoup {
 struct Mesh {
   std::vector<double> vertices;  ///< 3n, packed xyz
   std::vector<int> triangles;    ///< 3m
-  /// For each triangle the face of the file that it is part of; empty when
-  /// triangle and face are the same everywhere.
+  /// For each triangle the face of the file that it is part of; empty if triangles and faces are
+  /// the same.
   std::vector<int> faceOfTriangle;
   Attributes attributes = {};
   int leftOutFaces = 0;  ///< faces of the file that had fewer than three different corners
 
-  int vertexCount() const { return static_cast<int>(vertices.size() / 3); }
-  int triangleCount() const { return static_cast<int>(triangles.size() / 3); }
+  int vertexCount() const { return asInt(vertices.size() / 3); }
+  int triangleCount() const { return asInt(triangles.size() / 3); }
   Point point(int vertex) const {
-    const auto base = 3 * static_cast<std::size_t>(vertex);
+    const std::size_t base = 3 * asIndex(vertex);
     return {vertices[base], vertices[base + 1], vertices[base + 2]};
   }
   std::span<const int, 3> corners(int triangle) const {
-    return std::span<const int, 3>(triangles.data() + 3 * static_cast<std::size_t>(triangle), 3);
+    return std::span<const int, 3>(triangles.data() + 3 * asIndex(triangle), 3);
   }
+  /// Corner k of a triangle; 3 is corner 0 again, and so on.
+  int corner(int triangle, int k) const { return corners(triangle)[asIndex(k % 3)]; }
 };
 
 }  // namespace qelm::tool

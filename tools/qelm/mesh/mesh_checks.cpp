@@ -12,21 +12,17 @@
 #include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
-
-// A triangle lower than this many roundings of its largest coordinate cannot be
-// told from one without area: each of its corners is off by half a rounding, and
-// the differences that make its height add some more.
-constexpr double kFlatRoundings = 8;
 
 // As QelmMeshReport has it: the assembly forms fourth powers of lengths.
 constexpr double kShortestLongestEdge = 1e-60;
 constexpr double kLongestLongestEdge = 1e60;
 
-/// Calls `bad(element)` for every element and throws a message about the first
-/// for which it is true; `describe` makes that message's beginning and `advice` its end.
+/// Calls bad(element) for every element and throws a message about the first bad one: it begins
+/// with describe(element) and ends with the advice.
 template <class Error = MeshError, class Bad, class Describe>
 void refuseFirst(int count, Bad bad, Describe describe, const char* advice) {
   int first = -1;
@@ -48,14 +44,6 @@ int repeatedCorner(std::span<const int, 3> c) {
   return c[1] == c[2] ? c[1] : -1;
 }
 
-bool isFinite(const Point& p) {
-  return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
-}
-
-double largestCoordinate(const Point& p) {
-  return std::max({std::abs(p[0]), std::abs(p[1]), std::abs(p[2])});
-}
-
 double longestEdge(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
   const Point p = mesh.point(c[0]);
@@ -64,7 +52,7 @@ double longestEdge(const Mesh& mesh, int triangle) {
   return std::max({length(q - p), length(r - q), length(p - r)});
 }
 
-/// Three corners at one place have no size, but also no area, which says more.
+/// Three corners at one place have a bad size, too, but hasNoArea() says more about them.
 bool hasBadSize(const Mesh& mesh, int triangle) {
   const double longest = longestEdge(mesh, triangle);
   return longest > 0 && !(longest >= kShortestLongestEdge && longest <= kLongestLongestEdge);
@@ -73,46 +61,39 @@ bool hasBadSize(const Mesh& mesh, int triangle) {
 }  // namespace
 
 bool hasNoArea(const Mesh& mesh, int triangle) {
-  const auto c = mesh.corners(triangle);
-  const Point p = mesh.point(c[0]);
-  const Point q = mesh.point(c[1]);
-  const Point r = mesh.point(c[2]);
-  const double longest = longestEdge(mesh, triangle);
-  const double magnitude =
-      std::max({largestCoordinate(p), largestCoordinate(q), largestCoordinate(r)});
-  const double twiceArea = length(cross(q - p, r - p));
-  const double noise = kFlatRoundings * std::numeric_limits<double>::epsilon() * magnitude;
-  // Also true for an area that overflowed or underflowed, which the library
-  // could not use either.
-  return !(twiceArea > noise * longest) || !std::isfinite(twiceArea);
+  const double twiceArea = length(areaVector(mesh, triangle));
+  // Also true of an area that overflowed or underflowed, which the library could not use either.
+  return !(twiceArea > heightNoise(mesh, mesh.corners(triangle)) * longestEdge(mesh, triangle)) ||
+         !std::isfinite(twiceArea);
 }
 
 std::vector<int> lowestOfPart(const Mesh& mesh) {
-  std::vector<int> parent(static_cast<std::size_t>(mesh.vertexCount()));
-  std::iota(parent.begin(), parent.end(), 0);
+  // Union-find with path halving. The lower root wins, so that a root is the lowest of its part.
+  std::vector<int> parents(asIndex(mesh.vertexCount()));
+  std::iota(parents.begin(), parents.end(), 0);
+  const auto parent = [&parents](int v) -> int& { return parents[asIndex(v)]; };
   const auto root = [&parent](int v) {
-    auto at = [&parent](int i) -> int& { return parent[static_cast<std::size_t>(i)]; };
-    while (at(v) != v) v = at(v) = at(at(v));
+    while (parent(v) != v) v = parent(v) = parent(parent(v));
     return v;
   };
   const auto unite = [&](int a, int b) {
     const int rootA = root(a);
     const int rootB = root(b);
-    parent[static_cast<std::size_t>(std::max(rootA, rootB))] = std::min(rootA, rootB);
+    parent(std::max(rootA, rootB)) = std::min(rootA, rootB);
   };
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    unite(mesh.corners(t)[0], mesh.corners(t)[1]);
-    unite(mesh.corners(t)[0], mesh.corners(t)[2]);
+    unite(mesh.corner(t, 0), mesh.corner(t, 1));
+    unite(mesh.corner(t, 0), mesh.corner(t, 2));
   }
-  for (int v = 0; v < mesh.vertexCount(); ++v) parent[static_cast<std::size_t>(v)] = root(v);
-  return parent;
+  for (int v = 0; v < mesh.vertexCount(); ++v) parent(v) = root(v);
+  return parents;
 }
 
 std::string describeTriangle(const Mesh& mesh, int triangle) {
   const auto c = mesh.corners(triangle);
   std::string text = fmt::format("triangle {} ({}, {}, {})", triangle, c[0], c[1], c[2]);
   if (!mesh.faceOfTriangle.empty())
-    text += fmt::format(" of face {}", mesh.faceOfTriangle[static_cast<std::size_t>(triangle)]);
+    text += fmt::format(" of face {}", mesh.faceOfTriangle[asIndex(triangle)]);
   return text;
 }
 
@@ -138,8 +119,7 @@ void checkMesh(const Mesh& mesh, const CheckedFor& wanted) {
       "remove such triangles");
   const std::vector<bool> used = usedVertices(mesh);
   refuseFirst(
-      mesh.vertexCount(),
-      [&](int v) { return wanted.strict && !used[static_cast<std::size_t>(v)]; },
+      mesh.vertexCount(), [&](int v) { return wanted.strict && !used[asIndex(v)]; },
       [&](int v) { return fmt::format("{}: in no triangle", describeVertex(mesh, v)); },
       "remove such vertices");
   checkFinite(mesh);
@@ -162,18 +142,15 @@ void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags) {
   std::vector<bool> fixed(lowest.size(), false);
   const std::vector<bool> used = usedVertices(mesh);
   for (std::size_t v = 0; v < lowest.size(); ++v) {
-    ++size[static_cast<std::size_t>(lowest[v])];
-    if (tags[v] != 0) fixed[static_cast<std::size_t>(lowest[v])] = true;
+    ++size[asIndex(lowest[v])];
+    if (tags[v] != 0) fixed[asIndex(lowest[v])] = true;
   }
   refuseFirst<SingularError>(
       mesh.vertexCount(),
-      [&](int v) {
-        const auto i = static_cast<std::size_t>(v);
-        return used[i] && size[i] > 0 && !fixed[i];
-      },
+      [&](int v) { return used[asIndex(v)] && size[asIndex(v)] > 0 && !fixed[asIndex(v)]; },
       [&](int v) {
         return fmt::format("the connected part with {}, {} vertices in all, has no fixed vertex",
-                           describeVertex(mesh, v), size[static_cast<std::size_t>(v)]);
+                           describeVertex(mesh, v), size[asIndex(v)]);
       },
       "fix a vertex in every part, remove the part, or join the parts with 'qelm weld'");
 }

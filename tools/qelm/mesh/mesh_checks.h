@@ -1,5 +1,5 @@
-// What the library takes on trust, looked at first: a mesh that passes here
-// constructs, and every solve on it is well posed.
+// Checks of what the library takes on trust. A mesh that passes them constructs, and every solve on
+// it is well posed.
 #ifndef QELM_TOOLS_MESH_CHECKS_H
 #define QELM_TOOLS_MESH_CHECKS_H
 
@@ -16,26 +16,25 @@ struct CheckedFor {
   bool strict = false;  ///< vertices in no triangle are refused, not left out
 };
 
-/// Throws InputError that names the first triangle or vertex, in this order: a
-/// triangle that names a vertex twice, a vertex in no triangle if strict, a coordinate
-/// that is not finite and, unless construction is robust, a triangle too small or too large to
-/// compute with, one without area.
+/// Throws InputError that names the first element of the first kind of defect, in this order: a
+/// triangle that names a vertex twice; if strict, a vertex in no triangle; a coordinate that is not
+/// finite; and unless robust, a triangle too small or too large to compute with, a triangle without
+/// area.
 void checkMesh(const Mesh& mesh, const CheckedFor& wanted = {});
 
 /// Throws InputError that names the first vertex with a coordinate that is not finite.
 void checkFinite(const Mesh& mesh);
 
-/// Throws InputError when some connected part of the mesh has no vertex with a
-/// nonzero tag. Triangles are connected when they share a vertex; a vertex in no triangle is no
-/// part.
+/// Throws InputError if a connected part of the mesh has no vertex with a nonzero tag. Triangles
+/// are connected when they share a vertex; a vertex in no triangle is no part.
 void checkEveryPartIsFixed(const Mesh& mesh, std::span<const int> tags);
 
-/// Whether a triangle is lower than rounding of its coordinates can tell from one without area, or
-/// so large or small that its area overflows or underflows.
+/// Whether a triangle is lower than heightNoise(), or so large or small that its area overflows or
+/// underflows.
 bool hasNoArea(const Mesh& mesh, int triangle);
 
-/// The lowest vertex of each vertex's connected part; triangles are connected when
-/// they share a vertex.
+/// For each vertex the lowest vertex of its connected part; triangles are connected when they share
+/// a vertex.
 std::vector<int> lowestOfPart(const Mesh& mesh);
 
 /// "triangle 4711 (12, 90, 91)", with its face where faces were split.

@@ -1,4 +1,4 @@
-// What a mesh is like: sizes, parts, boundary.
+// What a mesh is like: its box, area, edges, connected parts and boundary.
 #ifndef QELM_TOOLS_MESH_FACTS_H
 #define QELM_TOOLS_MESH_FACTS_H
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mesh/boundary.h"
+#include "mesh/box.h"
 #include "mesh/mesh.h"
 
 namespace qelm::tool {
@@ -24,7 +25,7 @@ struct EdgeLengths {
 };
 
 struct MeshFacts {
-  Point low, high;  ///< the bounding box
+  Box box;  ///< of all vertices
   double area = 0;
   EdgeLengths edges;
   std::vector<MeshPart> parts;  ///< by lowest vertex; triangles that share a vertex

@@ -5,25 +5,29 @@
 #include <vector>
 
 #include "mesh/mesh_checks.h"
+#include "mesh/vec3.h"
 #include "mesh/weld.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-// A surface has a few parts, whatever its size; a soup has about one for each triangle, or for
-// each quadrilateral or strip that was written by itself.
-constexpr int kTrianglesOfAPart = 8;
+// A surface has a few parts, whatever its size. A soup has about one for each triangle, or for each
+// quadrilateral or strip that was written by itself.
+constexpr int kTrianglesPerPart = 8;
 constexpr std::size_t kManyParts = 1000;
-// Of the vertices: pairs that merge leave half of them.
+// The part of a soup's vertices that welding leaves at most. Pairs that merge leave half of them.
 constexpr double kMostLeft = 0.75;
-// Vertices that stay apart are cracks, so hardly any may.
+// Vertices that a smaller tolerance leaves apart are cracks: hardly any may stay.
 constexpr double kHardlyMore = 0.001;
-constexpr double kMostDropped = 0.001;  // of the triangles
-constexpr double kFinest = 1e-9;        // of the diagonal; then ten times as much, and so on
+// The part of the triangles that a tolerance may cost.
+constexpr double kMostDropped = 0.001;
+// Of the diagonal: the first tolerance. Each further one is ten times as large.
+constexpr double kFinest = 1e-9;
 constexpr int kTrials = 7;
 
-/// Parts and vertices of the triangles: vertices in none do not count.
+/// Connected parts and vertices, without vertices in no triangle.
 struct Size {
   std::size_t parts = 0;
   int vertices = 0;
@@ -32,18 +36,14 @@ struct Size {
 Size sizeOf(const Mesh& mesh) {
   const std::vector<int> lowest = lowestOfPart(mesh);
   std::vector<bool> used(lowest.size(), false);
-  for (const int v : mesh.triangles) used[static_cast<std::size_t>(v)] = true;
+  for (const int v : mesh.triangles) used[asIndex(v)] = true;
   Size size;
   for (std::size_t v = 0; v < lowest.size(); ++v) {
     if (!used[v]) continue;
     ++size.vertices;
-    if (static_cast<std::size_t>(lowest[v]) == v) ++size.parts;
+    if (asIndex(lowest[v]) == v) ++size.parts;
   }
   return size;
-}
-
-bool isFinite(const Point& p) {
-  return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
 }
 
 /// Whether the bounding box's diagonal is a number that welding can use.
@@ -60,7 +60,7 @@ bool hasDiagonal(const Mesh& mesh) {
 struct Trial {
   double tolerance;
   int vertices;          ///< that welding leaves
-  int droppedTriangles;  ///< all of them where it leaves none
+  int droppedTriangles;  ///< all triangles if welding leaves none
 };
 
 Trial tryToWeld(const Mesh& mesh, double tolerance) {
@@ -72,8 +72,8 @@ Trial tryToWeld(const Mesh& mesh, double tolerance) {
   }
 }
 
-/// From the finest tolerance to the coarsest that does not cost triangles. What the finest drops,
-/// such as repeated ones, any does.
+/// From the finest tolerance to the coarsest that does not cost triangles. Triangles that even the
+/// finest drops, such as repeated ones, are no cost.
 std::vector<Trial> trials(const Mesh& mesh, double size) {
   std::vector<Trial> done;
   double tolerance = kFinest * size;
@@ -90,7 +90,7 @@ std::vector<Trial> trials(const Mesh& mesh, double size) {
 
 std::optional<Soup> findSoup(const Mesh& mesh) {
   const Size before = sizeOf(mesh);
-  const auto few = static_cast<std::size_t>(mesh.triangleCount() / kTrianglesOfAPart);
+  const std::size_t few = asIndex(mesh.triangleCount() / kTrianglesPerPart);
   if (before.parts < 2 || before.parts < std::min(few, kManyParts) || !hasDiagonal(mesh)) return {};
   const double size = diagonal(mesh);
   const std::vector<Trial> done = trials(mesh, size);

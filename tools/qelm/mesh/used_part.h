@@ -1,4 +1,5 @@
-// Vertices in no triangle: they keep their numbers in results, but take no part in the equations.
+// A mesh without its vertices in no triangle, which keep their numbers in results but have no
+// value.
 #ifndef QELM_TOOLS_USED_PART_H
 #define QELM_TOOLS_USED_PART_H
 
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "mesh/mesh.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 
@@ -18,12 +20,12 @@ struct UsedPart {
   Mesh mesh;
   std::vector<int> vertices;  ///< for each of its vertices the number in the whole mesh
 
-  /// Of one entry for each vertex of the whole mesh, those of the part.
+  /// The part's entries of an array with one for each vertex of the whole mesh.
   template <class Entry>
   std::vector<Entry> of(std::span<const Entry> entries) const {
     std::vector<Entry> own;
     own.reserve(vertices.size());
-    for (const int v : vertices) own.push_back(entries[static_cast<std::size_t>(v)]);
+    for (const int v : vertices) own.push_back(entries[asIndex(v)]);
     return own;
   }
 };

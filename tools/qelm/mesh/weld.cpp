@@ -6,11 +6,13 @@
 #include <cmath>
 #include <cstddef>
 
+#include "mesh/box.h"
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
 #include "mesh/vec3.h"
 #include "qelm.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -24,16 +26,7 @@ void dropUnusedVertices(Welded& welded) {
 }  // namespace
 
 double diagonal(const Mesh& mesh) {
-  Point low = mesh.point(0);
-  Point high = low;
-  for (int v = 1; v < mesh.vertexCount(); ++v) {
-    const Point p = mesh.point(v);
-    for (std::size_t k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], p[k]);
-      high[k] = std::max(high[k], p[k]);
-    }
-  }
-  const double result = length(high - low);
+  const double result = length(boxOf(mesh).size());
   if (!std::isfinite(result))
     throw MeshError("the mesh is too large: its diagonal is not finite; scale it down");
   return result;
@@ -44,7 +37,7 @@ Welded weld(const Mesh& mesh, double tolerance) {
   Welded welded;
   welded.mesh.vertices.resize(mesh.vertices.size());
   welded.mesh.triangles.resize(mesh.triangles.size());
-  std::vector<int> map(static_cast<std::size_t>(mesh.vertexCount()));
+  std::vector<int> map(asIndex(mesh.vertexCount()));
   int vertexCount = 0;
   int triangleCount = 0;
   const int status =
@@ -56,8 +49,8 @@ Welded weld(const Mesh& mesh, double tolerance) {
   if (triangleCount == 0)
     throw MeshError(
         fmt::format("welding within {} leaves no triangle; use a smaller tolerance", tolerance));
-  welded.mesh.vertices.resize(3 * static_cast<std::size_t>(vertexCount));
-  welded.mesh.triangles.resize(3 * static_cast<std::size_t>(triangleCount));
+  welded.mesh.vertices.resize(3 * asIndex(vertexCount));
+  welded.mesh.triangles.resize(3 * asIndex(triangleCount));
   welded.droppedTriangles = mesh.triangleCount() - triangleCount;
   dropUnusedVertices(welded);
   return welded;
@@ -70,7 +63,7 @@ Mesh withOwnCorners(const Mesh& mesh) {
   for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
     const Point p = mesh.point(mesh.triangles[k]);
     soup.vertices.insert(soup.vertices.end(), p.begin(), p.end());
-    soup.triangles.push_back(static_cast<int>(k));
+    soup.triangles.push_back(asInt(k));
   }
   return soup;
 }

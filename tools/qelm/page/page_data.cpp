@@ -1,10 +1,12 @@
 #include "page/page_data.h"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#include "mesh/box.h"
+#include "mesh/vec3.h"
 
 namespace qelm::tool {
 namespace {
@@ -24,7 +26,7 @@ void append(std::string& block, std::uint32_t number) {
   append(block, std::span<const std::uint32_t>(&number, 1));
 }
 
-/// Seven bits in each byte, the lowest first; the top bit says that more follow.
+/// A number in groups of seven bits, the lowest first; a byte's top bit says that more follow.
 void appendVarint(std::string& block, std::uint32_t number) {
   for (; number >= 0x80; number >>= 7) block.push_back(static_cast<char>(number | 0x80));
   block.push_back(static_cast<char>(number));
@@ -35,18 +37,12 @@ std::uint32_t zigzag(int number) {
   return (static_cast<std::uint32_t>(number) << 1) ^ static_cast<std::uint32_t>(number >> 31);
 }
 
-/// The box round the mesh, then every coordinate as a 24-bit fraction of it, rounded to the
-/// nearest: off by 2^-25 of the box's extent at most.
+/// The mesh's box, then every coordinate as a 24-bit fraction of the box, rounded to the nearest:
+/// it is off by 2^-25 of the box's size at most.
 void appendFractions(std::string& block, const Mesh& mesh) {
   constexpr double kMostSteps = 0xffffff;
-  Point low = mesh.point(0);
-  Point high = low;
-  for (int v = 1; v < mesh.vertexCount(); ++v)
-    for (std::size_t k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], mesh.point(v)[k]);
-      high[k] = std::max(high[k], mesh.point(v)[k]);
-    }
-  const Point size = {high[0] - low[0], high[1] - low[1], high[2] - low[2]};
+  const auto [low, high] = boxOf(mesh);
+  const Point size = high - low;
   append(block, std::span<const double>(low));
   append(block, std::span<const double>(size));
   for (std::size_t i = 0; i < mesh.vertices.size(); ++i) {
@@ -57,7 +53,8 @@ void appendFractions(std::string& block, const Mesh& mesh) {
   }
 }
 
-/// Vertices that one condition holds mostly come one after another, and free ones do.
+/// Run-length encoding: vertices of one condition mostly come one after another, and so do free
+/// ones.
 void appendRuns(std::string& block, std::span<const int> fixedBy) {
   for (std::size_t v = 0; v < fixedBy.size();) {
     std::size_t end = v;
@@ -99,22 +96,6 @@ std::string pageData(const PageContent& content) {
   }
   append(block, content.others);
   return block;
-}
-
-std::string base64(std::string_view bytes) {
-  constexpr std::string_view kLetters =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve((bytes.size() + 2) / 3 * 4);
-  for (std::size_t k = 0; k < bytes.size(); k += 3) {
-    const std::string_view three = bytes.substr(k, 3);
-    std::uint32_t bits = 0;
-    for (std::size_t b = 0; b < 3; ++b)
-      bits = bits << 8 | (b < three.size() ? static_cast<unsigned char>(three[b]) : 0U);
-    for (std::size_t b = 0; b < 4; ++b)
-      text.push_back(b <= three.size() ? kLetters[bits >> (18 - 6 * b) & 63] : '=');
-  }
-  return text;
 }
 
 }  // namespace qelm::tool

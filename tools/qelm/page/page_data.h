@@ -17,17 +17,14 @@ struct PageContent {
   std::span<const double> field;
   std::span<const double> others;  ///< further fields, one after another, n values each
   std::span<const double> load;    ///< n values, or none
-  std::vector<int> fixedBy;  ///< n; 0: free, else the condition's place in the page's list, from 1
+  std::vector<int> fixedBy;  ///< n; the condition's number in the page's list, from 1; 0: free
   const Ramp& ramp;
-  bool isExact;  ///< positions in full, not as 24-bit fractions of the box
+  bool isExact;  ///< coordinates as doubles, else as 24-bit fractions of the box
 };
 
-/// One block of bytes, little-endian; decode.js has the layout. Compact: a corner of a mesh in a
-/// natural order takes one or two bytes. Further fields come last.
+/// One block of bytes, little-endian; decode.js has the layout. Corners are differences to the
+/// corner before, so that each takes one or two bytes in a mesh whose numbering has good locality.
 std::string pageData(const PageContent& content);
-
-/// In the alphabet of RFC 4648, padded.
-std::string base64(std::string_view bytes);
 
 }  // namespace qelm::tool
 

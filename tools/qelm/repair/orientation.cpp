@@ -2,97 +2,83 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <tuple>
+#include <span>
 #include <utility>
 #include <vector>
+
+#include "mesh/half_edges.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-struct DirectedSide {
-  int low, high;
-  int triangle;
-  bool isUpward;  ///< runs from the lower to the higher vertex
-};
-
 struct Neighbour {
   int triangle;
-  bool isOpposed;  ///< both run along their side in one direction
+  bool isOpposed;  ///< both run along their edge in one direction
 };
 
-std::vector<DirectedSide> sortedSides(const Mesh& mesh) {
-  std::vector<DirectedSide> sides;
-  sides.reserve(mesh.triangles.size());
-  for (int t = 0; t < mesh.triangleCount(); ++t)
-    for (std::size_t k = 0; k < 3; ++k) {
-      const int a = mesh.corners(t)[k];
-      const int b = mesh.corners(t)[(k + 1) % 3];
-      sides.push_back({std::min(a, b), std::max(a, b), t, a < b});
-    }
-  std::sort(sides.begin(), sides.end(), [](const DirectedSide& a, const DirectedSide& b) {
-    return std::tie(a.low, a.high, a.triangle) < std::tie(b.low, b.high, b.triangle);
-  });
-  return sides;
-}
+using Neighbours = std::vector<std::vector<Neighbour>>;  ///< of each triangle
 
-std::vector<std::vector<Neighbour>> neighboursOf(const Mesh& mesh) {
-  const std::vector<DirectedSide> sides = sortedSides(mesh);
-  std::vector<std::vector<Neighbour>> neighbours(static_cast<std::size_t>(mesh.triangleCount()));
-  for (std::size_t first = 0; first < sides.size();) {
-    std::size_t last = first + 1;
-    while (last < sides.size() && sides[last].low == sides[first].low &&
-           sides[last].high == sides[first].high)
-      ++last;
-    if (last - first == 2) {
-      const DirectedSide& a = sides[first];
-      const DirectedSide& b = sides[first + 1];
-      const bool isOpposed = a.isUpward == b.isUpward;
-      neighbours[static_cast<std::size_t>(a.triangle)].push_back({b.triangle, isOpposed});
-      neighbours[static_cast<std::size_t>(b.triangle)].push_back({a.triangle, isOpposed});
-    }
-    first = last;
-  }
+Neighbours neighboursOf(const Mesh& mesh) {
+  Neighbours neighbours(asIndex(mesh.triangleCount()));
+  forEachEdge(sortedHalfEdges(mesh), [&neighbours](std::span<const HalfEdge> edge) {
+    if (edge.size() != 2) return;
+    const bool isOpposed = edge[0].isUpward == edge[1].isUpward;
+    for (std::size_t k = 0; k < 2; ++k)
+      neighbours[asIndex(edge[k].triangle())].push_back({edge[1 - k].triangle(), isOpposed});
+  });
   return neighbours;
 }
 
 enum class Turn : char { unknown, asItIs, turned };
 
-Turn across(Turn side, bool isOpposed) {
-  return isOpposed == (side == Turn::asItIs) ? Turn::turned : Turn::asItIs;
+Turn acrossEdge(Turn turn, bool isOpposed) {
+  return isOpposed == (turn == Turn::asItIs) ? Turn::turned : Turn::asItIs;
+}
+
+struct Piece {
+  std::vector<int> triangles;
+  int opposed = 0;  ///< edges that stay so
+};
+
+/// Decides about the triangles that are joined to `start`.
+Piece walkFrom(int start, const Neighbours& neighbours, std::vector<Turn>& turns) {
+  turns[asIndex(start)] = Turn::asItIs;
+  Piece piece{{start}};
+  int opposed = 0;
+  for (std::size_t k = 0; k < piece.triangles.size(); ++k) {
+    const std::size_t t = asIndex(piece.triangles[k]);
+    for (const Neighbour& next : neighbours[t]) {
+      Turn& turn = turns[asIndex(next.triangle)];
+      const Turn wanted = acrossEdge(turns[t], next.isOpposed);
+      if (turn == Turn::unknown) {
+        turn = wanted;
+        piece.triangles.push_back(next.triangle);
+      } else if (turn != wanted) {
+        ++opposed;
+      }
+    }
+  }
+  piece.opposed = opposed / 2;  // each was seen from both of its triangles
+  return piece;
 }
 
 }  // namespace
 
 Orientation orientAlike(Mesh& mesh) {
-  const auto neighbours = neighboursOf(mesh);
-  std::vector<Turn> sides(neighbours.size(), Turn::unknown);
+  const Neighbours neighbours = neighboursOf(mesh);
+  std::vector<Turn> turns(neighbours.size(), Turn::unknown);
+  const auto isTurned = [&turns](int t) { return turns[asIndex(t)] == Turn::turned; };
   Orientation result;
   for (int start = 0; start < mesh.triangleCount(); ++start) {
-    if (sides[static_cast<std::size_t>(start)] != Turn::unknown) continue;
-    sides[static_cast<std::size_t>(start)] = Turn::asItIs;
-    std::vector<int> piece = {start};
-    int opposed = 0;
-    for (std::size_t k = 0; k < piece.size(); ++k) {
-      const auto t = static_cast<std::size_t>(piece[k]);
-      for (const Neighbour& next : neighbours[t]) {
-        Turn& side = sides[static_cast<std::size_t>(next.triangle)];
-        const Turn wanted = across(sides[t], next.isOpposed);
-        if (side == Turn::unknown) {
-          side = wanted;
-          piece.push_back(next.triangle);
-        } else if (side != wanted) {
-          ++opposed;  // seen from both triangles
-        }
-      }
-    }
-    result.opposed += opposed / 2;
-    const auto turned = std::count_if(piece.begin(), piece.end(), [&](int t) {
-      return sides[static_cast<std::size_t>(t)] == Turn::turned;
-    });
-    const bool turnsTheRest = 2 * turned > static_cast<std::ptrdiff_t>(piece.size());
-    for (const int t : piece) {
-      if ((sides[static_cast<std::size_t>(t)] == Turn::turned) == turnsTheRest) continue;
-      const std::size_t base = 3 * static_cast<std::size_t>(t);
+    if (turns[asIndex(start)] != Turn::unknown) continue;
+    const Piece piece = walkFrom(start, neighbours, turns);
+    result.opposed += piece.opposed;
+    const auto count = std::count_if(piece.triangles.begin(), piece.triangles.end(), isTurned);
+    const bool turnsTheRest = 2 * count > static_cast<std::ptrdiff_t>(piece.triangles.size());
+    for (const int t : piece.triangles) {
+      if (isTurned(t) == turnsTheRest) continue;
+      const std::size_t base = 3 * asIndex(t);
       std::swap(mesh.triangles[base + 1], mesh.triangles[base + 2]);
       ++result.turned;
     }

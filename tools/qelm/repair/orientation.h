@@ -1,4 +1,9 @@
-// Neighbours that are counter-clockwise seen from the same side.
+// Neighbouring triangles are made counter-clockwise as seen from the same side.
+//
+// Two triangles are oriented alike when they run along their common edge in opposite directions.
+// A breadth-first walk over the edges of exactly two triangles gives every triangle of a piece the
+// orientation of its first one; then the smaller part is turned over. Where a walk meets a
+// triangle that has another orientation already, as on a Moebius strip, the edge stays opposed.
 #ifndef QELM_TOOLS_ORIENTATION_H
 #define QELM_TOOLS_ORIENTATION_H
 
@@ -8,12 +13,11 @@ namespace qelm::tool {
 
 struct Orientation {
   int turned = 0;   ///< triangles that were turned over
-  int opposed = 0;  ///< sides whose two triangles cannot agree, as on a Moebius strip
+  int opposed = 0;  ///< edges whose two triangles cannot agree, as on a Moebius strip
 };
 
-/// Turns triangles over until the two at every side that has exactly two run along it in opposite
-/// directions, wherever that is possible. Of each piece that is joined by such sides the smaller
-/// part is turned; of equal ones the part without the lowest triangle.
+/// Of each piece that edges of exactly two triangles join, the smaller part is turned; of equal
+/// ones the part without the lowest triangle.
 Orientation orientAlike(Mesh& mesh);
 
 }  // namespace qelm::tool

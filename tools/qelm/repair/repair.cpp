@@ -10,6 +10,7 @@
 #include "mesh/weld.h"
 #include "repair/t_joints.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -18,7 +19,7 @@ namespace {
 int dropRepeated(Mesh& mesh) {
   using Corners = std::array<int, 3>;
   std::vector<std::pair<Corners, int>> sorted;
-  sorted.reserve(static_cast<std::size_t>(mesh.triangleCount()));
+  sorted.reserve(asIndex(mesh.triangleCount()));
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     Corners c = {mesh.corners(t)[0], mesh.corners(t)[1], mesh.corners(t)[2]};
     std::sort(c.begin(), c.end());
@@ -27,12 +28,11 @@ int dropRepeated(Mesh& mesh) {
   std::sort(sorted.begin(), sorted.end());
   std::vector<bool> repeats(sorted.size(), false);
   for (std::size_t k = 1; k < sorted.size(); ++k)
-    if (sorted[k].first == sorted[k - 1].first)
-      repeats[static_cast<std::size_t>(sorted[k].second)] = true;
+    if (sorted[k].first == sorted[k - 1].first) repeats[asIndex(sorted[k].second)] = true;
   std::size_t kept = 0;
   for (std::size_t k = 0; k < mesh.triangles.size(); ++k)
     if (!repeats[k / 3]) mesh.triangles[kept++] = mesh.triangles[k];
-  const auto dropped = static_cast<int>((mesh.triangles.size() - kept) / 3);
+  const auto dropped = asInt((mesh.triangles.size() - kept) / 3);
   mesh.triangles.resize(kept);
   return dropped;
 }

@@ -2,95 +2,56 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <tuple>
 #include <utility>
 #include <vector>
 
+#include "mesh/box.h"
+#include "mesh/half_edges.h"
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-struct BoundarySide {
-  int low, high;
-  int index;  ///< 3 * triangle + k: from its corner k to the next one
-};
-
-/// Sides that exactly one triangle has.
-std::vector<BoundarySide> boundarySides(const Mesh& mesh) {
-  std::vector<BoundarySide> sides;
-  sides.reserve(mesh.triangles.size());
-  for (int t = 0; t < mesh.triangleCount(); ++t)
-    for (int k = 0; k < 3; ++k) {
-      const int a = mesh.corners(t)[static_cast<std::size_t>(k)];
-      const int b = mesh.corners(t)[static_cast<std::size_t>((k + 1) % 3)];
-      sides.push_back({std::min(a, b), std::max(a, b), 3 * t + k});
-    }
-  std::sort(sides.begin(), sides.end(), [](const BoundarySide& a, const BoundarySide& b) {
-    return std::tie(a.low, a.high, a.index) < std::tie(b.low, b.high, b.index);
+std::vector<HalfEdge> boundaryHalfEdges(const Mesh& mesh) {
+  std::vector<HalfEdge> boundary;
+  forEachEdge(sortedHalfEdges(mesh), [&boundary](std::span<const HalfEdge> edge) {
+    if (edge.size() == 1) boundary.push_back(edge[0]);
   });
-  std::vector<BoundarySide> single;
-  for (std::size_t first = 0; first < sides.size();) {
-    std::size_t last = first + 1;
-    while (last < sides.size() && sides[last].low == sides[first].low &&
-           sides[last].high == sides[first].high)
-      ++last;
-    if (last - first == 1) single.push_back(sides[first]);
-    first = last;
-  }
-  return single;
-}
-
-std::size_t longestAxis(const Mesh& mesh) {
-  Point low = mesh.point(0);
-  Point high = low;
-  for (int v = 1; v < mesh.vertexCount(); ++v)
-    for (std::size_t k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], mesh.point(v)[k]);
-      high[k] = std::max(high[k], mesh.point(v)[k]);
-    }
-  const Point size = high - low;
-  return static_cast<std::size_t>(std::max_element(size.begin(), size.end()) - size.begin());
+  return boundary;
 }
 
 class TJoints {
  public:
   TJoints(Mesh& mesh, double tolerance)
-      : mesh_(mesh), tolerance_(tolerance), axis_(longestAxis(mesh)) {}
+      : mesh_(mesh), tolerance_(tolerance), axis_(boxOf(mesh).longestAxis()) {}
 
   int run() {
-    const std::vector<BoundarySide> sides = boundarySides(mesh_);
-    for (const BoundarySide& side : sides)
-      for (const int v : {side.low, side.high}) vertices_.emplace_back(mesh_.point(v)[axis_], v);
+    const std::vector<HalfEdge> boundary = boundaryHalfEdges(mesh_);
+    for (const HalfEdge& edge : boundary)
+      for (const int v : {edge.low, edge.high}) vertices_.emplace_back(mesh_.point(v)[axis_], v);
     std::sort(vertices_.begin(), vertices_.end());
     vertices_.erase(std::unique(vertices_.begin(), vertices_.end()), vertices_.end());
-    // One side of a triangle at a time; its other sides have their turn in the next pass.
-    std::vector<bool> isSplit(mesh_.triangles.size() / 3, false);
+    // One edge of a triangle at a time; its other edges have their turn in the next pass.
+    std::vector<bool> isSplit(asIndex(mesh_.triangleCount()), false);
     int count = 0;
-    for (const BoundarySide& side : sides) {
-      const auto triangle = static_cast<std::size_t>(side.index / 3);
-      if (isSplit[triangle]) continue;
-      const std::vector<int> on = verticesOn(side.index);
+    for (const HalfEdge& edge : boundary) {
+      if (isSplit[asIndex(edge.triangle())]) continue;
+      const std::vector<int> on = verticesOn(edge);
       if (on.empty()) continue;
-      isSplit[triangle] = true;
-      split(side.index, on);
-      count += static_cast<int>(on.size());
+      isSplit[asIndex(edge.triangle())] = true;
+      split(edge, on);
+      count += asInt(on.size());
     }
     return count;
   }
 
  private:
-  int corner(int triangle, int k) const {
-    return mesh_.corners(triangle)[static_cast<std::size_t>(k % 3)];
-  }
-
-  /// From the side's first end to its second.
-  std::vector<int> verticesOn(int side) const {
-    const int t = side / 3;
-    const int a = corner(t, side % 3);
-    const int b = corner(t, side % 3 + 1);
-    const Point p = mesh_.point(a);
-    const Point q = mesh_.point(b);
+  /// The vertices on an edge, from the half-edge's beginning to its end.
+  std::vector<int> verticesOn(const HalfEdge& edge) const {
+    const auto c = mesh_.corners(edge.triangle());
+    const Point p = mesh_.point(c[(edge.facing() + 1) % 3]);
+    const Point q = mesh_.point(c[(edge.facing() + 2) % 3]);
     const Point along = q - p;
     const double size = length(along);
     const auto [low, high] = std::minmax(p[axis_], q[axis_]);
@@ -98,8 +59,7 @@ class TJoints {
     for (auto v =
              std::lower_bound(vertices_.begin(), vertices_.end(), std::pair(low - tolerance_, -1));
          v != vertices_.end() && v->first <= high + tolerance_; ++v) {
-      if (v->second == corner(t, 0) || v->second == corner(t, 1) || v->second == corner(t, 2))
-        continue;
+      if (std::find(c.begin(), c.end(), v->second) != c.end()) continue;
       const Point way = mesh_.point(v->second) - p;
       const double place = dot(way, along) / size;
       const double off = length(cross(way, along)) / size;
@@ -112,13 +72,15 @@ class TJoints {
     return vertices;
   }
 
-  void split(int side, const std::vector<int>& on) {
-    const int t = side / 3;
-    const int b = corner(t, side % 3 + 1);
-    const int apex = corner(t, side % 3 + 2);
-    mesh_.triangles[static_cast<std::size_t>(3 * t + (side + 1) % 3)] = on[0];
+  /// The triangle keeps the part up to the first vertex; new triangles take the rest.
+  void split(const HalfEdge& edge, const std::vector<int>& on) {
+    const auto c = mesh_.corners(edge.triangle());
+    const std::size_t end = (edge.facing() + 2) % 3;
+    const int last = c[end];
+    const int apex = c[edge.facing()];
+    mesh_.triangles[3 * asIndex(edge.triangle()) + end] = on[0];
     for (std::size_t k = 0; k < on.size(); ++k)
-      for (const int v : {on[k], k + 1 < on.size() ? on[k + 1] : b, apex})
+      for (const int v : {on[k], k + 1 < on.size() ? on[k + 1] : last, apex})
         mesh_.triangles.push_back(v);
   }
 
@@ -132,11 +94,11 @@ class TJoints {
 
 int closeTJoints(Mesh& mesh, double tolerance) {
   int count = 0;
-  // Each pass splits one side of a triangle, of which there are three.
+  // Each pass splits one edge of a triangle, of which there are three.
   for (int pass = 0; pass < 3; ++pass) {
-    const int set = TJoints(mesh, tolerance).run();
-    if (set == 0) break;
-    count += set;
+    const int found = TJoints(mesh, tolerance).run();
+    if (found == 0) break;
+    count += found;
     mesh.faceOfTriangle.clear();
   }
   return count;

@@ -1,4 +1,16 @@
-// Vertices on the sides of triangles that do not name them.
+// T-joints: vertices that lie on a boundary edge whose triangle does not name them.
+//
+// Where patches were triangulated each for itself, one has a corner in the middle of the other's
+// edge, and a field does not get across. Each such edge is split at the vertices on it:
+//
+//       d                d        The triangle (a, b, d) has c and e, corners of the patch below,
+//      / \             /| |\      on its edge ab. It becomes (a, c, d), (c, e, d) and (e, b, d):
+//     /   \           / | | \     where both patches ended, they have the edges ac, ce and eb in
+//    a-c-e-b          a--c-e--b    common now.
+//
+// The vertices of the boundary are sorted along the mesh's longest axis; each boundary edge looks
+// at those between its ends on that axis. So the time is in proportion to the boundary's edges,
+// times the vertices that lie beside each other along that axis.
 #ifndef QELM_TOOLS_T_JOINTS_H
 #define QELM_TOOLS_T_JOINTS_H
 
@@ -6,13 +18,8 @@
 
 namespace qelm::tool {
 
-/// Splits triangles whose boundary side passes another boundary vertex within `tolerance`: where
-/// patches were triangulated each for itself, one has a corner in the middle of the other's side,
-/// and a field does not get across. Of triangle (a, b, d) with the side ab and the vertices c, e on
-/// it become (a, c, d), (c, e, d) and (e, b, d). Returns how many vertices were set into sides.
-///
-/// Takes time in proportion to the boundary's sides times those that lie beside each other along
-/// the mesh's longest axis.
+/// Splits triangles at the boundary vertices that lie within `tolerance` of their boundary edge,
+/// and farther than that from its ends. Returns how many vertices were set into edges.
 int closeTJoints(Mesh& mesh, double tolerance);
 
 }  // namespace qelm::tool

@@ -17,6 +17,8 @@ constexpr const char* kSelectors =
     "vertex: loop: loop:near: boundary= near: box: sphere: plane: above: below: xmin= xmax= ymin= "
     "ymax= zmin= zmax= part: part:near: group: material: property: feature: curve:";
 
+constexpr const char* kMeshFiles = "obj|off|ply|stl|vtk|vtp|vtu|gltf|glb|3mf|msh";
+
 /// What an option takes, as its name for the value tells.
 enum class Value { kNone, kMesh, kCsv, kSelector, kWords, kFile, kOther };
 
@@ -76,7 +78,7 @@ std::string quoted(const std::string& text, std::string_view special = "") {
 std::string bashValue(const CLI::Option& option, const std::string& names) {
   switch (valueOf(option)) {
     case Value::kMesh:
-      return fmt::format("    {}) _qelm_files '@(obj|off|ply|stl)' ;;\n", names);
+      return fmt::format("    {}) _qelm_files '@({})' ;;\n", names, kMeshFiles);
     case Value::kCsv:
       return fmt::format("    {}) _qelm_files 'csv' ;;\n", names);
     case Value::kSelector:
@@ -142,7 +144,7 @@ std::string zshAction(const CLI::Option& option) {
     case Value::kNone:
       return "";
     case Value::kMesh:
-      return ":mesh:_files -g \"*.(obj|off|ply|stl)\"";
+      return fmt::format(":mesh:_files -g \"*.({})\"", kMeshFiles);
     case Value::kCsv:
       return ":file:_files -g \"*.csv\"";
     case Value::kSelector:

@@ -1,4 +1,4 @@
-// Completion scripts for shells, made of the same definitions as --help.
+// Completion scripts for shells, made from the definitions that --help is made from.
 #ifndef QELM_TOOLS_COMPLETION_H
 #define QELM_TOOLS_COMPLETION_H
 

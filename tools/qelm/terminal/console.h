@@ -9,12 +9,12 @@
 
 namespace qelm::tool {
 
-/// What every command takes.
+/// The options of every command that say what it prints.
 struct OutputOptions {
   bool quiet = false;
   bool verbose = false;
   bool json = false;
-  /// Every other name on the command line: results may not take the place of what is read.
+  /// The files that the command line may read: no result may overwrite them.
   std::vector<std::string> inputs;
 };
 
@@ -26,8 +26,8 @@ class Console {
 
   /// A line of the summary; not shown with -q.
   void line(std::string_view text) const;
-  /// Something that was done without being asked for, or is better known; not
-  /// shown with -q.
+  /// Something that was done without being asked for, or that the user should know; not shown
+  /// with -q.
   void note(std::string_view text) const;
   /// Shown with -v only.
   void detail(std::string_view text) const;
@@ -42,16 +42,15 @@ class Console {
   bool verbose_ = false;
 };
 
-/// A line at the end of a terminal that is written over again and again. Whatever
-/// else is printed takes its place.
+/// The last line of a terminal, which is written again and again. Anything else that is printed
+/// replaces it.
 class LiveLine {
  public:
   static void show(const std::string& text);
   static void clear();
 };
 
-/// True when there is someone to watch: the standard error stream is a terminal
-/// on which lines can be written over.
+/// Whether the standard error stream is a terminal on which a line can be overwritten.
 bool hasTerminal();
 
 /// Lets Windows consoles show UTF-8. Does nothing elsewhere.

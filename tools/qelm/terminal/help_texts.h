@@ -1,5 +1,5 @@
-// The help beside the options: two examples for each command, and everything else in topics
-// ('qelm help TOPIC'), each thing in one place. The manual page is made of the same texts.
+// The help apart from the options: two examples for each command, and topics ('qelm help TOPIC')
+// for all else. Nothing is said twice. The manual page is made from the same texts.
 #ifndef QELM_TOOLS_HELP_TEXTS_H
 #define QELM_TOOLS_HELP_TEXTS_H
 

@@ -10,7 +10,7 @@ class App;
 
 namespace qelm::tool {
 
-/// In the language of man(7). Sections that several commands share stand once.
+/// In the language of man(7). Topics stand once, after the commands.
 std::string manualPage(const CLI::App& app, const std::string& version);
 
 }  // namespace qelm::tool

@@ -1,4 +1,4 @@
-// The named steps of a run, how long each took, and word of them meanwhile.
+// The named steps of a run: how long each took, and which one runs.
 #ifndef QELM_TOOLS_STEPS_H
 #define QELM_TOOLS_STEPS_H
 
@@ -16,9 +16,8 @@ struct Step {
   double seconds;  ///< wall clock
 };
 
-/// While it lives, a line on the terminal that says which step runs and for how
-/// long, once that is long enough to wonder, and for how long it is expected to run if that
-/// is known (in seconds; 0 if not). Without a terminal nothing.
+/// Shows, as long as it lives, which step runs and for how long, and how long it is expected to
+/// take (in seconds; 0: unknown). Shows nothing of short steps, and nothing without a terminal.
 class ProgressLine {
  public:
   ProgressLine(const char* name, double expected);
@@ -36,7 +35,7 @@ class Steps {
   Steps() : Steps(Console(true)) {}
   explicit Steps(const Console& console) : console_(console) {}
 
-  /// Runs `action`, returns what it returns, and takes its time; see ProgressLine.
+  /// Runs `action` under a ProgressLine, notes its time, and returns its result.
   template <class Action>
   auto run(const char* name, Action action, double expected = 0) {
     const Stopwatch stopwatch(*this, name, expected);

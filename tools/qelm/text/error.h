@@ -39,7 +39,7 @@ struct OutputError : InputError {
   explicit OutputError(const std::string& text) : InputError(text, kExitFailure) {}
 };
 
-/// The command line is right in itself, but does not fit the mesh.
+/// The command line is correct, but asks for what the mesh has not.
 struct RequestError : InputError {
   explicit RequestError(const std::string& text) : InputError(text, kExitUsage) {}
 };

@@ -113,6 +113,23 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
+void appendUtf8(std::string& text, std::uint32_t character) {
+  const auto byte = [&text](std::uint32_t bits) { text.push_back(static_cast<char>(bits)); };
+  if (character < 0x80) return byte(character);
+  if (character < 0x800) {
+    byte(0xc0 | character >> 6);
+  } else {
+    if (character < 0x10000) {
+      byte(0xe0 | character >> 12);
+    } else {
+      byte(0xf0 | character >> 18);
+      byte(0x80 | (character >> 12 & 0x3f));
+    }
+    byte(0x80 | (character >> 6 & 0x3f));
+  }
+  byte(0x80 | (character & 0x3f));
+}
+
 std::string lowerCase(std::string_view text) {
   std::string copy(text);
   std::transform(copy.begin(), copy.end(), copy.begin(), [](char c) {

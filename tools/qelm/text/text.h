@@ -3,6 +3,7 @@
 #define QELM_TOOLS_TEXT_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,9 @@ std::vector<std::string_view> splitAtBlanks(std::string_view text);
 /// The same into `parts`, in place of what is there: no new memory for every line.
 void splitAtBlanks(std::string_view text, std::vector<std::string_view>& parts);
 std::string_view trimmed(std::string_view text);
+
+/// Adds a character's bytes in UTF-8. `character` is at most 0x10ffff.
+void appendUtf8(std::string& text, std::uint32_t character);
 
 /// With small letters for those of ASCII.
 std::string lowerCase(std::string_view text);

@@ -4,11 +4,9 @@ from __future__ import annotations
 
 from ctypes import byref, c_int, c_void_p
 
-import numpy as np
-import numpy.typing as npt
-
-from . import _arrays, _memory, meshcheck
+from . import _memory, meshcheck
 from ._handle import Handle
+from ._mesh import MeshArrays
 from ._native import library, require_ok
 from ._records import QelmPrediction
 from .errors import MeshError, TooLargeError
@@ -20,20 +18,16 @@ _WORTH_ASKING = 2000  # vertices; a factor of fewer takes 24 MB at most
 _HARMLESS_TO_ROBUST = (103, 104)  # areas near zero, sizes out of range
 
 
-def construct(
-    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32], robust: bool = False
-) -> Handle:
+def construct(mesh: MeshArrays, robust: bool = False) -> Handle:
     """The handle of checked arrays. Raises MeshError for a triangle or vertex that the library refuses."""
     status, pointer = c_int(), c_void_p()
-    address = _arrays.address
-    free = _limit(len(xyz))
+    free = _limit(len(mesh.vertices))
     prediction = QelmPrediction()
-    mesh = (len(xyz), address(xyz), len(corners), address(corners), address(tags))
     library().qelmctorLimitedTagged(
-        *mesh, robust, free, byref(prediction), None, byref(status), byref(pointer)
+        *mesh.arguments(), robust, free, byref(prediction), None, byref(status), byref(pointer)
     )
     if status.value in DEFECTS:
-        refuse_defects(xyz, corners, tags, robust)
+        refuse_defects(mesh, robust)
     if status.value == _TOO_LARGE:
         raise TooLargeError(_too_large(prediction, free), _TOO_LARGE)
     require_ok(status.value)
@@ -60,11 +54,9 @@ def _too_large(prediction: QelmPrediction, free: int) -> str:
         "triangles join vertices that lie far apart. Fix more vertices, or divide the mesh"
 
 
-def refuse_defects(
-    xyz: npt.NDArray[np.float64], corners: npt.NDArray[np.int32], tags: npt.NDArray[np.int32], robust: bool
-) -> None:
+def refuse_defects(mesh: MeshArrays, robust: bool) -> None:
     """Raises MeshError for the first defect that keeps the construction from a good system."""
-    report = meshcheck.report_on(xyz, corners, tags)
+    report = meshcheck.report_on(mesh)
     defect = report.first_defect(but=_HARMLESS_TO_ROBUST if robust else ())
     if defect is not None:
         raise MeshError(defect[1], defect[0])

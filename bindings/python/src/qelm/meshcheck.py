@@ -4,12 +4,13 @@ from __future__ import annotations
 
 import dataclasses
 from ctypes import byref
-from typing import Any, Collection, Dict, List, NamedTuple, Optional, Tuple
+from typing import Collection, Dict, NamedTuple, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _arrays
+from ._mesh import MeshArrays, mesh_of, vertices_of
 from ._native import library, require_ok
 from ._records import QelmFinding, QelmMeshReport, QelmRobustReport
 from .errors import MeshError
@@ -184,35 +185,25 @@ def _snake(name: str) -> str:
     return "".join(f"_{c.lower()}" if c.isupper() else c for c in name)
 
 
-def inspect(vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: npt.NDArray[Any]) -> int:
+def inspect(mesh: MeshArrays) -> int:
     """The status of checked arrays alone: as quick as from C."""
-    status: int = library().qelmcheckTagged(*_arguments(vertices, triangles, tags), None)
+    status: int = library().qelmcheckTagged(*mesh.arguments(), None)
     return status
 
 
-def report_on(
-    vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: Optional[npt.NDArray[np.int32]]
-) -> Report:
-    """The report on checked arrays."""
+def report_on(mesh: MeshArrays, *, has_tags: bool = True) -> Report:
+    """The report on checked arrays. Without tags, parts without fixed vertex are no defect."""
     native = QelmMeshReport()
-    given = np.zeros(len(vertices), np.int32) if tags is None else tags
-    status = library().qelmcheckTagged(*_arguments(vertices, triangles, given), byref(native))
+    status = library().qelmcheckTagged(*mesh.arguments(), byref(native))
     findings = {
         _snake(name): Finding(getattr(native, name).count, getattr(native, name).first)
         for name, kind in native._fields_
         if kind is QelmFinding
     }
-    if tags is None:
+    if not has_tags:
         findings["untagged_part"] = Finding(0, -1)
         status = 0 if status == _UNTAGGED_PART else status
-    return Report(vertices, triangles, status, findings, (native.worstTriangle, native.worstQuality))
-
-
-def _arguments(
-    vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32], tags: npt.NDArray[Any]
-) -> List[int]:
-    address = _arrays.address
-    return [len(vertices), address(vertices), len(triangles), address(triangles), address(tags)]
+    return Report(mesh.vertices, mesh.triangles, status, findings, (native.worstTriangle, native.worstQuality))
 
 
 def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.ArrayLike] = None) -> Report:
@@ -250,11 +241,10 @@ def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.
       1 connected part, 1 boundary loop, 0 fixed vertices
       lowest quality 0.25, triangle 0
     """
-    xyz = _arrays.coordinates(vertices)
-    _arrays.require_count(len(xyz), "vertices", "vertex")
+    xyz = vertices_of(vertices)
     corners = _arrays.any_indices(triangles)
-    given = None if tags is None else _arrays.tags(tags, len(xyz))
-    return report_on(xyz, corners, given)
+    given = np.zeros(len(xyz), np.int32) if tags is None else _arrays.tags(tags, len(xyz))
+    return report_on(MeshArrays(xyz, corners, given), has_tags=tags is not None)
 
 
 class RobustReport(NamedTuple):
@@ -312,15 +302,11 @@ def check_robust(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.Ar
     >>> qelm.check_robust([[0, 0], [4, 0], [2, 3], [2, -0.1]], [[0, 1, 2], [1, 0, 3]], [0, 0, 1, 1])
     RobustReport(changed=True, sheets=2, flat_triangles=0, not_delaunay_edges=1, flips=2)
     """
-    xyz = _arrays.coordinates(vertices)
-    _arrays.require_count(len(xyz), "vertices", "vertex")
-    corners = _arrays.triangle_indices(triangles, len(xyz))
-    _arrays.require_finite_vertices(xyz)
-    given = _arrays.tags(tags, len(xyz))
+    mesh = mesh_of(vertices, triangles, tags)
     native = QelmRobustReport()
-    status = library().qelmcheckRobustTagged(*_arguments(xyz, corners, given), byref(native))
+    status = library().qelmcheckRobustTagged(*mesh.arguments(), byref(native))
     if status in (23, 24):
-        _, text = report_on(xyz, corners, given).first_defect() or (status, "")
+        _, text = report_on(mesh).first_defect() or (status, "")
         raise MeshError(text, status)
     require_ok(status)
     return RobustReport(

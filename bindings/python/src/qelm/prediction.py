@@ -7,7 +7,8 @@ from dataclasses import dataclass
 
 import numpy.typing as npt
 
-from . import _arrays, _building
+from . import _building
+from ._mesh import mesh_of
 from ._native import library, require_ok
 from ._records import QelmPrediction
 
@@ -70,17 +71,10 @@ def predict(
     >>> found.factor_entries, found.multiplications
     (2, 2.0)
     """
-    xyz = _arrays.coordinates(vertices)
-    _arrays.require_count(len(xyz), "vertices", "vertex")
-    corners = _arrays.triangle_indices(triangles, len(xyz))
-    _arrays.require_finite_vertices(xyz)
-    given = _arrays.tags(tags, len(xyz))
+    mesh = mesh_of(vertices, triangles, tags)
     native = QelmPrediction()
-    address = _arrays.address
-    status = library().qelmpredictTagged(
-        len(xyz), address(xyz), len(corners), address(corners), address(given), robust, byref(native)
-    )
+    status = library().qelmpredictTagged(*mesh.arguments(), robust, byref(native))
     if status in _building.DEFECTS:
-        _building.refuse_defects(xyz, corners, given, robust)
+        _building.refuse_defects(mesh, robust)
     require_ok(status)
     return Prediction(native.factorEntries, native.handleBytes, native.peakBytes, native.multiplications)

@@ -3,18 +3,19 @@
 from __future__ import annotations
 
 import enum
-import types
 from ctypes import byref, c_void_p
-from typing import NoReturn, Optional, Type, Union
+from typing import Optional, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _building, _solving, curves as _curves, meshcheck
-from ._handle import Handle, lent
+from ._handle import lent
+from ._lifetime import SystemOwner
+from ._mesh import MeshArrays, vertices_of
 from ._native import library
 from .curves import Curves, even_levels
-from .errors import ClosedError, FieldError, SingularSystemError
+from .errors import FieldError, SingularSystemError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
 
@@ -28,7 +29,7 @@ class FactorisationInfo(enum.IntEnum):
     INVALID_INPUT = 3
 
 
-class MeshSystem:
+class MeshSystem(SystemOwner):
     """A mesh whose Laplace system is built and factorised once, and solved as often as wanted.
 
     Every field that goes in or comes out has one value per vertex in the order of the caller's
@@ -105,8 +106,7 @@ class MeshSystem:
         check: bool = True,
         robust: bool = False,
     ) -> None:
-        xyz = _arrays.coordinates(vertices)
-        _arrays.require_count(len(xyz), "vertices", "vertex")
+        xyz = vertices_of(vertices)
         self._build(xyz, triangles, _arrays.tags(tags, len(xyz)), check, robust)
 
     @classmethod
@@ -145,8 +145,7 @@ class MeshSystem:
         >>> system.fixed.tolist()
         [0, 2]
         """
-        xyz = _arrays.coordinates(vertices)
-        _arrays.require_count(len(xyz), "vertices", "vertex")
+        xyz = vertices_of(vertices)
         system = cls.__new__(cls)
         system._build(xyz, triangles, _arrays.fixed_tags(fixed, len(xyz)), check, robust)
         return system
@@ -159,12 +158,12 @@ class MeshSystem:
         check: bool,
         robust: bool,
     ) -> None:
-        self._handle: Optional[Handle] = None
         corners = _arrays.triangle_indices(triangles, len(xyz))
         _arrays.require_finite_vertices(xyz)
-        if check and meshcheck.inspect(xyz, corners, tags) != 0:
-            _building.refuse_defects(xyz, corners, tags, robust)
-        self._handle = _building.construct(xyz, corners, tags, robust)
+        mesh = MeshArrays(xyz, corners, tags)
+        if check and meshcheck.inspect(mesh) != 0:
+            _building.refuse_defects(mesh, robust)
+        self._handle = _building.construct(mesh, robust)
         self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
         self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
         if check:
@@ -354,11 +353,6 @@ class MeshSystem:
         count: int = library().usecount(self._alive().pointer)
         return count
 
-    @property
-    def closed(self) -> bool:
-        """Whether the system was closed."""
-        return self._handle is None
-
     def duplicate(self) -> MeshSystem:
         """A second system that shares mesh and factorisation, at the cost of a few arrays.
 
@@ -387,24 +381,9 @@ class MeshSystem:
         copy.info = self.info
         return copy
 
-    def close(self) -> None:
-        """Gives the native system back. Calls that are running on other threads finish first.
-
-        Without it, that happens when the last reference goes. Doing it again does nothing.
-        """
-        self._handle = None
-
     def __enter__(self) -> MeshSystem:
         self._alive()
         return self
-
-    def __exit__(
-        self,
-        kind: Optional[Type[BaseException]],
-        error: Optional[BaseException],
-        trace: Optional[types.TracebackType],
-    ) -> None:
-        self.close()
 
     def __copy__(self) -> MeshSystem:
         return self.duplicate()
@@ -412,18 +391,6 @@ class MeshSystem:
     def __deepcopy__(self, memo: object) -> MeshSystem:
         return self.duplicate()
 
-    def __reduce__(self) -> NoReturn:
-        raise TypeError(
-            "a MeshSystem cannot be pickled, its factorisation is the native library's; "
-            "send vertices, triangles and tags, and build it there"
-        )
-
     def __repr__(self) -> str:
         state = "closed" if self.closed else f"{self.fixed_count} fixed"
         return f"<qelm.MeshSystem: {self.vertex_count} vertices, {self.triangle_count} triangles, {state}>"
-
-    def _alive(self) -> Handle:
-        handle = self._handle
-        if handle is None:
-            raise ClosedError("the system is closed; build it again, or close it later")
-        return handle

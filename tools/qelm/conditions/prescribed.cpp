@@ -1,4 +1,4 @@
-#include "conditions/selection.h"
+#include "conditions/prescribed.h"
 
 #include <fmt/format.h>
 
@@ -10,11 +10,12 @@
 #include "mesh/mesh_checks.h"
 #include "mesh/used_part.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
 
-/// The values of a condition in field k at its vertices: one given for all, or the k-th.
+/// The values of a condition in field k: the k-th value, or the only one.
 class ValuesOf {
  public:
   ValuesOf(const Mesh& mesh, const Condition& condition, const Selected& selected, std::size_t k)
@@ -24,7 +25,7 @@ class ValuesOf {
         value_(condition.values[condition.values.size() == 1 ? 0 : k]) {}
 
   double at(int vertex) const {
-    const auto v = static_cast<std::size_t>(vertex);
+    const std::size_t v = asIndex(vertex);
     if (value_.isNumber()) return value_.number;
     if (value_.ofProperty) return checked(selected_.property->values[v], vertex);
     double arc = 0;
@@ -53,27 +54,27 @@ class ValuesOf {
   const Value& value_;
 };
 
-/// What a file holds at a vertex, for all fields.
-void fix(Prescribed& prescribed, const FixedVertex& fixed) {
+/// Prescribes a file's value at a vertex, in all fields.
+void prescribeFrom(Prescribed& prescribed, const FixedVertex& fixed) {
   const std::size_t n = prescribed.tags.size();
-  const auto i = static_cast<std::size_t>(fixed.vertex);
+  const std::size_t i = asIndex(fixed.vertex);
   for (std::size_t k = 0; k < prescribed.fieldCount; ++k)
     prescribed.values[k * n + i] = fixed.value;
   prescribed.tags[i] = fixed.tag;
-  prescribed.heldBy[i] = 1;
+  prescribed.prescribedBy[i] = 1;
   ++prescribed.fixedCount;
 }
 
-/// Fixes the vertices and returns those that had another value before, in any field. `number` is
-/// the condition's, from 0.
-std::vector<int> fix(Prescribed& prescribed, const Mesh& mesh, const Selected& selected,
-                     const Condition& condition, int number) {
+/// Prescribes a condition's values. Returns the vertices that had another value before, in any
+/// field. `number` is the condition's, from 0.
+std::vector<int> prescribeFrom(Prescribed& prescribed, const Mesh& mesh, const Selected& selected,
+                               const Condition& condition, int number) {
   const std::size_t n = prescribed.tags.size();
   std::vector<char> differs(selected.vertices.size(), 0);
   for (std::size_t k = 0; k < prescribed.fieldCount; ++k) {
     const ValuesOf values(mesh, condition, selected, k);
     for (std::size_t i = 0; i < selected.vertices.size(); ++i) {
-      double& value = prescribed.values[k * n + static_cast<std::size_t>(selected.vertices[i])];
+      double& value = prescribed.values[k * n + asIndex(selected.vertices[i])];
       const double now = values.at(selected.vertices[i]);
       if (value != now) differs[i] = 1;
       value = now;
@@ -82,21 +83,21 @@ std::vector<int> fix(Prescribed& prescribed, const Mesh& mesh, const Selected& s
   std::vector<int> changed;
   for (std::size_t i = 0; i < selected.vertices.size(); ++i) {
     const int v = selected.vertices[i];
-    const auto place = static_cast<std::size_t>(v);
+    const std::size_t place = asIndex(v);
     if (prescribed.tags[place] == 0)
       ++prescribed.fixedCount;
     else if (differs[i] != 0)
       changed.push_back(v);
     prescribed.tags[place] = condition.tag;
-    prescribed.heldBy[place] = 2 + number;
+    prescribed.prescribedBy[place] = 2 + number;
   }
   return changed;
 }
 
-/// A condition that leaves nothing to solve for is rarely meant.
+/// A condition that takes every vertex is rarely meant: it leaves nothing to solve for.
 void noteWhole(int usedCount, const Condition& condition, std::size_t selected, std::size_t loops,
                std::vector<std::string>& notes) {
-  if (selected != static_cast<std::size_t>(usedCount)) return;
+  if (selected != asIndex(usedCount)) return;
   std::string note = fmt::format(
       "--fix {} takes every vertex of the mesh: nothing is left to solve", condition.text);
   const bool isBoundary = condition.selectors.kind == SelectorTree::Kind::leaf &&
@@ -110,18 +111,18 @@ void noteWhole(int usedCount, const Condition& condition, std::size_t selected, 
 
 Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
                      std::span<const FixedVertex> fromFile) {
-  const auto n = static_cast<std::size_t>(mesh.vertexCount());
+  const std::size_t n = asIndex(mesh.vertexCount());
   Prescribed prescribed;
   prescribed.tags.assign(n, 0);
-  prescribed.heldBy.assign(n, 0);
+  prescribed.prescribedBy.assign(n, 0);
   prescribed.fieldCount = fieldCount(conditions);
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
   const std::vector<bool> used = usedVertices(mesh);
-  const auto usedCount = static_cast<int>(std::count(used.begin(), used.end(), true));
+  const int usedCount = asInt(std::count(used.begin(), used.end(), true));
   int onNothing = 0;
   for (const FixedVertex& fixed : fromFile) {
-    if (used[static_cast<std::size_t>(fixed.vertex)])
-      fix(prescribed, fixed);
+    if (used[asIndex(fixed.vertex)])
+      prescribeFrom(prescribed, fixed);
     else
       ++onNothing;
   }
@@ -134,13 +135,13 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
   for (const Condition& condition : conditions) {
     Selected selected = select(index, condition);
     const std::size_t count = selected.vertices.size();
-    const auto number = static_cast<int>(prescribed.selected.size());
-    prescribed.selected.push_back(static_cast<int>(count));
+    const int number = asInt(prescribed.selected.size());
+    prescribed.selected.push_back(asInt(count));
     prescribed.nearest.push_back(selected.nearest);
     prescribed.details.push_back(selected.details);
     prescribed.notes.insert(prescribed.notes.end(), selected.notes.begin(), selected.notes.end());
     noteWhole(usedCount, condition, count, index.loopCount(), prescribed.notes);
-    const std::vector<int> changed = fix(prescribed, mesh, selected, condition, number);
+    const std::vector<int> changed = prescribeFrom(prescribed, mesh, selected, condition, number);
     if (!changed.empty())
       prescribed.notes.push_back(fmt::format(
           "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,

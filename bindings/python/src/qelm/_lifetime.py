@@ -1,0 +1,47 @@
+"""What owns a native system, from its construction to its end."""
+
+from __future__ import annotations
+
+import types
+from typing import NoReturn, Optional, Type
+
+from ._handle import Handle
+from .errors import ClosedError
+
+
+class SystemOwner:
+    """Closes once, at the end of a ``with`` or when the last reference goes; cannot be pickled."""
+
+    _handle: Optional[Handle] = None
+
+    @property
+    def closed(self) -> bool:
+        """Whether the system was closed."""
+        return self._handle is None
+
+    def close(self) -> None:
+        """Gives the native system back. Calls that are running on other threads finish first.
+
+        Without it, that happens when the last reference goes. Doing it again does nothing.
+        """
+        self._handle = None
+
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        trace: Optional[types.TracebackType],
+    ) -> None:
+        self.close()
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError(
+            "a MeshSystem cannot be pickled, its factorisation is the native library's; "
+            "send vertices, triangles and tags, and build it there"
+        )
+
+    def _alive(self) -> Handle:
+        handle = self._handle
+        if handle is None:
+            raise ClosedError("the system is closed; build it again, or close it later")
+        return handle
