@@ -125,12 +125,13 @@ TEST(WeldClusters, WhoseBoxesAreExactlyTheToleranceApartStayTwo) {
   EXPECT_EQ(welded.vertices, (Field{1, 0, 0, 14, 84, 0}));
 }
 
-// A cell with points at both ends of a line, and one point opposite the line's middle: within the
-// tolerance from the cell's box, but from none of its points. So many that boxes are asked first,
-// also for how far apart their points may be: along every axis, on either side of the origin.
+// A cell, 32 wide, with points at both ends of a line, most at one, and one point opposite the
+// line's middle: within the tolerance from the cell's box, but from none of its points. So many
+// that boxes are asked first, also for how far apart their points may be: along every axis, on
+// either side of the origin.
 TEST(WeldClusters, NearABoxButNotItsPointsStayTwo) {
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    for (const double side : {-49.0, 49.0}) {
+    for (const double side : {-32.3, 32.3}) {
       const auto place = [&](double along, double across) {
         std::array<double, 3> p = {};
         p[axis] = along;
@@ -138,10 +139,10 @@ TEST(WeldClusters, NearABoxButNotItsPointsStayTwo) {
         return Point{p[0], p[1], p[2]};
       };
       Field cloud;
-      for (int k = 0; k < 65; ++k) add(cloud, place(side, k < 32 ? 0 : 45));
-      add(cloud, place(-side, 22.5));
-      EXPECT_EQ(weld(cloud, {}, 100).vertices.size(), 6U) << axis << ' ' << side;
-      EXPECT_EQ(weld(cloud, {}, 101).vertices.size(), 3U) << axis << ' ' << side;
+      for (int k = 0; k < 65; ++k) add(cloud, place(side, k == 0 ? 0 : 31));
+      add(cloud, place(-side, 15.5));
+      EXPECT_EQ(weld(cloud, {}, 66).vertices.size(), 6U) << axis << ' ' << side;
+      EXPECT_EQ(weld(cloud, {}, 67).vertices.size(), 3U) << axis << ' ' << side;
     }
   }
 }

@@ -29,7 +29,8 @@ std::string_view bytesOf(std::span<const Number> numbers) {
 std::string inComment(const std::string& text) {
   if (text.empty()) return "";
   std::string result = ": " + printable(oneLine(text));
-  for (std::size_t at = 0; (at = result.find("--", at)) != result.npos;) result.insert(++at, 1, ' ');
+  for (std::size_t at = 0; (at = result.find("--", at)) != result.npos;)
+    result.insert(++at, 1, ' ');
   return result;
 }
 
