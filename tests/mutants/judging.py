@@ -66,6 +66,11 @@ class Build:
     def compiled_in_suite(self, file, suite):
         return sorted(o for o in self._dependents.get(file, ()) if f"/{suite}_tests.dir/" in o)
 
+    def suites(self):
+        """Of the build as it is configured now: programs of an earlier one may lie beside."""
+        folders = {object.split("/")[2] for object in self.commands if object.startswith("tests/CMakeFiles/")}
+        return sorted(f[: -len("_tests.dir")] for f in folders if f.endswith("_tests.dir"))
+
     def link_command(self, target):
         lines = [line for line in self._ninja("-t", "commands", target).splitlines() if " -o " in line and ".o" in line]
         command = next(c for c in reversed(lines) if f" -o bin/{target}" in c or " -o lib/lib" + target + ".so" in c)
@@ -85,8 +90,7 @@ class Judge:
         self._as_is = {}  # object -> hash of what the sources as they are compile to
         self._library = build.link_command("qelm")
         self._soname = next(w.split("soname,")[1] for w in self._library if "soname," in w)
-        names = sorted(p.name[: -len("_tests")] for p in (build.folder / "bin").glob("*_tests"))
-        names = [n for n in names if n != "tool_geometry"] + ["bits"]
+        names = [n for n in build.suites() if n != "tool_geometry"] + ["bits"]
         self._links = {n: build.link_command(n if n == "bits" else f"{n}_tests") for n in names}
         with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
             self._takes = dict(zip(names, pool.map(self._time_as_is, names)))
