@@ -113,3 +113,11 @@ def test_a_number_beyond_every_double_in_a_gltf_file_is_refused(qelm):
     qelm.write("a.gltf", '{"asset": {"version": "2.0"}, "extras": 1e999}')
     message = qelm.fails(3, "info", "a.gltf")
     assert "a.gltf: not a glTF file: a number in its JSON is beyond every double" in message
+
+
+def test_a_backslash_at_the_end_of_an_obj_file_continues_nothing(qelm):
+    # The backslash became part of the last word: a vertex went, and a face had a corner that is no number.
+    qelm.write("a.obj", SQUARE.rstrip("\n") + "\\")
+    assert "\ntriangles  2\n" in qelm.ok("info", "a.obj").stdout
+    qelm.write("b.obj", SQUARE + "v\\")
+    assert "b.obj:7: " in qelm.fails(3, "info", "b.obj")

@@ -94,9 +94,9 @@ class ObjReader {
 
   std::string_view joinLines(std::string& joined) {
     joined.assign(lines_.line());
-    while (!joined.empty() && joined.back() == '\\' && lines_.next()) {
+    while (!joined.empty() && joined.back() == '\\') {
       joined.back() = ' ';
-      joined += lines_.line();
+      if (lines_.next()) joined += lines_.line();
     }
     return joined;
   }
