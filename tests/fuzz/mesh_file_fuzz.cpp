@@ -103,8 +103,10 @@ bool readsAs(const char* name, const std::string& bytes, PolygonSoup& soup) {
 }
 
 void requireFinite(const PolygonSoup& soup) {
-  for (const tool::Point& p : soup.points)
+  for (std::size_t k = 0; k < soup.points.size(); ++k) {
+    const tool::Point p = soup.points[k];
     for (const double coordinate : p) require(std::isfinite(coordinate), "finite coordinates");
+  }
 }
 
 void requireGoodSoup(const PolygonSoup& soup) {

@@ -88,6 +88,8 @@ def test_a_level_of_gltf_is_a_node_with_its_value(qelm, curves):
     document = json.loads(content[20 : 20 + int.from_bytes(content[12:16], "little")])
     assert [node["extras"]["level"] for node in document["nodes"]] == sorted(curves["levels"])
     assert document["nodes"][0]["name"] == "level -0.25"
+    assert document["extensionsUsed"] == ["KHR_materials_unlit"] and "extensionsRequired" not in document
+    assert all("KHR_materials_unlit" in material["extensions"] for material in document["materials"])
 
 
 def test_no_curves_are_good_files_too(qelm):

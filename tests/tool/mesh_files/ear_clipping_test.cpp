@@ -9,18 +9,24 @@
 #include <numeric>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mesh/vec3.h"
 
 namespace {
 
-using qelm::tool::clipEars;
 using qelm::tool::ClippedPolygon;
 using qelm::tool::Point;
 using qelm::tool::withoutRepeats;
 
 constexpr double kRounding = 1e-12;
+
+ClippedPolygon clipEars(const std::vector<Point>& points, std::vector<int> outline) {
+  std::vector<double> packed;
+  for (const Point& point : points) packed.insert(packed.end(), point.begin(), point.end());
+  return qelm::tool::clipEars(packed, std::move(outline));
+}
 
 std::vector<int> allOf(const std::vector<Point>& points) {
   std::vector<int> outline(points.size());

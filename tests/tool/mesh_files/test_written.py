@@ -78,9 +78,16 @@ def test_a_heat_map_as_gltf_has_the_ramp_as_its_texture(qelm, mesh, ending):
     image = buffer[view["byteOffset"] :][: view["byteLength"]]
     assert image == png_of(qelm, mesh)
     assert document["samplers"][0]["wrapS"] == 33071
+    shows_its_colours_as_they_are(document)
     positions = document["accessors"][primitive["attributes"]["POSITION"]]
     numbers = numbers_of(document, buffer, primitive["attributes"]["POSITION"])
     assert positions["min"] == numbers.min(axis=0).tolist() and positions["max"] == numbers.max(axis=0).tolist()
+
+
+def shows_its_colours_as_they_are(document):
+    """Without light, in a program that knows how; others may read the file, too."""
+    assert document["extensionsUsed"] == ["KHR_materials_unlit"] and "extensionsRequired" not in document
+    assert all(material["extensions"] == {"KHR_materials_unlit": {}} for material in document["materials"])
 
 
 def png_of(qelm, mesh):

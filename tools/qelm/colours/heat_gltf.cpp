@@ -29,12 +29,16 @@ void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const Colour
   const std::vector<std::uint32_t> corners(mesh.triangles.begin(), mesh.triangles.end());
   GltfBuilder builder;
   const std::size_t texture = builder.addTexture(rampImage(scale.ramp));
-  builder.document()["materials"] = {{{"name", "Heat"},
-                                      {"doubleSided", true},
-                                      {"pbrMetallicRoughness",
-                                       {{"baseColorTexture", {{"index", texture}}},
-                                        {"metallicFactor", 0},
-                                        {"roughnessFactor", 0.8}}}}};
+  // Light would change the colours, which are to be compared with the ramp.
+  builder.document()["extensionsUsed"] = {"KHR_materials_unlit"};
+  builder.document()["materials"] = {
+      {{"name", "Heat"},
+       {"doubleSided", true},
+       {"pbrMetallicRoughness",
+        {{"baseColorTexture", {{"index", texture}}},
+         {"metallicFactor", 0},
+         {"roughnessFactor", 0.8}}},
+       {"extensions", {{"KHR_materials_unlit", GltfBuilder::Json::object()}}}}};
   const GltfBuilder::Json attributes = {
       {"POSITION", builder.addPositions(places.rounded(mesh.vertices))},
       {"TEXCOORD_0", builder.addTextureCoordinates(rampPlaces(field, scale))},

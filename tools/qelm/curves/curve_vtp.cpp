@@ -14,6 +14,10 @@ void writeCurvesVtp(std::span<const FieldCurves> fields, ByteSink& file) {
   std::vector<int> ends;
   std::vector<double> levels;
   std::vector<double> numbers;
+  std::size_t pointCount = 0;
+  for (const FieldCurves& field : fields) pointCount += field.curves.pointCount();
+  points.reserve(3 * pointCount);
+  corners.reserve(pointCount + pointCount / 8);  // and the first again of those that are closed
   for (std::size_t f = 0; f < fields.size(); ++f) {
     const CurveSet& curves = fields[f].curves;
     for (std::size_t c = 0; c < curves.size(); ++c) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace qelm::tool {
 namespace {
@@ -26,6 +27,15 @@ constexpr std::array<std::uint8_t, 256> meanings() {
 }
 
 constexpr std::array<std::uint8_t, 256> kMeanings = meanings();
+
+/// The two letters of each twelve bits.
+constexpr std::array<std::array<char, 2>, 4096> pairs() {
+  std::array<std::array<char, 2>, 4096> table{};
+  for (std::size_t k = 0; k < table.size(); ++k) table[k] = {kLetters[k >> 6], kLetters[k & 63]};
+  return table;
+}
+
+constexpr std::array<std::array<char, 2>, 4096> kPairs = pairs();
 
 struct Group {
   std::uint32_t number;  ///< 24 bits
@@ -90,7 +100,9 @@ std::string toBase64(std::string_view bytes) {
       return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[at + k]));
     };
     const std::uint32_t group = (byte(0) << 16) | (byte(1) << 8) | byte(2);
-    for (int shift = 18; shift >= 0; shift -= 6) *to++ = kLetters[(group >> shift) & 63];
+    std::memcpy(to, kPairs[group >> 12].data(), 2);
+    std::memcpy(to + 2, kPairs[group & 0xfff].data(), 2);
+    to += 4;
   }
   for (; at < bytes.size(); at += 3) {
     std::uint32_t group = 0;

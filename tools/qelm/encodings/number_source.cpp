@@ -64,6 +64,10 @@ void NumberSource::require(std::size_t count, std::size_t least) const {
     fail(fmt::format("{} numbers are announced, but the file is too short for them", count));
 }
 
+void NumberSource::requireNumbers(std::size_t count, NumberType type) const {
+  require(count, isBinary_ ? sizeOf(type) : kLeastText);
+}
+
 std::string_view NumberSource::take(std::size_t size) {
   if (size > rest_.size()) fail("the file ends here; it may be cut short");
   const std::string_view taken = rest_.substr(0, size);
@@ -109,35 +113,41 @@ std::int64_t NumberSource::parsedInteger() {
 
 std::vector<double> NumberSource::numbers(NumberType type, std::size_t tuples,
                                           std::size_t components) {
-  const std::size_t least = isBinary_ ? sizeOf(type) : kLeastText;
   require(tuples, 1);
   require(components, 1);
   if (components > 0 && tuples > (rest_.size() + 1) / components)
     fail(fmt::format("{} times {} numbers are announced, but the file is too short for them",
                      tuples, components));
   const std::size_t count = tuples * components;
-  require(count, least);
+  requireNumbers(count, type);
   std::vector<double> values;
   values.reserve(count);
   if (isBinary_)
-    forEachNumber(take(count * sizeOf(type)), type, order_,
-                  [&values](auto number) { values.push_back(static_cast<double>(number)); });
+    appendNumbers(
+        take(count * sizeOf(type)), type, order_,
+        [](auto number) { return static_cast<double>(number); }, values);
   else
     for (std::size_t k = 0; k < count; ++k) values.push_back(parsedNumber());
   return values;
 }
 
-std::vector<std::int64_t> NumberSource::integers(NumberType type, std::size_t count) {
-  require(count, isBinary_ ? sizeOf(type) : kLeastText);
-  std::vector<std::int64_t> values;
+template <class Integer>
+std::vector<Integer> NumberSource::integers(NumberType type, std::size_t count) {
+  requireNumbers(count, type);
+  std::vector<Integer> values;
   values.reserve(count);
   if (isBinary_)
-    forEachNumber(take(count * sizeOf(type)), type, order_,
-                  [&values](auto number) { values.push_back(wholeOf(number)); });
+    appendNumbers(
+        take(count * sizeOf(type)), type, order_,
+        [](auto number) { return wholeAs<Integer>(number); }, values);
   else
-    for (std::size_t k = 0; k < count; ++k) values.push_back(parsedInteger());
+    for (std::size_t k = 0; k < count; ++k) values.push_back(wholeAs<Integer>(parsedInteger()));
   return values;
 }
+
+template std::vector<std::int64_t> NumberSource::integers(NumberType, std::size_t);
+template std::vector<int> NumberSource::integers(NumberType, std::size_t);
+template std::vector<std::uint8_t> NumberSource::integers(NumberType, std::size_t);
 
 double NumberSource::number(NumberType type) {
   if (!isBinary_) return parsedNumber();

@@ -40,7 +40,13 @@ class NumberSource {
 
   /// tuples * components numbers.
   std::vector<double> numbers(NumberType type, std::size_t tuples, std::size_t components);
-  std::vector<std::int64_t> integers(NumberType type, std::size_t count);
+  /// In the range of `Integer`: what is beyond it becomes its nearest number.
+  template <class Integer = std::int64_t>
+  std::vector<Integer> integers(NumberType type, std::size_t count);
+
+  /// Calls `use(integer)` for each.
+  template <class Use>
+  void forEachInteger(NumberType type, std::size_t count, Use use);
 
   double number(NumberType type);
   std::int64_t integer(NumberType type);
@@ -52,6 +58,7 @@ class NumberSource {
 
  private:
   void require(std::size_t count, std::size_t least) const;
+  void requireNumbers(std::size_t count, NumberType type) const;
   std::string_view take(std::size_t size);
   double parsedNumber();
   std::int64_t parsedInteger();
@@ -64,6 +71,16 @@ class NumberSource {
   ByteOrder order_ = ByteOrder::kLittle;
   std::string place_;
 };
+
+template <class Use>
+void NumberSource::forEachInteger(NumberType type, std::size_t count, Use use) {
+  requireNumbers(count, type);
+  if (isBinary_)
+    forEachNumber(take(count * sizeOf(type)), type, order_,
+                  [&use](auto number) { use(wholeOf(number)); });
+  else
+    for (std::size_t k = 0; k < count; ++k) use(parsedInteger());
+}
 
 }  // namespace qelm::tool
 

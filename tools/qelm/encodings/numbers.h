@@ -11,6 +11,7 @@
 #include <limits>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace qelm::tool {
 
@@ -65,35 +66,63 @@ Number numberAt(const char* bytes, ByteOrder order) {
   return std::bit_cast<Number>(order == ByteOrder::kBig ? turned(word) : word);
 }
 
+/// Calls `use` with a zero of the type.
+template <class Use>
+void withNumberType(NumberType type, Use use) {
+  switch (type) {
+    case NumberType::kInt8:
+      return use(std::int8_t{});
+    case NumberType::kUint8:
+      return use(std::uint8_t{});
+    case NumberType::kInt16:
+      return use(std::int16_t{});
+    case NumberType::kUint16:
+      return use(std::uint16_t{});
+    case NumberType::kInt32:
+      return use(std::int32_t{});
+    case NumberType::kUint32:
+      return use(std::uint32_t{});
+    case NumberType::kInt64:
+      return use(std::int64_t{});
+    case NumberType::kUint64:
+      return use(std::uint64_t{});
+    case NumberType::kFloat32:
+      return use(float{});
+    case NumberType::kFloat64:
+      return use(double{});
+  }
+}
+
 /// Calls `use(number)` for each number in `bytes`, whatever their type.
 template <class Use>
 void forEachNumber(std::string_view bytes, NumberType type, ByteOrder order, Use use) {
-  const auto all = [&]<class Number>(Number) {
+  withNumberType(type, [&]<class Number>(Number) {
     for (std::size_t k = 0; k + sizeof(Number) <= bytes.size(); k += sizeof(Number))
       use(numberAt<Number>(bytes.data() + k, order));
-  };
-  switch (type) {
-    case NumberType::kInt8:
-      return all(std::int8_t{});
-    case NumberType::kUint8:
-      return all(std::uint8_t{});
-    case NumberType::kInt16:
-      return all(std::int16_t{});
-    case NumberType::kUint16:
-      return all(std::uint16_t{});
-    case NumberType::kInt32:
-      return all(std::int32_t{});
-    case NumberType::kUint32:
-      return all(std::uint32_t{});
-    case NumberType::kInt64:
-      return all(std::int64_t{});
-    case NumberType::kUint64:
-      return all(std::uint64_t{});
-    case NumberType::kFloat32:
-      return all(float{});
-    case NumberType::kFloat64:
-      return all(double{});
-  }
+  });
+}
+
+/// `change(number)` of each number in `bytes`, behind what is in `to`. Through a small block, which
+/// stays in the cache: the vector's memory is written once, and loops over a block need no calls.
+template <class To, class Change>
+void appendNumbers(std::string_view bytes, NumberType type, ByteOrder order, Change change,
+                   std::vector<To>& to) {
+  const std::size_t count = bytes.size() / sizeOf(type);
+  if (to.capacity() - to.size() < count) to.reserve(std::max(to.size() + count, 2 * to.size()));
+  withNumberType(type, [&]<class Number>(Number) {
+    std::array<To, 1024> block;
+    for (std::size_t done = 0; done < count; done += block.size()) {
+      const std::size_t size = std::min(block.size(), count - done);
+      const char* const from = bytes.data() + done * sizeof(Number);
+      if (order == ByteOrder::kBig)
+        for (std::size_t k = 0; k < size; ++k)
+          block[k] = change(numberAt<Number>(from + k * sizeof(Number), ByteOrder::kBig));
+      else
+        for (std::size_t k = 0; k < size; ++k)
+          block[k] = change(numberAt<Number>(from + k * sizeof(Number), ByteOrder::kLittle));
+      to.insert(to.end(), block.data(), block.data() + size);
+    }
+  });
 }
 
 /// The number as an integer: rounded towards 0, and clamped to the range of integers.
@@ -111,6 +140,13 @@ std::int64_t wholeOf(Number number) {
   } else {
     return number;
   }
+}
+
+/// The same in the range of another type.
+template <class To, class Number>
+To wholeAs(Number number) {
+  using Limits = std::numeric_limits<To>;
+  return static_cast<To>(std::clamp<std::int64_t>(wholeOf(number), Limits::min(), Limits::max()));
 }
 
 }  // namespace qelm::tool

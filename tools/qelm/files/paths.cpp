@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <utility>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -53,6 +54,10 @@ std::string readStandardInput() {
 }
 
 std::string readFile(const fs::path& path) {
+  return std::string(std::string_view(readFileBytes(path)));
+}
+
+FileBytes readFileBytes(const fs::path& path) {
   const std::string name = toUtf8(path);
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
@@ -63,18 +68,22 @@ std::string readFile(const fs::path& path) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (!file) throw FileError(fmt::format("{}: cannot be opened: {}", name, std::strerror(errno)));
-  std::string bytes;
   constexpr std::size_t kBlock = 1 << 20;
-  const auto size = fs::file_size(path, ignored);
-  if (!ignored) bytes.reserve(size + kBlock);  // a device or a pipe has none
-  while (file) {
-    const std::size_t before = bytes.size();
-    bytes.resize(before + kBlock);
-    file.read(bytes.data() + before, kBlock);
-    bytes.resize(before + static_cast<std::size_t>(file.gcount()));
+  const auto announced = fs::file_size(path, ignored);
+  // A device or a pipe has no size. One byte more shows that the end is reached.
+  std::size_t room = ignored ? kBlock : static_cast<std::size_t>(announced) + 1;
+  FileBytes result{std::make_unique_for_overwrite<char[]>(room)};
+  while (true) {
+    file.read(result.bytes.get() + result.size, static_cast<std::streamsize>(room - result.size));
+    result.size += static_cast<std::size_t>(file.gcount());
+    if (!file) break;
+    room = 2 * room + kBlock;
+    FileBytes larger{std::make_unique_for_overwrite<char[]>(room), result.size};
+    std::memcpy(larger.bytes.get(), result.bytes.get(), result.size);
+    result = std::move(larger);
   }
   if (file.bad()) throw FileError(fmt::format("{}: reading it failed", name));
-  return bytes;
+  return result;
 }
 
 std::string shownName(const std::string& name) { return name == "-" ? "standard input" : name; }

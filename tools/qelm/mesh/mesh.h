@@ -2,12 +2,15 @@
 #ifndef QELM_TOOLS_MESH_H
 #define QELM_TOOLS_MESH_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "text/index.h"
@@ -15,6 +18,15 @@
 namespace qelm::tool {
 
 using Point = std::array<double, 3>;
+
+/// `more` behind what is there already; not a copy of it if there is nothing.
+template <class Number>
+void appendOrMove(std::vector<Number> more, std::vector<Number>& to) {
+  if (to.empty())
+    to = std::move(more);
+  else
+    to.insert(to.end(), more.begin(), more.end());
+}
 
 /// A number for each vertex, as a file names it.
 struct VertexArray {
@@ -35,37 +47,104 @@ struct Attributes {
   std::vector<VertexSet> materials;
 };
 
+/// Points, packed as the library takes them.
+class Points {
+ public:
+  std::size_t size() const { return coordinates_.size() / 3; }
+  bool empty() const { return coordinates_.empty(); }
+  Point operator[](std::size_t k) const {
+    return {coordinates_[3 * k], coordinates_[3 * k + 1], coordinates_[3 * k + 2]};
+  }
+  void reserve(std::size_t points) { coordinates_.reserve(3 * points); }
+  void push_back(const Point& point) {
+    for (const double coordinate : point) coordinates_.push_back(coordinate);
+  }
+  /// Those of `more`, after those that are here.
+  void append(std::vector<double> more) { appendOrMove(std::move(more), coordinates_); }
+  std::vector<double> takeCoordinates() { return std::move(coordinates_); }
+
+ private:
+  std::vector<double> coordinates_;
+};
+
+/// What is asked of triangles, found in one pass: memory is slower than these sums.
+struct TriangleFacts {
+  std::uint32_t highest = 0;  ///< of their corners, negative ones above all others
+  bool repeat = false;        ///< whether one of them names a vertex twice
+
+  TriangleFacts() = default;
+  explicit TriangleFacts(std::span<const int> corners) {
+    std::uint32_t most = 0;
+    unsigned repeats = 0;  // numbers, not truths: no branch for each
+    for (std::size_t k = 0; k + 3 <= corners.size(); k += 3) {
+      const auto a = static_cast<std::uint32_t>(corners[k]);
+      const auto b = static_cast<std::uint32_t>(corners[k + 1]);
+      const auto c = static_cast<std::uint32_t>(corners[k + 2]);
+      most = std::max(std::max(most, a), std::max(b, c));
+      repeats |= static_cast<unsigned>(a == b) | static_cast<unsigned>(b == c) |
+                 static_cast<unsigned>(c == a);
+    }
+    highest = most;
+    repeat = repeats != 0;
+  }
+  void add(const TriangleFacts& more) {
+    highest = std::max(highest, more.highest);
+    repeat = repeat || more.repeat;
+  }
+};
+
 /// Polygons, packed: corners one after another, and where each polygon's end. A million arrays of
 /// their own would take longer than reading the file.
 class Faces {
  public:
-  std::size_t size() const { return ends_.size(); }
-  bool empty() const { return ends_.empty(); }
-  std::size_t cornerCount() const { return corners_.size(); }
+  std::size_t size() const { return ends_.empty() ? corners_.size() / 3 : ends_.size(); }
+  bool empty() const { return size() == 0; }
+  /// Whether each has three corners.
+  bool areTriangles() const { return ends_.empty(); }
   std::span<const int> operator[](std::size_t face) const {
+    if (areTriangles()) return {corners_.data() + 3 * face, 3};
     const std::size_t begin = face == 0 ? 0 : ends_[face - 1];
     return {corners_.data() + begin, ends_[face] - begin};
   }
-  void reserve(std::size_t faces) {
-    ends_.reserve(faces);
-    corners_.reserve(3 * faces);
-  }
+  /// Of triangles: whether each corner is the number of one of `count` points.
+  bool areAllBelow(std::size_t count) const { return empty() || facts_.highest < count; }
+  /// Of triangles: whether one names a vertex twice.
+  bool repeatCorners() const { return facts_.repeat; }
+  void reserve(std::size_t faces) { corners_.reserve(3 * faces); }
   void push_back(std::span<const int> corners) {
-    corners_.insert(corners_.end(), corners.begin(), corners.end());
-    ends_.push_back(corners_.size());
+    if (areTriangles() && corners.size() != 3) noteEnds();
+    for (const int corner : corners) corners_.push_back(corner);
+    if (areTriangles() && corners.size() == 3)
+      facts_.add(TriangleFacts(corners));
+    else
+      ends_.push_back(corners_.size());
   }
   void push_back(std::initializer_list<int> corners) {
     push_back(std::span<const int>(corners.begin(), corners.size()));
   }
+  /// Three corners each.
+  void appendTriangles(std::vector<int> corners, const TriangleFacts& facts) {
+    const std::size_t before = corners_.size();
+    facts_.add(facts);
+    appendOrMove(std::move(corners), corners_);
+    if (areTriangles()) return;
+    for (std::size_t end = before + 3; end <= corners_.size(); end += 3) ends_.push_back(end);
+  }
+  std::vector<int> takeCorners() { return std::move(corners_); }
 
  private:
+  void noteEnds() {
+    for (std::size_t end = 3; end <= corners_.size(); end += 3) ends_.push_back(end);
+  }
+
   std::vector<int> corners_;
-  std::vector<std::size_t> ends_;
+  std::vector<std::size_t> ends_;  ///< empty while all are triangles
+  TriangleFacts facts_;            ///< while all are triangles
 };
 
 /// What a file holds: points, and polygons between them. Only the range of indices is checked.
 struct PolygonSoup {
-  std::vector<Point> points;
+  Points points;
   Faces faces;
   /// True for formats in which every facet carries its own corner points.
   bool facetsOwnTheirCorners = false;

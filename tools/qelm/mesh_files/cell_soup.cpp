@@ -13,15 +13,15 @@ namespace qelm::tool {
 namespace {
 
 // vtkCellType.h
-constexpr std::int64_t kLastOfPointsAndLines = 4;
-constexpr std::int64_t kVtkTriangle = 5;
-constexpr std::int64_t kVtkStrip = 6;
-constexpr std::int64_t kVtkPolygon = 7;
-constexpr std::int64_t kQuadraticEdge = 21;
+constexpr std::uint8_t kLastOfPointsAndLines = 4;
+constexpr std::uint8_t kVtkTriangle = 5;
+constexpr std::uint8_t kVtkStrip = 6;
+constexpr std::uint8_t kVtkPolygon = 7;
+constexpr std::uint8_t kQuadraticEdge = 21;
 
 /// Faces, three or four corners each, by the cell's own numbers.
 struct CellShape {
-  std::int64_t type;
+  std::uint8_t type;
   std::size_t corners;
   std::size_t perFace;
   std::array<std::size_t, 16> picks;
@@ -45,11 +45,29 @@ void CellSoup::fail(const std::string& what) const {
   throw FileError(fmt::format("{}: {}", name_, what));
 }
 
-void CellSoup::addPoints(std::span<const double> coordinates) {
+void CellSoup::addPoints(std::vector<double> coordinates) {
   firstPoint_ = soup_.points.size();
-  soup_.points.reserve(firstPoint_ + coordinates.size() / 3);
-  for (std::size_t k = 0; k + 3 <= coordinates.size(); k += 3)
-    soup_.points.push_back({coordinates[k], coordinates[k + 1], coordinates[k + 2]});
+  soup_.points.append(std::move(coordinates));
+}
+
+static bool areAll(std::span<const std::uint8_t> types, std::uint8_t type) {
+  std::uint8_t different = 0;
+  for (const std::uint8_t each : types) different |= each ^ type;
+  return different == 0;
+}
+
+/// All at once, unless a corner is out of range.
+bool CellSoup::addTriangles(CellList& cells) {
+  if (!cells.ends.areTriangles() || cells.corners.size() != 3 * cells.ends.size()) return false;
+  TriangleFacts facts(cells.corners);
+  const std::size_t count = soup_.points.size();
+  if (facts.highest >= count - firstPoint_ || count > std::numeric_limits<int>::max()) return false;
+  const int first = asInt(firstPoint_);
+  facts.highest += static_cast<std::uint32_t>(first);
+  if (first > 0)
+    for (int& corner : cells.corners) corner += first;
+  soup_.faces.appendTriangles(std::move(cells.corners), facts);
+  return true;
 }
 
 void CellSoup::checkEnds(const CellList& cells) const {
@@ -73,7 +91,7 @@ static void forEachCell(const CellList& cells, Use use) {
   }
 }
 
-void CellSoup::addFace(std::span<const std::int64_t> corners) {
+void CellSoup::addFace(std::span<const int> corners) {
   // One that does not fit is out of range, like any other one too high.
   constexpr std::int64_t kMost = std::numeric_limits<int>::max();
   const auto first = static_cast<std::int64_t>(firstPoint_);
@@ -93,15 +111,15 @@ void CellSoup::addFace(std::span<const std::int64_t> corners) {
   soup_.faces.push_back(face_);
 }
 
-void CellSoup::addPolygons(const CellList& cells) {
+void CellSoup::addPolygons(CellList cells) {
+  if (addTriangles(cells)) return;
   checkEnds(cells);
-  soup_.faces.reserve(soup_.faces.size() + cells.ends.size());
   forEachCell(cells, [this](auto corners, std::size_t) { addFace(corners); });
 }
 
-void CellSoup::addStrip(std::span<const std::int64_t> corners) {
+void CellSoup::addStrip(std::span<const int> corners) {
   for (std::size_t k = 0; k + 3 <= corners.size(); ++k) {
-    std::array<std::int64_t, 3> triangle = {corners[k], corners[k + 1], corners[k + 2]};
+    std::array<int, 3> triangle = {corners[k], corners[k + 1], corners[k + 2]};
     if (k % 2 == 1) std::swap(triangle[0], triangle[1]);
     addFace(triangle);
   }
@@ -112,15 +130,16 @@ void CellSoup::addStrips(const CellList& cells) {
   forEachCell(cells, [this](auto corners, std::size_t) { addStrip(corners); });
 }
 
-void CellSoup::addCells(const CellList& cells, std::span<const std::int64_t> types) {
+void CellSoup::addCells(CellList cells, std::span<const std::uint8_t> types) {
+  if (types.size() == cells.ends.size() && areAll(types, kVtkTriangle) && addTriangles(cells))
+    return;
   checkEnds(cells);
   if (types.size() != cells.ends.size())
     fail(fmt::format("{} cells, but {} types of cells", cells.ends.size(), types.size()));
-  soup_.faces.reserve(soup_.faces.size() + cells.ends.size());
   forEachCell(cells, [&](auto corners, std::size_t k) { addCell(types[k], corners); });
 }
 
-void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners) {
+void CellSoup::addCell(std::uint8_t type, std::span<const int> corners) {
   if (type == kVtkPolygon || (type == kVtkTriangle && corners.size() == 3)) return addFace(corners);
   if (type == kVtkStrip) return addStrip(corners);
   const auto shape = std::find_if(kCellShapes.begin(), kCellShapes.end(),
@@ -138,9 +157,8 @@ void CellSoup::addCell(std::int64_t type, std::span<const std::int64_t> corners)
     addPicked(corners, std::span(shape->picks).subspan(k, shape->perFace));
 }
 
-void CellSoup::addPicked(std::span<const std::int64_t> corners,
-                         std::span<const std::size_t> picks) {
-  std::array<std::int64_t, 8> face{};
+void CellSoup::addPicked(std::span<const int> corners, std::span<const std::size_t> picks) {
+  std::array<int, 8> face{};
   for (std::size_t k = 0; k < picks.size(); ++k) face[k] = corners[picks[k]];
   addFace(std::span(face).first(picks.size()));
 }

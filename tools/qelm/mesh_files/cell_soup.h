@@ -12,10 +12,34 @@
 
 namespace qelm::tool {
 
-/// Cells, their corners one after another in one array; `ends[k]` is where those of cell k end.
+/// Where the corners of cells end in an array that has them one after another. Of triangles, which
+/// most cells are, only how many they are.
+class CellEnds {
+ public:
+  std::size_t size() const { return size_; }
+  bool areTriangles() const { return ends_.empty(); }
+  std::int64_t operator[](std::size_t cell) const {
+    return areTriangles() ? static_cast<std::int64_t>(3 * (cell + 1)) : ends_[cell];
+  }
+  void push_back(std::int64_t end) {
+    ++size_;
+    if (areTriangles()) {
+      if (end == static_cast<std::int64_t>(3 * size_)) return;
+      for (std::size_t k = 1; k < size_; ++k) ends_.push_back(static_cast<std::int64_t>(3 * k));
+    }
+    ends_.push_back(end);
+  }
+
+ private:
+  std::size_t size_ = 0;
+  std::vector<std::int64_t> ends_;  ///< empty while all are triangles
+};
+
+/// Cells, their corners one after another in one array. A corner that is no int is the nearest one,
+/// which is as far out of range.
 struct CellList {
-  std::vector<std::int64_t> ends;
-  std::vector<std::int64_t> corners;
+  CellEnds ends;
+  std::vector<int> corners;
 };
 
 /// Gathers one or more pieces. All throw FileError that names the file.
@@ -24,12 +48,12 @@ class CellSoup {
   explicit CellSoup(const std::string& name) : name_(name) {}
 
   /// The points of a piece, xyz; what is added after it is numbered from its first point.
-  void addPoints(std::span<const double> coordinates);
-  void addPolygons(const CellList& cells);
+  void addPoints(std::vector<double> coordinates);
+  void addPolygons(CellList cells);
   void addStrips(const CellList& cells);
   /// Cells of any of VTK's types: linear and quadratic triangles, quadrilaterals, polygons and
   /// strips are taken. Others are only counted.
-  void addCells(const CellList& cells, std::span<const std::int64_t> types);
+  void addCells(CellList cells, std::span<const std::uint8_t> types);
   /// Numbers of the piece's points, `components` for each. More than one become arrays NAME.0,
   /// NAME.1 and so on.
   void addArray(const std::string& name, std::size_t components, std::span<const double> values);
@@ -43,10 +67,11 @@ class CellSoup {
  private:
   [[noreturn]] void fail(const std::string& what) const;
   void checkEnds(const CellList& cells) const;
-  void addFace(std::span<const std::int64_t> corners);
-  void addStrip(std::span<const std::int64_t> corners);
-  void addCell(std::int64_t type, std::span<const std::int64_t> corners);
-  void addPicked(std::span<const std::int64_t> corners, std::span<const std::size_t> picks);
+  bool addTriangles(CellList& cells);
+  void addFace(std::span<const int> corners);
+  void addStrip(std::span<const int> corners);
+  void addCell(std::uint8_t type, std::span<const int> corners);
+  void addPicked(std::span<const int> corners, std::span<const std::size_t> picks);
   VertexArray& arrayNamed(const std::string& name);
 
   const std::string& name_;

@@ -44,7 +44,7 @@ double sineOfTurn(const Flat& a, const Flat& b, const Flat& c) {
 
 class Clipper {
  public:
-  Clipper(std::span<const Point> points, std::vector<int> outline)
+  Clipper(std::span<const double> points, std::vector<int> outline)
       : points_(points), outline_(std::move(outline)) {
     flatten();
     link();
@@ -240,7 +240,10 @@ class Clipper {
   };
 
   double turnAt(int k) const { return sineOfTurn(flat(before(k)), flat(k), flat(after(k))); }
-  const Point& at(int vertex) const { return points_[static_cast<std::size_t>(vertex)]; }
+  Point at(int vertex) const {
+    const std::size_t base = 3 * asIndex(vertex);
+    return {points_[base], points_[base + 1], points_[base + 2]};
+  }
   int outlineAt(int k) const { return outline_[static_cast<std::size_t>(k)]; }
   const Flat& flat(int k) const { return flat_[static_cast<std::size_t>(k)]; }
   Corner& corner(int k) { return corners_[static_cast<std::size_t>(k)]; }
@@ -248,7 +251,7 @@ class Clipper {
   int before(int k) const { return corner(k).before; }
   int after(int k) const { return corner(k).after; }
 
-  std::span<const Point> points_;
+  std::span<const double> points_;
   std::vector<int> outline_;
   std::vector<Flat> flat_;
   std::vector<Corner> corners_;
@@ -288,7 +291,7 @@ std::vector<int> withoutRepeats(std::vector<int> outline) {
   return kept;
 }
 
-ClippedPolygon clipEars(std::span<const Point> points, std::vector<int> outline) {
+ClippedPolygon clipEars(std::span<const double> points, std::vector<int> outline) {
   return Clipper(points, std::move(outline)).run();
 }
 

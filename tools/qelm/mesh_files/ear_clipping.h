@@ -34,7 +34,7 @@ std::vector<int> withoutRepeats(std::vector<int> outline);
 ///   0).
 ///
 /// Takes time in proportion to the corners squared.
-ClippedPolygon clipEars(std::span<const Point> points, std::vector<int> outline);
+ClippedPolygon clipEars(std::span<const double> points, std::vector<int> outline);
 
 }  // namespace qelm::tool
 

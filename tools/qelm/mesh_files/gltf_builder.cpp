@@ -126,9 +126,14 @@ void GltfBuilder::write(bool isBinary, ByteSink& file) {
     return document_.dump(indent, ' ', false, Json::error_handler_t::replace);
   };
   if (!isBinary) {
-    if (!buffer_.empty())
-      document_["buffers"][0]["uri"] = "data:application/octet-stream;base64," + toBase64(buffer_);
-    return file.write(dumped(1) + "\n");
+    constexpr std::string_view kUri = "data:application/octet-stream;base64,";
+    if (!buffer_.empty()) document_["buffers"][0]["uri"] = kUri;
+    const std::string text = dumped(1) + "\n";
+    // The buffers are the document's last entry. Its writer would look at every letter of them.
+    const std::size_t end = buffer_.empty() ? 0 : text.rfind(kUri) + kUri.size();
+    file.write(std::string_view(text).substr(0, end));
+    file.write(toBase64(buffer_));
+    return file.write(std::string_view(text).substr(end));
   }
   std::string json = dumped(-1);
   pad(json, ' ');

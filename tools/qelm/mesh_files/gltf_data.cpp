@@ -213,23 +213,20 @@ class GltfReader {
                                const Placement& placement, const std::string& where) {
     const std::vector<double> xyz = file_.values(accessor, 3);
     spend(xyz.size() / 3, where);
-    std::vector<int> numbers;
-    numbers.reserve(xyz.size() / 3);
+    std::vector<Point> places;
+    places.reserve(xyz.size() / 3);
+    for (std::size_t k = 0; k + 3 <= xyz.size(); k += 3)
+      places.push_back(placement({xyz[k], xyz[k + 1], xyz[k + 2]}));
     const std::size_t before = merger_.size();
-    std::vector<std::size_t> isNew;
-    merger_.expect(xyz.size() / 3);
-    for (std::size_t k = 0; k + 3 <= xyz.size(); k += 3) {
-      const std::size_t size = merger_.size();
-      numbers.push_back(merger_.add(placement({xyz[k], xyz[k + 1], xyz[k + 2]})));
-      if (merger_.size() > size) isNew.push_back(k / 3);
-    }
+    std::vector<int> numbers = merger_.addAll(places);
     for (const auto& [key, value] : attributes.items())
-      addArray(key, attributes, before, isNew, where);
+      addArray(key, attributes, before, numbers, where);
     return numbers;
   }
 
+  /// `before` vertices were there before those that have these numbers.
   void addArray(const std::string& key, const Json& attributes, std::size_t before,
-                const std::vector<std::size_t>& isNew, const std::string& where) {
+                const std::vector<int>& numbers, const std::string& where) {
     if (key == "POSITION") return;
     passedOver_.insert(whatIs(key));
     const auto accessor = file_.whole(attributes, key.c_str(), where);
@@ -240,7 +237,9 @@ class GltfReader {
     // One that a primitive before has not is left out at the end.
     if (array->values.size() != before) return;
     const std::vector<double> values = file_.values(*accessor, 1);
-    for (const std::size_t k : isNew) {
+    for (std::size_t k = 0; k < numbers.size(); ++k) {
+      const bool isNew = asIndex(numbers[k]) == array->values.size();
+      if (!isNew) continue;
       if (k >= values.size()) file_.fail(fmt::format("{}: '{}' is too short", where, key));
       array->values.push_back(values[k]);
     }
@@ -272,6 +271,14 @@ class GltfReader {
     const std::size_t step = mode == kTriangles ? 3 : 1;
     if (mode == kTriangles && corners.size() % 3 != 0)
       file_.fail(fmt::format("{}: {} corners make no triangles", where, corners.size()));
+    std::uint32_t most = 0;
+    for (const std::uint32_t corner : corners) most = std::max(most, corner);
+    if (mode == kTriangles && !isMirror && most < vertices.size()) {
+      std::vector<int> triangles(corners.size());
+      for (std::size_t k = 0; k < corners.size(); ++k) triangles[k] = vertices[corners[k]];
+      const TriangleFacts facts(triangles);
+      return faces_.appendTriangles(std::move(triangles), facts);
+    }
     for (std::size_t k = 0; k + 3 <= corners.size(); k += step) {
       const bool isOdd = mode == kStrip && k % 2 == 1;
       const std::array<std::size_t, 3> places = {mode == kFan ? 0 : k, k + 1, k + 2};

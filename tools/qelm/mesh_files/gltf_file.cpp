@@ -311,8 +311,14 @@ std::vector<Number> GltfFile::elements(std::size_t accessor, std::size_t compone
   };
   if (object.contains("bufferView")) {
     const Stored from = stored(object, count, type, components, where);
-    result.resize(count * components);
-    for (std::size_t k = 0; k < count; ++k) read(from, k, result.data() + k * components);
+    const std::size_t size = components * sizeOf(from.type);
+    if (from.stride == size) {
+      appendNumbers(from.bytes.substr(0, count * size), from.type, ByteOrder::kLittle, change,
+                    result);
+    } else {
+      result.resize(count * components);
+      for (std::size_t k = 0; k < count; ++k) read(from, k, result.data() + k * components);
+    }
   } else {
     if (count > size_ + kFreeZeros)
       fail(fmt::format("{}: {} elements that are nowhere", where, count));

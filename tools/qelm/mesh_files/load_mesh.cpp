@@ -81,21 +81,24 @@ Loaded load(const MeshSource& source, const Console& console) {
   const std::string& name = source.name;
   PolygonSoup soup = readPolygonSoup(toPath(name));
   // Facets without area are for welding to drop, which counts them.
-  const bool asTheyAre = source.strict || soup.facetsOwnTheirCorners;
-  Triangulation result =
-      naming(name, [&] { return asTheyAre ? triangulateStrictly(soup) : triangulate(soup); });
-  if (soup.mergedPoints > 0)
+  const bool isSoup = soup.facetsOwnTheirCorners;
+  const bool asTheyAre = source.strict || isSoup;
+  const std::size_t faceCount = soup.faces.size();
+  const std::size_t mergedPoints = soup.mergedPoints;
+  std::set<std::string> passedOver = std::move(soup.passedOver);
+  Triangulation result = naming(name, [&] {
+    return asTheyAre ? triangulateStrictly(std::move(soup)) : triangulate(std::move(soup));
+  });
+  if (mergedPoints > 0)
     console.note(fmt::format(
         "{}: {} of {} vertices lie exactly on another one and became one with it; vertex numbers "
         "are those after that",
-        name, soup.mergedPoints, soup.mergedPoints + soup.points.size()));
-  noteSplits(name, result, soup.faces.size(), console);
+        name, mergedPoints, mergedPoints + asIndex(result.mesh.vertexCount())));
+  noteSplits(name, result, faceCount, console);
   noteLeftOut(name, result, console);
-  // Vertices stay what they are.
-  result.mesh.attributes = std::move(soup.attributes);
   // The reader has merged corners that are exactly equal; the file has not.
-  if (soup.facetsOwnTheirCorners) return {withOwnCorners(result.mesh), true, soup.passedOver};
-  return {std::move(result.mesh), false, soup.passedOver};
+  if (isSoup) return {withOwnCorners(result.mesh), true, std::move(passedOver)};
+  return {std::move(result.mesh), false, std::move(passedOver)};
 }
 
 /// Formats in which every facet has its own corners are welded.

@@ -125,8 +125,8 @@ std::string meshExtension(const std::string& name) {
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   formatOf(path);  // refuses the name before the file is touched
-  return readPolygonSoup(path,
-                         isStandardInput(toUtf8(path)) ? readStandardInput() : readFile(path));
+  if (isStandardInput(toUtf8(path))) return readPolygonSoup(path, readStandardInput());
+  return readPolygonSoup(path, readFileBytes(path));
 }
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string_view bytes) {
@@ -135,6 +135,7 @@ PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string_view 
   if (trimmed(bytes).empty()) throw FileError(fmt::format("{}: not a mesh: empty file", name));
   PolygonSoup soup = readAs(format, bytes, path);
   checkSizes(soup, name);
+  if (soup.faces.areTriangles() && soup.faces.areAllBelow(soup.points.size())) return soup;
   for (std::size_t f = 0; f < soup.faces.size(); ++f) checkFace(soup, f, name);
   return soup;
 }

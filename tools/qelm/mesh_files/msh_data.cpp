@@ -25,11 +25,11 @@ struct ElementType {
   std::int64_t type;
   std::size_t nodes;
   std::size_t used;
-  std::int64_t cell;
+  std::uint8_t cell;
 };
 
-constexpr std::int64_t kLineCell = 3;
-constexpr std::int64_t kVolumeCell = 10;
+constexpr std::uint8_t kLineCell = 3;
+constexpr std::uint8_t kVolumeCell = 10;
 
 constexpr auto kElementTypes = std::to_array<ElementType>({
     {1, 2, 2, kLineCell},
@@ -83,8 +83,8 @@ class MshReader {
     format();
     while (nextSection()) {
     }
-    soup_.addPoints(coordinates_);
-    soup_.addCells(cells_, types_);
+    soup_.addPoints(std::move(coordinates_));
+    soup_.addCells(std::move(cells_), types_);
     return soup_.finish();
   }
 
@@ -177,12 +177,10 @@ class MshReader {
       for (std::size_t k = 0; k < count; ++k) node(source_.integer(kInt), parameters);
       return;
     }
-    const std::vector<std::int64_t> tags = source_.integers(size_, count);
+    std::vector<std::int64_t> tags = source_.integers(size_, count);
     if (isBinary_ && parameters == 0) {
-      const std::vector<double> places = source_.numbers(kDouble, count, 3);
-      tags_.insert(tags_.end(), tags.begin(), tags.end());
-      coordinates_.insert(coordinates_.end(), places.begin(), places.end());
-      return;
+      appendOrMove(source_.numbers(kDouble, count, 3), coordinates_);
+      return appendOrMove(std::move(tags), tags_);
     }
     for (const std::int64_t tag : tags) node(tag, parameters);
   }
@@ -233,8 +231,34 @@ class MshReader {
     }
     const std::size_t each = 1 + type.nodes;
     const std::vector<std::int64_t> numbers = source_.integers(words, count * each);
+    if (type.nodes == 3 && type.used == 3 && addTriangles(numbers)) {
+      types_.insert(types_.end(), count, type.cell);
+      return;
+    }
     for (std::size_t k = 0; k < count; ++k)
       addElement(type, numbers[k * each], std::span(numbers).subspan(k * each + 1, type.nodes));
+  }
+
+  /// Of each a number and three nodes. Not unless nodes are numbered one after another, and all of
+  /// these are there: that is seen without a branch for each.
+  bool addTriangles(std::span<const std::int64_t> numbers) {
+    if (!nodeOf_.empty()) return false;
+    std::int64_t least = firstTag_;
+    std::int64_t most = firstTag_;
+    for (std::size_t k = 0; k < numbers.size(); k += 4)
+      for (std::size_t c = 1; c < 4; ++c) {
+        least = std::min(least, numbers[k + c]);
+        most = std::max(most, numbers[k + c]);
+      }
+    if (!nodeOf(least) || !nodeOf(most)) return false;
+    const std::size_t before = cells_.corners.size();
+    cells_.corners.resize(before + numbers.size() / 4 * 3);
+    int* to = cells_.corners.data() + before;
+    for (std::size_t k = 0; k < numbers.size(); k += 4, to += 3)
+      for (std::size_t c = 0; c < 3; ++c) to[c] = wholeAs<int>(numbers[k + 1 + c] - firstTag_);
+    for (std::size_t end = before + 3; end <= cells_.corners.size(); end += 3)
+      cells_.ends.push_back(static_cast<std::int64_t>(end));
+    return true;
   }
 
   void elements2() {
@@ -277,7 +301,7 @@ class MshReader {
       const auto node = nodeOf(tag);
       if (!node)
         source_.fail(fmt::format("element {} has a node {}, which is not there", number, tag));
-      cells_.corners.push_back(*node);
+      cells_.corners.push_back(wholeAs<int>(*node));
     }
     cells_.ends.push_back(static_cast<std::int64_t>(cells_.corners.size()));
     types_.push_back(type.cell);
@@ -296,7 +320,7 @@ class MshReader {
   std::int64_t firstTag_ = 0;
   std::unordered_map<std::int64_t, std::int64_t> nodeOf_;
   CellList cells_;
-  std::vector<std::int64_t> types_;
+  std::vector<std::uint8_t> types_;
   std::vector<std::int64_t> nodes_;  ///< of an element
 };
 

@@ -147,8 +147,9 @@ class OffReader {
     soup_.points.reserve(vertexCount);
     for (std::size_t v = 0; v < vertexCount; ++v) {
       if (v == 0) source.setPlace("vertices");
-      Point& point = soup_.points.emplace_back();
+      Point point{};
       for (double& coordinate : point) coordinate = source.number(NumberType::kFloat32);
+      soup_.points.push_back(point);
     }
     for (std::size_t f = 0; f < faceCount; ++f) {
       source.setPlace(fmt::format("face {}", f));

@@ -3,6 +3,7 @@
 #define QELM_TOOLS_POINT_MERGER_H
 
 #include <cstddef>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -18,17 +19,21 @@ class PointMerger {
   void expect(std::size_t more);
 
   /// The number of the point at this place.
-  int add(const Point& point);
+  int add(const Point& point) { return add(point, hashOf(point)); }
+  /// The numbers of many.
+  std::vector<int> addAll(std::span<const Point> points);
 
   std::size_t size() const { return points_.size(); }
   /// How many of them had their place already.
   std::size_t merged() const { return merged_; }
-  std::vector<Point> finish() { return std::move(points_); }
+  Points finish() { return std::move(points_); }
 
  private:
+  static std::size_t hashOf(const Point& point);
+  int add(const Point& point, std::size_t hash);
   void grow(std::size_t least);
 
-  std::vector<Point> points_;
+  Points points_;
   std::vector<int> table_;  ///< a point's number at the first free place after its hash, or -1
   std::size_t merged_ = 0;
 };

@@ -47,7 +47,7 @@ int at(const std::vector<int>& outline, std::size_t k) { return outline[k % outl
 /// What --strict lets pass: convex polygons, flat or nearly so.
 class ConvexCheck {
  public:
-  ConvexCheck(std::span<const Point> points, const std::vector<int>& outline, int face)
+  ConvexCheck(const Mesh& points, const std::vector<int>& outline, int face)
       : points_(points), outline_(outline), face_(face) {}
 
   void run() const {
@@ -80,35 +80,32 @@ class ConvexCheck {
     return normal;
   }
 
-  const Point& point(std::size_t k) const {
-    return points_[static_cast<std::size_t>(at(outline_, k))];
-  }
+  Point point(std::size_t k) const { return points_.point(at(outline_, k)); }
 
-  std::span<const Point> points_;
+  const Mesh& points_;
   const std::vector<int>& outline_;
   int face_;
 };
 
 class Splitter {
  public:
-  Splitter(const PolygonSoup& soup, bool strict) : soup_(soup), strict_(strict) {}
+  Splitter(PolygonSoup soup, bool strict) : faces_(std::move(soup.faces)), strict_(strict) {
+    result_.mesh.vertices = soup.points.takeCoordinates();
+    result_.mesh.attributes = std::move(soup.attributes);
+  }
 
   Triangulation run() {
     Mesh& mesh = result_.mesh;
-    mesh.vertices.resize(3 * soup_.points.size());
-    for (std::size_t v = 0; v < soup_.points.size(); ++v)
-      for (std::size_t k = 0; k < 3; ++k) mesh.vertices[3 * v + k] = soup_.points[v][k];
     if (areTriangles()) {
-      const int* const corners = soup_.faces[0].data();
-      mesh.triangles.assign(corners, corners + soup_.faces.cornerCount());
+      mesh.triangles = faces_.takeCorners();
       return std::move(result_);
     }
-    mesh.triangles.reserve(3 * soup_.faces.size());
-    for (std::size_t f = 0; f < soup_.faces.size(); ++f) addFace(static_cast<int>(f));
+    mesh.triangles.reserve(3 * faces_.size());
+    for (std::size_t f = 0; f < faces_.size(); ++f) addFace(static_cast<int>(f));
     mesh.leftOutFaces = result_.leftOut.count;
     if (mesh.triangles.empty())
       throw MeshError(fmt::format("none of {} faces has three different corners; repair the file",
-                                  soup_.faces.size()));
+                                  faces_.size()));
     if (result_.splitFaceCount == 0 && result_.leftOut.count == 0) mesh.faceOfTriangle.clear();
     return std::move(result_);
   }
@@ -116,22 +113,18 @@ class Splitter {
  private:
   /// With three different corners each, as in most files: nothing is to be done then.
   bool areTriangles() const {
-    for (std::size_t f = 0; f < soup_.faces.size(); ++f) {
-      const std::span<const int> c = soup_.faces[f];
-      if (c.size() != 3 || c[0] == c[1] || c[1] == c[2] || c[2] == c[0]) return false;
-    }
-    return !soup_.faces.empty();
+    return faces_.areTriangles() && !faces_.repeatCorners() && !faces_.empty();
   }
 
   void addFace(int face) {
-    const std::span<const int> corners = soup_.faces[static_cast<std::size_t>(face)];
+    const std::span<const int> corners = faces_[asIndex(face)];
     if (corners.size() == 3 && corners[0] != corners[1] && corners[1] != corners[2] &&
         corners[2] != corners[0])
       return addTriangle({corners[0], corners[1], corners[2]}, face);
     if (strict_ && corners.size() == 3)
       return addTriangle({corners[0], corners[1], corners[2]}, face);
     std::vector<int> outline(corners.begin(), corners.end());
-    if (strict_) ConvexCheck(soup_.points, outline, face).run();
+    if (strict_) ConvexCheck(result_.mesh, outline, face).run();
     outline = withoutRepeats(std::move(outline));
     if (outline.empty()) return result_.leftOut.add(face);
     if (outline.size() < corners.size()) result_.repeatedCorner.add(face);
@@ -141,7 +134,7 @@ class Splitter {
   }
 
   void addPolygon(std::vector<int> outline, int face) {
-    const ClippedPolygon clipped = clipEars(soup_.points, std::move(outline));
+    const ClippedPolygon clipped = clipEars(result_.mesh.vertices, std::move(outline));
     for (const std::array<int, 3>& corners : clipped.triangles) addTriangle(corners, face);
     ++result_.splitFaceCount;
     if (clipped.crossesItself) result_.crossing.add(face);
@@ -155,15 +148,17 @@ class Splitter {
     mesh.faceOfTriangle.push_back(face);
   }
 
-  const PolygonSoup& soup_;
+  Faces faces_;
   bool strict_;
   Triangulation result_;
 };
 
 }  // namespace
 
-Triangulation triangulate(const PolygonSoup& soup) { return Splitter(soup, false).run(); }
+Triangulation triangulate(PolygonSoup soup) { return Splitter(std::move(soup), false).run(); }
 
-Triangulation triangulateStrictly(const PolygonSoup& soup) { return Splitter(soup, true).run(); }
+Triangulation triangulateStrictly(PolygonSoup soup) {
+  return Splitter(std::move(soup), true).run();
+}
 
 }  // namespace qelm::tool

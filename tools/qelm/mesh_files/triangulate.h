@@ -30,13 +30,13 @@ struct Triangulation {
 ///
 /// Takes every face: corners that repeat the one before are dropped, concave, bent and crossing
 /// outlines are split as well as possible (see clipEars()), faces of fewer than three different
-/// corners are left out. Throws MeshError for a polygon with too many corners, and when no face
-/// is left.
-Triangulation triangulate(const PolygonSoup& soup);
+/// corners are left out. Takes over the points, the triangles and the attributes. Throws MeshError
+/// for a polygon with too many corners, and when no face is left.
+Triangulation triangulate(PolygonSoup soup);
 
 /// The same, but throws MeshError for a polygon that is not convex, has no area or names a vertex
 /// twice. Triangles that do stay.
-Triangulation triangulateStrictly(const PolygonSoup& soup);
+Triangulation triangulateStrictly(PolygonSoup soup);
 
 }  // namespace qelm::tool
 

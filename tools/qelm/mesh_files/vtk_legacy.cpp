@@ -67,8 +67,8 @@ class LegacyReader {
   PolygonSoup run() {
     heading();
     while (nextStatement()) statement();
-    if (types_.empty() == cells_.ends.empty()) {
-      if (!types_.empty()) soup_.addCells(cells_, types_);
+    if (types_.empty() == (cells_.ends.size() == 0)) {
+      if (!types_.empty()) soup_.addCells(std::move(cells_), types_);
     } else {
       throw FileError(fmt::format("{}: {} cells, but {} types of cells; it may be cut short", name_,
                                   cells_.ends.size(), types_.size()));
@@ -133,7 +133,7 @@ class LegacyReader {
     if (keyword_ == "polygons") return soup_.addPolygons(cells());
     if (keyword_ == "triangle_strips") return soup_.addStrips(cells());
     if (keyword_ == "vertices" || keyword_ == "lines") {
-      if (!cells().ends.empty()) soup_.passOver("points and lines");
+      if (cells().ends.size() > 0) soup_.passOver("points and lines");
       return;
     }
     if (keyword_ == "cells") {
@@ -141,7 +141,7 @@ class LegacyReader {
       return;
     }
     if (keyword_ == "cell_types") {
-      types_ = source_.integers(NumberType::kInt32, count(1));
+      types_ = source_.integers<std::uint8_t>(NumberType::kInt32, count(1));
       return;
     }
     if (keyword_ == "metadata") return metadata();
@@ -173,10 +173,9 @@ class LegacyReader {
   }
 
   CellList cellsByCounts(std::size_t cellCount, std::size_t size) {
-    std::vector<std::int64_t> all = source_.integers(NumberType::kInt32, size);
+    std::vector<int> all = source_.integers<int>(NumberType::kInt32, size);
     CellList cells;
     if (cellCount > size) fail(fmt::format("{} cells in {} numbers", cellCount, size));
-    cells.ends.reserve(cellCount);
     std::size_t to = 0;
     std::size_t at = 0;
     for (std::size_t k = 0; k < cellCount; ++k) {
@@ -195,13 +194,16 @@ class LegacyReader {
   CellList cellsByOffsets(std::size_t offsetCount, std::size_t cornerCount) {
     CellList cells;
     nextStatement();
-    cells.ends = source_.integers(type(1), offsetCount);
-    if (!cells.ends.empty()) {
-      if (cells.ends[0] != 0) fail(fmt::format("the first offset is {}, not 0", cells.ends[0]));
-      cells.ends.erase(cells.ends.begin());
-    }
+    std::optional<std::int64_t> first;
+    source_.forEachInteger(type(1), offsetCount, [&](std::int64_t offset) {
+      if (first)
+        cells.ends.push_back(offset);
+      else
+        first = offset;
+    });
+    if (first.value_or(0) != 0) fail(fmt::format("the first offset is {}, not 0", *first));
     if (!nextStatement() || keyword_ != "connectivity") fail("CONNECTIVITY must follow OFFSETS");
-    cells.corners = source_.integers(type(1), cornerCount);
+    cells.corners = source_.integers<int>(type(1), cornerCount);
     return cells;
   }
 
@@ -280,7 +282,7 @@ class LegacyReader {
   std::vector<std::string_view> words_;
   std::string keyword_;
   CellList cells_;
-  std::vector<std::int64_t> types_;
+  std::vector<std::uint8_t> types_;
   Association association_ = Association::kNone;
   std::size_t tuples_ = 0;
   std::vector<PointArray> arrays_;

@@ -148,7 +148,7 @@ class VtkXmlReader {
     std::vector<double> coordinates;
     if (!piece.coordinates.empty()) coordinates = numbers.numbers(piece.coordinates[0]);
     require(piece, "Points", coordinates.size(), piece.points, 3);
-    soup_.addPoints(coordinates);
+    soup_.addPoints(std::move(coordinates));
     for (const auto& [section, cells] : piece.cells) addCells(piece, section, cells, numbers);
     for (const VtkXmlArray& array : piece.data) {
       const std::vector<double> values = numbers.numbers(array);
@@ -167,17 +167,18 @@ class VtkXmlReader {
   void addCells(const Piece& piece, const std::string& section, const CellSection& cells,
                 VtkXmlNumbers& numbers) {
     if (cells.count == 0) return;
-    const auto read = [&](const char* key) {
-      const auto array = cells.arrays.find(key);
-      if (array == cells.arrays.end())
+    const auto array = [&](const char* key) -> const VtkXmlArray& {
+      const auto found = cells.arrays.find(key);
+      if (found == cells.arrays.end())
         scanner_.failAt(piece.place, fmt::format("<{}> has no array '{}'", section, key));
-      return numbers.integers(array->second);
+      return found->second;
     };
-    const CellList found{read("offsets"), read("connectivity")};
+    CellList found{numbers.ends(array("offsets")), numbers.integers<int>(array("connectivity"))};
     require(piece, "offsets", found.ends.size(), cells.count, 1);
-    if (section == "Polys") soup_.addPolygons(found);
+    if (section == "Polys") soup_.addPolygons(std::move(found));
     if (section == "Strips") soup_.addStrips(found);
-    if (section == "Cells") soup_.addCells(found, read("types"));
+    if (section == "Cells")
+      soup_.addCells(std::move(found), numbers.integers<std::uint8_t>(array("types")));
   }
 
   std::string_view bytes_;

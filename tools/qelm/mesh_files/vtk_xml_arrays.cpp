@@ -146,7 +146,7 @@ std::vector<Number> VtkXmlNumbers::words(const VtkXmlArray& array) const {
     if constexpr (std::is_same_v<Number, double>)
       result.push_back(source.number(array.type));
     else
-      result.push_back(source.integer(array.type));
+      result.push_back(wholeAs<Number>(source.integer(array.type)));
   }
   return result;
 }
@@ -155,23 +155,44 @@ std::vector<double> VtkXmlNumbers::numbers(const VtkXmlArray& array) {
   if (array.form == VtkXmlArray::Form::kText) return words<double>(array);
   std::vector<double> result;
   decode(array, [&](std::string_view bytes) {
-    result.reserve(bytes.size() / sizeOf(array.type));
-    forEachNumber(bytes, array.type, storage_.order,
-                  [&result](auto number) { result.push_back(static_cast<double>(number)); });
+    appendNumbers(
+        bytes, array.type, storage_.order, [](auto number) { return static_cast<double>(number); },
+        result);
   });
   return result;
 }
 
-std::vector<std::int64_t> VtkXmlNumbers::integers(const VtkXmlArray& array) {
+void VtkXmlNumbers::requireWhole(const VtkXmlArray& array) const {
   if (!isWhole(array.type)) fail(array, "whole numbers are needed here");
-  if (array.form == VtkXmlArray::Form::kText) return words<std::int64_t>(array);
-  std::vector<std::int64_t> result;
+}
+
+CellEnds VtkXmlNumbers::ends(const VtkXmlArray& array) {
+  requireWhole(array);
+  CellEnds result;
+  if (array.form == VtkXmlArray::Form::kText)
+    for (const std::int64_t end : words<std::int64_t>(array)) result.push_back(end);
+  else
+    decode(array, [&](std::string_view bytes) {
+      forEachNumber(bytes, array.type, storage_.order,
+                    [&result](auto number) { result.push_back(wholeOf(number)); });
+    });
+  return result;
+}
+
+template <class Integer>
+std::vector<Integer> VtkXmlNumbers::integers(const VtkXmlArray& array) {
+  requireWhole(array);
+  if (array.form == VtkXmlArray::Form::kText) return words<Integer>(array);
+  std::vector<Integer> result;
   decode(array, [&](std::string_view bytes) {
-    result.reserve(bytes.size() / sizeOf(array.type));
-    forEachNumber(bytes, array.type, storage_.order,
-                  [&result](auto number) { result.push_back(wholeOf(number)); });
+    appendNumbers(
+        bytes, array.type, storage_.order, [](auto number) { return wholeAs<Integer>(number); },
+        result);
   });
   return result;
 }
+
+template std::vector<int> VtkXmlNumbers::integers(const VtkXmlArray&);
+template std::vector<std::uint8_t> VtkXmlNumbers::integers(const VtkXmlArray&);
 
 }  // namespace qelm::tool

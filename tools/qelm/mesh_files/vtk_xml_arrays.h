@@ -11,6 +11,7 @@
 
 #include "encodings/numbers.h"
 #include "encodings/xml_scanner.h"
+#include "mesh_files/cell_soup.h"
 
 namespace qelm::tool {
 
@@ -48,9 +49,13 @@ class VtkXmlNumbers {
       : storage_(storage), scanner_(scanner), name_(name), left_(2 * file.size()) {}
 
   std::vector<double> numbers(const VtkXmlArray& array);
-  std::vector<std::int64_t> integers(const VtkXmlArray& array);
+  /// In the range of `Integer`: what is beyond it becomes its nearest number.
+  template <class Integer>
+  std::vector<Integer> integers(const VtkXmlArray& array);
+  CellEnds ends(const VtkXmlArray& array);
 
  private:
+  void requireWhole(const VtkXmlArray& array) const;
   [[noreturn]] void fail(const VtkXmlArray& array, const std::string& what) const;
   template <class Number>
   std::vector<Number> words(const VtkXmlArray& array) const;
