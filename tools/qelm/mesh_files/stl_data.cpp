@@ -39,25 +39,36 @@ std::uint64_t facetCount(std::string_view bytes) {
 class FacetSoup {
  public:
   void add(const std::array<Point, 3>& corners) {
-    std::array<int, 3> face{};
-    for (std::size_t k = 0; k < 3; ++k) face[k] = points_.add(corners[k]);
-    soup_.faces.push_back(face);
+    waiting_.insert(waiting_.end(), corners.begin(), corners.end());
+    if (waiting_.size() >= kAtOnce) place();
   }
   /// A closed surface has half as many points as facets.
   void expect(std::size_t facets) {
     points_.expect(facets / 2);
     soup_.faces.reserve(facets);
   }
-  std::size_t size() const { return soup_.faces.size(); }
+  std::size_t size() const { return soup_.faces.size() + waiting_.size() / 3; }
   void passOver(const char* what) { soup_.passedOver.insert(what); }
   PolygonSoup finish() {
+    place();
     soup_.points = points_.finish();
     soup_.facetsOwnTheirCorners = true;
     return std::move(soup_);
   }
 
  private:
+  // Corners: many together are found sooner than one by one.
+  static constexpr std::size_t kAtOnce = 3 * 256;
+
+  void place() {
+    const std::vector<int> numbers = points_.addAll(waiting_);
+    for (std::size_t k = 0; k < numbers.size(); k += 3)
+      soup_.faces.push_back({numbers[k], numbers[k + 1], numbers[k + 2]});
+    waiting_.clear();
+  }
+
   PointMerger points_;
+  std::vector<Point> waiting_;
   PolygonSoup soup_;
 };
 
