@@ -94,13 +94,13 @@ TEST(Supernodes, OfADenseMatrixIsOneUntilItIsTooWide) {
 }
 
 TEST(Supernodes, AreCutSoThatTheirPanelsTakeLittleMemoryBesideL) {
-  EXPECT_EQ(factor::widestSupernode(0), 32);
-  EXPECT_EQ(factor::widestSupernode(330 * 64 * 64), 64);
-  EXPECT_EQ(factor::widestSupernode(330 * 71 * 71), 64);
-  EXPECT_EQ(factor::widestSupernode(330 * 72 * 72), 72);
-  EXPECT_EQ(factor::widestSupernode(1'000'000'000), 384);
+  EXPECT_EQ(factor::widestSupernode(0), 48);
+  EXPECT_EQ(factor::widestSupernode(64 * 50'000), 64);
+  EXPECT_EQ(factor::widestSupernode(72 * 50'000 - 1), 64);
+  EXPECT_EQ(factor::widestSupernode(72 * 50'000), 72);
+  EXPECT_EQ(factor::widestSupernode(10'000'000'000), 384);
   // Two panels of so many columns and rows, in bytes, beside the 12 that an entry of L takes.
-  for (const std::int64_t entries : {300'000, 3'000'000, 30'000'000}) {
+  for (const std::int64_t entries : {100'000, 1'000'000, 10'000'000, 100'000'000}) {
     const std::int64_t width = factor::widestSupernode(entries);
     EXPECT_LE(2 * 8 * width * width, 12 * entries / 20) << entries;
   }
