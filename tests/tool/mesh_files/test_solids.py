@@ -184,6 +184,17 @@ def test_what_is_wrong_in_an_msh_is_said_with_its_line(qelm, content, says):
     assert says in qelm.fails(3, "info", "m.msh")
 
 
+def test_a_triangle_of_a_binary_msh_whose_node_is_not_there_is_named(qelm):
+    mesh = meshio.Mesh(shapes.SQUARE[0], [("triangle", numpy.array(shapes.SQUARE[1]))])
+    mesh.write(qelm.folder / "m.msh", file_format="gmsh", binary=True)
+    content = (qelm.folder / "m.msh").read_bytes()
+    end = content.index(b"\n$EndElements")
+    for node in (99, 0, 5, 2**64 - 1):
+        qelm.write("m.msh", content[: end - 8] + struct.pack("<Q", node) + content[end:])
+        said = min(node, 2**63 - 1)
+        assert f"element 2 has a node {said}, which is not there" in qelm.fails(3, "info", "m.msh")
+
+
 # Binary OFF
 
 

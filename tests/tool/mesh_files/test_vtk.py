@@ -183,6 +183,20 @@ def test_the_text_forms_here_are_good(qelm):
     assert qelm.json("info", "m.vtp")["area"] == qelm.json("info", "m.vtk")["area"] == 0.5
 
 
+def test_triangles_of_a_second_piece_count_from_its_first_point(qelm):
+    piece = TEXT[TEXT.index("  <Piece") : TEXT.index(" </PolyData>")]
+    qelm.write("m.vtp", TEXT.replace(piece, piece + piece.replace("0 1 2", "2 1 0")))
+    assert qelm.json("info", "m.vtp")["triangles"] == 2
+    qelm.write("m.vtp", TEXT.replace(piece, piece + piece.replace("0 1 2", "0 1 3")))
+    assert "face 1: vertex index 6 is out of range: the file has 6 vertices" in qelm.fails(4, "info", "m.vtp")
+
+
+def test_an_index_that_is_no_int_is_out_of_range(qelm):
+    for index, said in (("9999999999", "2147483647"), ("-9999999999", "-2147483647"), ("2147483648", "2147483647")):
+        qelm.write("m.vtp", TEXT.replace("Int32", "Int64").replace("0 1 2", f"0 1 {index}"))
+        assert f"face 0: vertex index {said} is out of range" in qelm.fails(4, "info", "m.vtp")
+
+
 def test_a_damaged_block_is_found(qelm):
     outside.write_vtk(qelm.folder / "m.vtp", outside.polydata(MESH), DataMode=2, EncodeAppendedData=0)
     content = bytearray((qelm.folder / "m.vtp").read_bytes())
