@@ -67,6 +67,20 @@ Cotangents raised(std::size_t apex, double fromP, double fromQ) {
   return byCorner(apex, flat[2], flat[0], flat[1], true);
 }
 
+/// The cotangents numerators / denominator of the apex, P and Q, or those of the raised triangle.
+/// The denominator is to `base` as the height is to the longest edge. Most triangles are higher
+/// than either limit: their foot does not matter.
+Cotangents bounded(std::size_t apex, const std::array<double, 3>& numerators, double base,
+                   double denominator) {
+  const auto [atApex, atP, atQ] = numerators;
+  if (!(denominator >= kLeastHeightOfNeedle * std::fabs(base))) {
+    const double fromP = std::clamp(atP / base, 0.0, 1.0);
+    const double fromQ = std::clamp(atQ / base, 0.0, 1.0);
+    if (!(denominator >= leastHeight(fromP, fromQ) * base)) return raised(apex, fromP, fromQ);
+  }
+  return byCorner(apex, atApex / denominator, atP / denominator, atQ / denominator, false);
+}
+
 /// For two coincident corners: an isosceles triangle with legs of length 1 over a base of
 /// kLeastHeightOfNeedle between the two.
 Cotangents needle(std::size_t tip) {
@@ -109,12 +123,8 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
   const double alongP = -dot(base, apexToP);
   const double alongQ = -dot(base, qToApex);
   const double twiceArea = length(cross(apexToP, qToApex));
-  const double longest = squaredLength[apex];
-  const double fromP = std::clamp(alongP / longest, 0.0, 1.0);
-  const double fromQ = std::clamp(alongQ / longest, 0.0, 1.0);
-  if (!(twiceArea >= leastHeight(fromP, fromQ) * longest)) return raised(apex, fromP, fromQ);
-  return byCorner(apex, -dot(apexToP, qToApex) / twiceArea, alongP / twiceArea, alongQ / twiceArea,
-                  false);
+  const double atApex = -dot(apexToP, qToApex);
+  return bounded(apex, {atApex, alongP, alongQ}, squaredLength[apex], twiceArea);
 }
 
 // Takes no square root and no division, since every triangle is looked at.
@@ -133,12 +143,7 @@ Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denomina
       std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
   const double atP = numerators[(apex + 1) % 3];
   const double atQ = numerators[(apex + 2) % 3];
-  const double sum = atP + atQ;
-  const double fromP = std::clamp(atP / sum, 0.0, 1.0);
-  const double fromQ = std::clamp(atQ / sum, 0.0, 1.0);
-  if (!(denominator >= leastHeight(fromP, fromQ) * sum)) return raised(apex, fromP, fromQ);
-  return byCorner(apex, numerators[apex] / denominator, atP / denominator, atQ / denominator,
-                  false);
+  return bounded(apex, {numerators[apex], atP, atQ}, atP + atQ, denominator);
 }
 
 }  // namespace qelm
