@@ -99,20 +99,28 @@ class Gluing {
       if (isPrescribed(halfEdges)) return;
       inPairs = inPairs && halfEdges.size() == 2;
       if (!inPairs) return;
-      glue(cover, halfEdges[0].number(), halfEdges[1].number());
-      opposed &= halfEdges[0].leadsUp() != halfEdges[1].leadsUp();
+      const std::int32_t g = halfEdges[0].number(), h = halfEdges[1].number();
+      // Each as seen from a triangle that is not turned over: then the other one is if they agree.
+      const bool agree = halfEdges[0].leadsUp() == halfEdges[1].leadsUp();
+      cover.twin[asIndex(g)] = agree ? turnedOver(h) : h;
+      cover.twin[asIndex(h)] = agree ? turnedOver(g) : g;
+      opposed &= !agree;
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
     if (!turnTriangles(edges)) return false;
     for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
-      if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
-    }
-    for (DoubleCover::HalfEdge& twin : cover.twin) {
-      if (twin != DoubleCover::kNone && isTurned(asIndex(twin / 3)))
-        twin = 3 * (twin / 3) + 2 - twin % 3;
+      if (!isTurned(t)) continue;
+      const std::span<DoubleCover::HalfEdge, 3> twins(&cover.twin[3 * t], 3);
+      std::swap(twins[0], twins[2]);
+      for (DoubleCover::HalfEdge& twin : twins) twin = turnedOver(twin);
     }
     return true;
+  }
+
+  /// What a half-edge becomes when its triangle is turned over.
+  static DoubleCover::HalfEdge turnedOver(DoubleCover::HalfEdge h) {
+    return h == DoubleCover::kNone ? h : h + 2 - 2 * (h % 3);
   }
 
   /// Decides which triangles are turned over; the first one of each part stays as it is. False if a

@@ -22,8 +22,8 @@ std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
 }
 
 double extentOf(const std::array<Vec3, 3>& edges) {
-  return std::max(
-      {largestComponent(edges[0]), largestComponent(edges[1]), largestComponent(edges[2])});
+  return std::max(std::max(largestComponent(edges[0]), largestComponent(edges[1])),
+                  largestComponent(edges[2]));
 }
 
 /// The edges, multiplied by a power of two if their fourth powers would overflow or underflow. If
@@ -67,18 +67,18 @@ Cotangents raised(std::size_t apex, double fromP, double fromQ) {
   return byCorner(apex, flat[2], flat[0], flat[1], true);
 }
 
-/// The cotangents numerators / denominator of the apex, P and Q, or those of the raised triangle.
-/// The denominator is to `base` as the height is to the longest edge. Most triangles are higher
-/// than either limit: their foot does not matter.
-Cotangents bounded(std::size_t apex, const std::array<double, 3>& numerators, double base,
-                   double denominator) {
-  const auto [atApex, atP, atQ] = numerators;
+/// The cotangents numerators / denominator, or those of the raised triangle. The denominator is to
+/// `base` as the height is to the longest edge, which is opposite the corner `apex`.
+Cotangents bounded(const std::array<double, 3>& numerators, double denominator, double base,
+                   std::size_t apex) {
+  // Most triangles are higher than either limit: their foot does not matter.
   if (!(denominator >= kLeastHeightOfNeedle * std::fabs(base))) {
-    const double fromP = std::clamp(atP / base, 0.0, 1.0);
-    const double fromQ = std::clamp(atQ / base, 0.0, 1.0);
+    const double fromP = std::clamp(numerators[(apex + 1) % 3] / base, 0.0, 1.0);
+    const double fromQ = std::clamp(numerators[(apex + 2) % 3] / base, 0.0, 1.0);
     if (!(denominator >= leastHeight(fromP, fromQ) * base)) return raised(apex, fromP, fromQ);
   }
-  return byCorner(apex, atApex / denominator, atP / denominator, atQ / denominator, false);
+  return {{numerators[0] / denominator, numerators[1] / denominator, numerators[2] / denominator},
+          false};
 }
 
 /// For two coincident corners: an isosceles triangle with legs of length 1 over a base of
@@ -117,14 +117,9 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
 
   const std::array<double, 3> squaredLength = {dot(e[0], e[0]), dot(e[1], e[1]), dot(e[2], e[2])};
   const std::size_t apex = apexOf(p, squaredLength);
-  const Vec3 base = e[apex];  // P to Q
-  const Vec3 qToApex = e[(apex + 1) % 3];
-  const Vec3 apexToP = e[(apex + 2) % 3];
-  const double alongP = -dot(base, apexToP);
-  const double alongQ = -dot(base, qToApex);
-  const double twiceArea = length(cross(apexToP, qToApex));
-  const double atApex = -dot(apexToP, qToApex);
-  return bounded(apex, {atApex, alongP, alongQ}, squaredLength[apex], twiceArea);
+  const double twiceArea = length(cross(e[(apex + 2) % 3], e[(apex + 1) % 3]));
+  return bounded({-dot(e[1], e[2]), -dot(e[2], e[0]), -dot(e[0], e[1])}, twiceArea,
+                 squaredLength[apex], apex);
 }
 
 // Takes no square root and no division, since every triangle is looked at.
@@ -141,9 +136,8 @@ bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2) {
 Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator) {
   const auto apex = static_cast<std::size_t>(
       std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
-  const double atP = numerators[(apex + 1) % 3];
-  const double atQ = numerators[(apex + 2) % 3];
-  return bounded(apex, {numerators[apex], atP, atQ}, atP + atQ, denominator);
+  return bounded(numerators, denominator, numerators[(apex + 1) % 3] + numerators[(apex + 2) % 3],
+                 apex);
 }
 
 }  // namespace qelm
