@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "interface/index.h"
+#include "interface/unset.h"
 
 namespace qelm {
 
@@ -36,7 +37,7 @@ class MeshHalfEdge {
   friend bool operator<(MeshHalfEdge a, MeshHalfEdge b) { return a.key_ < b.key_; }
 
  private:
-  std::uint64_t key_ = 0;
+  std::uint64_t key_;
 };
 
 class MeshEdges {
@@ -61,7 +62,7 @@ class MeshEdges {
 
  private:
   std::vector<std::uint32_t> starts_;  ///< of each bucket
-  std::vector<MeshHalfEdge> halfEdges_;
+  UnsetVector<MeshHalfEdge> halfEdges_;
 };
 
 }  // namespace qelm

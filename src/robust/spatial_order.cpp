@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "interface/index.h"
+#include "interface/unset.h"
 #include "mesh/vec3.h"
 #include "robust/triangle_shape.h"
 
@@ -16,7 +17,7 @@ namespace {
 
 /// The triangles with their corners as ranks in `order`, ascending in each triangle, sorted: by
 /// counting sort into a bucket for each first corner, then each bucket, which is small, by itself.
-std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
+UnsetVector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
   std::vector<std::int32_t> rank(order.size());
   for (std::size_t r = 0; r < order.size(); ++r) rank[asIndex(order[r])] = asInt(r);
@@ -27,7 +28,7 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
   std::partial_sum(starts.begin(), starts.end(), starts.begin());
   // The higher corners of each triangle, the middle one in the upper half. Each bucket's start
   // moves down from its end.
-  std::vector<std::uint64_t> higher(triangles.size() / 3);
+  UnsetVector<std::uint64_t> higher(triangles.size() / 3);
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const std::int32_t a = rankOf(j), b = rankOf(j + 1), c = rankOf(j + 2);
     const std::int32_t low = std::min(a, b), high = std::max(a, b);
@@ -37,7 +38,7 @@ std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangl
                                                   static_cast<std::uint32_t>(std::max(high, c));
   }
   std::vector<std::int32_t>().swap(rank);
-  std::vector<std::int32_t> ordered(triangles.size());
+  UnsetVector<std::int32_t> ordered(triangles.size());
   for (std::size_t first = 0; first < order.size(); ++first) {
     const std::span bucket =
         std::span(higher).subspan(starts[first], starts[first + 1] - starts[first]);
@@ -157,7 +158,7 @@ std::vector<std::int32_t> spatialOrder(std::int32_t taggedCount,
 DoubleCover coverInOrder(const std::vector<std::int32_t>& order, std::int32_t taggedCount,
                          std::span<const double> coordinates,
                          std::span<const std::int32_t> triangles) {
-  std::vector<double> ordered(coordinates.size());
+  UnsetVector<double> ordered(coordinates.size());
   for (std::size_t r = 0; r < order.size(); ++r) {
     for (std::size_t c = 0; c < 3; ++c) ordered[3 * r + c] = coordinates[3 * asIndex(order[r]) + c];
   }

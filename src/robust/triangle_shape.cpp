@@ -26,21 +26,24 @@ double extentOf(const std::array<Vec3, 3>& edges) {
                   largestComponent(edges[2]));
 }
 
-/// The edges, multiplied by a power of two if their fourth powers would overflow or underflow. If
-/// differences of coordinates would overflow, the points are scaled first.
-std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+/// The edges, multiplied by a power of two. If differences of coordinates would overflow, the points
+/// are scaled first.
+std::array<Vec3, 3> rescaledEdges(const std::array<Vec3, 3>& p) {
   std::array<Vec3, 3> edges = edgesOf(p);
-  double extent = extentOf(edges);
-  if (extent > 0x1p-200 && extent < 0x1p200) return edges;
-  if (extent > 0x1p1020) {
+  if (extentOf(edges) > 0x1p1020)
     edges =
         edgesOf({timesPowerOfTwo(p[0], -4), timesPowerOfTwo(p[1], -4), timesPowerOfTwo(p[2], -4)});
-    extent = extentOf(edges);
-  }
   int exponent = 0;
-  std::frexp(extent, &exponent);
+  std::frexp(extentOf(edges), &exponent);
   for (Vec3& edge : edges) edge = timesPowerOfTwo(edge, -exponent);
   return edges;
+}
+
+/// The edges, rescaled if their fourth powers would overflow or underflow.
+std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+  const std::array<Vec3, 3> edges = edgesOf(p);
+  const double extent = extentOf(edges);
+  return extent > 0x1p-200 && extent < 0x1p200 ? edges : rescaledEdges(p);
 }
 
 /// The cotangents at P, Q and the apex of a triangle whose longest edge PQ has length 1, with its
