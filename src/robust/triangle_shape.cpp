@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <tuple>
 
+#include "interface/compiler.h"
+
 namespace qelm {
 namespace {
 
@@ -21,7 +23,7 @@ std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
   return {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
 }
 
-double extentOf(const std::array<Vec3, 3>& edges) {
+QELM_INLINE double extentOf(const std::array<Vec3, 3>& edges) {
   return std::max(std::max(largestComponent(edges[0]), largestComponent(edges[1])),
                   largestComponent(edges[2]));
 }
@@ -40,7 +42,7 @@ std::array<Vec3, 3> rescaledEdges(const std::array<Vec3, 3>& p) {
 }
 
 /// The edges, rescaled if their fourth powers would overflow or underflow.
-std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+QELM_INLINE std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
   const std::array<Vec3, 3> edges = edgesOf(p);
   const double extent = extentOf(edges);
   return extent > 0x1p-200 && extent < 0x1p200 ? edges : rescaledEdges(p);
