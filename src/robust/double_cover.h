@@ -59,7 +59,7 @@ struct DoubleCover {
 /// finite coordinates and three different vertices in each triangle.
 ///
 /// The result takes 48 bytes for each triangle and sheet. Three quarters are allocated after 28
-/// bytes for each triangle and 8 for each vertex, needed while edges are found, are freed. Throws
+/// bytes for each triangle and 4 for each vertex, needed while edges are found, are freed. Throws
 /// std::bad_alloc above 2^31 / 6 triangles.
 DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinates,
                     std::span<const std::int32_t> triangles);
