@@ -5,8 +5,6 @@
 #include <cstddef>
 #include <tuple>
 
-#include "interface/compiler.h"
-
 namespace qelm {
 namespace {
 
@@ -23,7 +21,7 @@ std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
   return {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
 }
 
-QELM_INLINE double extentOf(const std::array<Vec3, 3>& edges) {
+double extentOf(const std::array<Vec3, 3>& edges) {
   return std::max(std::max(largestComponent(edges[0]), largestComponent(edges[1])),
                   largestComponent(edges[2]));
 }
@@ -42,7 +40,7 @@ std::array<Vec3, 3> rescaledEdges(const std::array<Vec3, 3>& p) {
 }
 
 /// The edges, rescaled if their fourth powers would overflow or underflow.
-QELM_INLINE std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
   const std::array<Vec3, 3> edges = edgesOf(p);
   const double extent = extentOf(edges);
   return extent > 0x1p-200 && extent < 0x1p200 ? edges : rescaledEdges(p);
