@@ -5,7 +5,6 @@
 
 #include "factor/solver.h"
 #include "mesh/element_sums.h"
-#include "mesh/lower_triangle.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -21,14 +20,25 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 
 }  // namespace
 
+SummedRows sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                       std::span<const std::int32_t> triangles) {
+  SummedRows sums{QELM_STATUS_OK,
+                  LowerTriangle(taggedCount, bucketSizes(triangles, coordinates.size() / 3))};
+  const bool repeatAVertex = addElements(coordinates, triangles, sums.lower);
+  if (repeatAVertex)
+    sums.status = QELM_STATUS_REPEATED_VERTEX;
+  else if (!sums.lower.coversEveryVertex())
+    sums.status = QELM_STATUS_UNUSED_VERTEX;
+  else
+    sums.lower.mergeBuckets();
+  return sums;
+}
+
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles) {
-  LowerTriangle lower(taggedCount, bucketSizes(triangles, coordinates.size() / 3));
-  const bool repeatAVertex = addElements(coordinates, triangles, lower);
-  if (repeatAVertex) return {QELM_STATUS_REPEATED_VERTEX, {}};
-  if (!lower.coversEveryVertex()) return {QELM_STATUS_UNUSED_VERTEX, {}};
-  lower.mergeBuckets();
-  return {QELM_STATUS_OK, toCompressedColumns(lower, taggedCount)};
+  const SummedRows sums = sumFreeRows(taggedCount, coordinates, triangles);
+  if (sums.status != QELM_STATUS_OK) return {sums.status, {}};
+  return {QELM_STATUS_OK, toCompressedColumns(sums.lower, taggedCount)};
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

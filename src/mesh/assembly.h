@@ -18,9 +18,19 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/free_rows.h"
+#include "mesh/lower_triangle.h"
 #include "mesh/size_limit.h"
 
 namespace qelm {
+
+struct SummedRows {
+  int status;           ///< 0, 23 (a triangle repeats a vertex) or 24 (a vertex in none)
+  LowerTriangle lower;  ///< merged; means nothing unless the status is 0
+};
+
+/// Sums the triangles of a mesh in system order, see assembleFreeRows().
+SummedRows sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                       std::span<const std::int32_t> triangles);
 
 struct AssembledRows {
   int status;            ///< 0, 23 (a triangle repeats a vertex) or 24 (a vertex in none)
