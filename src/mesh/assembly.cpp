@@ -1,9 +1,11 @@
 #include "mesh/assembly.h"
 
+#include <algorithm>
 #include <span>
 #include <utility>
 
 #include "factor/solver.h"
+#include "interface/index.h"
 #include "mesh/element_sums.h"
 #include "mesh/lower_triangle.h"
 #include "qelm.h"
@@ -21,12 +23,24 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 
 }  // namespace
 
+int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
+  std::vector<char> isUsed(vertexCount);
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
+    if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
+    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
+  }
+  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
+  return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
+}
+
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles) {
-  LowerTriangle lower(taggedCount, bucketSizes(triangles, coordinates.size() / 3));
-  const bool repeatAVertex = addElements(coordinates, triangles, lower);
-  if (repeatAVertex) return {QELM_STATUS_REPEATED_VERTEX, {}};
-  if (!lower.coversEveryVertex()) return {QELM_STATUS_UNUSED_VERTEX, {}};
+  const std::size_t vertexCount = coordinates.size() / 3;
+  const int defect = defectOf(vertexCount, triangles);
+  if (defect != QELM_STATUS_OK) return {defect, {}};
+  LowerTriangle lower(taggedCount, bucketSizes(triangles, vertexCount));
+  addElements(coordinates, triangles, lower);
   lower.mergeBuckets();
   return {QELM_STATUS_OK, toCompressedColumns(lower, taggedCount)};
 }

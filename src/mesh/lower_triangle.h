@@ -59,7 +59,7 @@ class LowerTriangle {
     entries_[rows_[asIndex(row)].end++] = {std::min(a, b), value};
   }
 
-  /// K_vv += value, which must not be -0.0.
+  /// K_vv += value.
   void addToDiagonal(std::int32_t v, double value) { rows_[asIndex(v)].diagonal += value; }
 
   /// Prefetch what adding to row v needs: first the row, then, when it has come, its next entry.
@@ -67,9 +67,6 @@ class LowerTriangle {
   QELM_INLINE void prefetchBucket(std::int32_t v) const {
     prefetchToWrite(entries_.get() + rows_[asIndex(v)].end);
   }
-
-  /// Whether something was added to the diagonal of every vertex.
-  bool coversEveryVertex() const;
 
   /// Once, when all is added: makes one entry of all contributions to it, and sorts the rows.
   void mergeBuckets();

@@ -15,18 +15,15 @@ bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 // it.
 VertexNumbering numberVertices(std::span<const std::int32_t> tags) {
   const auto n = asInt(tags.size());
-  VertexNumbering numbering;
-  numbering.place.resize(tags.size());
-  numbering.order.resize(tags.size());
-  std::int32_t prescribed = 0;
+  VertexNumbering numbering{0, std::vector<std::int32_t>(tags.size()),
+                            std::vector<std::int32_t>(tags.size())};
   for (std::int32_t i = 0; i < n; ++i) {
-    const std::int32_t freeBefore = i - prescribed;
+    const std::int32_t freeBefore = i - numbering.taggedCount;
     const bool inFront = isPrescribed(tags[asIndex(i)]);
-    const std::int32_t system = inFront ? prescribed++ : n - 1 - freeBefore;
+    const std::int32_t system = inFront ? numbering.taggedCount++ : n - 1 - freeBefore;
     numbering.place[asIndex(i)] = system;
     numbering.order[asIndex(system)] = i;
   }
-  numbering.taggedCount = prescribed;
   return numbering;
 }
 

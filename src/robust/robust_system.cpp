@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "interface/index.h"
 #include "robust/double_cover.h"
 #include "robust/flips.h"
 #include "robust/robust_rows.h"
@@ -25,18 +24,6 @@ std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
   std::vector<std::int32_t> free(order.begin() + taggedCount, order.end());
   for (std::int32_t& vertex : free) vertex -= taggedCount;
   return free;
-}
-
-/// The status with which assembleFreeRows() would refuse the triangles.
-int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<char> isUsed(vertexCount);
-  for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
-    if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
-    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
-  }
-  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
-  return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
 }
 
 void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
