@@ -26,15 +26,7 @@ LowerTriangle::LowerTriangle(std::int32_t taggedCount,
     rows_[v].end = size;
     size += bucketSizes[v];
   }
-  resizeEntries(size);
-}
-
-// realloc(p, 0) may return null; so there is one entry at least.
-void LowerTriangle::resizeEntries(std::size_t count) {
-  void* const moved = std::realloc(entries_.get(), std::max<std::size_t>(count, 1) * sizeof(Entry));
-  if (moved == nullptr) throw std::bad_alloc();
-  static_cast<void>(entries_.release());
-  entries_.reset(static_cast<Entry*>(moved));
+  entries_ = std::make_unique_for_overwrite<Entry[]>(size);
 }
 
 // In place: no entry is written before it is read. slots[u] is one more than the position of the
@@ -63,7 +55,10 @@ void LowerTriangle::mergeBuckets() {
               [](const Entry& a, const Entry& b) { return a.column < b.column; });
     rows_[v].end = count;
   }
-  resizeEntries(count);
+  // What merging has emptied is given back.
+  auto merged = std::make_unique_for_overwrite<Entry[]>(count);
+  std::copy_n(entries, count, merged.get());
+  entries_ = std::move(merged);
 }
 
 }  // namespace qelm
