@@ -2,7 +2,7 @@ namespace Qelm
 {
     /// <summary>The arrays of a mesh with tags, pinned by the caller. Their lengths agree; their elements are not
     /// looked at.</summary>
-    internal unsafe struct TaggedMesh
+    internal sealed unsafe class TaggedMesh
     {
         internal readonly double* Vertices;
         internal readonly int VertexCount;
