@@ -106,7 +106,9 @@ bool Solver::factorizeInBlocks(const Sparse& upper, const EliminationTree& tree,
   m_diag.resize(upper.cols());
   const FactorArrays factor = {m_matrix.outerIndexPtr(), m_matrix.innerIndexPtr(),
                                m_matrix.valuePtr(), m_diag.data()};
-  const Supernodes supernodes = fundamentalSupernodes(tree);
+  const Supernodes supernodes = method.supernodeWidth == 0
+                                    ? fundamentalSupernodes(tree)
+                                    : fundamentalSupernodes(tree, method.supernodeWidth);
   const SmallSubtrees subtrees(tree, supernodes, method.smallSubtree);
   m_factorizationIsOk = factorizeBlocked(upper, tree, supernodes, subtrees, method.kernel, factor);
   return m_factorizationIsOk;

@@ -28,6 +28,9 @@ struct Method {
   /// In the blocked factorisation: subtrees of at most so many columns are computed row by row.
   /// kMostSubtreeColumns or fewer.
   int smallSubtree = kMostSubtreeColumns;
+
+  /// Supernodes are cut after so many columns; 0: after widestSupernode() columns.
+  int supernodeWidth = 0;
 };
 
 /// For this processor, as measured.

@@ -17,6 +17,7 @@
 #define QELM_FACTOR_SUPERNODES_H
 
 #include <Eigen/Core>
+#include <cstdint>
 
 #include "factor/elimination_tree.h"
 #include "interface/index.h"
@@ -37,12 +38,15 @@ struct Supernodes {
   int width(int s) const { return starts[s + 1] - starts[s]; }
 };
 
-/// A wider supernode is cut after so many columns, and each part is the parent of the one before:
-/// a block of so many columns and rows (512 kB) stays in a core's second cache while it updates
-/// other columns.
-constexpr int kWidestSupernode = 256;
+/// A wider supernode is cut after so many columns, and each part is the parent of the one before.
+/// The panels of one supernode then take a small part of the memory of L, and a block of so many
+/// columns and rows (1.2 MB at most) stays in a core's second cache while it updates other columns.
+int widestSupernode(std::int64_t entryCount);
 
-Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest = kWidestSupernode);
+Supernodes fundamentalSupernodes(const EliminationTree& tree, int widest);
+inline Supernodes fundamentalSupernodes(const EliminationTree& tree) {
+  return fundamentalSupernodes(tree, widestSupernode(tree.entryCount()));
+}
 
 }  // namespace qelm::factor
 

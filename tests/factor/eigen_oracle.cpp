@@ -96,6 +96,11 @@ std::string differenceFromEigen(const Sparse& matrix) {
         compare({fastest, 0, smallSubtree}, ", subtrees of " + std::to_string(smallSubtree) + ": ");
     if (!found.empty()) return found;
   }
+  for (const int width : {3, 256}) {
+    const std::string found =
+        compare({fastest, 0, 0, width}, ", supernodes of " + std::to_string(width) + ": ");
+    if (!found.empty()) return found;
+  }
   return compare({fastest, never}, ", plainly: ");
 }
 

@@ -93,6 +93,19 @@ TEST(Supernodes, OfADenseMatrixIsOneUntilItIsTooWide) {
   EXPECT_EQ(factor::fundamentalSupernodes(tree, 4).ofColumn, of({0, 0, 0, 0, 1, 1, 1, 1, 2, 2}));
 }
 
+TEST(Supernodes, AreCutSoThatTheirPanelsTakeLittleMemoryBesideL) {
+  EXPECT_EQ(factor::widestSupernode(0), 48);
+  EXPECT_EQ(factor::widestSupernode(64 * 50'000), 64);
+  EXPECT_EQ(factor::widestSupernode(72 * 50'000 - 1), 64);
+  EXPECT_EQ(factor::widestSupernode(72 * 50'000), 72);
+  EXPECT_EQ(factor::widestSupernode(10'000'000'000), 384);
+  // Two panels of so many columns and rows, in bytes, beside the 12 that an entry of L takes.
+  for (const std::int64_t entries : {100'000, 1'000'000, 10'000'000, 100'000'000}) {
+    const std::int64_t width = factor::widestSupernode(entries);
+    EXPECT_LE(2 * 8 * width * width, 12 * entries / 20) << entries;
+  }
+}
+
 TEST(Supernodes, HaveTheirRowsInCommon) {
   SCOPED_TRACE(seedTrace(testSeed()));
   Random random(testSeed());

@@ -6,47 +6,68 @@
 
 #include "factor/eigen_oracle.h"
 #include "fuzz/input.h"
+#include "support/random.h"
 
 namespace {
 
 using qelm::test::Sparse;
 
-/// A band, mostly of one, some more entries anywhere, and a diagonal that is mostly large.
+/// A dense symmetric matrix that knows which entries are stored.
+class Entries {
+ public:
+  explicit Entries(int n) : n_(n), values_(count()), isStored_(count()) {}
+
+  void put(int i, int j, double value) {
+    for (const int k : {i * n_ + j, j * n_ + i}) {
+      values_[static_cast<std::size_t>(k)] = value;
+      isStored_[static_cast<std::size_t>(k)] = true;
+    }
+  }
+
+  Sparse stored() const {
+    std::vector<Eigen::Triplet<double>> triplets;
+    for (std::size_t k = 0; k < count(); ++k) {
+      const int place = static_cast<int>(k);
+      if (isStored_[k]) triplets.emplace_back(place / n_, place % n_, values_[k]);
+    }
+    Sparse matrix(n_, n_);
+    matrix.setFromTriplets(triplets.begin(), triplets.end());
+    return matrix;
+  }
+
+ private:
+  std::size_t count() const { return static_cast<std::size_t>(n_) * static_cast<std::size_t>(n_); }
+
+  int n_;
+  std::vector<double> values_;
+  std::vector<bool> isStored_;
+};
+
+/// A band and scattered entries, all of harmless values that few bytes decide about, so that most
+/// matrices are factorised to their end; then single entries of any value, anywhere.
 Sparse takeMatrix(qelm::fuzz::Input& input) {
   const int n = input.takeInt(1, 70);
   const int band = input.takeInt(0, 6);
-  const int more = input.takeInt(0, 3 * n);
-  std::vector<std::vector<double>> entries(static_cast<std::size_t>(n),
-                                           std::vector<double>(static_cast<std::size_t>(n)));
-  std::vector<std::vector<bool>> isThere(static_cast<std::size_t>(n),
-                                         std::vector<bool>(static_cast<std::size_t>(n)));
-  const auto put = [&](int i, int j, double value) {
-    for (const auto& [row, column] : {std::pair{i, j}, std::pair{j, i}}) {
-      entries[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = value;
-      isThere[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = true;
-    }
-  };
+  const int scattered = input.takeInt(0, 3 * n);
+  qelm::test::Random random(input.take<std::uint16_t>());
+  Entries entries(n);
   for (int i = 0; i < n; ++i) {
-    put(i, i, input.takeDouble() + (input.takeInt(0, 15) == 0 ? 0.0 : 20.0));
-    for (int j = i + 1; j <= i + band && j < n; ++j) put(i, j, input.takeDouble());
+    for (int j = i + 1; j <= i + band && j < n; ++j) {
+      entries.put(i, j, qelm::test::uniform(random, -1, 1));
+    }
   }
-  for (int k = 0; k < more; ++k) {
+  for (int k = 0; k < scattered; ++k) {
+    const int i = qelm::test::uniformInt(random, 0, n - 1);
+    const int j = qelm::test::uniformInt(random, 0, n - 1);
+    entries.put(i, j, qelm::test::uniform(random, -1, 1));
+  }
+  for (int i = 0; i < n; ++i) entries.put(i, i, qelm::test::uniform(random, 20, 40));
+  while (!input.empty()) {
     const int i = input.takeInt(0, n - 1);
     const int j = input.takeInt(0, n - 1);
-    if (i != j) put(i, j, input.takeDouble());
+    entries.put(i, j, input.takeDouble());
   }
-  std::vector<Eigen::Triplet<double>> triplets;
-  for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < n; ++j) {
-      if (isThere[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)]) {
-        triplets.emplace_back(i, j,
-                              entries[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)]);
-      }
-    }
-  }
-  Sparse matrix(n, n);
-  matrix.setFromTriplets(triplets.begin(), triplets.end());
-  return matrix;
+  return entries.stored();
 }
 
 }  // namespace

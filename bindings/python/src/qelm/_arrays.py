@@ -7,7 +7,6 @@ is wrong.
 
 from __future__ import annotations
 
-import math
 import numbers
 from typing import Any, Optional
 
@@ -38,20 +37,15 @@ def first(wrong: npt.NDArray[Any]) -> int:
 
 def is_finite(array: Doubles) -> bool:
     """Whether all numbers are finite."""
-    # One pass without a temporary array; a sum may overflow, and is looked at again.
-    with np.errstate(all="ignore"):
-        return math.isfinite(np.add.reduce(array, axis=None)) or bool(np.isfinite(array).all())
-
-
-def overlap(one: npt.NDArray[Any], other: npt.NDArray[Any]) -> bool:
-    """Whether two contiguous arrays share memory without being in the same place."""
-    a, b = address(one), address(other)
-    return a != b and a < b + other.nbytes and b < a + one.nbytes
+    return np.count_nonzero(np.isfinite(array)) == array.size
 
 
 def is_ready(array: object, dtype: type) -> bool:
     """Whether the library can read an array where it lies."""
-    return type(array) is np.ndarray and array.dtype == dtype and array.flags.c_contiguous and array.flags.aligned
+    if type(array) is not np.ndarray or array.dtype != dtype:
+        return False
+    flags = array.flags
+    return flags.c_contiguous and flags.aligned
 
 
 def real(argument: object, name: str) -> npt.NDArray[Any]:
@@ -252,7 +246,7 @@ def require_finite_numbers(
     array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
 ) -> None:
     """Raises FieldError for the first number that is not finite, of those in the places `read`."""
-    looked_at = array if read is None else array.take(read, axis=-1)
+    looked_at = array if read is None else array[..., read]
     if not is_finite(looked_at):
         _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
 

@@ -28,9 +28,10 @@ def prescribed_values(values: npt.ArrayLike, fixed: npt.NDArray[np.intp], vertex
             f"values: the shape is {array.shape}, must be ({vertex_count},) for all vertices or "
             f"({len(fixed)},) for the fixed ones, or two-dimensional for many fields"
         )
-    return _arrays.per_vertex(
-        values if isinstance(values, np.ma.MaskedArray) else array, vertex_count, "values", fixed
-    )
+    if isinstance(values, np.ma.MaskedArray):
+        return _arrays.per_vertex(values, vertex_count, "values", fixed)
+    _arrays.require_finite_numbers(array, "values", fixed)
+    return array
 
 
 def solve(
@@ -44,7 +45,8 @@ def solve(
         prescribed, loads = _alike(prescribed, loads)
     result = np.empty(prescribed.shape) if out is None else _usable(out, prescribed.shape)
     # The library allows the same array on both sides, but no other overlap.
-    target = np.empty_like(result) if out is not None and _overlaps(out, prescribed, loads) else result
+    is_apart = out is None or not (_overlap(out, prescribed) or (loads is not None and _overlap(out, loads)))
+    target = result if is_apart else np.empty_like(result)
     _call(handle, prescribed, loads, target)
     if not _arrays.is_finite(target):
         _refuse_result(target)
@@ -71,8 +73,9 @@ def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
     return out  # type: ignore[no-any-return]
 
 
-def _overlaps(result: npt.NDArray[Any], *inputs: Optional[npt.NDArray[Any]]) -> bool:
-    return any(array is not None and _arrays.overlap(result, array) for array in inputs)
+def _overlap(out: npt.NDArray[np.float64], given: npt.NDArray[np.float64]) -> bool:
+    """Whether they share memory and are not the same array."""
+    return out is not given and np.may_share_memory(out, given)
 
 
 def _call(
