@@ -7,7 +7,6 @@
 #include "factor/solver.h"
 #include "interface/index.h"
 #include "mesh/element_sums.h"
-#include "mesh/lower_triangle.h"
 #include "qelm.h"
 
 namespace qelm {
@@ -34,15 +33,20 @@ int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
   return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
 }
 
-AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
-                               std::span<const std::int32_t> triangles) {
-  const std::size_t vertexCount = coordinates.size() / 3;
-  const int defect = defectOf(vertexCount, triangles);
-  if (defect != QELM_STATUS_OK) return {defect, {}};
-  LowerTriangle lower(taggedCount, bucketSizes(triangles, vertexCount));
+LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                          std::span<const std::int32_t> triangles) {
+  LowerTriangle lower(taggedCount, bucketSizes(triangles, coordinates.size() / 3));
   addElements(coordinates, triangles, lower);
   lower.mergeBuckets();
-  return {QELM_STATUS_OK, toCompressedColumns(lower, taggedCount)};
+  return lower;
+}
+
+AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
+                               std::span<const std::int32_t> triangles) {
+  const int defect = defectOf(coordinates.size() / 3, triangles);
+  if (defect != QELM_STATUS_OK) return {defect, {}};
+  return {QELM_STATUS_OK,
+          toCompressedColumns(sumFreeRows(taggedCount, coordinates, triangles), taggedCount)};
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

@@ -18,6 +18,7 @@
 
 #include "interface/mesh_system.h"
 #include "mesh/free_rows.h"
+#include "mesh/lower_triangle.h"
 #include "mesh/size_limit.h"
 
 namespace qelm {
@@ -29,6 +30,10 @@ struct AssembledRows {
 
 /// 23 if a triangle repeats a vertex, otherwise 24 if a vertex is in no triangle, otherwise 0.
 int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles);
+
+/// The merged lower triangle of a mesh in system order without defect, see assembleFreeRows().
+LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                          std::span<const std::int32_t> triangles);
 
 /// Assembles the free rows of a mesh in system order: 3n coordinates of n >= 1 vertices, 3m indices
 /// in 0 .. n-1. Each entry sums its triangles' contributions in input order, starting from the

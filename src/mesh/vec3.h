@@ -32,7 +32,7 @@ inline double length(Vec3 a) { return std::sqrt(dot(a, a)); }
 
 /// The largest magnitude of a component.
 inline double largestComponent(Vec3 a) {
-  return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
+  return std::max(std::max(std::fabs(a.x), std::fabs(a.y)), std::fabs(a.z));
 }
 
 }  // namespace qelm

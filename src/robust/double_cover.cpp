@@ -72,9 +72,9 @@ class Gluing {
     edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
       if (isPrescribed(halfEdges)) return;
       if (halfEdges.size() < 3) {
-        glueAround(cover, lowerVertex, halfEdges);
+        glueAround(cover, halfEdges);
       } else {
-        glueAround(cover, lowerVertex, sortedAround(lowerVertex, halfEdges));
+        glueAround(cover, sortedAround(lowerVertex, halfEdges));
       }
     });
   }
@@ -86,7 +86,7 @@ class Gluing {
   /// Whether both ends of an edge are prescribed. Prescribed vertices come first in system order,
   /// so the higher vertex decides.
   bool isPrescribed(std::span<const MeshHalfEdge> halfEdges) const {
-    return halfEdges[0].higherVertex < taggedCount_;
+    return halfEdges[0].higherVertex() < taggedCount_;
   }
 
   /// Glues fronts to fronts, with some triangles turned over, if every edge that is not prescribed
@@ -95,25 +95,32 @@ class Gluing {
     bool inPairs = true;
     bool opposed = true;
     cover.twin.assign(triangles_.size(), DoubleCover::kNone);
-    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+    edges.forEach([&](std::int32_t, std::span<const MeshHalfEdge> halfEdges) {
       if (isPrescribed(halfEdges)) return;
       inPairs = inPairs && halfEdges.size() == 2;
       if (!inPairs) return;
-      glue(cover, halfEdges[0].number, halfEdges[1].number);
-      opposed = opposed && startsAt(lowerVertex, halfEdges[0].number) !=
-                               startsAt(lowerVertex, halfEdges[1].number);
+      const std::int32_t g = halfEdges[0].number(), h = halfEdges[1].number();
+      // Each as seen from a triangle that is not turned over: then the other one is if they agree.
+      const bool agree = halfEdges[0].leadsUp() == halfEdges[1].leadsUp();
+      cover.twin[asIndex(g)] = agree ? turnedOver(h) : h;
+      cover.twin[asIndex(h)] = agree ? turnedOver(g) : g;
+      opposed &= !agree;
     });
     isTurned_.assign(triangles_.size() / 3, false);
     if (!inPairs || opposed) return inPairs;
     if (!turnTriangles(edges)) return false;
     for (std::size_t t = 0; t < triangles_.size() / 3; ++t) {
-      if (isTurned(t)) std::swap(cover.twin[3 * t], cover.twin[3 * t + 2]);
-    }
-    for (DoubleCover::HalfEdge& twin : cover.twin) {
-      if (twin != DoubleCover::kNone && isTurned(asIndex(twin / 3)))
-        twin = 3 * (twin / 3) + 2 - twin % 3;
+      if (!isTurned(t)) continue;
+      const std::span<DoubleCover::HalfEdge, 3> twins(&cover.twin[3 * t], 3);
+      std::swap(twins[0], twins[2]);
+      for (DoubleCover::HalfEdge& twin : twins) twin = turnedOver(twin);
     }
     return true;
+  }
+
+  /// What a half-edge becomes when its triangle is turned over.
+  static DoubleCover::HalfEdge turnedOver(DoubleCover::HalfEdge h) {
+    return h == DoubleCover::kNone ? h : h + 2 - 2 * (h % 3);
   }
 
   /// Decides which triangles are turned over; the first one of each part stays as it is. False if a
@@ -121,19 +128,14 @@ class Gluing {
   bool turnTriangles(const MeshEdges& edges) {
     OrientedParts parts(isTurned_.size());
     bool areOrientable = true;
-    edges.forEach([&](std::int32_t lowerVertex, std::span<const MeshHalfEdge> halfEdges) {
+    edges.forEach([&](std::int32_t, std::span<const MeshHalfEdge> halfEdges) {
       if (isPrescribed(halfEdges)) return;
-      const std::int32_t g = halfEdges[0].number, h = halfEdges[1].number;
-      areOrientable &=
-          parts.unite(g / 3, h / 3, startsAt(lowerVertex, g) == startsAt(lowerVertex, h));
+      const MeshHalfEdge g = halfEdges[0], h = halfEdges[1];
+      areOrientable &= parts.unite(g.number() / 3, h.number() / 3, g.leadsUp() == h.leadsUp());
     });
     for (std::size_t t = 0; areOrientable && t < isTurned_.size(); ++t)
       isTurned_[t] = parts.isTurned(asInt(t));
     return areOrientable;
-  }
-
-  bool startsAt(std::int32_t vertex, std::int32_t halfEdge) const {
-    return triangles_[asIndex(halfEdge)] == vertex;
   }
 
   static void glue(DoubleCover& cover, DoubleCover::HalfEdge g, DoubleCover::HalfEdge h) {
@@ -144,13 +146,12 @@ class Gluing {
   /// Glues the face of each triangle that looks at the next triangle around the edge to the face of
   /// that one that looks back. The front looks at the next triangle if the half-edge leads from the
   /// lower to the higher vertex.
-  void glueAround(DoubleCover& cover, std::int32_t lowerVertex,
-                  std::span<const MeshHalfEdge> halfEdges) const {
+  static void glueAround(DoubleCover& cover, std::span<const MeshHalfEdge> halfEdges) {
     for (std::size_t i = 0; i < halfEdges.size(); ++i) {
-      const std::int32_t here = halfEdges[i].number;
-      const std::int32_t there = halfEdges[i + 1 == halfEdges.size() ? 0 : i + 1].number;
-      glue(cover, startsAt(lowerVertex, here) ? here : cover.back(here),
-           startsAt(lowerVertex, there) ? cover.back(there) : there);
+      const MeshHalfEdge here = halfEdges[i];
+      const MeshHalfEdge there = halfEdges[i + 1 == halfEdges.size() ? 0 : i + 1];
+      glue(cover, here.leadsUp() ? here.number() : cover.back(here.number()),
+           there.leadsUp() ? cover.back(there.number()) : there.number());
     }
   }
 
@@ -162,14 +163,17 @@ class Gluing {
   std::span<const MeshHalfEdge> sortedAround(std::int32_t lowerVertex,
                                              std::span<const MeshHalfEdge> halfEdges) {
     fan_.clear();
-    for (const MeshHalfEdge& h : halfEdges) {
-      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(h.number))];
-      fan_.push_back({h.number, point(apex)});
+    for (const MeshHalfEdge h : halfEdges) {
+      const std::int32_t apex = triangles_[asIndex(DoubleCover::previous(h.number()))];
+      fan_.push_back({h.number(), point(apex)});
     }
-    const std::int32_t higherVertex = halfEdges[0].higherVertex;
+    const std::int32_t higherVertex = halfEdges[0].higherVertex();
     sortAroundEdge(point(lowerVertex), point(higherVertex), fan_);
     sorted_.clear();
-    for (const FanTriangle& triangle : fan_) sorted_.push_back({higherVertex, triangle.halfEdge});
+    for (const FanTriangle& triangle : fan_) {
+      const std::int32_t h = triangle.halfEdge;
+      sorted_.emplace_back(higherVertex, h, triangles_[asIndex(h)] == lowerVertex);
+    }
     return sorted_;
   }
 

@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "interface/index.h"
+#include "interface/unset.h"
 
 namespace qelm {
 
@@ -40,9 +41,9 @@ struct DoubleCover {
   static constexpr HalfEdge kNone = -1;
 
   int sheets;                        ///< 1 or 2
-  std::vector<std::int32_t> origin;  ///< vertex where a half-edge starts, in system order
+  UnsetVector<std::int32_t> origin;  ///< vertex where a half-edge starts, in system order
   std::vector<HalfEdge> twin;        ///< the half-edge that it is glued to, or kNone
-  std::vector<double> cotangent;     ///< of the opposite angle
+  UnsetVector<double> cotangent;     ///< of the opposite angle
   std::int64_t flatTriangles;        ///< triangles whose height was raised
 
   std::size_t size() const { return twin.size(); }
@@ -58,7 +59,7 @@ struct DoubleCover {
 /// finite coordinates and three different vertices in each triangle.
 ///
 /// The result takes 48 bytes for each triangle and sheet. Three quarters are allocated after 28
-/// bytes for each triangle and 8 for each vertex, needed while edges are found, are freed. Throws
+/// bytes for each triangle and 4 for each vertex, needed while edges are found, are freed. Throws
 /// std::bad_alloc above 2^31 / 6 triangles.
 DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinates,
                     std::span<const std::int32_t> triangles);

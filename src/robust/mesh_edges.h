@@ -18,13 +18,26 @@
 #include <vector>
 
 #include "interface/index.h"
+#include "interface/unset.h"
 
 namespace qelm {
 
-/// A half-edge in the bucket of its lower vertex.
-struct MeshHalfEdge {
-  std::int32_t higherVertex;
-  std::int32_t number;
+/// A half-edge in the bucket of its lower vertex. One word, so that it is sorted at once: from the
+/// highest bit the higher vertex, the number, and whether it leads from the lower vertex.
+class MeshHalfEdge {
+ public:
+  MeshHalfEdge() = default;
+  MeshHalfEdge(std::int32_t higherVertex, std::int32_t number, bool leadsUp)
+      : key_(std::uint64_t{static_cast<std::uint32_t>(higherVertex)} << 32 |
+             std::uint64_t{static_cast<std::uint32_t>(number)} << 1 | (leadsUp ? 1 : 0)) {}
+
+  std::int32_t higherVertex() const { return asInt(key_ >> 32); }
+  std::int32_t number() const { return asInt(static_cast<std::uint32_t>(key_) >> 1); }
+  bool leadsUp() const { return (key_ & 1) != 0; }
+  friend bool operator<(MeshHalfEdge a, MeshHalfEdge b) { return a.key_ < b.key_; }
+
+ private:
+  std::uint64_t key_;
 };
 
 class MeshEdges {
@@ -39,7 +52,7 @@ class MeshEdges {
       while (first < starts_[v + 1]) {
         std::size_t end = first + 1;
         while (end < starts_[v + 1] &&
-               halfEdges_[end].higherVertex == halfEdges_[first].higherVertex)
+               halfEdges_[end].higherVertex() == halfEdges_[first].higherVertex())
           ++end;
         visit(asInt(v), std::span<const MeshHalfEdge>(halfEdges_.data() + first, end - first));
         first = end;
@@ -48,8 +61,8 @@ class MeshEdges {
   }
 
  private:
-  std::vector<std::size_t> starts_;  ///< of each bucket
-  std::vector<MeshHalfEdge> halfEdges_;
+  std::vector<std::uint32_t> starts_;  ///< of each bucket
+  UnsetVector<MeshHalfEdge> halfEdges_;
 };
 
 }  // namespace qelm

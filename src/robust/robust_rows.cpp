@@ -7,24 +7,11 @@
 #include <vector>
 
 #include "interface/index.h"
-#include "mesh/lower_triangle.h"
 
 namespace qelm {
 namespace {
 
 using HalfEdge = DoubleCover::HalfEdge;
-
-/// Tests for finite numbers first: NaN is not greater than anything.
-template <class IsDiagonal>
-bool isNonnegativeBlock(const SparseBlock& block, IsDiagonal isDiagonal) {
-  for (Eigen::Index c = 0; c < block.outerSize(); ++c) {
-    for (SparseBlock::InnerIterator entry(block, c); entry; ++entry) {
-      if (!std::isfinite(entry.value())) return false;
-      if (entry.value() > kRoundingOfPlain && !isDiagonal(entry.row(), c)) return false;
-    }
-  }
-  return true;
-}
 
 /// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
 /// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
@@ -60,11 +47,15 @@ void forEachWeight(const DoubleCover& weighted, Visit visit) {
 
 }  // namespace
 
-bool hasNonnegativeWeights(const FreeRowBlocks& plain) {
-  using Eigen::Index;
-  return isNonnegativeBlock(plain.freeFree,
-                            [](Index row, Index column) { return row == column; }) &&
-         isNonnegativeBlock(plain.freeFixed, [](Index, Index) { return false; });
+// Tests for finite numbers first: NaN is not greater than anything.
+bool hasNonnegativeWeights(const LowerTriangle& plain, std::int32_t taggedCount) {
+  for (std::int32_t v = taggedCount; v < plain.vertexCount(); ++v) {
+    if (!std::isfinite(plain.diagonal(v))) return false;
+    for (const LowerTriangle::Entry& entry : plain.row(v)) {
+      if (!std::isfinite(entry.value) || entry.value > kRoundingOfPlain) return false;
+    }
+  }
+  return true;
 }
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount) {

@@ -13,16 +13,17 @@
 #include <cstdint>
 
 #include "mesh/free_rows.h"
+#include "mesh/lower_triangle.h"
 #include "robust/double_cover.h"
 
 namespace qelm {
 
-/// Whether the plain matrix can stay if no triangle is steep: all entries of its free rows are
-/// finite, and none off the diagonal is above kRoundingOfPlain.
+/// Whether the plain matrix, by its merged lower triangle, can stay if no triangle is steep: all
+/// entries of its free rows are finite, and none off the diagonal is above kRoundingOfPlain.
 ///
 /// Edges whose triangles share a circumcircle, such as the diagonals of a regular grid, have weight
 /// 0. Rounding moves it by less than 1e-12 where no triangle is steep or far from the origin.
-bool hasNonnegativeWeights(const FreeRowBlocks& plain);
+bool hasNonnegativeWeights(const LowerTriangle& plain, std::int32_t taggedCount);
 constexpr double kRoundingOfPlain = 1e-12;
 
 /// The blocks of a mesh with so many vertices. Weights that are negative within rounding count as

@@ -38,23 +38,21 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
                               std::span<const std::int32_t> triangles, std::int64_t flipLimit) {
   const bool steep = hasSteepTriangle(taggedCount, coordinates, triangles);
   RobustRows result{};
-  if (steep) {
-    result.rows.status = defectOf(coordinates.size() / 3, triangles);
-  } else {
-    // Assembling the plain rows finds a mesh's defects and tells whether repair is needed, in a
-    // fraction of the time of repair. They are freed before repair begins.
-    AssembledRows plain = assembleFreeRows(taggedCount, coordinates, triangles);
-    result.rows.status = plain.status;
-    swapBlocks(result.rows.blocks, std::move(plain.blocks));
-  }
+  result.rows.status = defectOf(coordinates.size() / 3, triangles);
   if (result.rows.status != QELM_STATUS_OK) return result;
   if (!areFinite(coordinates)) {
     result.rows.status = QELM_CHECK_NOT_FINITE;
-    swapBlocks(result.rows.blocks, {});
     return result;
   }
-  if (!steep && hasNonnegativeWeights(result.rows.blocks)) return result;
-  swapBlocks(result.rows.blocks, {});
+  if (!steep) {
+    // Summing the plain rows tells whether repair is needed, in a fraction of the time of repair.
+    // They are freed before repair begins.
+    const LowerTriangle plain = sumFreeRows(taggedCount, coordinates, triangles);
+    if (hasNonnegativeWeights(plain, taggedCount)) {
+      swapBlocks(result.rows.blocks, toCompressedColumns(plain, taggedCount));
+      return result;
+    }
+  }
 
   DoubleCover cover{};
   if (steep) {

@@ -8,48 +8,49 @@
 #include <tuple>
 
 #include "interface/index.h"
+#include "interface/unset.h"
 #include "mesh/vec3.h"
 #include "robust/triangle_shape.h"
 
 namespace qelm {
 namespace {
 
-using Corners = std::array<std::int32_t, 3>;
-
-/// The lowest, the middle and the highest, without a branch.
-Corners ascending(std::int32_t a, std::int32_t b, std::int32_t c) {
-  const std::int32_t low = std::min(a, b), high = std::max(a, b);
-  return {std::min(low, c), std::max(low, std::min(high, c)), std::max(high, c)};
-}
-
 /// The triangles with their corners as ranks in `order`, ascending in each triangle, sorted: by
 /// counting sort into a bucket for each first corner, then each bucket, which is small, by itself.
-std::vector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
+UnsetVector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
   std::vector<std::int32_t> rank(order.size());
   for (std::size_t r = 0; r < order.size(); ++r) rank[asIndex(order[r])] = asInt(r);
-  const auto cornersOf = [&](std::size_t j) {
-    return ascending(rank[asIndex(triangles[j])], rank[asIndex(triangles[j + 1])],
-                     rank[asIndex(triangles[j + 2])]);
-  };
-  std::vector<std::size_t> starts(order.size() + 1);
-  for (std::size_t j = 0; j < triangles.size(); j += 3) ++starts[asIndex(cornersOf(j)[0])];
+  const auto rankOf = [&](std::size_t j) { return rank[asIndex(triangles[j])]; };
+  std::vector<std::uint32_t> starts(order.size() + 1);
+  for (std::size_t j = 0; j < triangles.size(); j += 3)
+    ++starts[asIndex(std::min({rankOf(j), rankOf(j + 1), rankOf(j + 2)}))];
   std::partial_sum(starts.begin(), starts.end(), starts.begin());
-  std::vector<Corners> ordered(triangles.size() / 3);
-  // Each bucket's start moves down from its end.
+  // The higher corners of each triangle, the middle one in the upper half. Each bucket's start
+  // moves down from its end.
+  UnsetVector<std::uint64_t> higher(triangles.size() / 3);
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    const Corners corners = cornersOf(j);
-    ordered[--starts[asIndex(corners[0])]] = corners;
+    const std::int32_t a = rankOf(j), b = rankOf(j + 1), c = rankOf(j + 2);
+    const std::int32_t low = std::min(a, b), high = std::max(a, b);
+    const std::int32_t middle = std::max(low, std::min(high, c));
+    higher[--starts[asIndex(std::min(low, c))]] = std::uint64_t{static_cast<std::uint32_t>(middle)}
+                                                      << 32 |
+                                                  static_cast<std::uint32_t>(std::max(high, c));
   }
   std::vector<std::int32_t>().swap(rank);
-  for (std::size_t first = 0; first < order.size(); ++first)
-    std::sort(ordered.begin() + static_cast<std::ptrdiff_t>(starts[first]),
-              ordered.begin() + static_cast<std::ptrdiff_t>(starts[first + 1]));
-  std::vector<std::int32_t> packed(triangles.size());
-  for (std::size_t j = 0; j < ordered.size(); ++j) {
-    for (std::size_t k = 0; k < 3; ++k) packed[3 * j + k] = ordered[j][k];
+  UnsetVector<std::int32_t> ordered(triangles.size());
+  for (std::size_t first = 0; first < order.size(); ++first) {
+    const std::span bucket =
+        std::span(higher).subspan(starts[first], starts[first + 1] - starts[first]);
+    std::sort(bucket.begin(), bucket.end());
+    for (std::size_t i = 0; i < bucket.size(); ++i) {
+      std::int32_t* const triangle = &ordered[3 * (starts[first] + i)];
+      triangle[0] = asInt(first);
+      triangle[1] = asInt(bucket[i] >> 32);
+      triangle[2] = asInt(static_cast<std::uint32_t>(bucket[i]));
+    }
   }
-  return packed;
+  return ordered;
 }
 
 /// The cells of a cube around all points, 1024 along each edge, in the order of a Morton curve.
@@ -157,7 +158,7 @@ std::vector<std::int32_t> spatialOrder(std::int32_t taggedCount,
 DoubleCover coverInOrder(const std::vector<std::int32_t>& order, std::int32_t taggedCount,
                          std::span<const double> coordinates,
                          std::span<const std::int32_t> triangles) {
-  std::vector<double> ordered(coordinates.size());
+  UnsetVector<double> ordered(coordinates.size());
   for (std::size_t r = 0; r < order.size(); ++r) {
     for (std::size_t c = 0; c < 3; ++c) ordered[3 * r + c] = coordinates[3 * asIndex(order[r]) + c];
   }

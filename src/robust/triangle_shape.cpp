@@ -22,25 +22,28 @@ std::array<Vec3, 3> edgesOf(const std::array<Vec3, 3>& p) {
 }
 
 double extentOf(const std::array<Vec3, 3>& edges) {
-  return std::max(
-      {largestComponent(edges[0]), largestComponent(edges[1]), largestComponent(edges[2])});
+  return std::max(std::max(largestComponent(edges[0]), largestComponent(edges[1])),
+                  largestComponent(edges[2]));
 }
 
-/// The edges, multiplied by a power of two if their fourth powers would overflow or underflow. If
-/// differences of coordinates would overflow, the points are scaled first.
-std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+/// The edges, multiplied by a power of two. If differences of coordinates would overflow, the
+/// points are scaled first.
+std::array<Vec3, 3> rescaledEdges(const std::array<Vec3, 3>& p) {
   std::array<Vec3, 3> edges = edgesOf(p);
-  double extent = extentOf(edges);
-  if (extent > 0x1p-200 && extent < 0x1p200) return edges;
-  if (extent > 0x1p1020) {
+  if (extentOf(edges) > 0x1p1020)
     edges =
         edgesOf({timesPowerOfTwo(p[0], -4), timesPowerOfTwo(p[1], -4), timesPowerOfTwo(p[2], -4)});
-    extent = extentOf(edges);
-  }
   int exponent = 0;
-  std::frexp(extent, &exponent);
+  std::frexp(extentOf(edges), &exponent);
   for (Vec3& edge : edges) edge = timesPowerOfTwo(edge, -exponent);
   return edges;
+}
+
+/// The edges, rescaled if their fourth powers would overflow or underflow.
+std::array<Vec3, 3> scaledEdges(const std::array<Vec3, 3>& p) {
+  const std::array<Vec3, 3> edges = edgesOf(p);
+  const double extent = extentOf(edges);
+  return extent > 0x1p-200 && extent < 0x1p200 ? edges : rescaledEdges(p);
 }
 
 /// The cotangents at P, Q and the apex of a triangle whose longest edge PQ has length 1, with its
@@ -53,9 +56,9 @@ double leastHeight(double fromP, double fromQ) {
   return std::min(fromP, fromQ) < kLeastHeightOfNeedle ? kLeastHeightOfNeedle : kLeastHeight;
 }
 
-/// P and Q are the two corners after the corner `apex`.
-Cotangents byCorner(std::size_t apex, double atApex, double atP, double atQ, bool wasFlat) {
-  Cotangents c{{}, wasFlat};
+/// Those of a raised triangle. P and Q are the two corners after the corner `apex`.
+Cotangents byCorner(std::size_t apex, double atApex, double atP, double atQ) {
+  Cotangents c{{}, true};
   c.at[apex] = atApex;
   c.at[(apex + 1) % 3] = atP;
   c.at[(apex + 2) % 3] = atQ;
@@ -64,23 +67,42 @@ Cotangents byCorner(std::size_t apex, double atApex, double atP, double atQ, boo
 
 Cotangents raised(std::size_t apex, double fromP, double fromQ) {
   const auto flat = cotangentsAtHeight(fromP, fromQ, leastHeight(fromP, fromQ));
-  return byCorner(apex, flat[2], flat[0], flat[1], true);
+  return byCorner(apex, flat[2], flat[0], flat[1]);
+}
+
+Cotangents quotients(const std::array<double, 3>& numerators, double denominator) {
+  return {{numerators[0] / denominator, numerators[1] / denominator, numerators[2] / denominator},
+          false};
+}
+
+/// Whether a height is above both limits, wherever its foot is, as most are. The denominator is to
+/// `base` as the height is to the longest edge.
+bool isHigh(double denominator, double base) { return denominator >= kLeastHeightOfNeedle * base; }
+
+/// The cotangents numerators / denominator, or those of the raised triangle; `apex` is opposite the
+/// longest edge.
+Cotangents raisedIfFlat(const std::array<double, 3>& numerators, double denominator, double base,
+                        std::size_t apex) {
+  const double fromP = std::clamp(numerators[(apex + 1) % 3] / base, 0.0, 1.0);
+  const double fromQ = std::clamp(numerators[(apex + 2) % 3] / base, 0.0, 1.0);
+  if (!(denominator >= leastHeight(fromP, fromQ) * base)) return raised(apex, fromP, fromQ);
+  return quotients(numerators, denominator);
 }
 
 /// For two coincident corners: an isosceles triangle with legs of length 1 over a base of
 /// kLeastHeightOfNeedle between the two.
 Cotangents needle(std::size_t tip) {
   const double atBase = kLeastHeightOfNeedle / 2;
-  return byCorner(tip, (1 - atBase * atBase) / (2 * atBase), atBase, atBase, true);
+  return byCorner(tip, (1 - atBase * atBase) / (2 * atBase), atBase, atBase);
 }
 
 /// The corner opposite the longest edge; of several, the one with the lowest coordinates.
 std::size_t apexOf(const std::array<Vec3, 3>& p, const std::array<double, 3>& squaredLength) {
-  std::size_t apex = 0;
-  for (std::size_t k = 1; k < 3; ++k) {
-    const bool longer = squaredLength[k] > squaredLength[apex];
-    const bool tie = squaredLength[k] == squaredLength[apex];
-    if (longer || (tie && isBefore(p[k], p[apex]))) apex = k;
+  // The first one, without a branch: any of the three is as likely.
+  std::size_t apex = squaredLength[1] > squaredLength[0] ? 1 : 0;
+  apex = squaredLength[2] > squaredLength[apex] ? 2 : apex;
+  for (std::size_t k = apex + 1; k < 3; ++k) {
+    if (squaredLength[k] == squaredLength[apex] && isBefore(p[k], p[apex])) apex = k;
   }
   return apex;
 }
@@ -103,18 +125,11 @@ Cotangents cotangentsOf(Vec3 p0, Vec3 p1, Vec3 p2) {
 
   const std::array<double, 3> squaredLength = {dot(e[0], e[0]), dot(e[1], e[1]), dot(e[2], e[2])};
   const std::size_t apex = apexOf(p, squaredLength);
-  const Vec3 base = e[apex];  // P to Q
-  const Vec3 qToApex = e[(apex + 1) % 3];
-  const Vec3 apexToP = e[(apex + 2) % 3];
-  const double alongP = -dot(base, apexToP);
-  const double alongQ = -dot(base, qToApex);
-  const double twiceArea = length(cross(apexToP, qToApex));
+  const double twiceArea = length(cross(e[(apex + 2) % 3], e[(apex + 1) % 3]));
+  const std::array<double, 3> dots = {-dot(e[1], e[2]), -dot(e[2], e[0]), -dot(e[0], e[1])};
   const double longest = squaredLength[apex];
-  const double fromP = std::clamp(alongP / longest, 0.0, 1.0);
-  const double fromQ = std::clamp(alongQ / longest, 0.0, 1.0);
-  if (!(twiceArea >= leastHeight(fromP, fromQ) * longest)) return raised(apex, fromP, fromQ);
-  return byCorner(apex, -dot(apexToP, qToApex) / twiceArea, alongP / twiceArea, alongQ / twiceArea,
-                  false);
+  if (isHigh(twiceArea, longest)) return quotients(dots, twiceArea);
+  return raisedIfFlat(dots, twiceArea, longest, apex);
 }
 
 // Takes no square root and no division, since every triangle is looked at.
@@ -127,18 +142,16 @@ bool isSteep(Vec3 p0, Vec3 p1, Vec3 p2) {
 }
 
 // The longest edge is opposite the lowest cotangent. With the cotangents x and y at its ends, the
-// foot divides it at x : y, and the height is 1 / (x + y) of its length.
+// foot divides it at x : y, and the height is 1 / (x + y) of its length. The first test takes a
+// larger base, so that it need not know the apex.
 Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denominator) {
+  const double sizes =
+      std::fabs(numerators[0]) + std::fabs(numerators[1]) + std::fabs(numerators[2]);
+  if (isHigh(denominator, sizes)) return quotients(numerators, denominator);
   const auto apex = static_cast<std::size_t>(
       std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
-  const double atP = numerators[(apex + 1) % 3];
-  const double atQ = numerators[(apex + 2) % 3];
-  const double sum = atP + atQ;
-  const double fromP = std::clamp(atP / sum, 0.0, 1.0);
-  const double fromQ = std::clamp(atQ / sum, 0.0, 1.0);
-  if (!(denominator >= leastHeight(fromP, fromQ) * sum)) return raised(apex, fromP, fromQ);
-  return byCorner(apex, numerators[apex] / denominator, atP / denominator, atQ / denominator,
-                  false);
+  return raisedIfFlat(numerators, denominator,
+                      numerators[(apex + 1) % 3] + numerators[(apex + 2) % 3], apex);
 }
 
 }  // namespace qelm
