@@ -31,7 +31,8 @@ struct Work {
   SparseBlock freeFixed;
 };
 
-/// All of construction but Eigen's compute.
+/// Construction without the factorisation: numbers the vertices, assembles the blocks, and keeps in
+/// `reordered` what a handle keeps of the mesh.
 qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
   qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
   auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
@@ -65,7 +66,7 @@ Run whole(const Case& c) {
   };
 }
 
-/// Checks, renumbering and blocks: construction without Eigen's compute.
+/// Construction without the factorisation.
 Run assembly(const Case& c) {
   return [work = workOf(c)] {
     MeshSystem reordered;
@@ -73,7 +74,7 @@ Run assembly(const Case& c) {
   };
 }
 
-/// Like assembly(), of rows without a negative weight.
+/// Like assembly(), for robust construction, whose rows have no negative weight.
 std::size_t assembleRobustly(const Mesh& mesh) {
   const qelm::VertexNumbering numbering = qelm::numberVertices(mesh.tags);
   const qelm::RobustRows robust = qelm::assembleRobustRows(
@@ -88,7 +89,8 @@ Run robustAssembly(const Case& c) {
   return [work = workOf(c)] { return assembleRobustly(work->mesh); };
 }
 
-/// Sheared, so that on a grid every diagonal is bad: half a flip for each triangle.
+/// Robust assembly of a sheared mesh. On a grid every diagonal is flipped: half a flip for each
+/// triangle.
 Run robustSheared(const Case& c) {
   Mesh mesh = makeMesh(c);
   for (std::size_t i = 0; i < mesh.vertices.size(); i += 3) {
@@ -97,7 +99,7 @@ Run robustSheared(const Case& c) {
   return [mesh = std::move(mesh)] { return assembleRobustly(mesh); };
 }
 
-/// What a handle keeps of all this, and nothing done: a copy. Makes the triangles.
+/// Only copies what a handle keeps of all this. Returns the number of triangles.
 Run kept(const Case& c) {
   return [work = workOf(c)] {
     const std::vector<double> coordinates = *work->reordered.vertices;
@@ -115,7 +117,7 @@ Run kept(const Case& c) {
   };
 }
 
-/// What it would take.
+/// What construction would take, as qelmpredictTagged() says.
 Run predicted(const Case& c) {
   return [work = workOf(c)] {
     const Mesh& mesh = work->mesh;
@@ -126,7 +128,7 @@ Run predicted(const Case& c) {
   };
 }
 
-/// What Eigen is given: a copy of the block.
+/// Only copies the free-free block, which compute() is given.
 Run block(const Case& c) {
   return [work = workOf(c)] {
     const SparseBlock copy = work->freeFree;
@@ -135,7 +137,7 @@ Run block(const Case& c) {
   };
 }
 
-/// The same through triplets.
+/// The blocks of assembly() by the plain way, through triplets.
 Run plainTriplets(const Case& c) {
   return [work = workOf(c)] {
     const Mesh& mesh = work->mesh;
@@ -188,7 +190,7 @@ Run computeAsTheHandle(const Case& c) {
   return compute<qelm::FreeSolver>(c);
 }
 
-/// The first part of compute(): ordering, then the pattern of the factor.
+/// The first part of Eigen's compute(): ordering, then the pattern of the factor.
 Run eigenAnalysis(const Case& c) {
   return [work = workOf(c)] {
     qelm::FreeSolver solver;
@@ -197,7 +199,7 @@ Run eigenAnalysis(const Case& c) {
   };
 }
 
-/// The first part of analyzePattern(): approximate minimum degree.
+/// The first part of Eigen's analyzePattern(): approximate minimum degree.
 Run eigenOrdering(const Case& c) {
   return [work = workOf(c)] {
     const SparseBlock whole = work->freeFree.selfadjointView<Eigen::Lower>();

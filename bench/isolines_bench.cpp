@@ -2,8 +2,8 @@
 // isolines with its dense tables, and VTK's contour filter with and without joining.
 //
 // qelisoline() reads its tables column by column with as many rows of triangles as of
-// vertices. To cut the very triangles that the others cut, the mesh is laid out in
-// that way, with vertices at its end that no triangle has.
+// vertices. So that it cuts the same triangles as the others, the mesh is laid out
+// that way, with vertices at its end that are in no triangle.
 #include <algorithm>
 #include <cstddef>
 #include <memory>

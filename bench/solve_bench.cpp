@@ -20,7 +20,7 @@ struct Work {
   qelm::bench::SystemHandle system;
   qelm::test::Field values;
   Eigen::VectorXd rightHandSide;          ///< -K_fb u_b
-  Eigen::VectorXd rightHandSideWithLoad;  ///< the values as load besides
+  Eigen::VectorXd rightHandSideWithLoad;  ///< with the values as load, too
   mutable qelm::test::Field result;
 };
 
@@ -126,7 +126,7 @@ Run bareEigen(const Case& c) {
 }
 
 #if defined(QELM_HAVE_CHOLMOD)
-/// One for both right-hand sides: at a million vertices it takes a minute.
+/// One factor for both right-hand sides: at a million vertices it takes a minute to compute.
 template <class Solver>
 std::shared_ptr<const Solver> cholmodFactor(const Case& c) {
   return *qelm::bench::sharedBetweenContenders<std::shared_ptr<const Solver>>(

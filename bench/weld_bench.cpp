@@ -41,7 +41,7 @@ Work soupOf(const Case& c) {
   return {relabelled(soup, qelm::test::permutation(random, soup.vertexCount()))};
 }
 
-/// Every corner off its place by less than the tolerance.
+/// Every corner is moved by less than the tolerance.
 Work noisySoupOf(const Case& c) {
   Work work = soupOf(c);
   qelm::test::Random random(1);
@@ -66,7 +66,7 @@ Work scattered(const Case& c) {
 
 template <MakeWork make>
 std::shared_ptr<const Work> workOf(const Case& c) {
-  // A lambda's type of its own keeps the stages' works apart.
+  // What is shared is told apart by its type, and each stage needs a soup of its own.
   struct OfStage : Work {};
   return qelm::bench::sharedBetweenContenders<OfStage>(
       c, [](const Case& which) { return OfStage{make(which)}; });

@@ -9,7 +9,7 @@
 
 namespace qelm::bench {
 
-/// CHOLMOD as it is when nothing is said: it tries AMD and, where that leaves much to do, nested
+/// CHOLMOD with its default settings: it tries AMD and, where that leaves much to do, nested
 /// dissection (METIS) too, and takes the better one.
 using CholmodSimplicialOwnOrder = Eigen::CholmodSimplicialLDLT<SparseBlock>;
 using CholmodSupernodalOwnOrder = Eigen::CholmodSupernodalLLT<SparseBlock>;

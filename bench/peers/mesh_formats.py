@@ -67,12 +67,12 @@ def add(data, name, values):
 
 
 def vtk_surface(points, faces):
-    places, cells, poly, grid = vtkPoints(), vtkCellArray(), vtkPolyData(), vtkUnstructuredGrid()
-    places.SetData(numpy_to_vtk(points, deep=True))
+    corners, cells, poly, grid = vtkPoints(), vtkCellArray(), vtkPolyData(), vtkUnstructuredGrid()
+    corners.SetData(numpy_to_vtk(points, deep=True))
     counted = numpy.hstack([numpy.full((len(faces), 1), 3), faces]).astype(numpy.int64)
     cells.SetCells(len(faces), numpy_to_vtkIdTypeArray(counted.ravel(), deep=True))
     for data in (poly, grid):
-        data.SetPoints(places)
+        data.SetPoints(corners)
     poly.SetPolys(cells)
     grid.SetCells(VTK_TRIANGLE, cells)
     return poly, grid

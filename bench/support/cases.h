@@ -14,7 +14,7 @@ namespace qelm::bench {
 enum class Surface {
   kGrid,    ///< flat, open, boundary tagged
   kSphere,  ///< a cube's six grids projected, two caps tagged
-  kNoisy    ///< a torus with every vertex off its place, two ends tagged
+  kNoisy    ///< a torus whose vertices are moved at random, two ends tagged
 };
 
 /// A surface of about so many vertices, numbered along its rows or in a random order.

@@ -30,8 +30,8 @@ TakesPart upTo(int largestSize);
 void addContender(const std::string& stage, const std::string& contender, Prepare prepare,
                   const TakesPart& takesPart = upTo(3'000'000));
 
-/// What contenders of a case share: made at its first use, given up at the next
-/// case's.
+/// What the contenders of a case share: made when the first of them asks, and freed when one of the
+/// next case does. Told apart by its type.
 template <class T, class Make>
 std::shared_ptr<const T> sharedBetweenContenders(const Case& c, Make make) {
   static std::pair<std::string, std::shared_ptr<const T>> last;

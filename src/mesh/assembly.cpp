@@ -1,9 +1,11 @@
 #include "mesh/assembly.h"
 
+#include <algorithm>
 #include <span>
 #include <utility>
 
 #include "factor/solver.h"
+#include "interface/index.h"
 #include "mesh/element_sums.h"
 #include "qelm.h"
 
@@ -20,25 +22,31 @@ std::shared_ptr<const SparseBlock> shared(SparseBlock& block) {
 
 }  // namespace
 
-SummedRows sumFreeRows(int taggedCount, std::span<const double> coordinates,
-                       std::span<const std::int32_t> triangles) {
-  SummedRows sums{QELM_STATUS_OK,
-                  LowerTriangle(taggedCount, bucketSizes(triangles, coordinates.size() / 3))};
-  const bool repeatAVertex = addElements(coordinates, triangles, sums.lower);
-  if (repeatAVertex)
-    sums.status = QELM_STATUS_REPEATED_VERTEX;
-  else if (!sums.lower.coversEveryVertex())
-    sums.status = QELM_STATUS_UNUSED_VERTEX;
-  else
-    sums.lower.mergeBuckets();
-  return sums;
+int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
+  std::vector<char> isUsed(vertexCount);
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
+    if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
+    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
+  }
+  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
+  return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
+}
+
+LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                          std::span<const std::int32_t> triangles) {
+  LowerTriangle lower(taggedCount, bucketSizes(triangles, coordinates.size() / 3));
+  addElements(coordinates, triangles, lower);
+  lower.mergeBuckets();
+  return lower;
 }
 
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles) {
-  const SummedRows sums = sumFreeRows(taggedCount, coordinates, triangles);
-  if (sums.status != QELM_STATUS_OK) return {sums.status, {}};
-  return {QELM_STATUS_OK, toCompressedColumns(sums.lower, taggedCount)};
+  const int defect = defectOf(coordinates.size() / 3, triangles);
+  if (defect != QELM_STATUS_OK) return {defect, {}};
+  return {QELM_STATUS_OK,
+          toCompressedColumns(sumFreeRows(taggedCount, coordinates, triangles), taggedCount)};
 }
 
 std::unique_ptr<MeshSystem> assembleSystem(int taggedCount, int vertexCount,

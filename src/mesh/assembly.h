@@ -6,11 +6,11 @@
 //   src/factor       L D L^T of the free-free block
 //
 // The stiffness matrix of all vertices is never formed, nor is a list of triplets. Each entry sums
-// its triangles in input order: that order decides the bits. A repeated vertex of a triangle and a
-// vertex without triangle are found on the way, where looking for them takes no time of its own.
+// its triangles in input order: that order decides the bits.
 #ifndef QELM_MESH_ASSEMBLY_H
 #define QELM_MESH_ASSEMBLY_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -23,26 +23,24 @@
 
 namespace qelm {
 
-struct SummedRows {
-  int status;           ///< 0, 23 (a triangle repeats a vertex) or 24 (a vertex in none)
-  LowerTriangle lower;  ///< merged; means nothing unless the status is 0
-};
-
-/// Sums the triangles of a mesh in system order, see assembleFreeRows().
-SummedRows sumFreeRows(int taggedCount, std::span<const double> coordinates,
-                       std::span<const std::int32_t> triangles);
-
 struct AssembledRows {
   int status;            ///< 0, 23 (a triangle repeats a vertex) or 24 (a vertex in none)
   FreeRowBlocks blocks;  ///< empty unless the status is 0
 };
+
+/// 23 if a triangle repeats a vertex, otherwise 24 if a vertex is in no triangle, otherwise 0.
+int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles);
+
+/// The merged lower triangle of a mesh in system order without defect, see assembleFreeRows().
+LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
+                          std::span<const std::int32_t> triangles);
 
 /// Assembles the free rows of a mesh in system order: 3n coordinates of n >= 1 vertices, 3m indices
 /// in 0 .. n-1. Each entry sums its triangles' contributions in input order, starting from the
 /// first one. A triangle of three different vertices without area is no defect: its entries are not
 /// finite, and the factorisation meets them.
 ///
-/// Memory beyond the result: 12 bytes for each edge and 24 for each vertex; before there is room
+/// Memory beyond the result: 12 bytes for each edge and 20 for each vertex; before there is room
 /// for the result, 36 for each triangle and 20 for each vertex.
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles);

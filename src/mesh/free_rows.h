@@ -29,7 +29,7 @@ struct FreeRowBlocks {
 
 /// The blocks of a symmetric matrix whose first t vertices are prescribed, from its merged lower
 /// triangle. Throws std::bad_alloc if they have more entries than Eigen can index. Beyond the
-/// result it needs 8 bytes for each vertex.
+/// result it needs 4 bytes for each vertex.
 FreeRowBlocks toCompressedColumns(const LowerTriangle& lower, std::int32_t t);
 
 }  // namespace qelm

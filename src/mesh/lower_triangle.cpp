@@ -1,6 +1,5 @@
 #include "mesh/lower_triangle.h"
 
-#include <bit>
 #include <limits>
 #include <new>
 
@@ -19,31 +18,15 @@ std::vector<std::uint32_t> bucketSizes(std::span<const std::int32_t> triangles,
   return sizes;
 }
 
-// A diagonal starts from -0.0: -0.0 + x has the bits of x for every x, where 0.0 + -0.0 has not.
 LowerTriangle::LowerTriangle(std::int32_t taggedCount,
                              const std::vector<std::uint32_t>& bucketSizes)
-    : taggedCount_(taggedCount), rows_(bucketSizes.size(), Row{-0.0, 0}) {
+    : taggedCount_(taggedCount), rows_(bucketSizes.size(), Row{0, 0}) {
   std::size_t size = 0;
   for (auto v = asIndex(taggedCount); v < rows_.size(); ++v) {
     rows_[v].end = size;
     size += bucketSizes[v];
   }
-  resizeEntries(size);
-}
-
-// A sum of numbers that are not -0.0 is not -0.0.
-bool LowerTriangle::coversEveryVertex() const {
-  return std::none_of(rows_.begin(), rows_.end(), [](const Row& row) {
-    return std::bit_cast<std::uint64_t>(row.diagonal) == std::bit_cast<std::uint64_t>(-0.0);
-  });
-}
-
-// realloc(p, 0) may return null; so there is one entry at least.
-void LowerTriangle::resizeEntries(std::size_t count) {
-  void* const moved = std::realloc(entries_.get(), std::max<std::size_t>(count, 1) * sizeof(Entry));
-  if (moved == nullptr) throw std::bad_alloc();
-  static_cast<void>(entries_.release());
-  entries_.reset(static_cast<Entry*>(moved));
+  entries_ = std::make_unique_for_overwrite<Entry[]>(size);
 }
 
 // In place: no entry is written before it is read. slots[u] is one more than the position of the
@@ -63,16 +46,19 @@ void LowerTriangle::mergeBuckets() {
       std::uint32_t& slot = slots[asIndex(added.column)];
       if (slot > first) {
         entries[slot - 1].value += added.value;
-        continue;
+      } else {
+        entries[count] = added;
+        slot = ++count;
       }
-      entries[count] = added;
-      slot = ++count;
     }
     std::sort(entries + first, entries + count,
               [](const Entry& a, const Entry& b) { return a.column < b.column; });
     rows_[v].end = count;
   }
-  resizeEntries(count);
+  // What merging has emptied is given back.
+  auto merged = std::make_unique_for_overwrite<Entry[]>(count);
+  std::copy_n(entries, count, merged.get());
+  entries_ = std::move(merged);
 }
 
 }  // namespace qelm

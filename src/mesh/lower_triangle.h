@@ -22,7 +22,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <vector>
@@ -51,15 +50,14 @@ class LowerTriangle {
   /// empty.
   LowerTriangle(std::int32_t taggedCount, const std::vector<std::uint32_t>& bucketSizes);
 
-  /// K_ab += value. Does nothing if both vertices are prescribed. With a == b it fills the slot
-  /// that was counted, and the matrix means nothing.
+  /// K_ab += value, for a != b. Does nothing if both vertices are prescribed.
   void add(std::int32_t a, std::int32_t b, double value) {
     const std::int32_t row = std::max(a, b);
     if (row < taggedCount_) return;
     entries_[rows_[asIndex(row)].end++] = {std::min(a, b), value};
   }
 
-  /// K_vv += value, which must not be -0.0.
+  /// K_vv += value.
   void addToDiagonal(std::int32_t v, double value) { rows_[asIndex(v)].diagonal += value; }
 
   /// Prefetch what adding to row v needs: first the row, then, when it has come, its next entry.
@@ -67,9 +65,6 @@ class LowerTriangle {
   QELM_INLINE void prefetchBucket(std::int32_t v) const {
     prefetchToWrite(entries_.get() + rows_[asIndex(v)].end);
   }
-
-  /// Whether something was added to the diagonal of every vertex.
-  bool coversEveryVertex() const;
 
   /// Once, when all is added: makes one entry of all contributions to it, and sorts the rows.
   void mergeBuckets();
@@ -86,15 +81,11 @@ class LowerTriangle {
     double diagonal;
     std::size_t end;  ///< of its entries, which start where those of the row before end
   };
-  struct Free {
-    void operator()(void* block) const { std::free(block); }
-  };
   std::size_t start(std::int32_t v) const { return v == 0 ? 0 : rows_[asIndex(v) - 1].end; }
-  void resizeEntries(std::size_t count);
 
   std::int32_t taggedCount_;
   std::vector<Row> rows_;
-  std::unique_ptr<Entry[], Free> entries_;  // realloc() can make it shorter without a copy
+  std::unique_ptr<Entry[]> entries_;
 };
 
 }  // namespace qelm

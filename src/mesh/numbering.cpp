@@ -14,19 +14,14 @@ bool isPrescribed(std::int32_t tag) { return tag == 1 || tag == 2 || tag == 3; }
 // belongs to the k-th free vertex. This is on purpose; stored fields and callers' tables rely on
 // it.
 VertexNumbering numberVertices(std::span<const std::int32_t> tags) {
-  const auto n = asInt(tags.size());
-  VertexNumbering numbering;
-  numbering.place.resize(tags.size());
-  numbering.order.resize(tags.size());
-  std::int32_t prescribed = 0;
-  for (std::int32_t i = 0; i < n; ++i) {
-    const std::int32_t freeBefore = i - prescribed;
-    const bool inFront = isPrescribed(tags[asIndex(i)]);
-    const std::int32_t system = inFront ? prescribed++ : n - 1 - freeBefore;
-    numbering.place[asIndex(i)] = system;
-    numbering.order[asIndex(system)] = i;
+  VertexNumbering numbering{0, std::vector<std::int32_t>(tags.size()),
+                            std::vector<std::int32_t>(tags.size())};
+  std::int32_t back = asInt(tags.size());
+  for (std::size_t i = 0; i < tags.size(); ++i) {
+    const std::int32_t system = isPrescribed(tags[i]) ? numbering.taggedCount++ : --back;
+    numbering.place[i] = system;
+    numbering.order[asIndex(system)] = asInt(i);
   }
-  numbering.taggedCount = prescribed;
   return numbering;
 }
 

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "interface/index.h"
 #include "robust/double_cover.h"
 #include "robust/flips.h"
 #include "robust/robust_rows.h"
@@ -27,18 +26,6 @@ std::vector<std::int32_t> freeVertices(const std::vector<std::int32_t>& order,
   return free;
 }
 
-/// The status with which assembleFreeRows() would refuse the triangles.
-int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
-  std::vector<char> isUsed(vertexCount);
-  for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
-    if (a == b || b == c || c == a) return QELM_STATUS_REPEATED_VERTEX;
-    isUsed[asIndex(a)] = isUsed[asIndex(b)] = isUsed[asIndex(c)] = 1;
-  }
-  const bool allAreUsed = std::find(isUsed.begin(), isUsed.end(), 0) == isUsed.end();
-  return allAreUsed ? QELM_STATUS_OK : QELM_STATUS_UNUSED_VERTEX;
-}
-
 void swapBlocks(FreeRowBlocks& a, FreeRowBlocks&& b) {
   a.freeFree.swap(b.freeFree);
   a.freeFixed.swap(b.freeFixed);
@@ -51,24 +38,20 @@ RobustRows assembleRobustRows(int taggedCount, std::span<const double> coordinat
                               std::span<const std::int32_t> triangles, std::int64_t flipLimit) {
   const bool steep = hasSteepTriangle(taggedCount, coordinates, triangles);
   RobustRows result{};
-  const bool finite = areFinite(coordinates);
-  if (steep) {
-    result.rows.status = defectOf(coordinates.size() / 3, triangles);
-  } else {
-    // Summing the plain rows finds a mesh's defects and tells whether repair is needed, in a
-    // fraction of the time of repair. They are freed before repair begins.
-    const SummedRows plain = sumFreeRows(taggedCount, coordinates, triangles);
-    result.rows.status = plain.status;
-    if (plain.status == QELM_STATUS_OK && finite &&
-        hasNonnegativeWeights(plain.lower, taggedCount)) {
-      swapBlocks(result.rows.blocks, toCompressedColumns(plain.lower, taggedCount));
-      return result;
-    }
-  }
+  result.rows.status = defectOf(coordinates.size() / 3, triangles);
   if (result.rows.status != QELM_STATUS_OK) return result;
-  if (!finite) {
+  if (!areFinite(coordinates)) {
     result.rows.status = QELM_CHECK_NOT_FINITE;
     return result;
+  }
+  if (!steep) {
+    // Summing the plain rows tells whether repair is needed, in a fraction of the time of repair.
+    // They are freed before repair begins.
+    const LowerTriangle plain = sumFreeRows(taggedCount, coordinates, triangles);
+    if (hasNonnegativeWeights(plain, taggedCount)) {
+      swapBlocks(result.rows.blocks, toCompressedColumns(plain, taggedCount));
+      return result;
+    }
   }
 
   DoubleCover cover{};

@@ -58,10 +58,10 @@ Edges gridGraph(int columns, int rows) {
 }
 
 Edges shuffled(int n, Edges edges, Random& random) {
-  const auto place = permutation(random, n);
+  const auto newIndex = permutation(random, n);
   for (auto& [i, j] : edges) {
-    i = place[static_cast<std::size_t>(i)];
-    j = place[static_cast<std::size_t>(j)];
+    i = newIndex[static_cast<std::size_t>(i)];
+    j = newIndex[static_cast<std::size_t>(j)];
     if (i > j) std::swap(i, j);
   }
   return edges;

@@ -26,8 +26,8 @@ std::vector<double> randomNumbers(Random& random, std::size_t count) {
 std::vector<double*> scatteredRows(std::vector<double>& values, std::size_t count,
                                    std::size_t length, Random& random) {
   std::vector<double*> rows;
-  for (const auto place : permutation(random, static_cast<int>(count))) {
-    rows.push_back(values.data() + static_cast<std::size_t>(place) * (length + 3) + 1);
+  for (const auto k : permutation(random, static_cast<int>(count))) {
+    rows.push_back(values.data() + static_cast<std::size_t>(k) * (length + 3) + 1);
   }
   return rows;
 }

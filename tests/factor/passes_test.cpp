@@ -118,8 +118,8 @@ void expectOrderOfEigen(int n, const Edges& edges, Random& random, int widest) {
   const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
   ASSERT_TRUE(paths.fits());
   const auto found = columnsByTargetAndRow(s, paths);
-  for (const auto& [place, columns] : found) {
-    const auto [target, row] = place;
+  for (const auto& [targetAndRow, columns] : found) {
+    const auto [target, row] = targetAndRow;
     std::vector<int> expected;
     for (const int j : rowInOrder(s.upper, s.tree.parent, row)) {
       // The row's columns with an entry in the target's columns.

@@ -53,7 +53,7 @@ RECT rectangleInParent(HWND child);
 COLORREF pixel(HWND window, int x, int y);
 /// Pixels of a client rectangle that have exactly this colour.
 int countPixels(HWND window, RECT area, COLORREF colour);
-/// Moves the pointer to a place in the window's client area.
+/// Moves the pointer to a position in the window's client area.
 void pointAt(HWND window, int x, int y);
 
 }  // namespace qelm::test

@@ -52,8 +52,8 @@ TEST(CurvesAtSheets, EndWhereMoreThanTwoTrianglesMeet) {
   ASSERT_EQ(lines.size(), 3U);
   for (const Polyline& line : lines) {
     EXPECT_EQ(line.points.size(), 3U);
-    const bool first = line.points.front() == Place{0, 0, 0.5};
-    EXPECT_NE(first, line.points.back() == (Place{0, 0, 0.5}));
+    const bool first = line.points.front() == Coordinates{0, 0, 0.5};
+    EXPECT_NE(first, line.points.back() == (Coordinates{0, 0, 0.5}));
   }
   EXPECT_EQ(flawIn(lines, mesh, height, {0.5}), "");
 }
@@ -98,7 +98,7 @@ TEST(CurvesOnMixedOrientations, StayWhole) {
   ASSERT_EQ(before.size(), 1U);
   for (const std::size_t t : {20U, 24U, 31U})
     std::swap(mesh.triangles[3 * t], mesh.triangles[3 * t + 1]);
-  EXPECT_EQ(curvesOf(mesh, x, {0.4}), before) << "most pieces still say so";
+  EXPECT_EQ(curvesOf(mesh, x, {0.4}), before) << "most segments still say so";
   for (std::size_t t = 0; t < 72; ++t) std::swap(mesh.triangles[3 * t], mesh.triangles[3 * t + 1]);
   Polylines after = curvesOf(mesh, x, {0.4});
   ASSERT_EQ(after.size(), 1U);
@@ -203,7 +203,7 @@ TEST(CurvesOfExtremes, HaveNoNegativeZeros) {
   ASSERT_TRUE(std::signbit(mesh.point(0).x));
   const Polylines lines = curvesOf(mesh, {1, 1, 0}, {1});
   EXPECT_EQ(lines, (Polylines{open(0, {{-1, 0, 0}, {0, 0, 0}})}));
-  for (const Place& p : lines[0].points) {
+  for (const Coordinates& p : lines[0].points) {
     for (const double x : p) EXPECT_FALSE(std::signbit(x) && x == 0);
   }
 }

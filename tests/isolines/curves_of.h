@@ -19,19 +19,19 @@
 
 namespace qelm::test {
 
-using Place = std::array<double, 3>;
+using Coordinates = std::array<double, 3>;
 
 struct Polyline {
   int level = 0;  ///< index in the caller's array
   bool closed = false;
-  std::vector<Place> points;
+  std::vector<Coordinates> points;
 
   friend bool operator==(const Polyline&, const Polyline&) = default;
 
   double length() const {
     double sum = 0;
     for (std::size_t i = closed ? 0 : 1; i < points.size(); ++i) {
-      const Place& p = points[i == 0 ? points.size() - 1 : i - 1];
+      const Coordinates& p = points[i == 0 ? points.size() - 1 : i - 1];
       sum += std::hypot(points[i][0] - p[0], points[i][1] - p[1], points[i][2] - p[2]);
     }
     return sum;
@@ -42,13 +42,14 @@ using Polylines = std::vector<Polyline>;
 /// How failures show a curve.
 inline void PrintTo(const Polyline& line, std::ostream* out) {
   *out << (line.closed ? "closed" : "open") << " at level " << line.level << ":";
-  for (const Place& p : line.points) *out << " (" << p[0] << ", " << p[1] << ", " << p[2] << ")";
+  for (const Coordinates& p : line.points)
+    *out << " (" << p[0] << ", " << p[1] << ", " << p[2] << ")";
 }
 
-inline Polyline open(int level, std::vector<Place> points) {
+inline Polyline open(int level, std::vector<Coordinates> points) {
   return {level, false, std::move(points)};
 }
-inline Polyline closed(int level, std::vector<Place> points) {
+inline Polyline closed(int level, std::vector<Coordinates> points) {
   return {level, true, std::move(points)};
 }
 

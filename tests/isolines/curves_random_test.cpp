@@ -129,7 +129,8 @@ void expectSoundPieces(const Case& c, bool directed) {
   ASSERT_EQ(flawIn(lines, c.mesh, c.field, c.levels), "");
   for (std::size_t l = 0; l < c.levels.size(); ++l) {
     ASSERT_EQ(
-        differenceInPieces(lines, static_cast<int>(l), c.mesh, c.field, c.levels[l], directed), "")
+        differenceInSegments(lines, static_cast<int>(l), c.mesh, c.field, c.levels[l], directed),
+        "")
         << "at level " << l << ", " << c.levels[l];
   }
 }
@@ -255,7 +256,7 @@ ExactCrossing exactCoordinate(long double p, long double q, long double a, long 
 
 /// Whether a point is the crossing of some edge with a level, within the bound and
 /// not beyond the edge's ends.
-bool isOnSomeEdge(const Place& place, const Case& c, double level) {
+bool isOnSomeEdge(const Coordinates& point, const Case& c, double level) {
   for (std::size_t t = 0; t < c.mesh.triangles.size(); ++t) {
     const std::int32_t v = c.mesh.triangles[t];
     const std::int32_t w = c.mesh.triangles[t % 3 == 2 ? t - 2 : t + 1];
@@ -267,9 +268,9 @@ bool isOnSomeEdge(const Place& place, const Case& c, double level) {
       const double p = c.mesh.vertices[3 * static_cast<std::size_t>(v) + k];
       const double q = c.mesh.vertices[3 * static_cast<std::size_t>(w) + k];
       const ExactCrossing exact = exactCoordinate(p, q, a, b, level);
-      const auto off = static_cast<double>(std::fabs(place[k] - exact.at));
+      const auto off = static_cast<double>(std::fabs(point[k] - exact.at));
       matches =
-          matches && off <= exact.bound && place[k] >= std::min(p, q) && place[k] <= std::max(p, q);
+          matches && off <= exact.bound && point[k] >= std::min(p, q) && point[k] <= std::max(p, q);
     }
     if (matches) return true;
   }
@@ -294,7 +295,8 @@ TEST(CurvesOfRandomFields, LieOnTheirLevelsWithinTheBoundAndOnTheirEdges) {
     }
     for (const Polyline& line : curvesOf(c.mesh, c.field, c.levels)) {
       const double level = c.levels[static_cast<std::size_t>(line.level)];
-      for (const Place& place : line.points) ASSERT_TRUE(isOnSomeEdge(place, c, level)) << level;
+      for (const Coordinates& point : line.points)
+        ASSERT_TRUE(isOnSomeEdge(point, c, level)) << level;
     }
   }
 }

@@ -114,7 +114,7 @@ TEST(CurvesOnShapes, OfALinearFieldAreStraightToTheLastBit) {
   ASSERT_EQ(lines.size(), 3U);
   EXPECT_EQ(lines[1].points.size(), 33U) << "along edges: no diagonal is cut inside";
   for (const Polyline& line : lines) {
-    for (const Place& p : line.points) {
+    for (const Coordinates& p : line.points) {
       EXPECT_NEAR(p[0], std::vector<double>({0.3, 0.5, 0.7})[static_cast<std::size_t>(line.level)],
                   1e-16);
       EXPECT_EQ(p[2], 0);
@@ -178,7 +178,7 @@ TEST(CurvesOnShapes, OfAHarmonicFieldFollowTheExactCircles) {
   for (const Polyline& line : lines) {
     EXPECT_TRUE(line.closed);
     const double r = std::exp(levels[static_cast<std::size_t>(line.level)]);
-    for (const Place& p : line.points) EXPECT_NEAR(std::hypot(p[0], p[1]), r, 2e-3);
+    for (const Coordinates& p : line.points) EXPECT_NEAR(std::hypot(p[0], p[1]), r, 2e-3);
   }
 }
 

@@ -118,7 +118,7 @@ TEST(Curves, ComeInTheOrderOfTheCallersLevels) {
   const std::vector<double> at = {0.75, 0.25, 0.75, 0.5};
   for (std::size_t c = 0; c < lines.size(); ++c) {
     EXPECT_EQ(lines[c].level, levels[c]);
-    for (const Place& p : lines[c].points) EXPECT_EQ(p[0], at[c]);
+    for (const Coordinates& p : lines[c].points) EXPECT_EQ(p[0], at[c]);
   }
   EXPECT_EQ(lines[0].points, lines[2].points) << "a level that is there twice";
 }
@@ -132,11 +132,11 @@ TEST(Curves, OfALevelComeInLexicographicOrderOfTheirPoints) {
 }
 
 TEST(Curves, OfTheSamePointsComeOpenBeforeClosed) {
-  // Two fans in one place, one of them without its last triangle.
+  // Two fans at the same position, one of them without its last triangle.
   const Mesh whole = fan(4).mapped([](Point p) {
     return Point{std::nearbyint(p.x), std::nearbyint(p.y), 0};
   });
-  const std::vector<Place> points = {{-0.5, 0, 0}, {0, -0.5, 0}, {0.5, 0, 0}, {0, 0.5, 0}};
+  const std::vector<Coordinates> points = {{-0.5, 0, 0}, {0, -0.5, 0}, {0.5, 0, 0}, {0, 0.5, 0}};
   for (const int gap : {1, 5}) {  // the quarter before the left spoke, in either fan
     Mesh both = whole;
     both.vertices.insert(both.vertices.end(), whole.vertices.begin(), whole.vertices.end());
@@ -148,7 +148,7 @@ TEST(Curves, OfTheSamePointsComeOpenBeforeClosed) {
   }
 }
 
-/// A band that goes twice round the same place, its columns numbered from `first`
+/// A band that goes twice round the same circle, its columns numbered from `first`
 /// on. One column of the first round is wider.
 Mesh doubleRound(int first) {
   constexpr int kRound = 8;
@@ -175,7 +175,7 @@ TEST(Curves, StartClosedOnesThatPassTheirLeastPointTwiceAlike) {
   ASSERT_EQ(expected[0].points.size(), 32U);
   ASSERT_EQ(std::count(expected[0].points.begin(), expected[0].points.end(), expected[0].points[0]),
             2);
-  std::vector<Place> fromTheOther = expected[0].points;
+  std::vector<Coordinates> fromTheOther = expected[0].points;
   std::rotate(fromTheOther.begin(), fromTheOther.begin() + 16, fromTheOther.end());
   ASSERT_EQ(fromTheOther[0], expected[0].points[0]);
   EXPECT_LT(expected[0].points, fromTheOther);

@@ -109,12 +109,12 @@ TEST(CurvesAtVertices, MeetAtASaddleWithoutCrossing) {
   const Field saddle = mesh.sample([](Point p) { return p.x * p.x - p.y * p.y; });
   const Polylines lines = curvesOf(mesh, saddle, {0});
   ASSERT_EQ(lines.size(), 2U);
-  EXPECT_EQ(lines[0].points.front(), (Place{-4, -4, 0}));
-  EXPECT_EQ(lines[0].points.back(), (Place{4, -4, 0}));
-  EXPECT_EQ(lines[1].points.front(), (Place{4, 4, 0}));
-  EXPECT_EQ(lines[1].points.back(), (Place{-4, 4, 0}));
+  EXPECT_EQ(lines[0].points.front(), (Coordinates{-4, -4, 0}));
+  EXPECT_EQ(lines[0].points.back(), (Coordinates{4, -4, 0}));
+  EXPECT_EQ(lines[1].points.front(), (Coordinates{4, 4, 0}));
+  EXPECT_EQ(lines[1].points.back(), (Coordinates{-4, 4, 0}));
   for (const Polyline& line : lines) {
-    EXPECT_EQ(std::count(line.points.begin(), line.points.end(), Place{0, 0, 0}), 1);
+    EXPECT_EQ(std::count(line.points.begin(), line.points.end(), Coordinates{0, 0, 0}), 1);
   }
   EXPECT_EQ(flawIn(lines, mesh, saddle, {0}), "");
 }

@@ -22,7 +22,7 @@ bool isHole(const Mesh& mesh, const Field& field, int t) {
 }
 
 /// How far from the low end (or, as the second, from the high end) a level is.
-std::pair<bool, double> placeBetween(double low, double high, double level) {
+std::pair<bool, double> crossingBetween(double low, double high, double level) {
   if (level == high) return {false, 0};
   if (std::isinf(low) && std::isinf(high)) return {true, 0.5};
   if (std::isinf(low)) return {false, 0};
@@ -34,11 +34,11 @@ std::pair<bool, double> placeBetween(double low, double high, double level) {
   return below <= above ? std::pair(true, below / rise) : std::pair(false, above / rise);
 }
 
-Place crossing(const Mesh& mesh, const Field& field, EdgeKey edge, double level) {
+Coordinates crossing(const Mesh& mesh, const Field& field, EdgeKey edge, double level) {
   std::int32_t low = edge.first;
   std::int32_t high = edge.second;
   if (valueAt(field, low) > valueAt(field, high)) std::swap(low, high);
-  const auto [fromLow, share] = placeBetween(valueAt(field, low), valueAt(field, high), level);
+  const auto [fromLow, share] = crossingBetween(valueAt(field, low), valueAt(field, high), level);
   const Point p = mesh.point(fromLow ? low : high);
   const Point q = mesh.point(fromLow ? high : low);
   const auto along = [share = share](double from, double to) {
@@ -49,35 +49,35 @@ Place crossing(const Mesh& mesh, const Field& field, EdgeKey edge, double level)
   return {along(p.x, q.x), along(p.y, q.y), along(p.z, q.z)};
 }
 
-Place placeOf(const Mesh& mesh, std::int32_t v) {
+Coordinates coordinatesOf(const Mesh& mesh, std::int32_t v) {
   const Point p = mesh.point(v);
   return {p.x, p.y, p.z};
 }
 
-int vertexAt(const Mesh& mesh, EdgeKey edge, const Place& place) {
-  if (placeOf(mesh, edge.second) == place) return edge.second;
-  if (placeOf(mesh, edge.first) == place) return edge.first;
+int vertexAt(const Mesh& mesh, EdgeKey edge, const Coordinates& point) {
+  if (coordinatesOf(mesh, edge.second) == point) return edge.second;
+  if (coordinatesOf(mesh, edge.first) == point) return edge.first;
   return -1;
 }
 
-EdgeKey meshEdgeOf(const Piece& piece) {
-  if (piece.fromVertex < 0 || piece.toVertex < 0) return {-1, -1};
-  return std::minmax(piece.fromVertex, piece.toVertex);
+EdgeKey meshEdgeOf(const TriangleSegment& segment) {
+  if (segment.fromVertex < 0 || segment.toVertex < 0) return {-1, -1};
+  return std::minmax(segment.fromVertex, segment.toVertex);
 }
 
 /// A crossing of one level: the edge, and the triangle where more than two meet.
 using CrossingKey = std::pair<EdgeKey, int>;
 
 struct PlainJoiner {
-  const std::vector<Piece>& pieces;
-  std::map<CrossingKey, std::vector<std::size_t>> at;  // pieces that end there
+  const std::vector<TriangleSegment>& segments;
+  std::map<CrossingKey, std::vector<std::size_t>> at;  // segments that end there
   std::vector<bool> used;
 
-  PlainJoiner(const std::vector<Piece>& all, const std::map<EdgeKey, int>& uses)
-      : pieces(all), used(all.size(), false) {
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-      at[key(pieces[i].fromEdge, pieces[i].triangle, uses)].push_back(i);
-      at[key(pieces[i].toEdge, pieces[i].triangle, uses)].push_back(i);
+  PlainJoiner(const std::vector<TriangleSegment>& all, const std::map<EdgeKey, int>& uses)
+      : segments(all), used(all.size(), false) {
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+      at[key(segments[i].fromEdge, segments[i].triangle, uses)].push_back(i);
+      at[key(segments[i].toEdge, segments[i].triangle, uses)].push_back(i);
     }
   }
 
@@ -85,23 +85,23 @@ struct PlainJoiner {
     return {edge, uses.at(edge) > 2 ? triangle : -1};
   }
 
-  /// From the crossing `start` on; the balance counts pieces along their sense.
+  /// From the crossing `start` on; the balance counts segments along their sense.
   Polyline walk(CrossingKey start, const std::map<EdgeKey, int>& uses, int& balance) {
     Polyline line;
     CrossingKey here = start;
     for (;;) {
-      std::size_t next = pieces.size();
+      std::size_t next = segments.size();
       for (const std::size_t i : at[here]) {
         if (!used[i]) next = std::min(next, i);
       }
-      if (next == pieces.size()) break;
+      if (next == segments.size()) break;
       used[next] = true;
-      const Piece& piece = pieces[next];
-      const bool forward = key(piece.fromEdge, piece.triangle, uses) == here;
+      const TriangleSegment& segment = segments[next];
+      const bool forward = key(segment.fromEdge, segment.triangle, uses) == here;
       balance += forward ? 1 : -1;
-      if (line.points.empty()) line.points.push_back(forward ? piece.from : piece.to);
-      line.points.push_back(forward ? piece.to : piece.from);
-      here = key(forward ? piece.toEdge : piece.fromEdge, piece.triangle, uses);
+      if (line.points.empty()) line.points.push_back(forward ? segment.from : segment.to);
+      line.points.push_back(forward ? segment.to : segment.from);
+      here = key(forward ? segment.toEdge : segment.fromEdge, segment.triangle, uses);
     }
     line.closed = !line.points.empty() && here == start;
     if (line.closed) line.points.pop_back();
@@ -124,7 +124,7 @@ Polyline finished(Polyline line, int balance) {
   return line;
 }
 
-using PlainSegment = std::pair<Place, Place>;
+using PlainSegment = std::pair<Coordinates, Coordinates>;
 
 std::vector<PlainSegment> segmentsOf(const Polylines& lines, int levelIndex) {
   std::vector<PlainSegment> segments;
@@ -165,28 +165,28 @@ std::vector<PlainSegment> oddOnes(const std::vector<PlainSegment>& segments) {
   return {odd.begin(), odd.end()};
 }
 
-std::string shown(const Place& p) {
+std::string shown(const Coordinates& p) {
   std::ostringstream out;
   out.precision(17);
   out << "(" << p[0] << ", " << p[1] << ", " << p[2] << ")";
   return out.str();
 }
 
-/// Whether a curve of a level may end at a place.
-bool mayEndAt(const Place& place, const std::vector<Piece>& pieces,
+/// Whether a curve of a level may end at a point.
+bool mayEndAt(const Coordinates& point, const std::vector<TriangleSegment>& segments,
               const std::map<EdgeKey, int>& uses) {
-  return std::any_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
-    return (piece.from == place && uses.at(piece.fromEdge) != 2) ||
-           (piece.to == place && uses.at(piece.toEdge) != 2);
+  return std::any_of(segments.begin(), segments.end(), [&](const TriangleSegment& segment) {
+    return (segment.from == point && uses.at(segment.fromEdge) != 2) ||
+           (segment.to == point && uses.at(segment.toEdge) != 2);
   });
 }
 
 std::string flawInLine(const Polyline& line) {
   if (line.points.size() < (line.closed ? 3U : 2U)) return "too few points";
   for (std::size_t i = 1; i < line.points.size(); ++i) {
-    if (line.points[i] == line.points[i - 1]) return "a piece of length zero";
+    if (line.points[i] == line.points[i - 1]) return "a segment of length zero";
   }
-  std::vector<Place> sorted = line.points;
+  std::vector<Coordinates> sorted = line.points;
   // The ends of an open curve may meet, at an edge of more than two triangles.
   if (!line.closed && sorted.front() == sorted.back()) sorted.pop_back();
   std::sort(sorted.begin(), sorted.end());
@@ -207,48 +207,49 @@ std::map<EdgeKey, int> edgeUses(const Mesh& mesh, const Field& field) {
   return uses;
 }
 
-std::vector<Piece> marchTriangles(const Mesh& mesh, const Field& field, double level) {
-  std::vector<Piece> pieces;
+std::vector<TriangleSegment> marchTriangles(const Mesh& mesh, const Field& field, double level) {
+  std::vector<TriangleSegment> segments;
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     if (isHole(mesh, field, t)) continue;
-    Piece piece{t, {}, {}, {-1, -1}, {-1, -1}, -1, -1};
+    TriangleSegment segment{t, {}, {}, {-1, -1}, {-1, -1}, -1, -1};
     for (int k = 0; k < 3; ++k) {
       const std::int32_t a = corner(mesh, t, k);
       const std::int32_t b = corner(mesh, t, k + 1);
       const bool aboveA = valueAt(field, a) >= level;
       const bool aboveB = valueAt(field, b) >= level;
-      if (aboveA && !aboveB) piece.fromEdge = std::minmax(a, b);
-      if (!aboveA && aboveB) piece.toEdge = std::minmax(a, b);
+      if (aboveA && !aboveB) segment.fromEdge = std::minmax(a, b);
+      if (!aboveA && aboveB) segment.toEdge = std::minmax(a, b);
     }
-    if (piece.fromEdge.first < 0) continue;
-    piece.from = crossing(mesh, field, piece.fromEdge, level);
-    piece.to = crossing(mesh, field, piece.toEdge, level);
-    piece.fromVertex = vertexAt(mesh, piece.fromEdge, piece.from);
-    piece.toVertex = vertexAt(mesh, piece.toEdge, piece.to);
-    pieces.push_back(piece);
+    if (segment.fromEdge.first < 0) continue;
+    segment.from = crossing(mesh, field, segment.fromEdge, level);
+    segment.to = crossing(mesh, field, segment.toEdge, level);
+    segment.fromVertex = vertexAt(mesh, segment.fromEdge, segment.from);
+    segment.toVertex = vertexAt(mesh, segment.toEdge, segment.to);
+    segments.push_back(segment);
   }
-  return pieces;
+  return segments;
 }
 
-std::vector<Piece> remainingPieces(const Mesh& mesh, const Field& field, double level) {
-  std::vector<Piece> pieces = marchTriangles(mesh, field, level);
-  std::erase_if(pieces, [](const Piece& piece) { return piece.from == piece.to; });
+std::vector<TriangleSegment> remainingSegments(const Mesh& mesh, const Field& field, double level) {
+  std::vector<TriangleSegment> segments = marchTriangles(mesh, field, level);
+  std::erase_if(segments,
+                [](const TriangleSegment& segment) { return segment.from == segment.to; });
   const std::map<EdgeKey, int> uses = edgeUses(mesh, field);
   std::map<EdgeKey, int> along;
-  for (const Piece& piece : pieces) ++along[meshEdgeOf(piece)];
-  std::erase_if(pieces, [&](const Piece& piece) {
-    const EdgeKey edge = meshEdgeOf(piece);
+  for (const TriangleSegment& segment : segments) ++along[meshEdgeOf(segment)];
+  std::erase_if(segments, [&](const TriangleSegment& segment) {
+    const EdgeKey edge = meshEdgeOf(segment);
     return edge.first >= 0 && uses.at(edge) == 2 && along.at(edge) == 2;
   });
-  return pieces;
+  return segments;
 }
 
 Polylines plainCurves(const Mesh& mesh, const Field& field, const std::vector<double>& levels) {
   const std::map<EdgeKey, int> uses = edgeUses(mesh, field);
   Polylines lines;
   for (std::size_t l = 0; l < levels.size(); ++l) {
-    const std::vector<Piece> pieces = marchTriangles(mesh, field, levels[l]);
-    PlainJoiner joiner(pieces, uses);
+    const std::vector<TriangleSegment> segments = marchTriangles(mesh, field, levels[l]);
+    PlainJoiner joiner(segments, uses);
     Polylines ofLevel;
     const auto walkFrom = [&](const CrossingKey& start) {
       int balance = 0;
@@ -273,19 +274,20 @@ Polylines plainCurves(const Mesh& mesh, const Field& field, const std::vector<do
 std::string flawIn(const Polylines& lines, const Mesh& mesh, const Field& field,
                    const std::vector<double>& levels) {
   const std::map<EdgeKey, int> uses = edgeUses(mesh, field);
-  std::map<int, std::vector<Piece>> piecesOf;
+  std::map<int, std::vector<TriangleSegment>> segmentsOfLevel;
   for (std::size_t c = 0; c < lines.size(); ++c) {
     const Polyline& line = lines[c];
     const std::string where = "curve " + std::to_string(c) + ": ";
     if (line.level < 0 || line.level >= static_cast<int>(levels.size())) return where + "no level";
     if (const std::string flaw = flawInLine(line); !flaw.empty()) return where + flaw;
     if (!line.closed) {
-      const auto [pieces, isNew] = piecesOf.try_emplace(line.level);
+      const auto [segments, isNew] = segmentsOfLevel.try_emplace(line.level);
       if (isNew) {
-        pieces->second = marchTriangles(mesh, field, levels[static_cast<std::size_t>(line.level)]);
+        segments->second =
+            marchTriangles(mesh, field, levels[static_cast<std::size_t>(line.level)]);
       }
-      for (const Place& end : {line.points.front(), line.points.back()}) {
-        if (!mayEndAt(end, pieces->second, uses)) return where + "ends at " + shown(end);
+      for (const Coordinates& end : {line.points.front(), line.points.back()}) {
+        if (!mayEndAt(end, segments->second, uses)) return where + "ends at " + shown(end);
       }
     }
     if (c == 0) continue;
@@ -312,18 +314,18 @@ std::string repetitionIn(const Polylines& lines) {
   return "";
 }
 
-std::string differenceInPieces(const Polylines& lines, int levelIndex, const Mesh& mesh,
-                               const Field& field, double level, bool directed) {
+std::string differenceInSegments(const Polylines& lines, int levelIndex, const Mesh& mesh,
+                                 const Field& field, double level, bool directed) {
   const std::map<EdgeKey, int> uses = edgeUses(mesh, field);
   std::set<PlainSegment> alongSheets;  // both ways round
   for (const auto& [edge, count] : uses) {
     if (count <= 2) continue;
-    alongSheets.insert({placeOf(mesh, edge.first), placeOf(mesh, edge.second)});
-    alongSheets.insert({placeOf(mesh, edge.second), placeOf(mesh, edge.first)});
+    alongSheets.insert({coordinatesOf(mesh, edge.first), coordinatesOf(mesh, edge.second)});
+    alongSheets.insert({coordinatesOf(mesh, edge.second), coordinatesOf(mesh, edge.first)});
   }
   std::vector<PlainSegment> expected;
-  for (const Piece& piece : remainingPieces(mesh, field, level)) {
-    expected.emplace_back(piece.from, piece.to);
+  for (const TriangleSegment& segment : remainingSegments(mesh, field, level)) {
+    expected.emplace_back(segment.from, segment.to);
   }
   std::vector<PlainSegment> actual = segmentsOf(lines, levelIndex);
   for (std::vector<PlainSegment>* segments : {&expected, &actual}) {

@@ -247,8 +247,8 @@ TEST(Numbering, IsAPairOfInversePermutationsForRandomTags) {
     }
     ASSERT_EQ(system->vertexOrder, expectedOrder);
     for (int i = 0; i < n; ++i) {
-      const auto place = system->vertexPlace[static_cast<std::size_t>(i)];
-      ASSERT_EQ(system->vertexOrder[static_cast<std::size_t>(place)], i);
+      const auto s = system->vertexPlace[static_cast<std::size_t>(i)];
+      ASSERT_EQ(system->vertexOrder[static_cast<std::size_t>(s)], i);
     }
   }
 }

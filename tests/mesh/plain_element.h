@@ -2,7 +2,7 @@
 #ifndef QELM_TESTS_MESH_PLAIN_ELEMENT_H
 #define QELM_TESTS_MESH_PLAIN_ELEMENT_H
 
-#include "mesh/element_block.h"
+#include "mesh/element_stiffness.h"
 #include "mesh/vec3.h"
 
 namespace qelm::test {

@@ -77,51 +77,73 @@ def mutants_of(root, name):
 
 
 def _of_token(source, tokens, i, add):
-    token = tokens[i]
-    kind, text, start, function = token
+    kind, text, start, function = tokens[i]
+    of_kind = {"sign": _of_sign, "number": _of_number, "name": _of_name}.get(kind)
+    if of_kind is None:
+        return
+
+    def change(new, what=None):
+        add(start, start + len(text), new, what or f"{text} becomes {new or 'nothing'}", function)
+
+    of_kind(source, tokens, i, add, change)
+
+
+def _of_sign(source, tokens, i, _, change):
+    _, text, start, function = tokens[i]
     end = start + len(text)
-    before = source[start - 1] if start else "\n"
-    after = source[end : end + 1]
-    previous = tokens[i - 1].text if i else ""
-    following = tokens[i + 1].text if i + 1 < len(tokens) else ""
-    change = lambda new, what=None: add(start, end, new, what or f"{text} becomes {new or 'nothing'}", function)  # noqa: E731
-    if kind == "sign":
-        if text in SWAPS and before.isspace() and after.isspace() and previous != "operator":
-            if text == "<<" and re.search(r"std::c(out|err)|^\s*<<", source[source.rfind("\n", 0, start) + 1 : end]):
-                return
-            for new in SWAPS[text]:
-                change(new)
-        elif text == "!" and not after.isspace():
-            change("", "! is left out")
-        elif text in ("++", "--") and previous != "operator":
-            change("--" if text == "++" else "++")
-        elif text == "-" and (before in "({, " or before.isspace()) and not after.isspace():
-            change("", "a sign is left out")
-        elif text == "?" and before.isspace():
-            change("&& false ?", "the second of two is taken always") if function else None
-            change("|| true ?", "the first of two is taken always") if function else None
-    elif kind == "number":
-        if before == "<" or after == ">" or previous == "operator":
-            return  # an argument of a template
-        for new in _numbers_beside(text):
+    before, after = _beside(source, start, end)
+    is_operator_name = i > 0 and tokens[i - 1].text == "operator"
+    if text in SWAPS and before.isspace() and after.isspace() and not is_operator_name:
+        if text == "<<" and re.search(r"std::c(out|err)|^\s*<<", source[source.rfind("\n", 0, start) + 1 : end]):
+            return
+        for new in SWAPS[text]:
             change(new)
-    elif kind == "name":
-        if text in NAMES and NAMES[text]:
-            is_call = following == "("
-            if text in ("min", "max"):
-                if is_call and previous == "::":
-                    change(NAMES[text])
-            elif text in ("first", "front", "back", "lower_bound", "upper_bound"):
-                if is_call and previous in (".", "::", "->"):
-                    change(NAMES[text])
-            else:
-                change(NAMES[text])
-        elif text in DROPPED and following == "(" and previous == "::":
-            _drop_function(source, tokens, i, add)
-        elif text in ("if", "while") and following == "(" or (text == "constexpr" and previous == "if"):
-            _decide(source, tokens, i, add)
-        elif following == "(" and text not in ("for", "switch", "catch", "sizeof", "alignof", "return"):
-            _swap_arguments(source, tokens, i, add)
+    elif text == "!" and not after.isspace():
+        change("", "! is left out")
+    elif text in ("++", "--") and not is_operator_name:
+        change("--" if text == "++" else "++")
+    elif text == "-" and (before in "({, " or before.isspace()) and not after.isspace():
+        change("", "a sign is left out")
+    elif text == "?" and before.isspace() and function:
+        change("&& false ?", "the second of two is taken always")
+        change("|| true ?", "the first of two is taken always")
+
+
+def _of_number(source, tokens, i, _, change):
+    _, text, start, _ = tokens[i]
+    before, after = _beside(source, start, start + len(text))
+    if before == "<" or after == ">" or (i > 0 and tokens[i - 1].text == "operator"):
+        return  # an argument of a template
+    for new in _numbers_beside(text):
+        change(new)
+
+
+def _of_name(source, tokens, i, add, change):
+    text = tokens[i].text
+    previous = tokens[i - 1].text if i else ""
+    is_call = i + 1 < len(tokens) and tokens[i + 1].text == "("
+    if text in NAMES and NAMES[text]:
+        owners = _OWNERS.get(text)
+        if owners is None or (is_call and previous in owners):
+            change(NAMES[text])
+    elif text in DROPPED and is_call and previous == "::":
+        _drop_function(source, tokens, i, add)
+    elif text in ("if", "while") and is_call or (text == "constexpr" and previous == "if"):
+        _decide(source, tokens, i, add)
+    elif is_call and text not in ("for", "switch", "catch", "sizeof", "alignof", "return"):
+        _swap_arguments(source, tokens, i, add)
+
+
+# Names that are changed only where they are called so.
+_OWNERS = {
+    **dict.fromkeys(("min", "max"), ("::",)),
+    **dict.fromkeys(("first", "front", "back", "lower_bound", "upper_bound"), (".", "::", "->")),
+}
+
+
+def _beside(source, start, end):
+    """The characters before and after."""
+    return source[start - 1] if start else "\n", source[end : end + 1]
 
 
 def _numbers_beside(text):

@@ -13,7 +13,7 @@ export class Picture {
     Object.assign(this, { width, height, data });
   }
 
-  /** [red, green, blue] of the pixel at a place. */
+  /** [red, green, blue] of the pixel at a position. */
   at(x, y) {
     const k = 4 * (Math.floor(y) * this.width + Math.floor(x));
     return [...this.data.subarray(k, k + 3)];

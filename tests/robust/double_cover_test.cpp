@@ -86,8 +86,8 @@ TEST(DoubleCover, OfTwoPartsTurnsEachByItself) {
   for (std::size_t j = 0; j < first.size(); j += 3) {
     for (const std::size_t k : {0U, 2U, 1U}) mesh.triangles.push_back(first[j + k] + count);
   }
-  const std::vector<double> places = mesh.vertices;
-  mesh.vertices.insert(mesh.vertices.end(), places.begin(), places.end());
+  const std::vector<double> again = mesh.vertices;
+  mesh.vertices.insert(mesh.vertices.end(), again.begin(), again.end());
   mesh.tags.resize(static_cast<std::size_t>(2 * count));
   std::swap(mesh.triangles[4], mesh.triangles[5]);
   const DoubleCover cover = coverOfMesh(mesh);

@@ -141,14 +141,14 @@ Mesh shuffled(const Mesh& mesh, const std::vector<std::int32_t>& newIndex, Rando
   return other;
 }
 
-/// Whether two vertices are at one place: nothing but their numbers tells them apart.
+/// Whether two vertices coincide: nothing but their numbers tells them apart.
 bool haveCoincidentVertices(const Mesh& mesh) {
-  std::set<std::array<double, 3>> places;
+  std::set<std::array<double, 3>> positions;
   for (int i = 0; i < mesh.vertexCount(); ++i) {
     const Point p = mesh.point(i);
-    places.insert({p.x, p.y, p.z});
+    positions.insert({p.x, p.y, p.z});
   }
-  return places.size() < mesh.tags.size();
+  return positions.size() < mesh.tags.size();
 }
 
 /// Matrix and field of the mesh under other numbers and orientations.

@@ -9,7 +9,7 @@ namespace {
 using Eigen::Index;
 using Eigen::VectorXd;
 
-/// Entries of `field` at system places first .. first+count-1.
+/// Entries of `field` at system indices first .. first+count-1.
 VectorXd gather(const MeshSystem& system, const Field& field, Index first, Index count) {
   VectorXd gathered(count);
   for (Index k = 0; k < count; ++k) {

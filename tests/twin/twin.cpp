@@ -42,8 +42,8 @@ void addElement(System& s, int i0, int i1, int i2) {
   const P3 g2 = gradient(p2, p1, p10, times(p10, p12), l01, 2 * area / l01);
   // What comes first to an entry is not added to a zero: that would lose a zero's sign.
   const auto add = [&](int row, int column, double value) {
-    const auto [place, isNew] = s.k.try_emplace({column, row}, value);
-    if (!isNew) place->second += value;
+    const auto [entry, isNew] = s.k.try_emplace({column, row}, value);
+    if (!isNew) entry->second += value;
   };
   for (const auto& [a, b, value] :
        {std::tuple{i0, i1, area * times(g0, g1)}, std::tuple{i1, i2, area * times(g1, g2)},
@@ -60,9 +60,9 @@ void factorise(System& s) {
   const int n = static_cast<int>(s.order.size());
   const int t = s.taggedCount;
   std::vector<Eigen::Triplet<double>> entries;
-  for (const auto& [place, value] : s.k) {
-    if (place.first >= t && place.second >= t) {
-      entries.emplace_back(place.second - t, place.first - t, value);
+  for (const auto& [entry, value] : s.k) {
+    if (entry.first >= t && entry.second >= t) {
+      entries.emplace_back(entry.second - t, entry.first - t, value);
     }
   }
   Eigen::SparseMatrix<double> freeFree(n - t, n - t);
@@ -114,12 +114,12 @@ void construct(const Doubles& vertices, const Ints& triangles, const Ints& tags,
   for (int i = n - 1; i >= 0; --i) {
     if (!isTagged(i)) system.order.push_back(i);
   }
-  Ints place(u(n));
-  for (int s = 0; s < n; ++s) place[u(system.order[u(s)])] = s;
+  Ints systemIndex(u(n));
+  for (int s = 0; s < n; ++s) systemIndex[u(system.order[u(s)])] = s;
   for (const int i : system.order) {
     for (const double x : at(vertices, i)) system.vertices.push_back(x);
   }
-  for (const int i : triangles) system.triangles.push_back(place[u(i)]);
+  for (const int i : triangles) system.triangles.push_back(systemIndex[u(i)]);
 
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
     const int a = system.triangles[j], b = system.triangles[j + 1], c = system.triangles[j + 2];
@@ -141,8 +141,8 @@ Doubles solve(const System& system, const Doubles& values, const Doubles& load) 
   const int t = system.taggedCount;
   Eigen::VectorXd b = Eigen::VectorXd::Zero(n - t);
   for (int s = t; s < n && !load.empty(); ++s) b[s - t] = -load[u(system.order[u(s)])];
-  for (const auto& [place, value] : system.k) {
-    const auto [column, row] = place;
+  for (const auto& [entry, value] : system.k) {
+    const auto [column, row] = entry;
     if (column >= t || row < t) continue;
     const double prescribed = values[u(system.order[u(column)])];
     b[row - t] += load.empty() ? (-value) * prescribed : (prescribed * -1.0) * value;

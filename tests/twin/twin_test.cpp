@@ -59,10 +59,10 @@ void makeGrid(Random& random, int side, Case& mesh) {
   mesh.vertices.resize(static_cast<std::size_t>(3 * side * side));
   const double jitter = oneOf(random, {0.0, 0.1, 0.7});
   for (int i = 0; i < side * side; ++i) {
-    const auto place = static_cast<std::size_t>(3 * number[static_cast<std::size_t>(i)]);
-    mesh.vertices[place] = i % side + jitter * uniform(random, -1, 1);
-    mesh.vertices[place + 1] = i / side + jitter * uniform(random, -1, 1);
-    mesh.vertices[place + 2] = jitter * uniform(random, -1, 1);
+    const auto first = static_cast<std::size_t>(3 * number[static_cast<std::size_t>(i)]);
+    mesh.vertices[first] = i % side + jitter * uniform(random, -1, 1);
+    mesh.vertices[first + 1] = i / side + jitter * uniform(random, -1, 1);
+    mesh.vertices[first + 2] = jitter * uniform(random, -1, 1);
   }
   const auto add = [&](int a, int b, int c) {
     for (const int i : {a, b, c}) mesh.triangles.push_back(number[static_cast<std::size_t>(i)]);
@@ -125,7 +125,7 @@ Case randomCase(Random& random, int number) {
     mesh.vertices[static_cast<std::size_t>(uniformInt(random, 0, last))] =
         oneOf(random, {kInfinity, -kInfinity, std::nan(""), 1e300, -0.0});
   }
-  if (uniformInt(random, 0, 3) == 0) {  // some vertices at one place
+  if (uniformInt(random, 0, 3) == 0) {  // some vertices coincide
     for (std::size_t i = 3; i < mesh.vertices.size(); i += 3) {
       if (uniformInt(random, 0, 5) == 0) std::copy_n(&mesh.vertices[i - 3], 3, &mesh.vertices[i]);
     }

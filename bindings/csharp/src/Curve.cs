@@ -37,7 +37,7 @@ namespace Qelm
                 + " points";
         }
 
-        /// <summary>The length of the polyline, with the closing piece of a closed one.</summary>
+        /// <summary>The length of the polyline, with the closing segment of a closed one.</summary>
         public double Length
         {
             get

@@ -16,6 +16,13 @@ namespace Qelm
             }
         }
 
+        internal static void NotNull(double[] vertices, int[] triangles, int[] tags)
+        {
+            NotNull(vertices, "vertices");
+            NotNull(triangles, "triangles");
+            NotNull(tags, "tags");
+        }
+
         /// <summary>Three numbers per element; returns the number of elements.</summary>
         internal static int Triples(int length, string name)
         {
@@ -35,15 +42,15 @@ namespace Qelm
             }
         }
 
-        /// <summary>What the constructors need to know of a mesh.</summary>
-        internal static unsafe void Mesh(double* vertices, int vertexCount, int* triangles, int triangleCount)
+        /// <summary>All that construction expects of coordinates and indices.</summary>
+        internal static void Elements(TaggedMesh mesh)
         {
-            AtLeastOne(vertexCount, "vertex", "vertices");
-            AtLeastOne(triangleCount, "triangle", "triangles");
-            FiniteCoordinates(vertices, vertexCount, "vertices");
-            IndicesInRange(triangles, triangleCount, vertexCount, "triangles");
-            DistinctCorners(triangles, triangleCount, "triangles");
-            EveryVertexUsed(triangles, triangleCount, vertexCount, "triangles");
+            AtLeastOne(mesh.VertexCount, "vertex", "vertices");
+            AtLeastOne(mesh.TriangleCount, "triangle", "triangles");
+            FiniteCoordinates(mesh.Vertices, mesh.VertexCount, "vertices");
+            IndicesInRange(mesh.Triangles, mesh.TriangleCount, mesh.VertexCount, "triangles");
+            DistinctCorners(mesh.Triangles, mesh.TriangleCount, "triangles");
+            EveryVertexUsed(mesh.Triangles, mesh.TriangleCount, mesh.VertexCount, "triangles");
         }
 
         internal static void AtLeastOne(int count, string element, string name)

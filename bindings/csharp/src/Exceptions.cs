@@ -29,7 +29,7 @@ namespace Qelm
         /// <summary>From <c>Mesh.Check</c>: a coordinate is infinite or not a number.</summary>
         NotFinite = 102,
 
-        /// <summary>From <c>Mesh.Check</c>: a triangle has no area, or too little for its size and place.</summary>
+        /// <summary>From <c>Mesh.Check</c>: a triangle has no area, or too little for its size and position.</summary>
         NearZeroArea = 103,
 
         /// <summary>From <c>Mesh.Check</c>: a triangle is too small or too large for the arithmetic.</summary>

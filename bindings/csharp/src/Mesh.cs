@@ -70,29 +70,23 @@ namespace Qelm
         /// <exception cref="ArgumentException">A length is wrong.</exception>
         public static MeshReport Check(double[] vertices, int[] triangles, int[] tags)
         {
-            Ensure.NotNull(vertices, "vertices");
-            Ensure.NotNull(triangles, "triangles");
-            Ensure.NotNull(tags, "tags");
+            Ensure.NotNull(vertices, triangles, tags);
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return Check(v, vertices.Length, t, triangles.Length, g, tags.Length);
+                return Check(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length));
             }
         }
 
-        private static MeshReport Check(double* vertices, int coordinateCount, int* triangles, int indexCount,
-            int* tags, int tagCount)
+        private static MeshReport Check(TaggedMesh mesh)
         {
-            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
-            int triangleCount = Ensure.Triples(indexCount, "triangles");
-            Ensure.Length(tagCount, vertexCount, "tags");
             NativeLibrary.Require();
 
             QelmMeshReport report;
-            int code = NativeMethods.qelmcheckTagged(vertexCount, vertices, triangleCount, triangles, tags, &report);
-            bool works = Works(code, vertices, vertexCount, triangles, triangleCount, tags);
-            double error = works && MayHaveError(report.worstQuality)
-                ? MeshSystem.ErrorOf(vertices, coordinateCount, triangles, indexCount, tags, tagCount) : 0;
+            int code = NativeMethods.qelmcheckTagged(mesh.VertexCount, mesh.Vertices, mesh.TriangleCount,
+                mesh.Triangles, mesh.Tags, &report);
+            bool works = Works(code, mesh);
+            double error = works && MayHaveError(report.worstQuality) ? MeshSystem.ErrorOf(mesh) : 0;
             return new MeshReport(code, report, works && error < MeshSystem.NothingLeft, error);
         }
 
@@ -104,13 +98,12 @@ namespace Qelm
         }
 
         // Thin triangles may work all the same; whether they do is what Build asks as well.
-        private static bool Works(int code, double* vertices, int vertexCount, int* triangles, int triangleCount,
-            int* tags)
+        private static bool Works(int code, TaggedMesh mesh)
         {
             var status = (QelmStatus)code;
             string blamed;
             return (status == QelmStatus.Ok || status == QelmStatus.NearZeroArea)
-                && Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, false, out blamed) == null;
+                && Solvability.FirstDefect(mesh, false, out blamed) == null;
         }
 
         /// <summary>Says what <c>MeshSystem.Build</c> or <c>BuildRobust</c> would take: about a microsecond for each
@@ -125,28 +118,22 @@ namespace Qelm
         /// vertex or triangle at fault.</exception>
         public static Prediction Predict(double[] vertices, int[] triangles, int[] tags, bool robust = false)
         {
-            Ensure.NotNull(vertices, "vertices");
-            Ensure.NotNull(triangles, "triangles");
-            Ensure.NotNull(tags, "tags");
+            Ensure.NotNull(vertices, triangles, tags);
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return Predict(v, vertices.Length, t, triangles.Length, g, tags.Length, robust);
+                return Predict(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), robust);
             }
         }
 
-        private static Prediction Predict(double* vertices, int coordinateCount, int* triangles, int indexCount,
-            int* tags, int tagCount, bool robust)
+        private static Prediction Predict(TaggedMesh mesh, bool robust)
         {
-            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
-            int triangleCount = Ensure.Triples(indexCount, "triangles");
-            Ensure.Length(tagCount, vertexCount, "tags");
-            Ensure.Mesh(vertices, vertexCount, triangles, triangleCount);
+            Ensure.Elements(mesh);
             NativeLibrary.Require();
 
             QelmPrediction prediction;
-            QelmException.ThrowUnlessOk(NativeMethods.qelmpredictTagged(vertexCount, vertices, triangleCount, triangles,
-                tags, robust ? 1 : 0, &prediction));
+            QelmException.ThrowUnlessOk(NativeMethods.qelmpredictTagged(mesh.VertexCount, mesh.Vertices,
+                mesh.TriangleCount, mesh.Triangles, mesh.Tags, robust ? 1 : 0, &prediction));
             return new Prediction(prediction);
         }
 
@@ -160,27 +147,21 @@ namespace Qelm
         /// <exception cref="ArgumentException">A length is wrong.</exception>
         public static RobustReport CheckRobust(double[] vertices, int[] triangles, int[] tags)
         {
-            Ensure.NotNull(vertices, "vertices");
-            Ensure.NotNull(triangles, "triangles");
-            Ensure.NotNull(tags, "tags");
+            Ensure.NotNull(vertices, triangles, tags);
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return CheckRobust(v, vertices.Length, t, triangles.Length, g, tags.Length);
+                return CheckRobust(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length));
             }
         }
 
-        private static RobustReport CheckRobust(double* vertices, int coordinateCount, int* triangles, int indexCount,
-            int* tags, int tagCount)
+        private static RobustReport CheckRobust(TaggedMesh mesh)
         {
-            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
-            int triangleCount = Ensure.Triples(indexCount, "triangles");
-            Ensure.Length(tagCount, vertexCount, "tags");
             NativeLibrary.Require();
 
             QelmRobustReport report;
-            int code = NativeMethods.qelmcheckRobustTagged(vertexCount, vertices, triangleCount, triangles, tags,
-                &report);
+            int code = NativeMethods.qelmcheckRobustTagged(mesh.VertexCount, mesh.Vertices, mesh.TriangleCount,
+                mesh.Triangles, mesh.Tags, &report);
             return new RobustReport(code, report);
         }
     }

@@ -85,7 +85,7 @@ namespace Qelm
         public double Error { get; private set; }
 
         /// <summary>
-        /// Whether <c>MeshSystem.Build</c> takes the mesh. So it does some whose <see cref="Status"/> is
+        /// Whether <c>MeshSystem.Build</c> takes the mesh. It also takes some meshes whose <see cref="Status"/> is
         /// <see cref="QelmStatus.NearZeroArea"/>: their grade is <see cref="MeshGrade.WorksWithError"/>.
         /// </summary>
         public bool IsSound
@@ -129,7 +129,7 @@ namespace Qelm
         /// <summary>Vertices with a coordinate that is infinite or not a number.</summary>
         public MeshFinding NotFinite { get; private set; }
 
-        /// <summary>Triangles with a quality below 2^-44: no area, or too little for their size and place.</summary>
+        /// <summary>Triangles with a quality below 2^-44: no area, or too little for their size and position.</summary>
         public MeshFinding NearZeroArea { get; private set; }
 
         /// <summary>Triangles whose longest edge is not within 1e-60 and 1e60.</summary>
@@ -156,7 +156,7 @@ namespace Qelm
         /// <summary>For information: triangles with the vertices of an earlier one.</summary>
         public MeshFinding RepeatedTriangle { get; private set; }
 
-        /// <summary>For information: vertices exactly at the place of an earlier one.</summary>
+        /// <summary>For information: vertices with exactly the coordinates of an earlier one.</summary>
         public MeshFinding CoincidentVertex { get; private set; }
 
         /// <summary>The first triangle of the lowest quality; -1 if none has one.</summary>

@@ -139,13 +139,11 @@ namespace Qelm
         internal const double NothingLeft = 0.1;
 
         /// <summary>What <see cref="MeasureError"/> would say of a mesh; infinite where it cannot be solved on.</summary>
-        internal static double ErrorOf(double* vertices, int coordinateCount, int* triangles, int indexCount, int* tags,
-            int tagCount)
+        internal static double ErrorOf(TaggedMesh mesh)
         {
             try
             {
-                using (MeshSystem system = Build(vertices, coordinateCount, triangles, indexCount, tags, tagCount,
-                    false, false))
+                using (MeshSystem system = Build(mesh, mustSolve: false, robust: false))
                 {
                     return system.MeasureError();
                 }

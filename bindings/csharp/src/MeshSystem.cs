@@ -81,13 +81,12 @@ namespace Qelm
         /// looked for.</exception>
         public static MeshSystem Build(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
         {
-            Ensure.NotNull(vertices, "vertices");
-            Ensure.NotNull(triangles, "triangles");
-            Ensure.NotNull(tags, "tags");
+            Ensure.NotNull(vertices, triangles, tags);
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, false);
+                return Build(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), mustSolve,
+                    robust: false);
             }
         }
 
@@ -115,13 +114,12 @@ namespace Qelm
         /// looked for.</exception>
         public static MeshSystem BuildRobust(double[] vertices, int[] triangles, int[] tags, bool mustSolve = true)
         {
-            Ensure.NotNull(vertices, "vertices");
-            Ensure.NotNull(triangles, "triangles");
-            Ensure.NotNull(tags, "tags");
+            Ensure.NotNull(vertices, triangles, tags);
             fixed (double* v = vertices)
             fixed (int* t = triangles, g = tags)
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, true);
+                return Build(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), mustSolve,
+                    robust: true);
             }
         }
 
@@ -144,16 +142,11 @@ namespace Qelm
             handle.Dispose();
         }
 
-        private static MeshSystem Build(double* vertices, int coordinateCount, int* triangles, int indexCount,
-            int* tags, int tagCount, bool mustSolve, bool robust)
+        private static MeshSystem Build(TaggedMesh mesh, bool mustSolve, bool robust)
         {
-            int vertexCount = Ensure.Triples(coordinateCount, "vertices");
-            int triangleCount = Ensure.Triples(indexCount, "triangles");
-            Ensure.Length(tagCount, vertexCount, "tags");
-            Ensure.Mesh(vertices, vertexCount, triangles, triangleCount);
+            Ensure.Elements(mesh);
             string blamed;
-            string defect = Solvability.FirstDefect(vertices, vertexCount, triangles, triangleCount, tags, robust,
-                out blamed);
+            string defect = Solvability.FirstDefect(mesh, robust, out blamed);
             if (mustSolve && defect != null)
             {
                 throw new ArgumentException(defect, blamed);
@@ -163,15 +156,15 @@ namespace Qelm
             int status;
             MeshSystemHandle handle;
             QelmPrediction prediction;
-            long limit = MachineMemory.LimitFor(vertexCount);
-            NativeMethods.qelmctorLimitedTagged(vertexCount, vertices, triangleCount, triangles, tags, robust ? 1 : 0,
-                limit, &prediction, null, &status, out handle);
+            long limit = MachineMemory.LimitFor(mesh.VertexCount);
+            NativeMethods.qelmctorLimitedTagged(mesh.VertexCount, mesh.Vertices, mesh.TriangleCount, mesh.Triangles,
+                mesh.Tags, robust ? 1 : 0, limit, &prediction, null, &status, out handle);
             if ((QelmStatus)status == QelmStatus.TooLarge)
             {
                 throw new InsufficientMemoryException(new Prediction(prediction).Refusal(limit));
             }
             QelmException.ThrowUnlessOk(status);
-            var system = new MeshSystem(handle, new VertexOrder(tags, vertexCount), triangleCount,
+            var system = new MeshSystem(handle, new VertexOrder(mesh.Tags, mesh.VertexCount), mesh.TriangleCount,
                 defect);
             if (mustSolve)
             {

@@ -11,20 +11,19 @@ namespace Qelm
     {
         /// <summary>The first defect in words, or null; <paramref name="name"/> is the argument to blame. After
         /// robust construction, areas do not matter.</summary>
-        internal static string FirstDefect(double* vertices, int vertexCount, int* triangles, int triangleCount,
-            int* tags, bool robust, out string name)
+        internal static string FirstDefect(TaggedMesh mesh, bool robust, out string name)
         {
             name = "triangles";
-            for (int t = 0; t < triangleCount && !robust; ++t)
+            for (int t = 0; t < mesh.TriangleCount && !robust; ++t)
             {
-                string defect = Defect(vertices, triangles + 3L * t);
+                string defect = Defect(mesh.Vertices, mesh.Triangles + 3L * t);
                 if (defect != null)
                 {
-                    return Ensure.Triangle(triangles, t) + ": " + defect;
+                    return Ensure.Triangle(mesh.Triangles, t) + ": " + defect;
                 }
             }
             name = "tags";
-            int untied = FirstUntied(vertexCount, triangles, triangleCount, tags);
+            int untied = FirstUntied(mesh);
             return untied < 0 ? null : "no vertex of the part of the mesh with vertex " + Text.Of(untied)
                 + " is tagged 1, 2 or 3";
         }
@@ -68,24 +67,25 @@ namespace Qelm
         }
 
         /// <summary>The lowest vertex that no chain of triangles ties to a tagged one; -1 without any.</summary>
-        private static int FirstUntied(int vertexCount, int* triangles, int triangleCount, int* tags)
+        private static int FirstUntied(TaggedMesh mesh)
         {
-            var parent = new int[vertexCount];
-            for (int i = 0; i < vertexCount; ++i)
+            var parent = new int[mesh.VertexCount];
+            for (int i = 0; i < parent.Length; ++i)
             {
                 parent[i] = i;
             }
-            for (long t = 0; t < triangleCount; ++t)
+            for (long t = 0; t < mesh.TriangleCount; ++t)
             {
-                Join(parent, triangles[3 * t], triangles[3 * t + 1]);
-                Join(parent, triangles[3 * t], triangles[3 * t + 2]);
+                int* corner = mesh.Triangles + 3 * t;
+                Join(parent, corner[0], corner[1]);
+                Join(parent, corner[0], corner[2]);
             }
-            var tied = new bool[vertexCount];
-            for (int i = 0; i < vertexCount; ++i)
+            var tied = new bool[parent.Length];
+            for (int i = 0; i < tied.Length; ++i)
             {
-                tied[Root(parent, i)] |= VertexOrder.IsPrescribed(tags[i]);
+                tied[Root(parent, i)] |= VertexOrder.IsPrescribed(mesh.Tags[i]);
             }
-            for (int i = 0; i < vertexCount; ++i)
+            for (int i = 0; i < tied.Length; ++i)
             {
                 if (!tied[Root(parent, i)])
                 {

@@ -14,7 +14,8 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, false);
+                return Build(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), mustSolve,
+                    robust: false);
             }
         }
 
@@ -25,7 +26,8 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return Build(v, vertices.Length, t, triangles.Length, g, tags.Length, mustSolve, true);
+                return Build(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), mustSolve,
+                    robust: true);
             }
         }
 
@@ -88,7 +90,7 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return Check(v, vertices.Length, t, triangles.Length, g, tags.Length);
+                return Check(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length));
             }
         }
 
@@ -99,7 +101,7 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return Predict(v, vertices.Length, t, triangles.Length, g, tags.Length, robust);
+                return Predict(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length), robust);
             }
         }
 
@@ -110,7 +112,7 @@ namespace Qelm
             fixed (double* v = &MemoryMarshal.GetReference(vertices))
             fixed (int* t = &MemoryMarshal.GetReference(triangles), g = &MemoryMarshal.GetReference(tags))
             {
-                return CheckRobust(v, vertices.Length, t, triangles.Length, g, tags.Length);
+                return CheckRobust(new TaggedMesh(v, vertices.Length, t, triangles.Length, g, tags.Length));
             }
         }
     }

@@ -39,8 +39,8 @@ def main(mesh_file, curve_file, levels="12"):
 
     lines = []
     for start, curve in zip(curves.starts, curves):
-        places = start + np.arange(len(curve.points) + curve.closed) % len(curve.points)
-        lines.append(("line", np.stack([places[:-1], places[1:]], axis=1)))
+        rows = start + np.arange(len(curve.points) + curve.closed) % len(curve.points)
+        lines.append(("line", np.stack([rows[:-1], rows[1:]], axis=1)))
     level_of_line = [np.full(len(data), curve.level) for (_, data), curve in zip(lines, curves)]
     meshio.write_points_cells(curve_file, curves.points, lines, cell_data={"level": level_of_line})
     for curve in curves:

@@ -24,7 +24,7 @@ def points_of(array):
 
 
 def cells_of(array):
-    """From the form [count, place, place, ..., count, place, ...]."""
+    """From the form [count, index, index, ..., count, index, ...]."""
     cells = vtkCellArray()
     cells.ImportLegacyFormat(numpy_to_vtkIdTypeArray(array.astype(np.int64), deep=True))
     return cells

@@ -58,7 +58,7 @@ TEST(WeldClusters, AreTheOnesThatComparingAllPairsFinds) {
   }
 }
 
-/// side * side pairs of points that lie along an axis so far apart, their places drawn
+/// side * side pairs of points that lie along an axis so far apart, their positions drawn
 /// at random from a square or, for the third axis, from a line.
 Field pairs(Random& random, int side, std::size_t axis, double apart, double offset) {
   Field cloud;
@@ -91,7 +91,7 @@ TEST(WeldClusters, OfTwoAreWeldedWhereverTheyLie) {
   }
 }
 
-// Neither has the grid a place for all of them, nor do its cubes' faces lie where
+// Neither has the grid a cell for all of them, nor do its cubes' faces lie where
 // they should any more.
 TEST(WeldClusters, FarFromTheOriginAreWelded) {
   constexpr double kFar = 0x1p40;
@@ -132,15 +132,15 @@ TEST(WeldClusters, WhoseBoxesAreExactlyTheToleranceApartStayTwo) {
 TEST(WeldClusters, NearABoxButNotItsPointsStayTwo) {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     for (const double side : {-32.3, 32.3}) {
-      const auto place = [&](double along, double across) {
+      const auto point = [&](double along, double across) {
         std::array<double, 3> p = {};
         p[axis] = along;
         p[(axis + 1) % 3] = across;
         return Point{p[0], p[1], p[2]};
       };
       Field cloud;
-      for (int k = 0; k < 65; ++k) add(cloud, place(side, k == 0 ? 0 : 31));
-      add(cloud, place(-side, 15.5));
+      for (int k = 0; k < 65; ++k) add(cloud, point(side, k == 0 ? 0 : 31));
+      add(cloud, point(-side, 15.5));
       EXPECT_EQ(weld(cloud, {}, 66).vertices.size(), 6U) << axis << ' ' << side;
       EXPECT_EQ(weld(cloud, {}, 67).vertices.size(), 3U) << axis << ' ' << side;
     }

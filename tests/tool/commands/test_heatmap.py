@@ -44,8 +44,8 @@ def test_every_point_carries_its_own_value(qelm):
     assert sorted(points) == sorted(tuple(map(float, p)) for p in mesh[0])
     assert points != [tuple(map(float, p)) for p in mesh[0]], "the order is the library's"
     assert u == pytest.approx([1 - p[0] / 4 for p in points], abs=1e-6)
-    place = {p: i for i, p in enumerate(mesh[0])}
-    assert [tuple(place[points[v]] for v in face) for face in faces] == mesh[1]
+    index = {p: i for i, p in enumerate(mesh[0])}
+    assert [tuple(index[points[v]] for v in face) for face in faces] == mesh[1]
     assert "result   heat.obj, heat.mtl, viridis.PNG" in done.stderr
 
 
@@ -138,7 +138,7 @@ def test_a_name_outside_the_code_page_works(qelm):
 
 
 def test_every_coordinate_keeps_its_bits(qelm):
-    # Six digits would leave 21 different places of 231.
+    # Six digits would leave 21 different points of 231.
     mesh = shapes.moved(shapes.grid(20, 10), (6.5e6 + 0.1, 4.9e6, 1 / 3))
     qelm.write("far.obj", shapes.obj(mesh))
     qelm.ok("heatmap", "far.obj", "--fix", "vertex:0=0", "--fix", "vertex:230=1", "-o", "heat")

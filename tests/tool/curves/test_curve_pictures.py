@@ -100,9 +100,9 @@ def test_the_scale_tells_the_ends_of_a_narrow_range_apart(draw):
 def test_labels_of_many_levels_keep_apart(draw):
     picture = draw(shapes.grid(4, 3), LEFT_RIGHT, "--levels", "99")
     texts = [t for t in picture.groups["scale"].findall(SVG + "text")]
-    places = sorted(float(t.get("y")) for t in texts)
-    assert 10 <= len(places) < 40
-    assert min(b - a for a, b in zip(places, places[1:])) >= 17
+    heights = sorted(float(t.get("y")) for t in texts)
+    assert 10 <= len(heights) < 40
+    assert min(b - a for a, b in zip(heights, heights[1:])) >= 17
     centres = []
     for text in picture.groups["labels"]:
         numbers = list(map(float, re.findall(r"-?[\d.]+", text.get("transform"))))

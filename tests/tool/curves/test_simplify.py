@@ -27,13 +27,13 @@ def segments_of(curve):
     return points[: len(ends)], ends
 
 
-def distances_to(places, curve):
-    """From each place to the curve."""
+def distances_to(points, curve):
+    """The distance from each point to the curve."""
     a, b = segments_of(curve)
     along = b - a
     squares = np.maximum((along * along).sum(axis=1), 1e-300)
-    t = np.clip(((places[:, None] - a) * along).sum(axis=2) / squares, 0, 1)
-    return np.linalg.norm(a + t[..., None] * along - places[:, None], axis=2).min(axis=1)
+    t = np.clip(((points[:, None] - a) * along).sum(axis=2) / squares, 0, 1)
+    return np.linalg.norm(a + t[..., None] * along - points[:, None], axis=2).min(axis=1)
 
 
 def crossings(curves):

@@ -26,7 +26,7 @@ class Page:
         self.block = base64.b64decode(self.script("page-mesh"), validate=True)
         magic, version, n, m, loads, exact = struct.unpack_from("<4s5I", self.block)
         assert (magic, version) == (b"QELM", 2) and loads in (0, n) and exact in (0, 1)
-        self.place = 24
+        self.offset = 24
         numbers = self.take(f"<{3 * n}d") if exact else self.fractions(3 * n)
         self.points = list(zip(*[iter(numbers)] * 3))
         self.is_exact = exact == 1
@@ -39,14 +39,14 @@ class Page:
             self.fixed_by += [self.varint()] * length
         corners = self.corners(3 * m)
         self.triangles = list(zip(*[iter(corners)] * 3))
-        assert self.place == len(self.block), "nothing comes after the corners"
+        assert self.offset == len(self.block), "nothing comes after the corners"
 
     def script(self, name):
         return re.search(f'<script id="{name}"[^>]*>(.*?)</script>', self.text, re.DOTALL)[1]
 
     def take(self, form):
-        values = struct.unpack_from(form, self.block, self.place)
-        self.place += struct.calcsize(form)
+        values = struct.unpack_from(form, self.block, self.offset)
+        self.offset += struct.calcsize(form)
         return values
 
     def fractions(self, count):
@@ -57,8 +57,8 @@ class Page:
     def varint(self):
         value = shift = 0
         while True:
-            byte = self.block[self.place]
-            self.place += 1
+            byte = self.block[self.offset]
+            self.offset += 1
             value |= (byte & 0x7F) << shift
             shift += 7
             if byte < 0x80:

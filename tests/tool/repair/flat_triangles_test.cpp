@@ -117,17 +117,17 @@ TEST(FlatTriangles, RoundingIsFlatEvenWithoutTolerance) {
   EXPECT_EQ(mesh.triangleCount(), 0);
 }
 
-/// A closed octahedron whose triangles are split at random places of random sides without telling
+/// A closed octahedron whose triangles are split at random points of random edges without telling
 /// the neighbour: a cap joins both.
 Mesh closedWithCaps(std::mt19937& random) {
   Mesh mesh{{1, 0, 0, 0, 1, 0, -1, 0, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1},
             {0, 1, 4, 1, 2, 4, 2, 3, 4, 3, 0, 4, 1, 0, 5, 2, 1, 5, 3, 2, 5, 0, 3, 5},
             {}};
-  std::uniform_real_distribution<double> place(0.2, 0.8);
+  std::uniform_real_distribution<double> share(0.2, 0.8);
   for (int k = 0; k < 40; ++k) {
     const int t = std::uniform_int_distribution<int>(0, mesh.triangleCount() - 1)(random);
     const std::array<int, 3> c = {mesh.corners(t)[0], mesh.corners(t)[1], mesh.corners(t)[2]};
-    const double part = place(random);
+    const double part = share(random);
     const int made = mesh.vertexCount();
     for (std::size_t axis = 0; axis < 3; ++axis)
       mesh.vertices.push_back((1 - part) * mesh.point(c[0])[axis] + part * mesh.point(c[1])[axis]);

@@ -17,7 +17,7 @@ using qelm::tool::Orientation;
 /// `count` squares in a row, each as two triangles; the ends may be joined, turned over or not.
 Mesh strip(int count, bool isTwisted) {
   Mesh mesh;
-  mesh.vertices.assign(static_cast<std::size_t>(6 * count), 0.0);  // places do not matter
+  mesh.vertices.assign(static_cast<std::size_t>(6 * count), 0.0);  // positions do not matter
   for (int k = 0; k < count; ++k) {
     const int a = 2 * k;
     const int b = 2 * k + 1;

@@ -1,9 +1,9 @@
-"""What belongs to the native library, owned: released with the last Python object that needs it.
+"""Handles of the native library, each released with the last Python object that needs it.
 
-A call holds a reference to the handle it works on, and so does every view of its memory.
-So closing a system while other threads are inside frees it when the last of them is out,
-and views outlive the system they came from. At the interpreter's exit, what threads still
-use is left to the operating system.
+A call holds a reference to the handle it works on, and so does every view of the handle's memory.
+So a system that is closed while other threads call it is freed when the last call returns, and
+views outlive the system they came from. At the interpreter's exit, the operating system frees what
+threads still use.
 """
 
 from __future__ import annotations
@@ -38,24 +38,24 @@ class Handle:
 
 
 class Lent:
-    """Memory of the library's, as numpy looks at it. The owner stays as long as an array is there."""
+    """The library's memory as numpy wants it described. The owner lives as long as any array made from this."""
 
     __slots__ = ("__array_interface__", "owner")
 
-    def __init__(self, owner: object, place: int, shape: tuple[int, ...], dtype: np.dtype[Any]) -> None:
+    def __init__(self, owner: object, address: int, shape: tuple[int, ...], dtype: np.dtype[Any]) -> None:
         self.owner = owner
         self.__array_interface__ = {
-            "data": (place, True),
+            "data": (address, True),
             "shape": shape,
             "typestr": dtype.str,
             "version": 3,
         }
 
 
-def lent(owner: object, place: Any, shape: tuple[int, ...], dtype: npt.DTypeLike) -> npt.NDArray[Any]:
+def lent(owner: object, pointer: Any, shape: tuple[int, ...], dtype: npt.DTypeLike) -> npt.NDArray[Any]:
     """A read-only array in the library's memory that keeps the owner alive."""
-    if not place or 0 in shape:
+    if not pointer or 0 in shape:
         return np.empty(shape, dtype)
-    where = cast(place, c_void_p).value
-    assert where is not None
-    return np.asarray(Lent(owner, where, shape, np.dtype(dtype)))
+    address = cast(pointer, c_void_p).value
+    assert address is not None
+    return np.asarray(Lent(owner, address, shape, np.dtype(dtype)))

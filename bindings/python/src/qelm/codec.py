@@ -48,9 +48,9 @@ def encode(values: npt.ArrayLike) -> npt.NDArray[np.float32]:
     if given.dtype.kind not in "iu":
         raise TypeError(f"values: elements of type {given.dtype} are no integers")
     flat = given.ravel()
-    place = _arrays.first((flat < _MIN) | (flat > _MAX))
-    if place >= 0:
-        raise FieldError(f"values: element {place}: {flat[place]} is not in {_MIN} .. {_MAX}")
+    wrong = _arrays.first((flat < _MIN) | (flat > _MAX))
+    if wrong >= 0:
+        raise FieldError(f"values: element {wrong}: {flat[wrong]} is not in {_MIN} .. {_MAX}")
     points = np.empty((flat.size, 3), np.float32)
     x, y, z = c_float(), c_float(), c_float()
     encode_one = library().encode_integer_to_sphere

@@ -73,11 +73,11 @@ class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
     points : ndarray, shape (p, 3), float64, read-only
         The points of all curves, one curve after another.
     starts : ndarray, shape (c + 1,), int64, read-only
-        Where each curve starts: those of curve `k` are ``points[starts[k]:starts[k + 1]]``.
+        Where each curve starts: the points of curve `k` are ``points[starts[k]:starts[k + 1]]``.
     levels : ndarray, shape (c,), float64
         The level of each curve.
     level_indices : ndarray, shape (c,), int32, read-only
-        Its place among the levels that were asked for.
+        For each curve the index of its level among the levels that were asked for.
     closed : ndarray, shape (c,), bool
         Whether each curve is closed.
 
@@ -110,19 +110,19 @@ class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
         return len(self.levels)
 
     @overload
-    def __getitem__(self, place: int) -> Curve: ...
+    def __getitem__(self, index: int) -> Curve: ...
 
     @overload
-    def __getitem__(self, place: slice) -> List[Curve]: ...
+    def __getitem__(self, index: slice) -> List[Curve]: ...
 
-    def __getitem__(self, place: Union[int, slice]) -> Union[Curve, List[Curve]]:
-        if isinstance(place, slice):
-            return [self[k] for k in range(*place.indices(len(self)))]
-        k = operator.index(place)
+    def __getitem__(self, index: Union[int, slice]) -> Union[Curve, List[Curve]]:
+        if isinstance(index, slice):
+            return [self[k] for k in range(*index.indices(len(self)))]
+        k = operator.index(index)
         if k < 0:
             k += len(self)
         if not 0 <= k < len(self):
-            raise IndexError(f"there are {len(self)} curves, numbered from 0; there is no curve {place}")
+            raise IndexError(f"there are {len(self)} curves, numbered from 0; there is no curve {index}")
         points = self.points[self.starts[k] : self.starts[k + 1]]
         return Curve(points, float(self.levels[k]), bool(self.closed[k]))
 
@@ -160,10 +160,10 @@ class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
         """
         cells: List[npt.NDArray[np.int64]] = []
         for start, end, closed in zip(self.starts[:-1], self.starts[1:], self.closed):
-            places = np.arange(start, end + closed)
+            rows = np.arange(start, end + closed)
             if closed:
-                places[-1] = start
-            cells += [np.array([len(places)]), places]
+                rows[-1] = start
+            cells += [np.array([len(rows)]), rows]
         return np.concatenate(cells) if cells else np.empty(0, np.int64)
 
 

@@ -99,13 +99,13 @@ def _means(
     corners: npt.NDArray[np.int32],
     count: int,
 ) -> npt.NDArray[np.float64]:
-    """Over each vertex's triangles, without those that have no gradient."""
+    """For each vertex the weighted mean over its triangles, of those that have a gradient."""
     has = ~np.isnan(vectors[:, 0])
-    places = corners[has].ravel()
+    vertices = corners[has].ravel()
     shares = np.repeat(weights[has], 3)
-    sums = np.bincount(places, shares, count)
+    sums = np.bincount(vertices, shares, count)
     with np.errstate(invalid="ignore"):
-        parts = [
-            np.bincount(places, np.repeat(weights[has] * vectors[has, axis], 3), count) / sums for axis in range(3)
+        means = [
+            np.bincount(vertices, np.repeat(weights[has] * vectors[has, axis], 3), count) / sums for axis in range(3)
         ]
-    return np.stack(parts, axis=1)
+    return np.stack(means, axis=1)

@@ -28,7 +28,8 @@ class Prediction:
     peak_bytes : int
         The most memory that is taken at once while it is constructed.
     multiplications : float
-        Of the factorisation, whose time is most of the whole: one to ten thousand million a second.
+        Multiplications of the factorisation, which takes most of the time: a processor does 1e9 to 1e10
+        of them a second.
     """
 
     factor_entries: int
@@ -40,7 +41,7 @@ class Prediction:
 def predict(
     vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.ArrayLike, *, robust: bool = False
 ) -> Prediction:
-    """Says what :class:`MeshSystem` would take, in about a microsecond a vertex and part of its memory.
+    """Says what :class:`MeshSystem` would take, in about a microsecond a vertex and a part of that memory.
 
     Parameters
     ----------
@@ -51,7 +52,7 @@ def predict(
     tags : array_like, shape (n,)
         1, 2 and 3 mean that the vertex is fixed.
     robust : bool, default False
-        Of a robust system.
+        Predict for ``MeshSystem(..., robust=True)``.
 
     Returns
     -------

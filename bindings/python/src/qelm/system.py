@@ -43,17 +43,17 @@ class MeshSystem(SystemOwner):
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers, from 0.
     tags : array_like, shape (n,)
-        1, 2 and 3 mean that the vertex's value will be prescribed, any other number that it is free.
-        See :meth:`from_fixed` for indices or a mask instead.
+        A vertex with tag 1, 2 or 3 is fixed: you give its value when you solve. With any other tag it is
+        free. :meth:`from_fixed` takes indices or a mask instead.
     check : bool, default True
-        Refuse meshes on which no solve is well posed: triangles with an area near zero, connected
-        parts without fixed vertex. False builds them all the same, for a few such triangles in a
-        good mesh, or for curves of fields from elsewhere; what keeps the library from working
-        is refused as before.
+        Refuse meshes on which no solve is well posed: with triangles whose area is near zero, or with
+        connected parts that have no fixed vertex. False builds these meshes all the same, for a few such
+        triangles in a good mesh, or for level curves of fields from elsewhere. What keeps the library
+        from working, such as an index out of range, is refused in any case.
     robust : bool, default False
-        Take the matrix of a better triangulation of the same surface between the same vertices, where
-        the plain one is not good: fields without load then stay within the range of the fixed values,
-        whatever the triangles look like. Triangles without area are no defect then. See
+        Take the matrix of a better triangulation of the same surface with the same vertices, where the
+        given one is not good. Fields without load then stay within the range of the fixed values,
+        whatever the triangles look like, and triangles without area are no defect. See
         :func:`check_robust`.
 
     Attributes
@@ -77,9 +77,9 @@ class MeshSystem(SystemOwner):
 
     Notes
     -----
-    A factorisation's memory grows faster than the mesh; :func:`qelm.predict` says what it takes. When memory
-    runs out inside the native library all the same, the process ends: its exception cannot be caught
-    from Python.
+    A factorisation's memory grows faster than the mesh; :func:`qelm.predict` says what it takes. Should
+    memory run out inside the native library all the same, the process ends: Python cannot catch the
+    library's exception.
 
     A system cannot be pickled. After ``os.fork`` parent and child each have their own.
 
@@ -205,16 +205,16 @@ class MeshSystem(SystemOwner):
 
         It stays valid as long as it is held, also after the system is closed.
         """
-        handle, place = self._alive(), c_void_p()
-        library().qelverts(handle.pointer, byref(place))
-        return lent(handle, place, (self.vertex_count, 3), np.float64)
+        handle, pointer = self._alive(), c_void_p()
+        library().qelverts(handle.pointer, byref(pointer))
+        return lent(handle, pointer, (self.vertex_count, 3), np.float64)
 
     @property
     def system_triangles(self) -> npt.NDArray[np.int32]:
         """Triangles in input order, their vertices in system numbering, shape (m, 3): a read-only view."""
-        handle, place = self._alive(), c_void_p()
-        library().qeltris(handle.pointer, byref(place))
-        return lent(handle, place, (self.triangle_count, 3), np.int32)
+        handle, pointer = self._alive(), c_void_p()
+        library().qeltris(handle.pointer, byref(pointer))
+        return lent(handle, pointer, (self.triangle_count, 3), np.int32)
 
     @property
     def vertices(self) -> npt.NDArray[np.float64]:
@@ -237,18 +237,19 @@ class MeshSystem(SystemOwner):
         *,
         out: Optional[npt.NDArray[np.float64]] = None,
     ) -> npt.NDArray[np.float64]:
-        """One value per vertex, smooth between the fixed ones; or many such fields at once.
+        """A field, smooth between the values of the fixed vertices; or many such fields at once.
 
         Parameters
         ----------
         values : array_like, shape (n,), (t,), (k, n) or (k, t)
-            Values of all vertices, of which those of fixed ones are read, or values of the t fixed
-            vertices alone, in the order of :attr:`fixed`. Two dimensions ask for k fields, which is
-            much faster than one after another.
+            One value per vertex, read at fixed vertices only, or the values of the t fixed vertices
+            alone, in the order of :attr:`fixed`. Two dimensions ask for k fields, which is much faster
+            than k calls.
         load : array_like, shape (n,) or (k, n), optional
-            Solves K u + load = 0 at free vertices; read there alone. It enters as it is, without
-            mass matrix: for the Poisson equation laplace(u) = f pass the integral of f times each
-            vertex's hat function, for instance a third of the area around the vertex, times f.
+            Solves K u + load = 0 at free vertices, K being the stiffness matrix; read there alone. No
+            mass matrix is applied to it: for the Poisson equation laplace(u) = f pass the integral of f
+            times each vertex's hat function, for instance f times a third of the area of the triangles
+            around the vertex.
         out : ndarray, float64, C-contiguous, optional
             Receives the result; may be the array of values or loads.
 

@@ -152,7 +152,7 @@ def _is_solution(
     return not system.info and np.array_equal(system.solve(field, load), field)
 
 
-def _write_pairs(path: str, places: npt.NDArray[Any], values: npt.NDArray[np.float64]) -> None:
+def _write_pairs(path: str, vertices: npt.NDArray[Any], values: npt.NDArray[np.float64]) -> None:
     """VERTEX,VALUE lines that keep every bit."""
     with open(path, "w", encoding="ascii") as file:
-        file.writelines(f"{place},{value!r}\n" for place, value in zip(places.tolist(), values[places].tolist()))
+        file.writelines(f"{vertex},{value!r}\n" for vertex, value in zip(vertices.tolist(), values[vertices].tolist()))

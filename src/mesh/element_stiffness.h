@@ -1,4 +1,4 @@
-// The element stiffness of P1 triangles, several side by side in the processor's vector registers.
+// The element stiffness of a P1 triangle.
 //
 // The gradient of a corner's hat function points from the foot of its height to the corner
 // and has length 1 / height (Strang and Fix, An Analysis of the Finite Element Method, 1973,
@@ -12,20 +12,16 @@
 // Divisions by a length come one after the other, never by its square: the square rounds
 // differently and can under- or overflow. The order of operations is binding, here and in
 // vec3.h: the assembled matrix has the same bits on every platform because of it. There is
-// no branch either, so that the compiler can turn the loop over a block into vector instructions.
+// no branch either, so that the compiler can turn a loop over triangles into vector instructions.
 //
 // A triangle without area has heights of 0 and gives NaN or infinite entries; NaN and
 // infinite coordinates do too. Nothing is tested here.
 //
 // Cost: 27 divisions and 4 square roots for each triangle, which take a processor some 60 cycles,
 // whatever its registers' width.
-#ifndef QELM_MESH_ELEMENT_BLOCK_H
-#define QELM_MESH_ELEMENT_BLOCK_H
+#ifndef QELM_MESH_ELEMENT_STIFFNESS_H
+#define QELM_MESH_ELEMENT_STIFFNESS_H
 
-#include <array>
-#include <cstddef>
-
-#include "interface/compiler.h"
 #include "mesh/vec3.h"
 
 namespace qelm {
@@ -57,43 +53,6 @@ inline ElementStiffness elementStiffness(Vec3 p0, Vec3 p1, Vec3 p2) {
           area * dot(g0, g1), area * dot(g1, g2), area * dot(g0, g2)};
 }
 
-/// Triangles in a block. A multiple of every vector register's length.
-inline constexpr std::size_t kBlock = 8;
-
-using Lanes = std::array<double, kBlock>;
-
-/// Corners 0, 1, 2 of each triangle.
-struct BlockCorners {
-  std::array<Lanes, 3> x, y, z;
-};
-
-struct BlockStiffness {
-  Lanes k00, k11, k22;
-  Lanes k01, k12, k02;
-
-  ElementStiffness of(std::size_t lane) const {
-    return {k00[lane], k11[lane], k22[lane], k01[lane], k12[lane], k02[lane]};
-  }
-};
-
-/// The stiffness of every triangle of a block, with the bits that it would have alone: division and
-/// square root are rounded correctly in every lane, and no product is fused with a sum.
-inline void stiffnessOfBlock(const BlockCorners& corners, BlockStiffness& stiffness) {
-  const auto point = [&](std::size_t corner, std::size_t lane) -> Vec3 {
-    return {corners.x[corner][lane], corners.y[corner][lane], corners.z[corner][lane]};
-  };
-  QELM_KEEP_LOOP
-  for (std::size_t lane = 0; lane < kBlock; ++lane) {
-    const ElementStiffness e = elementStiffness(point(0, lane), point(1, lane), point(2, lane));
-    stiffness.k00[lane] = e.k00;
-    stiffness.k11[lane] = e.k11;
-    stiffness.k22[lane] = e.k22;
-    stiffness.k01[lane] = e.k01;
-    stiffness.k12[lane] = e.k12;
-    stiffness.k02[lane] = e.k02;
-  }
-}
-
 }  // namespace qelm
 
-#endif  // QELM_MESH_ELEMENT_BLOCK_H
+#endif  // QELM_MESH_ELEMENT_STIFFNESS_H
