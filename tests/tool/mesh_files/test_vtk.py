@@ -191,6 +191,14 @@ def test_triangles_of_a_second_piece_count_from_its_first_point(qelm):
     assert "face 1: vertex index 6 is out of range: the file has 6 vertices" in qelm.fails(4, "info", "m.vtp")
 
 
+def test_a_piece_cannot_use_the_points_of_a_later_one(qelm):
+    piece = TEXT[TEXT.index("  <Piece") : TEXT.index(" </PolyData>")]
+    for corners, bad in (("0 1 3", 3), ("0 5 4", 5), ("-1 1 2", -1)):
+        qelm.write("m.vtp", TEXT.replace(piece, piece.replace("0 1 2", corners) + piece))
+        message = qelm.fails(3, "info", "m.vtp")
+        assert f"m.vtp: a cell has corner {bad}, but its piece has the points 0 .. 2" in message
+
+
 def test_an_index_that_is_no_int_is_out_of_range(qelm):
     for index, said in (("9999999999", "2147483647"), ("-9999999999", "-2147483647"), ("2147483648", "2147483647")):
         qelm.write("m.vtp", TEXT.replace("Int32", "Int64").replace("0 1 2", f"0 1 {index}"))

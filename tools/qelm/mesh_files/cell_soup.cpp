@@ -46,6 +46,10 @@ void CellSoup::fail(const std::string& what) const {
 }
 
 void CellSoup::addPoints(std::vector<double> coordinates) {
+  // Counted on, it would name a point of the piece that begins here.
+  if (badCorner_)
+    fail(fmt::format("a cell has corner {}, but its piece has the points 0 .. {}", *badCorner_,
+                     static_cast<std::int64_t>(soup_.points.size() - firstPoint_) - 1));
   firstPoint_ = soup_.points.size();
   soup_.points.append(std::move(coordinates));
 }
@@ -103,6 +107,10 @@ void CellSoup::addFace(std::span<const int> corners) {
                                   static_cast<int>(first + corners[1]),
                                   static_cast<int>(first + corners[2])});
   face_.clear();
+  if (!badCorner_) {
+    const auto bad = std::find_if_not(corners.begin(), corners.end(), isThere);
+    if (bad != corners.end()) badCorner_ = *bad;
+  }
   for (const std::int64_t v : corners)
     // A corner of another piece is out of range, too: the file's own numbers are in the message.
     face_.push_back(static_cast<int>(std::clamp(

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -76,6 +77,7 @@ class CellSoup {
 
   const std::string& name_;
   std::size_t firstPoint_ = 0;
+  std::optional<int> badCorner_;  ///< the first one of this piece that names no point of it
   std::size_t otherCells_ = 0;
   std::vector<int> face_;
   PolygonSoup soup_;
