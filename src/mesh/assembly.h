@@ -41,7 +41,7 @@ LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
 /// finite, and the factorisation meets them.
 ///
 /// Memory beyond the result: 12 bytes for each edge and 20 for each vertex; before there is room
-/// for the result, 36 for each triangle and 20 for each vertex.
+/// for the result, 36 for each triangle besides.
 AssembledRows assembleFreeRows(int taggedCount, std::span<const double> coordinates,
                                std::span<const std::int32_t> triangles);
 

@@ -24,7 +24,7 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
   taggedCount = numbering.taggedCount;
   std::vector<std::int32_t> renumbered = renumberTriangles(triangles, numbering);
   if (limit != nullptr) {
-    limit->assemblyBytes = assemblyBytes(taggedCount, tags.size(), renumbered);
+    limit->bucketBytes = bucketBytes(taggedCount, renumbered);
   }
   auto system = assemble(taggedCount, asInt(tags.size()), reorderCoordinates(vertices, numbering),
                          std::move(renumbered), limit, status);

@@ -13,9 +13,9 @@
 //   merged      1: (0,a)    2: (0,c+d) (1,b)         3: (0,f) (2,e)
 //
 // Cost: O(m) for m triangles, and sorting rows of some three entries. 36 bytes for each triangle
-// until the buckets are merged, then 12 for each edge; 16 for each vertex. The sort by buckets is
-// that of Gustavson (Two fast algorithms for sparse matrices: multiplication and permuted
-// transposition, 1978).
+// until the buckets are merged, 12 for each edge from then on, both for the moment between; 16 for
+// each vertex. The sort by buckets is that of Gustavson (Two fast algorithms for sparse matrices:
+// multiplication and permuted transposition, 1978).
 #ifndef QELM_MESH_LOWER_TRIANGLE_H
 #define QELM_MESH_LOWER_TRIANGLE_H
 

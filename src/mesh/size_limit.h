@@ -19,16 +19,14 @@ namespace qelm {
 struct SizeLimit {
   std::int64_t mostBytes;  ///< negative: stop in any case
 
-  std::int64_t assemblyBytes = 0;  ///< the most that the assembly holds
+  std::int64_t bucketBytes = 0;  ///< see bucketBytes()
   QelmPrediction prediction = {};
   bool exceeded = false;
 };
 
-/// The most that the assembly of a mesh in system order holds: an entry in a bucket, see
-/// LowerTriangle, for each edge of each triangle that does not join prescribed vertices; rows,
-/// counts and column pointers for each vertex.
-std::int64_t assemblyBytes(std::int32_t taggedCount, std::size_t vertexCount,
-                           std::span<const std::int32_t> triangles);
+/// What the buckets of a mesh in system order take until they are merged: an entry, see
+/// LowerTriangle, for each edge of each triangle that does not join prescribed vertices.
+std::int64_t bucketBytes(std::int32_t taggedCount, std::span<const std::int32_t> triangles);
 
 /// Whether a system keeps the limit, when all of it but the factor is there: it takes no more than
 /// `limit.mostBytes`, and its factor has no more entries than an int can count.
