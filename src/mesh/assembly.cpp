@@ -35,7 +35,7 @@ int defectOf(std::size_t vertexCount, std::span<const std::int32_t> triangles) {
 
 LowerTriangle sumFreeRows(int taggedCount, std::span<const double> coordinates,
                           std::span<const std::int32_t> triangles) {
-  LowerTriangle lower(taggedCount, bucketSizes(triangles, coordinates.size() / 3));
+  LowerTriangle lower(taggedCount, coordinates.size() / 3);
   addElements(coordinates, triangles, lower);
   lower.mergeBuckets();
   return lower;

@@ -77,6 +77,13 @@ void add(const BlockStiffness& stiffness, Indices block, LowerTriangle& lower) {
 }  // namespace
 
 void addElements(std::span<const double> coordinates, Indices triangles, LowerTriangle& lower) {
+  for (std::size_t j = 0; j < triangles.size(); j += 3) {
+    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
+    lower.count(a, b);
+    lower.count(b, c);
+    lower.count(a, c);
+  }
+  lower.makeBuckets();
   BlockCorners corners;
   BlockStiffness stiffness;
   for (std::size_t first = 0; 3 * first < triangles.size(); first += kBlock) {

@@ -25,8 +25,9 @@ namespace qelm {
 /// Triangles in a block. A multiple of every vector register's length.
 inline constexpr std::size_t kBlock = 8;
 
-/// Adds the element stiffness of one triangle after the other, in their order. 3n coordinates,
-/// packed xyz; 3m indices in 0 .. n-1, for which `lower` has buckets. No triangle repeats a vertex.
+/// Counts the contributions of all triangles, makes their buckets, and adds the element stiffness
+/// of one triangle after the other, in their order. 3n coordinates, packed xyz; 3m indices in 0 ..
+/// n-1. No triangle repeats a vertex. `lower` is new, with n vertices.
 void addElements(std::span<const double> coordinates, std::span<const std::int32_t> triangles,
                  LowerTriangle& lower);
 

@@ -2,30 +2,14 @@
 
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace qelm {
 
-// 32 bits count the edges of a thousand million triangles, which no matrix has that can be indexed.
-std::vector<std::uint32_t> bucketSizes(std::span<const std::int32_t> triangles,
-                                       std::size_t vertexCount) {
-  if (triangles.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-  std::vector<std::uint32_t> sizes(vertexCount);
-  for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    ++sizes[asIndex(std::max(triangles[j], triangles[j + 1]))];
-    ++sizes[asIndex(std::max(triangles[j + 1], triangles[j + 2]))];
-    ++sizes[asIndex(std::max(triangles[j], triangles[j + 2]))];
-  }
-  return sizes;
-}
-
-LowerTriangle::LowerTriangle(std::int32_t taggedCount,
-                             const std::vector<std::uint32_t>& bucketSizes)
-    : taggedCount_(taggedCount), rows_(bucketSizes.size(), Row{0, 0}) {
+void LowerTriangle::makeBuckets() {
   std::size_t size = 0;
-  for (auto v = asIndex(taggedCount); v < rows_.size(); ++v) {
-    rows_[v].end = size;
-    size += bucketSizes[v];
-  }
+  for (Row& row : rows_) size += std::exchange(row.end, size);
+  if (size > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
   entries_ = std::make_unique_for_overwrite<Entry[]>(size);
 }
 
@@ -40,8 +24,7 @@ void LowerTriangle::mergeBuckets() {
   std::uint32_t count = 0;
   for (auto v = asIndex(taggedCount_); v < rows_.size(); ++v) {
     const std::uint32_t first = count;
-    const std::size_t end = rows_[v].end;
-    for (; read < end; ++read) {
+    for (; read < rows_[v].end; ++read) {
       const Entry added = entries[read];
       std::uint32_t& slot = slots[asIndex(added.column)];
       if (slot > first) {
@@ -51,8 +34,7 @@ void LowerTriangle::mergeBuckets() {
         slot = ++count;
       }
     }
-    std::sort(entries + first, entries + count,
-              [](const Entry& a, const Entry& b) { return a.column < b.column; });
+    std::ranges::sort(entries + first, entries + count, {}, &Entry::column);
     rows_[v].end = count;
   }
   // What merging has emptied is given back.

@@ -31,11 +31,9 @@
 
 namespace qelm {
 
-/// Number of contributions to each of n rows: of edges (a, b) of triangles with max(a, b) = row. An
-/// edge counts once for each of its triangles.
-std::vector<std::uint32_t> bucketSizes(std::span<const std::int32_t> triangles,
-                                       std::size_t vertexCount);
-
+/// Filled in four steps: count() every contribution, makeBuckets(), add() the same contributions,
+/// mergeBuckets(). row() is for afterwards. The first `taggedCount` rows, of prescribed vertices,
+/// stay empty.
 class LowerTriangle {
  public:
 // Without padding: a third more entries in the caches.
@@ -46,9 +44,18 @@ class LowerTriangle {
   };
 #pragma pack(pop)
 
-  /// Empty buckets of these sizes. The first `taggedCount` rows, of prescribed vertices, stay
-  /// empty.
-  LowerTriangle(std::int32_t taggedCount, const std::vector<std::uint32_t>& bucketSizes);
+  LowerTriangle(std::int32_t taggedCount, std::size_t vertexCount)
+      : taggedCount_(taggedCount), rows_(vertexCount, Row{0, 0}) {}
+
+  /// Counts a contribution to K_ab, for a != b; none if both vertices are prescribed.
+  void count(std::int32_t a, std::int32_t b) {
+    const std::int32_t row = std::max(a, b);
+    if (row >= taggedCount_) ++rows_[asIndex(row)].end;
+  }
+
+  /// Makes an empty bucket of the right size for each row. Throws std::bad_alloc if 32 bits cannot
+  /// number the contributions: no matrix that can be indexed has so many.
+  void makeBuckets();
 
   /// K_ab += value, for a != b. Does nothing if both vertices are prescribed.
   void add(std::int32_t a, std::int32_t b, double value) {
@@ -66,22 +73,24 @@ class LowerTriangle {
     prefetchToWrite(entries_.get() + rows_[asIndex(v)].end);
   }
 
-  /// Once, when all is added: makes one entry of all contributions to it, and sorts the rows.
+  /// Makes one entry of all contributions to it, and sorts the rows.
   void mergeBuckets();
 
   std::int32_t vertexCount() const { return asInt(rows_.size()); }
   double diagonal(std::int32_t v) const { return rows_[asIndex(v)].diagonal; }
   /// The entries of row v, columns ascending.
   std::span<const Entry> row(std::int32_t v) const {
-    return {entries_.get() + start(v), entries_.get() + rows_[asIndex(v)].end};
+    const std::size_t start = v == 0 ? 0 : rows_[asIndex(v) - 1].end;
+    return {entries_.get() + start, entries_.get() + rows_[asIndex(v)].end};
   }
 
  private:
   struct Row {
     double diagonal;
-    std::size_t end;  ///< of its entries, which start where those of the row before end
+    /// End of its entries, which start where those of the row before end. Before makeBuckets() the
+    /// number of its contributions.
+    std::size_t end;
   };
-  std::size_t start(std::int32_t v) const { return v == 0 ? 0 : rows_[asIndex(v) - 1].end; }
 
   std::int32_t taggedCount_;
   std::vector<Row> rows_;

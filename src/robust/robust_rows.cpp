@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "interface/index.h"
@@ -15,9 +14,8 @@ using HalfEdge = DoubleCover::HalfEdge;
 
 /// Replaces the cotangents of an edge's two half-edges by the edge's weight and 0. An edge from a
 /// vertex to itself has no weight. An edge without twin joins two prescribed vertices, and is in no
-/// free row. Returns the sizes of the buckets that the weights need, see LowerTriangle.
-std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::size_t vertexCount) {
-  std::vector<std::uint32_t> bucketSizes(vertexCount);
+/// free row.
+void replaceCotangentsByWeights(DoubleCover& cover) {
   const double share = 0.5 / cover.sheets;
   for (HalfEdge h = 0; asIndex(h) < cover.size(); ++h) {
     const HalfEdge g = cover.twin[asIndex(h)];
@@ -27,12 +25,10 @@ std::vector<std::uint32_t> replaceCotangentsByWeights(DoubleCover& cover, std::s
       const std::int32_t a = cover.origin[asIndex(h)], b = cover.origin[asIndex(g)];
       if (a != b)
         weight = std::max(0.0, share * (cover.cotangent[asIndex(h)] + cover.cotangent[asIndex(g)]));
-      if (weight > 0) ++bucketSizes[asIndex(std::max(a, b))];
       cover.cotangent[asIndex(g)] = 0;
     }
     cover.cotangent[asIndex(h)] = weight;
   }
-  return bucketSizes;
 }
 
 /// Calls visit(a, b, weight) for each edge whose weight is not 0.
@@ -59,9 +55,11 @@ bool hasNonnegativeWeights(const LowerTriangle& plain, std::int32_t taggedCount)
 }
 
 FreeRowBlocks robustRows(DoubleCover cover, std::int32_t taggedCount, std::size_t vertexCount) {
-  std::vector<std::uint32_t> bucketSizes = replaceCotangentsByWeights(cover, vertexCount);
+  replaceCotangentsByWeights(cover);
   std::vector<HalfEdge>().swap(cover.twin);
-  LowerTriangle lower(taggedCount, std::exchange(bucketSizes, {}));
+  LowerTriangle lower(taggedCount, vertexCount);
+  forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double) { lower.count(a, b); });
+  lower.makeBuckets();
   forEachWeight(cover, [&](std::int32_t a, std::int32_t b, double weight) {
     lower.add(a, b, -weight);
     lower.addToDiagonal(a, weight);

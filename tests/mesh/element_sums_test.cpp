@@ -67,13 +67,8 @@ bool sameNumbers(const ElementStiffness& a, const ElementStiffness& b) {
          sameNumber(a.k01, b.k01) && sameNumber(a.k12, b.k12) && sameNumber(a.k02, b.k02);
 }
 
-/// For the triangles of a soup, with no vertex tagged.
-LowerTriangle lowerTriangleFor(const Soup& soup) {
-  return {0, bucketSizes(soup.triangles, soup.triangles.size())};
-}
-
 void expectElements(const Soup& soup) {
-  LowerTriangle lower = lowerTriangleFor(soup);
+  LowerTriangle lower(0, soup.triangles.size());
   addElements(soup.coordinates, soup.triangles, lower);
   lower.mergeBuckets();
   for (std::size_t j = 0; j < soup.count(); ++j) {

@@ -9,17 +9,24 @@
 namespace qelm::test {
 namespace {
 
-TEST(LowerTriangle, MergesTheContributionsToAnEntryInTheirOrder) {
-  const std::vector<std::int32_t> triangles = {0, 1, 2, 0, 2, 3, 2, 0, 4};
-  LowerTriangle lower(0, bucketSizes(triangles, 5));
-  lower.add(0, 1, 1);
-  lower.add(2, 1, 2);
-  lower.add(0, 2, 1e16);
-  lower.add(2, 0, 1);
-  lower.add(0, 2, -1e16);
-  lower.add(2, 3, 4);
-  lower.add(3, 0, 5);
+struct Contribution {
+  std::int32_t a, b;
+  double value;
+};
+
+LowerTriangle lowerTriangleOf(std::int32_t taggedCount, std::size_t vertexCount,
+                              const std::vector<Contribution>& contributions) {
+  LowerTriangle lower(taggedCount, vertexCount);
+  for (const auto& [a, b, value] : contributions) lower.count(a, b);
+  lower.makeBuckets();
+  for (const auto& [a, b, value] : contributions) lower.add(a, b, value);
   lower.mergeBuckets();
+  return lower;
+}
+
+TEST(LowerTriangle, MergesTheContributionsToAnEntryInTheirOrder) {
+  const LowerTriangle lower = lowerTriangleOf(
+      0, 5, {{0, 1, 1}, {2, 1, 2}, {0, 2, 1e16}, {2, 0, 1}, {0, 2, -1e16}, {2, 3, 4}, {3, 0, 5}});
   ASSERT_EQ(lower.row(2).size(), 2U);
   EXPECT_EQ(lower.row(2)[1].column, 1);
   EXPECT_EQ(lower.row(2)[0].column, 0);
@@ -30,11 +37,7 @@ TEST(LowerTriangle, MergesTheContributionsToAnEntryInTheirOrder) {
 }
 
 TEST(LowerTriangle, HasNoEntriesBetweenPrescribedVertices) {
-  const std::vector<std::int32_t> triangles = {0, 1, 2};
-  LowerTriangle lower(2, bucketSizes(triangles, 3));
-  lower.add(0, 1, 1);
-  lower.add(1, 2, 2);
-  lower.mergeBuckets();
+  const LowerTriangle lower = lowerTriangleOf(2, 3, {{0, 1, 1}, {1, 2, 2}});
   EXPECT_EQ(lower.row(1).size(), 0U);
   ASSERT_EQ(lower.row(2).size(), 1U);
   EXPECT_EQ(lower.row(2)[0].column, 1);
