@@ -43,8 +43,8 @@ qelm::AssembledRows assemble(const Mesh& mesh, MeshSystem& reordered) {
   reordered.vertexCount = mesh.vertexCount();
   reordered.vertices = std::make_shared<const std::vector<double>>(std::move(coordinates));
   reordered.triangles = std::make_shared<const std::vector<std::int32_t>>(std::move(triangles));
-  reordered.vertexPlace = std::move(numbering.place);
-  reordered.vertexOrder = std::move(numbering.order);
+  reordered.vertexPlace = std::move(numbering.toSystem);
+  reordered.vertexOrder = std::move(numbering.toInput);
   return rows;
 }
 
@@ -145,7 +145,7 @@ Run plainTriplets(const Case& c) {
     const auto coordinates = qelm::reorderCoordinates(mesh.vertices, numbering);
     std::vector<std::int32_t> triangles(mesh.triangles.size());
     for (std::size_t j = 0; j < triangles.size(); ++j) {
-      triangles[j] = numbering.place[static_cast<std::size_t>(mesh.triangles[j])];
+      triangles[j] = numbering.toSystem[static_cast<std::size_t>(mesh.triangles[j])];
     }
     const qelm::test::PlainAssembly plain = qelm::test::plainAssembly(
         numbering.taggedCount, mesh.vertexCount(), coordinates, triangles);

@@ -12,9 +12,9 @@ namespace qelm {
 namespace {
 
 /// Numbers vertices in the order in which they are first used.
-class VertexNumbering {
+class UsedVertices {
  public:
-  VertexNumbering(std::vector<std::uint32_t>& vertices, std::size_t vertexCount)
+  UsedVertices(std::vector<std::uint32_t>& vertices, std::size_t vertexCount)
       : vertices_(vertices), numberOf_(vertexCount, kNone) {}
 
   std::uint32_t use(std::uint32_t vertex) {
@@ -43,9 +43,9 @@ struct RankedVertex {
 
 /// Numbers edges in the order in which they are first used: a chained hash table whose chains run
 /// through the edges.
-class EdgeNumbering {
+class UsedEdges {
  public:
-  EdgeNumbering(std::vector<CrossedEdge>& edges, std::size_t expected)
+  UsedEdges(std::vector<CrossedEdge>& edges, std::size_t expected)
       : edges_(edges), heads_(std::bit_ceil(std::max(expected, kFewestSlots)), kNoEdge) {
     edges_.reserve(expected);
   }
@@ -124,7 +124,7 @@ Ranks ranksOf(const TriangleCorners& c, std::span<const std::uint32_t> ranks) {
 }
 
 /// Looks up a triangle's crossed edges.
-CrossedTriangle useEdges(std::array<RankedVertex, 3> corners, EdgeNumbering& edges) {
+CrossedTriangle useEdges(std::array<RankedVertex, 3> corners, UsedEdges& edges) {
   auto& [low, middle, high] = corners;
   CrossedTriangle triangle;
   // Each exchange of two corners reverses the orientation.
@@ -175,8 +175,8 @@ CrossedPart findCrossed(std::span<const std::int32_t> triangles,
   CrossedPart part;
   const CrossedCounts expected = estimateCrossed(triangles, ranks);
   part.triangles.reserve(expected.triangles);
-  VertexNumbering vertices(part.vertices, ranks.size());
-  EdgeNumbering edges(part.edges, expected.edges);
+  UsedVertices vertices(part.vertices, ranks.size());
+  UsedEdges edges(part.edges, expected.edges);
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     const TriangleCorners corners = cornersOf(triangles, j);
     const Ranks r = ranksOf(corners, ranks);

@@ -29,8 +29,8 @@ std::unique_ptr<MeshSystem> constructTagged(std::span<const double> vertices,
   auto system = assemble(taggedCount, asInt(tags.size()), reorderCoordinates(vertices, numbering),
                          std::move(renumbered), limit, status);
   if (system == nullptr) return nullptr;
-  system->vertexPlace = std::move(numbering.place);
-  system->vertexOrder = std::move(numbering.order);
+  system->vertexPlace = std::move(numbering.toSystem);
+  system->vertexOrder = std::move(numbering.toInput);
   system->tags.assign(tags.begin(), tags.end());
   return system;
 }

@@ -18,8 +18,8 @@ VertexNumbering numberVertices(std::span<const std::int32_t> tags) {
   std::int32_t back = asInt(tags.size());
   for (std::size_t i = 0; i < tags.size(); ++i) {
     const std::int32_t system = isPrescribed(tags[i]) ? numbering.taggedCount++ : --back;
-    numbering.place[i] = system;
-    numbering.order[asIndex(system)] = asInt(i);
+    numbering.toSystem[i] = system;
+    numbering.toInput[asIndex(system)] = asInt(i);
   }
   return numbering;
 }
@@ -27,8 +27,8 @@ VertexNumbering numberVertices(std::span<const std::int32_t> tags) {
 std::vector<double> reorderCoordinates(std::span<const double> vertices,
                                        const VertexNumbering& numbering) {
   std::vector<double> reordered(vertices.size());
-  for (std::size_t i = 0; i < numbering.place.size(); ++i) {
-    std::copy_n(&vertices[3 * i], 3, &reordered[3 * asIndex(numbering.place[i])]);
+  for (std::size_t i = 0; i < numbering.toSystem.size(); ++i) {
+    std::copy_n(&vertices[3 * i], 3, &reordered[3 * asIndex(numbering.toSystem[i])]);
   }
   return reordered;
 }
@@ -37,7 +37,7 @@ std::vector<std::int32_t> renumberTriangles(std::span<const std::int32_t> triang
                                             const VertexNumbering& numbering) {
   std::vector<std::int32_t> renumbered(triangles.size());
   std::transform(triangles.begin(), triangles.end(), renumbered.begin(),
-                 [&](std::int32_t i) { return numbering.place[asIndex(i)]; });
+                 [&](std::int32_t i) { return numbering.toSystem[asIndex(i)]; });
   return renumbered;
 }
 

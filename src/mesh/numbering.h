@@ -2,10 +2,10 @@
 // vertices from the back.
 //
 //   input order     0  1  2  3  4        tags 0 1 0 0 2: vertices 1 and 4 are prescribed
-//   system order    4  0  3  2  1        `place`, input index -> system index
+//   system order    4  0  3  2  1        toSystem[input index]
 //
 //   system order    0  1  2  3  4
-//   input order     1  4  3  2  0        `order`, system index -> input index, its inverse
+//   input order     1  4  3  2  0        toInput[system index], its inverse
 //
 // One pass over the tags, one over the coordinates, one over the triangles.
 #ifndef QELM_MESH_NUMBERING_H
@@ -19,9 +19,9 @@ namespace qelm {
 
 /// Two inverse permutations of 0 .. n-1.
 struct VertexNumbering {
-  int taggedCount = 0;              ///< t
-  std::vector<std::int32_t> place;  ///< input index -> system index
-  std::vector<std::int32_t> order;  ///< system index -> input index
+  int taggedCount = 0;                 ///< t
+  std::vector<std::int32_t> toSystem;  ///< input index -> system index
+  std::vector<std::int32_t> toInput;   ///< system index -> input index
 };
 
 /// True for the tags that prescribe a vertex's value: 1, 2 and 3.
