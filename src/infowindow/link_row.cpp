@@ -5,6 +5,7 @@
 
 #include "infowindow/layout.h"
 #include "infowindow/window.h"
+#include "interface/index.h"
 
 namespace qelm::infowindow {
 namespace {
@@ -39,7 +40,7 @@ void paintRow(HWND row) {
   const HGDIOBJ before = SelectObject(dc, font);
   setTextStyle(dc, linkHovered ? kHoverColour : kTextColour);
   const wchar_t* text = property(row, kTextProperty);
-  TextOutW(dc, client.right / 2, 0, text, static_cast<int>(std::wcslen(text)));
+  TextOutW(dc, client.right / 2, 0, text, asInt(std::wcslen(text)));
   SelectObject(dc, before);
   EndPaint(row, &paint);
   DeleteObject(font);

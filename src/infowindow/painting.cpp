@@ -6,6 +6,7 @@
 
 #include "infowindow/layout.h"
 #include "infowindow/window.h"
+#include "interface/index.h"
 
 namespace qelm::infowindow {
 namespace {
@@ -26,7 +27,7 @@ void drawLogo(HDC dc, HBITMAP bitmap, const BITMAP& logo, Point at) {
 
 void drawText(HDC dc, HFONT font, int x, int y, const wchar_t* text) {
   SelectObject(dc, font);
-  TextOutW(dc, x, y, text, static_cast<int>(std::wcslen(text)));
+  TextOutW(dc, x, y, text, asInt(std::wcslen(text)));
 }
 
 struct Fonts {
@@ -39,7 +40,7 @@ void drawTexts(HDC dc, const PaintLayout& at, const Fonts& fonts) {
   drawText(dc, fonts.title, at.textCentre, at.titleTop, kTitle);
   drawText(dc, fonts.description, at.textCentre, at.descriptionTop, kDescription);
   SelectObject(dc, fonts.small);
-  TextOutA(dc, at.textCentre, at.versionTop, kVersion, static_cast<int>(std::strlen(kVersion)));
+  TextOutA(dc, at.textCentre, at.versionTop, kVersion, asInt(std::strlen(kVersion)));
   drawText(dc, fonts.small, at.textCentre, at.poweredByTop, kPoweredBy);
   SelectObject(dc, before);
 }

@@ -1,5 +1,9 @@
-// A 16-bit integer as a point on the upper unit hemisphere. Single precision
-// throughout, one rounding for each operation written.
+// A 16-bit integer as a point on the upper unit hemisphere, and back.
+//
+//   integer   256 high + low     (-1 for 65535)
+//   point     x = (low - 127.5) / 255,  y = (high - 127.5) / 255,  z = sqrt(1 - x x - y y)
+//
+// Single precision throughout, one rounding for each operation written.
 #include <algorithm>
 #include <cfloat>
 #include <cmath>

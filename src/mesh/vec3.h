@@ -1,11 +1,16 @@
-// Three-component arithmetic with a fixed order of operations: sums run from x
-// to z. Results are promised bit for bit, so nothing here may be reassociated
-// and no product may be fused with a sum (-ffp-contract=off).
+// Points and three-component arithmetic with a fixed order of operations: sums run from x to z.
+// Results are promised bit for bit, so nothing here may be reassociated and no product may be fused
+// with a sum (-ffp-contract=off).
 #ifndef QELM_MESH_VEC3_H
 #define QELM_MESH_VEC3_H
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "interface/index.h"
 
 namespace qelm {
 
@@ -14,6 +19,12 @@ struct Vec3 {
   double y;
   double z;
 };
+
+/// The point of a vertex. 3n coordinates, packed xyz; the vertex is in 0 .. n-1.
+inline Vec3 pointAt(std::span<const double> coordinates, std::int32_t vertex) {
+  const std::size_t x = 3 * asIndex(vertex);
+  return {coordinates[x], coordinates[x + 1], coordinates[x + 2]};
+}
 
 inline Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
 inline Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }

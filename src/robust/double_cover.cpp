@@ -155,10 +155,7 @@ class Gluing {
     }
   }
 
-  Vec3 point(std::int32_t v) const {
-    return {coordinates_[3 * asIndex(v)], coordinates_[3 * asIndex(v) + 1],
-            coordinates_[3 * asIndex(v) + 2]};
-  }
+  Vec3 point(std::int32_t v) const { return pointAt(coordinates_, v); }
 
   std::span<const MeshHalfEdge> sortedAround(std::int32_t lowerVertex,
                                              std::span<const MeshHalfEdge> halfEdges) {
@@ -210,10 +207,7 @@ DoubleCover coverOf(std::int32_t taggedCount, std::span<const double> coordinate
   gluing.glueEdges(cover);
   cover.origin.resize(cover.size());
   cover.cotangent.resize(cover.size());
-  const auto point = [&](std::int32_t v) {
-    return Vec3{coordinates[3 * asIndex(v)], coordinates[3 * asIndex(v) + 1],
-                coordinates[3 * asIndex(v) + 2]};
-  };
+  const auto point = [&](std::int32_t v) { return pointAt(coordinates, v); };
   for (std::size_t j = 0; j < triangles.size() / 3; ++j) {
     std::array<std::int32_t, 3> corners = {triangles[3 * j], triangles[3 * j + 1],
                                            triangles[3 * j + 2]};

@@ -9,45 +9,57 @@
 
 #include "interface/index.h"
 #include "interface/unset.h"
-#include "mesh/vec3.h"
-#include "robust/triangle_shape.h"
 
 namespace qelm {
 namespace {
 
+/// A triangle's corners as ranks in an order, ascending.
+struct RankedCorners {
+  std::int32_t low, middle, high;
+};
+
+RankedCorners sortedRanks(const std::int32_t* triangle, const std::vector<std::int32_t>& rank) {
+  const std::int32_t a = rank[asIndex(triangle[0])], b = rank[asIndex(triangle[1])],
+                     c = rank[asIndex(triangle[2])];
+  const std::int32_t low = std::min(a, b), high = std::max(a, b);
+  return {std::min(low, c), std::max(low, std::min(high, c)), std::max(high, c)};
+}
+
+/// Two numbers in one word, which sorts by the first, then by the second.
+std::uint64_t packed(std::int32_t first, std::int32_t second) {
+  return std::uint64_t{static_cast<std::uint32_t>(first)} << 32 |
+         static_cast<std::uint32_t>(second);
+}
+std::int32_t firstOf(std::uint64_t word) { return asInt(word >> 32); }
+std::int32_t secondOf(std::uint64_t word) { return asInt(static_cast<std::uint32_t>(word)); }
+
 /// The triangles with their corners as ranks in `order`, ascending in each triangle, sorted: by
-/// counting sort into a bucket for each first corner, then each bucket, which is small, by itself.
+/// counting sort into a bucket for each lowest corner, then each bucket, which is small, by itself.
 UnsetVector<std::int32_t> orderedTriangles(std::span<const std::int32_t> triangles,
                                            const std::vector<std::int32_t>& order) {
   std::vector<std::int32_t> rank(order.size());
   for (std::size_t r = 0; r < order.size(); ++r) rank[asIndex(order[r])] = asInt(r);
-  const auto rankOf = [&](std::size_t j) { return rank[asIndex(triangles[j])]; };
   std::vector<std::uint32_t> starts(order.size() + 1);
   for (std::size_t j = 0; j < triangles.size(); j += 3)
-    ++starts[asIndex(std::min({rankOf(j), rankOf(j + 1), rankOf(j + 2)}))];
+    ++starts[asIndex(sortedRanks(&triangles[j], rank).low)];
   std::partial_sum(starts.begin(), starts.end(), starts.begin());
-  // The higher corners of each triangle, the middle one in the upper half. Each bucket's start
-  // moves down from its end.
-  UnsetVector<std::uint64_t> higher(triangles.size() / 3);
+  // Each bucket's start moves down from its end.
+  UnsetVector<std::uint64_t> higherCorners(triangles.size() / 3);
   for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    const std::int32_t a = rankOf(j), b = rankOf(j + 1), c = rankOf(j + 2);
-    const std::int32_t low = std::min(a, b), high = std::max(a, b);
-    const std::int32_t middle = std::max(low, std::min(high, c));
-    higher[--starts[asIndex(std::min(low, c))]] = std::uint64_t{static_cast<std::uint32_t>(middle)}
-                                                      << 32 |
-                                                  static_cast<std::uint32_t>(std::max(high, c));
+    const RankedCorners corners = sortedRanks(&triangles[j], rank);
+    higherCorners[--starts[asIndex(corners.low)]] = packed(corners.middle, corners.high);
   }
   std::vector<std::int32_t>().swap(rank);
   UnsetVector<std::int32_t> ordered(triangles.size());
-  for (std::size_t first = 0; first < order.size(); ++first) {
-    const std::span bucket =
-        std::span(higher).subspan(starts[first], starts[first + 1] - starts[first]);
+  std::int32_t* next = ordered.data();
+  for (std::size_t low = 0; low < order.size(); ++low) {
+    const auto bucket =
+        std::span(higherCorners).subspan(starts[low], starts[low + 1] - starts[low]);
     std::sort(bucket.begin(), bucket.end());
-    for (std::size_t i = 0; i < bucket.size(); ++i) {
-      std::int32_t* const triangle = &ordered[3 * (starts[first] + i)];
-      triangle[0] = asInt(first);
-      triangle[1] = asInt(bucket[i] >> 32);
-      triangle[2] = asInt(static_cast<std::uint32_t>(bucket[i]));
+    for (const std::uint64_t higher : bucket) {
+      *next++ = asInt(low);
+      *next++ = firstOf(higher);
+      *next++ = secondOf(higher);
     }
   }
   return ordered;
@@ -129,20 +141,6 @@ void sortByPosition(std::span<std::int32_t> vertices, const MortonCells& cells,
 }
 
 }  // namespace
-
-bool hasSteepTriangle(std::int32_t taggedCount, std::span<const double> coordinates,
-                      std::span<const std::int32_t> triangles) {
-  const auto point = [&](std::int32_t v) {
-    return Vec3{coordinates[3 * asIndex(v)], coordinates[3 * asIndex(v) + 1],
-                coordinates[3 * asIndex(v) + 2]};
-  };
-  for (std::size_t j = 0; j < triangles.size(); j += 3) {
-    const std::int32_t a = triangles[j], b = triangles[j + 1], c = triangles[j + 2];
-    if (std::max({a, b, c}) < taggedCount) continue;
-    if (isSteep(point(a), point(b), point(c))) return true;
-  }
-  return false;
-}
 
 std::vector<std::int32_t> spatialOrder(std::int32_t taggedCount,
                                        std::span<const double> coordinates) {

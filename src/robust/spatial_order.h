@@ -31,10 +31,6 @@
 
 namespace qelm {
 
-/// Whether a triangle with a free vertex is steep (isSteep()).
-bool hasSteepTriangle(std::int32_t taggedCount, std::span<const double> coordinates,
-                      std::span<const std::int32_t> triangles);
-
 /// The vertices in that order. Those at the same point keep the order of their numbers.
 std::vector<std::int32_t> spatialOrder(std::int32_t taggedCount,
                                        std::span<const double> coordinates);

@@ -9,11 +9,6 @@
 namespace qelm {
 namespace {
 
-Vec3 pointAt(const MeshView& mesh, std::int32_t vertex) {
-  const auto p = mesh.vertices.subspan(3 * asIndex(vertex), 3);
-  return {p[0], p[1], p[2]};
-}
-
 bool hasAShape(const MeshView& mesh, std::size_t triangle) {
   const auto c = mesh.corners(triangle);
   return mesh.isSound(triangle) && std::all_of(c.begin(), c.end(), [&mesh](std::int32_t v) {
@@ -43,7 +38,8 @@ void checkGeometry(const MeshView& mesh, QelmMeshReport& report) {
   for (std::size_t j = 0; j < mesh.triangleCount(); ++j) {
     if (!hasAShape(mesh, j)) continue;
     const auto c = mesh.corners(j);
-    noteShape(shapeOf(pointAt(mesh, c[0]), pointAt(mesh, c[1]), pointAt(mesh, c[2])), j, report);
+    const auto corner = [&](std::size_t k) { return pointAt(mesh.vertices, c[k]); };
+    noteShape(shapeOf(corner(0), corner(1), corner(2)), j, report);
   }
 }
 

@@ -268,7 +268,7 @@ extern "C" int qelmWeld(int vertexCount, const double* vertices, int triangleCou
   const std::vector<std::int32_t> kept = qelm::numberSets(clusters, {vertexMap, n});
   // `kept` ascends, so each vertex moves towards the front or stays: this works in place, too.
   double* next = weldedVertices;
-  for (const std::int32_t i : kept) next = std::copy_n(vertices + 3 * std::size_t(i), 3, next);
+  for (const std::int32_t i : kept) next = std::copy_n(vertices + 3 * qelm::asIndex(i), 3, next);
   const std::int32_t keptTriangles =
       qelm::weldTriangles({triangles, 3 * m}, {vertexMap, n}, {weldedTriangles, 3 * m});
   *weldedVertexCount = qelm::asInt(kept.size());

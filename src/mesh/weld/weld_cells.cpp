@@ -6,6 +6,7 @@
 
 #include "interface/index.h"
 #include "mesh/index_table.h"
+#include "mesh/vec3.h"
 
 namespace qelm {
 namespace {

@@ -17,14 +17,8 @@
 
 #include "interface/index.h"
 #include "mesh/disjoint_sets.h"
-#include "mesh/vec3.h"
 
 namespace qelm {
-
-inline Vec3 pointAt(std::span<const double> vertices, std::int32_t i) {
-  const std::size_t base = 3 * asIndex(i);
-  return {vertices[base], vertices[base + 1], vertices[base + 2]};
-}
 
 /// The squared distance that decides, and the lengths that go with it.
 struct WeldScale {
