@@ -101,43 +101,60 @@ std::string textOf(const std::string& name, const Mesh& mesh, const MeshFacts& f
   return text + partsText(mesh, facts) + loopsText(mesh, facts) + namesText(mesh.attributes);
 }
 
-Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
-  Json json = {{"mesh", name},
-               {"vertices", mesh.vertexCount()},
-               {"triangles", mesh.triangleCount()},
-               {"box", {{"min", facts.box.low}, {"max", facts.box.high}}},
-               {"area", facts.area},
-               {"edges",
-                {{"count", facts.edges.count},
-                 {"shortest", facts.edges.shortest},
-                 {"longest", facts.edges.longest},
-                 {"mean", facts.edges.mean}}},
-               {"unusedVertices", facts.unused.size()},
-               {"parts", Json::array()},
-               {"loops", Json::array()},
-               {"groups", Json::array()},
-               {"materials", Json::array()},
-               {"properties", Json::array()}};
+Json partsJson(const MeshFacts& facts) {
+  Json parts = Json::array();
   for (std::size_t k = 0; k < facts.parts.size(); ++k)
-    json["parts"].push_back({{"selector", fmt::format("part:{}", k)},
-                             {"lowestVertex", facts.parts[k].vertex},
-                             {"vertices", facts.parts[k].vertexCount},
-                             {"triangles", facts.parts[k].triangleCount}});
+    parts.push_back({{"selector", fmt::format("part:{}", k)},
+                     {"lowestVertex", facts.parts[k].vertex},
+                     {"vertices", facts.parts[k].vertexCount},
+                     {"triangles", facts.parts[k].triangleCount}});
+  return parts;
+}
+
+Json loopsJson(const Mesh& mesh, const MeshFacts& facts) {
+  Json loops = Json::array();
   for (std::size_t k = 0; k < facts.loops.size(); ++k)
-    json["loops"].push_back({{"selector", fmt::format("loop:{}", k)},
-                             {"length", facts.loops[k].length},
-                             {"vertices", facts.loops[k].vertices.size()},
-                             {"closed", facts.loops[k].closed},
-                             {"middle", middle(mesh, facts.loops[k].vertices)}});
-  for (const VertexSet& group : mesh.attributes.groups)
-    json["groups"].push_back({{"name", group.name}, {"vertices", group.vertices.size()}});
-  for (const VertexSet& material : mesh.attributes.materials)
-    json["materials"].push_back({{"name", material.name}, {"vertices", material.vertices.size()}});
-  for (const VertexArray& array : mesh.attributes.arrays) {
-    const auto [low, high] = std::minmax_element(array.values.begin(), array.values.end());
-    json["properties"].push_back({{"name", array.name}, {"min", *low}, {"max", *high}});
-  }
+    loops.push_back({{"selector", fmt::format("loop:{}", k)},
+                     {"length", facts.loops[k].length},
+                     {"vertices", facts.loops[k].vertices.size()},
+                     {"closed", facts.loops[k].closed},
+                     {"middle", middle(mesh, facts.loops[k].vertices)}});
+  return loops;
+}
+
+Json setsJson(const std::vector<VertexSet>& sets) {
+  Json json = Json::array();
+  for (const VertexSet& set : sets)
+    json.push_back({{"name", set.name}, {"vertices", set.vertices.size()}});
   return json;
+}
+
+Json propertiesJson(const std::vector<VertexArray>& arrays) {
+  Json properties = Json::array();
+  for (const VertexArray& array : arrays) {
+    const auto [low, high] = std::minmax_element(array.values.begin(), array.values.end());
+    properties.push_back({{"name", array.name}, {"min", *low}, {"max", *high}});
+  }
+  return properties;
+}
+
+Json jsonOf(const std::string& name, const Mesh& mesh, const MeshFacts& facts) {
+  return {{"mesh", name},
+          {"vertices", mesh.vertexCount()},
+          {"triangles", mesh.triangleCount()},
+          {"box", {{"min", facts.box.low}, {"max", facts.box.high}}},
+          {"area", facts.area},
+          {"edges",
+           {{"count", facts.edges.count},
+            {"shortest", facts.edges.shortest},
+            {"longest", facts.edges.longest},
+            {"mean", facts.edges.mean}}},
+          {"unusedVertices", facts.unused.size()},
+          {"parts", partsJson(facts)},
+          {"loops", loopsJson(mesh, facts)},
+          {"groups", setsJson(mesh.attributes.groups)},
+          {"materials", setsJson(mesh.attributes.materials)},
+          {"properties", propertiesJson(mesh.attributes.arrays)}};
 }
 
 }  // namespace

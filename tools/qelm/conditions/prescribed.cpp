@@ -65,6 +65,23 @@ void prescribeFrom(Prescribed& prescribed, const FixedVertex& fixed) {
   ++prescribed.fixedCount;
 }
 
+/// Prescribes a file's values at the vertices that are in some triangle; a note counts the others.
+void prescribeFrom(Prescribed& prescribed, std::span<const FixedVertex> fromFile,
+                   const std::vector<bool>& used) {
+  int onNothing = 0;
+  for (const FixedVertex& fixed : fromFile) {
+    if (used[asIndex(fixed.vertex)])
+      prescribeFrom(prescribed, fixed);
+    else
+      ++onNothing;
+  }
+  if (onNothing > 0)
+    prescribed.notes.push_back(
+        fmt::format("the file holds values at {} vertices that are in no triangle; nothing depends "
+                    "on them",
+                    onNothing));
+}
+
 /// Prescribes a condition's values. Returns the vertices that had another value before, in any
 /// field. `number` is the condition's, from 0.
 std::vector<int> prescribeFrom(Prescribed& prescribed, const Mesh& mesh, const Selected& selected,
@@ -82,14 +99,13 @@ std::vector<int> prescribeFrom(Prescribed& prescribed, const Mesh& mesh, const S
   }
   std::vector<int> changed;
   for (std::size_t i = 0; i < selected.vertices.size(); ++i) {
-    const int v = selected.vertices[i];
-    const std::size_t place = asIndex(v);
-    if (prescribed.tags[place] == 0)
+    const std::size_t v = asIndex(selected.vertices[i]);
+    if (prescribed.tags[v] == 0)
       ++prescribed.fixedCount;
     else if (differs[i] != 0)
-      changed.push_back(v);
-    prescribed.tags[place] = condition.tag;
-    prescribed.prescribedBy[place] = 2 + number;
+      changed.push_back(selected.vertices[i]);
+    prescribed.tags[v] = condition.tag;
+    prescribed.prescribedBy[v] = 2 + number;
   }
   return changed;
 }
@@ -107,6 +123,25 @@ void noteWhole(int usedCount, const Condition& condition, std::size_t selected, 
   notes.push_back(note);
 }
 
+/// Selects a condition's vertices and prescribes its values there; notes what may not be meant.
+void apply(const Condition& condition, MeshIndex& index, const Mesh& mesh, int usedCount,
+           Prescribed& prescribed) {
+  const Selected selected = select(index, condition);
+  const std::size_t count = selected.vertices.size();
+  const int number = asInt(prescribed.selected.size());
+  prescribed.selected.push_back(asInt(count));
+  prescribed.nearest.push_back(selected.nearest);
+  prescribed.details.push_back(selected.details);
+  prescribed.notes.insert(prescribed.notes.end(), selected.notes.begin(), selected.notes.end());
+  noteWhole(usedCount, condition, count, index.loopCount(), prescribed.notes);
+  const std::vector<int> changed = prescribeFrom(prescribed, mesh, selected, condition, number);
+  if (changed.empty()) return;
+  prescribed.notes.push_back(
+      fmt::format("{}={} holds instead of an earlier value at {} {}, the first is {}",
+                  condition.text, describeValues(condition), changed.size(),
+                  changed.size() == 1 ? "vertex" : "vertices", describeVertex(mesh, changed[0])));
+}
+
 }  // namespace
 
 Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
@@ -119,35 +154,10 @@ Prescribed prescribe(const Mesh& mesh, const std::vector<Condition>& conditions,
   prescribed.values.assign(prescribed.fieldCount * n, 0.0);
   const std::vector<bool> used = usedVertices(mesh);
   const int usedCount = asInt(std::count(used.begin(), used.end(), true));
-  int onNothing = 0;
-  for (const FixedVertex& fixed : fromFile) {
-    if (used[asIndex(fixed.vertex)])
-      prescribeFrom(prescribed, fixed);
-    else
-      ++onNothing;
-  }
-  if (onNothing > 0)
-    prescribed.notes.push_back(
-        fmt::format("the file holds values at {} vertices that are in no triangle; nothing depends "
-                    "on them",
-                    onNothing));
+  prescribeFrom(prescribed, fromFile, used);
   MeshIndex index(mesh);
-  for (const Condition& condition : conditions) {
-    Selected selected = select(index, condition);
-    const std::size_t count = selected.vertices.size();
-    const int number = asInt(prescribed.selected.size());
-    prescribed.selected.push_back(asInt(count));
-    prescribed.nearest.push_back(selected.nearest);
-    prescribed.details.push_back(selected.details);
-    prescribed.notes.insert(prescribed.notes.end(), selected.notes.begin(), selected.notes.end());
-    noteWhole(usedCount, condition, count, index.loopCount(), prescribed.notes);
-    const std::vector<int> changed = prescribeFrom(prescribed, mesh, selected, condition, number);
-    if (!changed.empty())
-      prescribed.notes.push_back(fmt::format(
-          "{}={} holds instead of an earlier value at {} {}, the first is {}", condition.text,
-          describeValues(condition), changed.size(), changed.size() == 1 ? "vertex" : "vertices",
-          describeVertex(mesh, changed[0])));
-  }
+  for (const Condition& condition : conditions)
+    apply(condition, index, mesh, usedCount, prescribed);
   const bool isWhole = prescribed.fixedCount == usedCount;
   const bool isOneCondition = std::any_of(prescribed.selected.begin(), prescribed.selected.end(),
                                           [usedCount](int count) { return count == usedCount; });
