@@ -283,7 +283,7 @@ test('a large mesh is coarse while it moves slowly, and whole at rest', async ()
   await session.closed();
 });
 
-test('coarse forms keep to the whole one', () => {
+test('coarse meshes and curves have fewer points and keep their shape', () => {
   const mesh = sheet(100, 100, [-1, 1, -1, 1]);
   const coarse = coarseIndex(Float32Array.from(mesh.positions), mesh.triangles, 400);
   let area = 0;

@@ -1,4 +1,4 @@
-// The pure functions of the page: level lines, levels, normals, edges, what a page holds.
+// The page's functions that need no browser: level curves, levels, normals, edges, what a page holds.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { lengthOf, nearestCurve, segmentsOf, traceCurves } from '../../tools/page/src/curves.js';
@@ -32,10 +32,10 @@ function endsOf(points) {
   return ends;
 }
 
-test('a linear field has straight level lines where the level is', () => {
+test('a linear field has straight level curves where the level is', () => {
   const mesh = sheet(7, 5, [0, 7, 0, 5]);
   const { points, levelOf } = levelSegments(mesh, fieldOf(mesh, (x) => 3 * x), [1, 10.5]);
-  // Each line crosses two triangles in every one of the five rows of cells.
+  // Each curve crosses two triangles in every one of the five rows of cells.
   assert.deepEqual([0, 1].map((l) => levelOf.filter((k) => k === l).length), [10, 10]);
   levelOf.forEach((l, k) => {
     for (const x of [points[6 * k], points[6 * k + 3]])
@@ -43,7 +43,7 @@ test('a linear field has straight level lines where the level is', () => {
   });
 });
 
-test('closed level lines close, also through vertices at the level', () => {
+test('closed level curves close, also through vertices at the level', () => {
   const mesh = sheet(20, 20, [-1, 1, -1, 1]);
   // Diamonds with corners and whole sides in the grid's vertices.
   const field = fieldOf(mesh, (x, y) => Math.round(20 * (Math.abs(x) + Math.abs(y))) / 20);
@@ -138,7 +138,7 @@ test('normals are smooth on a curved sheet and sharp at a fold', () => {
 
 const pairsOf = (list) => Array.from({ length: list.length / 2 }, (_, k) => `${list[2 * k]}-${list[2 * k + 1]}`);
 
-test('every edge is there once', () => {
+test('every edge is found once', () => {
   const mesh = sheet(3, 2, [0, 3, 0, 2]);
   const pairs = pairsOf(edgesOf(mesh));
   assert.equal(pairs.length, 3 * 3 + 2 * 4 + 6);
@@ -146,7 +146,7 @@ test('every edge is there once', () => {
   assert.ok(pairs.includes('0-5') && !pairs.includes('1-4'), 'diagonals go up to the right');
 });
 
-test('fixed vertices are marked by lines, by rims of patches, or by dots', () => {
+test('prescribed vertices are marked by lines, by rims of patches, or by dots', () => {
   const mesh = sheet(4, 4, [0, 4, 0, 4]);
   const marks = (held) => {
     const fixedBy = Uint32Array.from({ length: 25 }, (_, v) => held[v] ?? 0);
@@ -193,7 +193,7 @@ test('the range of a field is its smallest and largest value', () => {
   assert.deepEqual(rangeOf(Float64Array.of(3, -1, 2)), { low: -1, high: 3 });
 });
 
-test('a curve is one polyline, closed or open, and as long as it is', () => {
+test('a curve is one polyline, closed or open, with its length', () => {
   const mesh = sheet(40, 40, [-1, 1, -1, 1]);
   const field = fieldOf(mesh, (x, y) => Math.hypot(x, y));
   const curves = traceCurves(mesh, field, [0.5, 1.2]);
@@ -217,7 +217,7 @@ test('curves on a closed surface close, also where they pass through vertices', 
   assert.deepEqual(closed, [1, 1, 1]);
 });
 
-test('curves of a linear field are as far apart as they are', () => {
+test('the gaps between curves of a linear field are measured', () => {
   const mesh = sheet(10, 10, [0, 1, 0, 1]);
   const field = fieldOf(mesh, (x) => 2 * x);
   const levels = [0.5, 1, 1.5];
@@ -235,7 +235,7 @@ test('shared vertices of the surface are split at sharp edges only', () => {
   assert.equal(Math.max(...fold.index), 7);
 });
 
-test('what is free between cards is found', () => {
+test('the free rectangles between cards are found', () => {
   const cards = [
     { left: 0, right: 300, top: 0, bottom: 100 },
     { left: 900, right: 1000, top: 0, bottom: 400 },
@@ -245,7 +245,7 @@ test('what is free between cards is found', () => {
   assert.deepEqual(freeRectangles(10, 10, []), [{ left: 0, top: 0, right: 10, bottom: 10 }]);
 });
 
-test('few vertices say how large a mesh looks', () => {
+test('the outermost vertices tell how large a mesh looks', () => {
   const { positions } = ball(200, 200, () => 1);
   const few = outermost(positions);
   assert.ok(few.length < positions.length / 4);
@@ -255,7 +255,7 @@ test('few vertices say how large a mesh looks', () => {
   }
 });
 
-test('views are the same sides whatever is up', () => {
+test('a view shows the same side whichever axis is up', () => {
   assert.deepEqual(namedView('front', 'z').toward.toArray(), [0, -1, 0]);
   assert.deepEqual(namedView('front', 'y').toward.toArray().map(Math.abs), [0, 0, 1]);
   assert.ok(namedView('front', 'y').toward.z > 0);
