@@ -36,8 +36,8 @@ QelmMeshReport reportOf(const Mesh& mesh, int& code) {
   return report;
 }
 
-/// "1.23e-04 (2.00)": an error and the order that it shows beside that at half the
-/// resolution; without one, the error alone.
+/// "1.23e-04 (2.00)": an error and its order, log2(coarser / error), where `coarser` is the error
+/// at half the resolution; the error alone if `coarser` is 0.
 std::string withOrder(double error, double coarser) {
   char text[64];
   if (coarser > 0) {
@@ -68,7 +68,7 @@ void harmonicFields() {
   }
 }
 
-/// A third of the area round each vertex, times f.
+/// The load of a function f: at each vertex f times a third of the area of its triangles.
 Field lumpedLoad(const Mesh& mesh, const Field& f) {
   Field load(f.size(), 0.0);
   for (int t = 0; t < mesh.triangleCount(); ++t) {
@@ -126,8 +126,8 @@ void poissonFields() {
   }
 }
 
-/// The largest |K_ff u_f + K_fb u_b| of a row, relative to machine precision times the
-/// largest sum of magnitudes in a row, |K_ff| |u_f| + |K_fb| |u_b|.
+/// The residual's largest entry, max |K_ff u_f + K_fb u_b|, over machine precision times the
+/// largest sum of magnitudes, max (|K_ff| |u_f| + |K_fb| |u_b|).
 double residual(const MeshHandle& system, const Field& field) {
   const auto n = system->vertexCount;
   const auto t = system->fixedCount;
@@ -142,7 +142,7 @@ double residual(const MeshHandle& system, const Field& field) {
   return rows.cwiseAbs().maxCoeff() / (kEpsilon * sums.maxCoeff());
 }
 
-/// A line about a flat mesh, on which u = x + y in its own coordinates is exact.
+/// A line about a flat mesh and the linear field x + scaleY y, which P1 elements represent exactly.
 void flatLine(const char* name, const Mesh& mesh, double scaleY) {
   int code = 0;
   const QelmMeshReport report = reportOf(mesh, code);
@@ -174,8 +174,8 @@ void slivers() {
   }
 }
 
-/// What becomes of a curved mesh that is scaled and moved: the difference to its field.
-void placeLine(const char* name, double scale, double shift) {
+/// A line about a curved mesh that is scaled and moved, and how far its field then differs.
+void movedLine(const char* name, double scale, double shift) {
   const Mesh mesh = openSurface(40, 40, 1).withBoundaryTagged();
   const Mesh moved = mesh.mapped([=](Point p) {
     return Point{scale * p.x + shift, scale * p.y + shift, scale * p.z + shift};
@@ -189,21 +189,21 @@ void placeLine(const char* name, double scale, double shift) {
               qelminfo(system.get()), difference);
 }
 
-void places() {
+void scalesAndDistances() {
   std::puts("\n## Large, small and far away\n");
   std::puts(
       "A curved, irregular sheet of 40 x 40 vertices about 1 across, and what scaling and moving");
   std::puts("it does to a field of order 1. Powers of two change no bit.\n");
   std::puts("| change | quality | check | info | difference |\n| --- | --: | --: | --: | --: |");
-  placeLine("none", 1, 0);
-  placeLine("times 2^40", 0x1p40, 0);
-  placeLine("times 1e50", 1e50, 0);
-  placeLine("times 1e-50", 1e-50, 0);
-  placeLine("times 1e150", 1e150, 0);
-  placeLine("times 1e-150", 1e-150, 0);
-  placeLine("moved by 1e3", 1, 1e3);
-  placeLine("moved by 1e6", 1, 1e6);
-  placeLine("moved by 1e9", 1, 1e9);
+  movedLine("none", 1, 0);
+  movedLine("times 2^40", 0x1p40, 0);
+  movedLine("times 1e50", 1e50, 0);
+  movedLine("times 1e-50", 1e-50, 0);
+  movedLine("times 1e150", 1e150, 0);
+  movedLine("times 1e-150", 1e-150, 0);
+  movedLine("moved by 1e3", 1, 1e3);
+  movedLine("moved by 1e6", 1, 1e6);
+  movedLine("moved by 1e9", 1, 1e9);
 }
 
 void large() {
@@ -220,14 +220,14 @@ void large() {
 }
 
 /// How far a field leaves the range 0 .. 1 of its prescribed values.
-double overshoot(const Mesh& mesh, double& least) {
+double overshoot(const Mesh& mesh) {
   const MeshHandle system = built(mesh);
   Field values(mesh.tags.size(), 0.0);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     values[static_cast<std::size_t>(v)] = mesh.tags[static_cast<std::size_t>(v)] == 2 ? 1 : 0;
   }
   const Field solved = solve(system, values);
-  least = 0;
+  double least = 0;
   double most = 1;
   for (const double u : solved) {
     least = std::fmin(least, u);
@@ -258,10 +258,8 @@ void obtuse() {
         positive += entry.row() > j && entry.value() > 1e-12 ? 1 : 0;
       }
     }
-    double least = 0;
-    const double outside = overshoot(mesh, least);
     std::printf("| %.1f | %d of %d | %.1e |\n", shear, positive,
-                static_cast<int>((block.nonZeros() - block.cols()) / 2), outside);
+                static_cast<int>((block.nonZeros() - block.cols()) / 2), overshoot(mesh));
   }
 }
 
@@ -375,7 +373,7 @@ int main() {
   harmonicFields();
   poissonFields();
   slivers();
-  places();
+  scalesAndDistances();
   large();
   obtuse();
   twisted();

@@ -1,16 +1,13 @@
 // The check of any arrays at all, and construction and a solve of what it calls good.
 #include <cmath>
-#include <cstdlib>
 
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 /// Any bits at all, or mostly sensible ones.
 struct Arrays {

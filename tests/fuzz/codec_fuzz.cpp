@@ -1,17 +1,9 @@
 // The codec for any bits at all.
-#include <cstdlib>
-
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 
-namespace {
-
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
+using qelm::fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   qelm::fuzz::Input input(data, size);

@@ -1,5 +1,4 @@
-// Conditions, and what they select on meshes that nobody has checked, beside plain
-// definitions of the selectors.
+// Conditions, and what they select on unchecked meshes, beside plain definitions of the selectors.
 #include "conditions/conditions.h"
 
 #include <fmt/format.h>
@@ -55,7 +54,7 @@ std::vector<Condition> parsed(std::string_view text) {
     try {
       const Condition condition = qelm::tool::parseCondition(std::string(line));
       requireGoodCondition(condition);
-      // A file of that name is none of this machine's business; see polyline_file_fuzz.cpp.
+      // No file is opened here: polyline_file_fuzz.cpp has the curves of files.
       if (filesOf(condition).empty()) conditions.push_back(condition);
     } catch (const qelm::tool::UsageError& error) {
       require(std::string_view(error.what()).starts_with("--fix "), "the option is named");
@@ -99,7 +98,7 @@ std::set<int> plainBoundary(const Mesh& mesh) {
   return vertices;
 }
 
-/// What each selector means, in plain words. None where that is more than a few words.
+/// A plain definition of each selector; none of selectors without a short one.
 struct Plain {
   const Mesh& mesh;
 

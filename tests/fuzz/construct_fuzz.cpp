@@ -1,16 +1,12 @@
 // Construction, accessors, duplication and solves of any mesh with indices in
 // range, defects and non-finite coordinates included.
-#include <cstdlib>
-
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 void exercise(const MeshSystem* system, const qelm::fuzz::FuzzMesh& mesh,
               qelm::fuzz::Input& input) {

@@ -1,19 +1,17 @@
-// Level curves of any mesh whose indices are in range, of any field: the record
-// holds together, no point is nowhere, and no curve is less than one.
+// Level curves of any mesh whose indices are in range, of any field: the arrays of the record fit
+// together, points are finite where coordinates are, and every curve has two points, or three if it
+// is closed.
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 bool allFinite(const std::vector<double>& numbers) {
   for (const double x : numbers) {

@@ -27,8 +27,8 @@ class Entries {
   Sparse stored() const {
     std::vector<Eigen::Triplet<double>> triplets;
     for (std::size_t k = 0; k < count(); ++k) {
-      const int place = static_cast<int>(k);
-      if (isStored_[k]) triplets.emplace_back(place / n_, place % n_, values_[k]);
+      const int entry = static_cast<int>(k);
+      if (isStored_[k]) triplets.emplace_back(entry / n_, entry % n_, values_[k]);
     }
     Sparse matrix(n_, n_);
     matrix.setFromTriplets(triplets.begin(), triplets.end());

@@ -1,12 +1,12 @@
 // Heat maps of any arrays whose indices are in range, written to memory: the bytes
 // of the plain form.
-#include <cstdlib>
 #include <memory>
 #include <sstream>
 
 #include "export/heat_map.h"
 #include "export/plain_heat_map.h"
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "interface/mesh_system.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -23,6 +23,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::ostringstream plain;
   qelm::writeObj(written, {*system.vertices, *system.triangles, field}, "path");
   qelm::test::plainObj(plain, system, field, "path");
-  if (written.str() != plain.str()) std::abort();
+  qelm::fuzz::require(written.str() == plain.str());
   return 0;
 }

@@ -1,19 +1,16 @@
 // Isolines of any arrays whose indices are in range, constructed or not, whole or
 // too short: the bits of the plain form.
-#include <cstdlib>
 #include <memory>
 
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "interface/mesh_system.h"
 #include "isolines/plain_isolines.h"
 #include "qelm.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 template <class T>
 void requireSameBits(const T* actual, const std::vector<T>& expected) {

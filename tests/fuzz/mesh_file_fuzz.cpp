@@ -90,6 +90,12 @@ void requireStrictlySplit(const tool::Triangulation& split, const tool::Triangul
 
 }  // namespace
 
+int fuzzMeshFile(const char* name, const std::uint8_t* data, std::size_t size) {
+  PolygonSoup soup;
+  if (readsAs(name, std::string(data, data + size), soup)) requireGoodSoup(soup);
+  return 0;
+}
+
 bool readsAs(const char* name, const std::string& bytes, PolygonSoup& soup) {
   try {
     soup = tool::readPolygonSoup(name, bytes);

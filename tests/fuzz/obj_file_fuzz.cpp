@@ -10,7 +10,7 @@ namespace {
 
 using qelm::fuzz::require;
 
-/// The lines without comments, those that are continued in one.
+/// The lines without comments, each with the lines that continue it.
 std::vector<std::string> statementsOf(const std::string& bytes) {
   std::vector<std::string> statements;
   qelm::tool::LineReader lines(bytes);

@@ -1,12 +1,6 @@
-// OFF files.
-#include <cstddef>
-#include <cstdint>
-
+// OFF files, text and binary.
 #include "fuzz/mesh_file_fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  qelm::tool::PolygonSoup soup;
-  if (qelm::fuzz::readsAs("a.off", std::string(data, data + size), soup))
-    qelm::fuzz::requireGoodSoup(soup);
-  return 0;
+  return qelm::fuzz::fuzzMeshFile("a.off", data, size);
 }

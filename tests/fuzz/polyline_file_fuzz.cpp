@@ -1,5 +1,5 @@
-// Files of curves, OBJ and CSV, and the vertices along them on meshes that nobody has checked but
-// for their coordinates.
+// Files of curves, OBJ and CSV, and the vertices along them on meshes of which only the coordinates
+// are checked.
 #include <cmath>
 
 #include "conditions/along_curve.h"

@@ -1,19 +1,16 @@
 // Robust construction of any mesh with indices in range, and what it promises of the fields.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "interface/mesh_system.h"
 #include "qelm.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 bool isFixed(const qelm::fuzz::FuzzMesh& mesh, std::size_t i) {
   return mesh.tags[i] >= 1 && mesh.tags[i] <= 3;

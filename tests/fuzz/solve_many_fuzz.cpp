@@ -3,18 +3,15 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 #include "support/plain_solve.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using qelm::fuzz::require;
 
 bool same(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||

@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Equal, not the same bits: corners at 0 and -0 are one point.
   for (std::size_t k = 0; k < corners.size(); ++k)
     require(soup.points[static_cast<std::size_t>(soup.faces[k / 3][k % 3])] == corners[k],
-            "corners keep their order and their places");
+            "corners keep their order and their points");
   qelm::fuzz::requireGoodSoup(soup);
   return 0;
 }

@@ -1,4 +1,4 @@
-// Loads and values to hold, as CSV.
+// Loads and prescribed values as CSV.
 #include <fmt/format.h>
 
 #include <array>
@@ -26,8 +26,8 @@ auto accepted(Read read) -> std::optional<decltype(read())> {
   }
 }
 
-/// A field file can be a load: "value" is the load, the coordinates are passed over.
-void requireFieldGivesIt(const std::vector<double>& load) {
+/// A field file can be a load: its column "value" is the load, its coordinates are passed over.
+void requireFieldReadsAsLoad(const std::vector<double>& load) {
   qelm::tool::Mesh mesh;
   mesh.vertices.assign(3 * load.size(), 0.5);
   qelm::fuzz::Memory file;
@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (load) {
     require(load->size() == static_cast<std::size_t>(n), "a load for every vertex");
     for (const double value : *load) require(std::isfinite(value), "finite loads");
-    requireFieldGivesIt(*load);
+    requireFieldReadsAsLoad(*load);
   }
   if (fixes) requireGoodFixes(*fixes, n);
   if (load && fixes)

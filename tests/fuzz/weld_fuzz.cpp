@@ -1,23 +1,13 @@
 // Welding beside the definition that compares every pair.
-#include <algorithm>
-#include <bit>
-#include <cstdlib>
-
 #include "fuzz/input.h"
+#include "fuzz/require.h"
 #include "qelm.h"
 #include "support/plain_weld.h"
 
 namespace {
 
-/// Not assert(): it must hold in every build.
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-bool sameBits(const std::vector<double>& a, const std::vector<double>& b) {
-  return std::ranges::equal(a, b, {}, std::bit_cast<std::uint64_t, double>,
-                            std::bit_cast<std::uint64_t, double>);
-}
+using qelm::fuzz::require;
+using qelm::fuzz::sameBits;
 
 qelm::test::Welded weld(const std::vector<double>& vertices,
                         const std::vector<std::int32_t>& triangles, double tolerance) {

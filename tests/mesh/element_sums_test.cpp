@@ -11,8 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "mesh/element_stiffness.h"
-#include "mesh/plain_element.h"
+#include "support/plain_element.h"
 #include "support/random.h"
 
 namespace qelm::test {
@@ -31,9 +30,7 @@ struct Soup {
   std::vector<std::int32_t> triangles;
 
   std::size_t count() const { return triangles.size() / 3; }
-  Vec3 point(std::size_t vertex) const {
-    return {coordinates[3 * vertex], coordinates[3 * vertex + 1], coordinates[3 * vertex + 2]};
-  }
+  const double* point(std::size_t vertex) const { return &coordinates[3 * vertex]; }
 };
 
 Soup randomSoup(Random& random, std::size_t count, double scale, double flatness) {
@@ -49,7 +46,7 @@ Soup randomSoup(Random& random, std::size_t count, double scale, double flatness
 }
 
 /// The stiffness of element j of a soup with no vertex tagged.
-ElementStiffness elementOf(const LowerTriangle& lower, std::size_t j) {
+PlainStiffness elementOf(const LowerTriangle& lower, std::size_t j) {
   const auto v = static_cast<std::int32_t>(3 * j);
   const auto entry = [&](std::int32_t row, std::int32_t column) {
     for (const LowerTriangle::Entry& e : lower.row(row)) {
@@ -62,7 +59,7 @@ ElementStiffness elementOf(const LowerTriangle& lower, std::size_t j) {
           entry(v + 1, v + 0), entry(v + 2, v + 1),   entry(v + 2, v + 0)};
 }
 
-bool sameNumbers(const ElementStiffness& a, const ElementStiffness& b) {
+bool sameNumbers(const PlainStiffness& a, const PlainStiffness& b) {
   return sameNumber(a.k00, b.k00) && sameNumber(a.k11, b.k11) && sameNumber(a.k22, b.k22) &&
          sameNumber(a.k01, b.k01) && sameNumber(a.k12, b.k12) && sameNumber(a.k02, b.k02);
 }
@@ -72,8 +69,8 @@ void expectElements(const Soup& soup) {
   addElements(soup.coordinates, soup.triangles, lower);
   lower.mergeBuckets();
   for (std::size_t j = 0; j < soup.count(); ++j) {
-    const ElementStiffness single =
-        plainElement(soup.point(3 * j), soup.point(3 * j + 1), soup.point(3 * j + 2));
+    const PlainStiffness single =
+        plainStiffness(soup.point(3 * j), soup.point(3 * j + 1), soup.point(3 * j + 2));
     ASSERT_TRUE(sameNumbers(elementOf(lower, j), single)) << "triangle " << j;
   }
 }

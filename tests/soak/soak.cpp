@@ -158,40 +158,63 @@ class Worker {
 
   void build() {
     const Mesh mesh = randomMesh(random_);
+    switch (uniformInt(random_, 0, 5)) {
+      case 0:
+        check(mesh);
+        break;
+      case 1:
+        predict(mesh);
+        break;
+      case 2:
+        weld(mesh);
+        break;
+      default:
+        keep(construct(mesh), mesh.tags.size());
+    }
+  }
+
+  void check(const Mesh& mesh) {
+    survives([&] {
+      qelmcheckTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                      mesh.triangles.data(), mesh.tags.data(), nullptr);
+    });
+  }
+
+  void predict(const Mesh& mesh) {
+    const int robust = uniformInt(random_, 0, 1);
+    survives([&] {
+      qelmpredictTagged(mesh.vertexCount(), mesh.vertices.data(), mesh.triangleCount(),
+                        mesh.triangles.data(), mesh.tags.data(), robust, nullptr);
+    });
+  }
+
+  /// A handle from one of the three constructors; null for a defect and without memory.
+  MeshSystem* construct(const Mesh& mesh) {
     const int n = mesh.vertexCount(), m = mesh.triangleCount();
     const double* const xyz = mesh.vertices.data();
     const int *const triangles = mesh.triangles.data(), *const tags = mesh.tags.data();
+    const int constructor = uniformInt(random_, 0, 2), robust = uniformInt(random_, 0, 1);
+    const std::int64_t mostBytes = 1 << uniformInt(random_, 10, 30);
     MeshSystem* made = nullptr;
     int status = -1, tagged = -1;
-    const int robust = uniformInt(random_, 0, 1);
-    switch (uniformInt(random_, 0, 5)) {
-      case 0:
-        survives([&] { qelmcheckTagged(n, xyz, m, triangles, tags, nullptr); });
-        return;
-      case 1:
-        survives([&] { qelmpredictTagged(n, xyz, m, triangles, tags, robust, nullptr); });
-        return;
-      case 2:
-        weld(mesh);
-        return;
-      case 3:
-        survives([&] {
-          qelmctorLimitedTagged(n, xyz, m, triangles, tags, robust,
-                                1 << uniformInt(random_, 10, 30), nullptr, &tagged, &status, &made);
-        });
-        break;
-      case 4:
-        survives(
-            [&] { qelmctorRobustTagged(n, xyz, m, triangles, tags, &tagged, &status, &made); });
-        break;
-      default:
-        survives([&] { qelmctorTagged(n, xyz, m, triangles, tags, &tagged, &status, &made); });
-    }
+    survives([&] {
+      if (constructor == 0)
+        qelmctorTagged(n, xyz, m, triangles, tags, &tagged, &status, &made);
+      else if (constructor == 1)
+        qelmctorRobustTagged(n, xyz, m, triangles, tags, &tagged, &status, &made);
+      else
+        qelmctorLimitedTagged(n, xyz, m, triangles, tags, robust, mostBytes, nullptr, &tagged,
+                              &status, &made);
+    });
+    if (made != nullptr && status != 0) fail("a handle with a status");
+    return made;
+  }
+
+  /// Takes the handle over and solves a field on it.
+  void keep(MeshSystem* made, std::size_t n) {
     if (made == nullptr) return;
-    if (status != 0) fail("a handle with a status");
-    System system{
-        std::unique_ptr<MeshSystem, Free>(made), randomField(random_, mesh.tags.size()), {}};
-    system.solved.resize(system.values.size());
+    System system{std::unique_ptr<MeshSystem, Free>(made), randomField(random_, n), Field(n)};
+    int status = -1;
     qelmsolveTagged(made, system.values.data(), system.solved.data(), &status);
     systems_.push_back(std::move(system));
   }

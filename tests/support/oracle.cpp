@@ -47,7 +47,7 @@ DenseMatrix cotangentStiffness(const Mesh& mesh) {
   return k;
 }
 
-std::vector<long double> solveDense(DenseMatrix matrix, std::vector<long double> rhs) {
+std::vector<long double> solveDense(DenseMatrix matrix, std::vector<long double> b) {
   const std::size_t n = matrix.n;
   for (std::size_t column = 0; column < n; ++column) {
     std::size_t pivot = column;
@@ -55,19 +55,19 @@ std::vector<long double> solveDense(DenseMatrix matrix, std::vector<long double>
       if (std::fabs(matrix.at(row, column)) > std::fabs(matrix.at(pivot, column))) pivot = row;
     }
     for (std::size_t j = column; j < n; ++j) std::swap(matrix.at(pivot, j), matrix.at(column, j));
-    std::swap(rhs[pivot], rhs[column]);
+    std::swap(b[pivot], b[column]);
     for (std::size_t row = column + 1; row < n; ++row) {
       const long double factor = matrix.at(row, column) / matrix.at(column, column);
       if (factor == 0) continue;
       for (std::size_t j = column; j < n; ++j) matrix.at(row, j) -= factor * matrix.at(column, j);
-      rhs[row] -= factor * rhs[column];
+      b[row] -= factor * b[column];
     }
   }
   for (std::size_t row = n; row-- > 0;) {
-    for (std::size_t j = row + 1; j < n; ++j) rhs[row] -= matrix.at(row, j) * rhs[j];
-    rhs[row] /= matrix.at(row, row);
+    for (std::size_t j = row + 1; j < n; ++j) b[row] -= matrix.at(row, j) * b[j];
+    b[row] /= matrix.at(row, row);
   }
-  return rhs;
+  return b;
 }
 
 Field oracleField(const Mesh& mesh, const Field& values, const Field& load) {
@@ -77,15 +77,15 @@ Field oracleField(const Mesh& mesh, const Field& values, const Field& load) {
     if (!prescribed(mesh.tags[i])) free.push_back(i);
   }
   DenseMatrix freeBlock(free.size());
-  std::vector<long double> rhs(free.size(), 0.0L);
+  std::vector<long double> b(free.size(), 0.0L);
   for (std::size_t r = 0; r < free.size(); ++r) {
-    if (!load.empty()) rhs[r] = -static_cast<long double>(load[free[r]]);
+    if (!load.empty()) b[r] = -static_cast<long double>(load[free[r]]);
     for (std::size_t c = 0; c < free.size(); ++c) freeBlock.at(r, c) = k.at(free[r], free[c]);
     for (std::size_t i = 0; i < mesh.tags.size(); ++i) {
-      if (prescribed(mesh.tags[i])) rhs[r] -= k.at(free[r], i) * values[i];
+      if (prescribed(mesh.tags[i])) b[r] -= k.at(free[r], i) * values[i];
     }
   }
-  const std::vector<long double> solved = solveDense(std::move(freeBlock), std::move(rhs));
+  const std::vector<long double> solved = solveDense(std::move(freeBlock), std::move(b));
   Field field = values;
   for (std::size_t r = 0; r < free.size(); ++r) field[free[r]] = static_cast<double>(solved[r]);
   return field;

@@ -26,7 +26,7 @@ struct DenseMatrix {
 DenseMatrix cotangentStiffness(const Mesh& mesh);
 
 /// Gaussian elimination with partial pivoting.
-std::vector<long double> solveDense(DenseMatrix matrix, std::vector<long double> rhs);
+std::vector<long double> solveDense(DenseMatrix matrix, std::vector<long double> b);
 
 /// The field with `values` at vertices tagged 1, 2 or 3 that solves the other
 /// rows of K u + load = 0. Input order throughout; load may be empty (zero).

@@ -16,7 +16,6 @@ struct PlainAssembly {
   int status = 0;  ///< 23, a triangle repeats a vertex, comes before 24, a vertex in none
   std::shared_ptr<const std::vector<double>> vertices;
   std::shared_ptr<const std::vector<std::int32_t>> triangles;
-  std::vector<double> inverseAreas;  ///< of all triangles at each vertex together
   SparseBlock freeFree;
   SparseBlock freeFixed;
 };

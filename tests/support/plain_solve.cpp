@@ -20,25 +20,25 @@ VectorXd gather(const MeshSystem& system, const Field& field, Index first, Index
 }
 
 /// The negation belongs to the matrix's entry.
-VectorXd dirichletRhs(const MeshSystem& system, const VectorXd& fixed, Index freeCount) {
-  VectorXd rhs = VectorXd::Zero(freeCount);
+VectorXd rightHandSide(const MeshSystem& system, const VectorXd& fixed, Index freeCount) {
+  VectorXd b = VectorXd::Zero(freeCount);
   for (Index j = 0; j < fixed.size(); ++j) {
     for (SparseBlock::InnerIterator entry(*system.freeFixedBlock, j); entry; ++entry) {
-      rhs[entry.row()] += (-entry.value()) * fixed[j];
+      b[entry.row()] += (-entry.value()) * fixed[j];
     }
   }
-  return rhs;
+  return b;
 }
 
 /// The negation belongs to the prescribed value.
-VectorXd loadRhs(const MeshSystem& system, const VectorXd& fixed, const VectorXd& load) {
-  VectorXd rhs = -load;
+VectorXd rightHandSide(const MeshSystem& system, const VectorXd& fixed, const VectorXd& load) {
+  VectorXd b = -load;
   for (Index j = 0; j < fixed.size(); ++j) {
     for (SparseBlock::InnerIterator entry(*system.freeFixedBlock, j); entry; ++entry) {
-      rhs[entry.row()] += (fixed[j] * -1.0) * entry.value();
+      b[entry.row()] += (fixed[j] * -1.0) * entry.value();
     }
   }
-  return rhs;
+  return b;
 }
 
 }  // namespace
@@ -47,12 +47,12 @@ Field plainSolve(const MeshSystem& system, const Field& values, const Field& loa
   const auto n = static_cast<Index>(system.vertexCount);
   const auto t = static_cast<Index>(system.fixedCount);
   const VectorXd fixed = gather(system, values, 0, t);
-  const VectorXd rhs = load.empty() ? dirichletRhs(system, fixed, n - t)
-                                    : loadRhs(system, fixed, gather(system, load, t, n - t));
+  const VectorXd b = load.empty() ? rightHandSide(system, fixed, n - t)
+                                  : rightHandSide(system, fixed, gather(system, load, t, n - t));
   VectorXd field = VectorXd::Zero(n);
   field.head(t) = fixed;
   if (system.freeSolver->info() == Eigen::Success) {
-    field.tail(n - t) = system.freeSolver->solve(rhs);
+    field.tail(n - t) = system.freeSolver->solve(b);
   }
   Field result(values.size());
   for (Index k = 0; k < n; ++k) {
