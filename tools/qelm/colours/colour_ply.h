@@ -11,7 +11,7 @@
 
 namespace qelm::tool {
 
-/// Binary, in the mesh's order: of every vertex its place and value as doubles and
+/// Binary, in the mesh's order: of every vertex its coordinates and value as doubles and
 /// its colour as red, green, blue; a vertex without a value is grey. What the caption says, and a
 /// range that was given, stand in comments.
 void writeColourPly(const Mesh& mesh, std::span<const double> field, const ColourScale& scale,

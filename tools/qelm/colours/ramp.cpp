@@ -29,10 +29,10 @@ Ramp::Ramp(std::vector<Colour> colours, std::string name)
     : colours_(std::move(colours)), name_(std::move(name)) {}
 
 Colour Ramp::operator()(double t) const {
-  const double place = std::clamp(t, 0.0, 1.0) * static_cast<double>(colours_.size() - 1);
-  const auto below = static_cast<std::size_t>(place);
+  const double position = std::clamp(t, 0.0, 1.0) * static_cast<double>(colours_.size() - 1);
+  const auto below = static_cast<std::size_t>(position);
   const std::size_t above = std::min(below + 1, colours_.size() - 1);
-  const double part = place - static_cast<double>(below);
+  const double part = position - static_cast<double>(below);
   Colour colour{};
   for (std::size_t k = 0; k < colour.size(); ++k) {
     const double mixed = (1 - part) * colours_[below][k] + part * colours_[above][k];

@@ -46,7 +46,7 @@ std::string partsText(const Mesh& mesh, const MeshFacts& facts) {
 
 std::string loopsText(const Mesh& mesh, const MeshFacts& facts) {
   if (facts.loops.empty()) return "boundary   none: the mesh is closed\n";
-  // Nobody tells places of loops apart that are closer together.
+  // Middles are rounded to this part of the diagonal: enough digits to tell loops apart.
   constexpr double kStep = 1e-6;
   const double step = kStep * length(facts.box.size());
   std::string text =

@@ -97,11 +97,11 @@ Json pageFacts(const SolvedField& solved, const Mesh& shown, const ViewOptions& 
 
 /// For each vertex the number of its condition in the page's list, from 1; 0 if the vertex is free.
 std::vector<int> fixedBy(const SolvedField& solved) {
-  std::vector<int> places = solved.prescribed.prescribedBy;
+  std::vector<int> numbers = solved.prescribed.prescribedBy;
   // A file comes first in the list, if there is one.
   const int shift = solved.fromFile > 0 ? 0 : 1;
-  for (int& place : places) place = place == 0 ? 0 : place - shift;
-  return places;
+  for (int& number : numbers) number = number == 0 ? 0 : number - shift;
+  return numbers;
 }
 
 // A page with more vertices has rounded positions, which is all that a screen can show: 24 bits
@@ -119,9 +119,9 @@ std::string pageDataOf(const SolvedField& solved, const UsedPart& part, const Ra
   }
   std::vector<double> load;
   if (!solved.load.empty()) load = part.of(std::span<const double>(solved.load));
-  const std::vector<int> places = fixedBy(solved);
+  const std::vector<int> numbers = fixedBy(solved);
   return pageData(
-      {part.mesh, field, others, load, part.of(std::span<const int>(places)), ramp, isExact});
+      {part.mesh, field, others, load, part.of(std::span<const int>(numbers)), ramp, isExact});
 }
 
 /// A page of the caller's own may solve with the positions, so they keep every bit.

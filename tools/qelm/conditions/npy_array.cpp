@@ -78,8 +78,8 @@ class NpyReader {
                        result.rows, result.columns));
     result.values.resize(result.rows * result.columns);
     for (std::size_t k = 0; k < result.values.size(); ++k) {
-      const std::size_t place = isFortran ? k % result.rows * result.columns + k / result.rows : k;
-      result.values[place] = item(type, rest_.substr(k * size, size));
+      const std::size_t at = isFortran ? k % result.rows * result.columns + k / result.rows : k;
+      result.values[at] = item(type, rest_.substr(k * size, size));
     }
     return result;
   }

@@ -66,10 +66,10 @@ class PolylineReader {
     const auto count = static_cast<long long>(points_.size());
     for (std::size_t k = 1; k < words.size(); ++k) {
       const auto index = parseInteger(words[k].substr(0, words[k].find('/')));
-      const long long place = !index ? 0 : *index < 0 ? count + *index + 1 : *index;
-      if (place < 1 || place > count)
+      const long long number = !index ? 0 : *index < 0 ? count + *index + 1 : *index;
+      if (number < 1 || number > count)
         fail(fmt::format("'{}' is no vertex of a line; {} come before it", words[k], count));
-      curve.points.push_back(points_[asIndex(place - 1)]);
+      curve.points.push_back(points_[asIndex(number - 1)]);
     }
     add(std::move(curve));
   }

@@ -159,8 +159,8 @@ class ConditionSelector {
 
   void setArc(int vertex, double arc) {
     if (result_.arc.empty()) result_.arc.assign(asIndex(mesh_.vertexCount()), std::nan(""));
-    double& place = result_.arc[asIndex(vertex)];
-    if (std::isnan(place)) place = arc;
+    double& known = result_.arc[asIndex(vertex)];
+    if (std::isnan(known)) known = arc;
   }
 
   std::vector<int> select(const WholeBoundary&) {
@@ -196,7 +196,7 @@ class ConditionSelector {
           static_cast<double>(outside), static_cast<double>(diagonal)));
   }
 
-  /// All used vertices whose place fulfils `holds`; a note if there are none.
+  /// All used vertices whose point fulfils `holds`; a note if there are none.
   template <class Holds>
   std::vector<int> where(const Holds& holds, const char* nothing) {
     std::vector<int> vertices;

@@ -37,8 +37,8 @@ double distance(const Box& a, const Box& b) {
 
 }  // namespace
 
-// s and t are the places of the nearest points along a and b, from 0 to 1: first those of the whole
-// lines, then each clamped to its segment and the other one moved to what is nearest to that
+// s and t are the parameters of the nearest points along a and b, from 0 to 1: first those of the
+// whole lines; then each is clamped to its segment, and the other follows to the nearest point
 // (Ericson, Real-Time Collision Detection, 2005, section 5.1.9).
 double distanceBetween(const PieceSegment& a, const PieceSegment& b) {
   const Point u = a.to - a.from;
@@ -77,11 +77,11 @@ std::size_t ClearanceTree::build(std::size_t begin, std::size_t end) {
   nodes_.push_back(node);
   if (end - begin <= kMostInLeaf) return own;
   const std::size_t axis = node.box.longestAxis();
-  const auto place = [this](std::size_t k) {
+  const auto iterator = [this](std::size_t k) {
     return segments_.begin() + static_cast<std::ptrdiff_t>(k);
   };
   const std::size_t middle = (begin + end) / 2;
-  std::nth_element(place(begin), place(middle), place(end),
+  std::nth_element(iterator(begin), iterator(middle), iterator(end),
                    [axis](const PieceSegment& a, const PieceSegment& b) {
                      return a.from[axis] + a.to[axis] < b.from[axis] + b.to[axis];
                    });

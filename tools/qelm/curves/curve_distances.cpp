@@ -21,13 +21,13 @@ constexpr std::size_t kNearest = 4;
 
 /// A point of a curve, and the segment it is on.
 struct Sample {
-  Point place, from, to;
+  Point point, from, to;
 };
 
 struct SampleCloud {
   std::vector<Sample> samples;
   std::size_t kdtree_get_point_count() const { return samples.size(); }
-  double kdtree_get_pt(std::size_t k, std::size_t axis) const { return samples[k].place[axis]; }
+  double kdtree_get_pt(std::size_t k, std::size_t axis) const { return samples[k].point[axis]; }
   template <class Box>
   bool kdtree_get_bbox(Box&) const {
     return false;
@@ -71,7 +71,7 @@ double distanceTo(const SampleTree& tree, const SampleCloud& cloud, const Point&
 void widen(CurveDistances& range, const SampleCloud& from, const SampleCloud& to) {
   const SampleTree tree(3, to);
   for (const Sample& sample : from.samples) {
-    const double distance = distanceTo(tree, to, sample.place);
+    const double distance = distanceTo(tree, to, sample.point);
     range.smallest = std::min(range.smallest, distance);
     range.largest = std::max(range.largest, distance);
   }

@@ -72,7 +72,7 @@ class DxfWriter {
         polyline(curve, layer);
         if (height > 0)
           block_.text("0\nTEXT\n8\n{}\n{}40\n{}\n1\n{}\n", layer,
-                      place(curve.point(curve.size() / 2)), height, level);
+                      coordinates(curve.point(curve.size() / 2)), height, level);
       }
     }
     block_.text("0\nENDSEC\n0\nEOF\n");
@@ -84,14 +84,14 @@ class DxfWriter {
     return fields_.size() > 1 ? fmt::format("FIELD{}_", f) : "";
   }
 
-  static std::string place(const Point& p, int first = 10) {
+  static std::string coordinates(const Point& p, int first = 10) {
     return fmt::format("{}\n{}\n{}\n{}\n{}\n{}\n", first, p[0], first + 10, p[1], first + 20, p[2]);
   }
 
   void header() {
     block_.text(
         "999\nlevel curves written by qelm\n0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n");
-    block_.text("9\n$EXTMIN\n{}9\n$EXTMAX\n{}", place(box_.low), place(box_.high));
+    block_.text("9\n$EXTMIN\n{}9\n$EXTMAX\n{}", coordinates(box_.low), coordinates(box_.high));
     block_.text("0\nENDSEC\n");
   }
 

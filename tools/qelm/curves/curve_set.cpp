@@ -42,9 +42,9 @@ void CurveSet::add(std::span<const double> coordinates, std::size_t level, bool 
 }
 
 Curve CurveSet::operator[](std::size_t k) const {
-  const Place& place = curves_[k];
+  const Entry& curve = curves_[k];
   const std::size_t end = k + 1 < size() ? curves_[k + 1].begin : coordinates_.size();
-  return {{coordinates_.data() + place.begin, end - place.begin}, place.level, place.closed};
+  return {{coordinates_.data() + curve.begin, end - curve.begin}, curve.level, curve.closed};
 }
 
 }  // namespace qelm::tool

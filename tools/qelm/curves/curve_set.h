@@ -41,14 +41,14 @@ class CurveSet {
   void add(std::span<const double> coordinates, std::size_t level, bool closed);
 
  private:
-  struct Place {
-    std::size_t begin;  ///< of its coordinates; they end where the next one's begin
+  struct Entry {
+    std::size_t begin;  ///< of its coordinates, which end where the next curve's begin
     std::size_t level;
     bool closed;
   };
   std::vector<double> levels_;
   std::vector<double> coordinates_;
-  std::vector<Place> curves_;
+  std::vector<Entry> curves_;
 };
 
 }  // namespace qelm::tool

@@ -198,10 +198,10 @@ class SvgWriter {
     std::string last;
     char command = 'M';
     for (const PicturePoint& p : stroke.points) {
-      std::string place = fmt::format("{:.2f} {:.2f}", p[0], p[1]);
-      if (place == last) continue;
-      block_.text("{}{}", command, place);
-      last = std::move(place);
+      std::string coordinates = fmt::format("{:.2f} {:.2f}", p[0], p[1]);
+      if (coordinates == last) continue;
+      block_.text("{}{}", command, coordinates);
+      last = std::move(coordinates);
       command = 'L';
     }
     if (stroke.closed) block_.text("Z");

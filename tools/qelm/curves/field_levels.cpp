@@ -16,10 +16,10 @@ std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solve
     more = naming(solved.meshName,
                   [&] { return spacedLevels(solved.mesh, solved.field(k), choice.spacing()); });
   for (const Point& p : choice.through()) {
-    const PlaceOnMesh place = nearestPlace(solved.mesh, solved.field(k), p);
-    more.push_back(place.value);
+    const PointOnMesh nearest = nearestOnMesh(solved.mesh, solved.field(k), p);
+    more.push_back(nearest.value);
     console.line(fmt::format("through  near:{},{},{} = {}, {:.6g} away", p[0], p[1], p[2],
-                             place.value, place.distance));
+                             nearest.value, nearest.distance));
   }
   const FieldRange range = rangeOf(solved.field(k));
   return naming(solved.meshName,

@@ -10,7 +10,7 @@
 
 namespace qelm::tool {
 
-/// What `choice` means for the field number k, with a line about each place that a curve goes
+/// What `choice` means for the field number k, with a line about each point that a curve goes
 /// through. Throws RequestError that names the mesh.
 std::vector<double> levelsOf(const LevelChoice& choice, const SolvedField& solved, std::size_t k,
                              const Console& console);

@@ -51,16 +51,16 @@ Standing standingAlong(std::size_t upAxis) {
 Eigen::Matrix3d covariance(const Mesh& mesh) {
   const double size = diagonal(mesh);
   const Point origin = mesh.point(0);
-  const auto place = [&](int v) {
+  const auto position = [&](int v) {
     const Point p = scaled(mesh.point(v) - origin, 1 / size);
     return Eigen::Vector3d(p[0], p[1], p[2]);
   };
   Eigen::Vector3d mean = Eigen::Vector3d::Zero();
-  for (int v = 0; v < mesh.vertexCount(); ++v) mean += place(v);
+  for (int v = 0; v < mesh.vertexCount(); ++v) mean += position(v);
   mean /= mesh.vertexCount();
   Eigen::Matrix3d sum = Eigen::Matrix3d::Zero();
   for (int v = 0; v < mesh.vertexCount(); ++v)
-    sum += (place(v) - mean) * (place(v) - mean).transpose();
+    sum += (position(v) - mean) * (position(v) - mean).transpose();
   return sum / mesh.vertexCount();
 }
 

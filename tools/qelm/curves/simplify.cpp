@@ -91,8 +91,8 @@ class Simplifier {
       std::vector<double> coordinates;
       for (std::size_t k = 0; k < curve.size(); ++k)
         if (kept_[k]) {
-          const Point place = points[k];
-          coordinates.insert(coordinates.end(), place.begin(), place.end());
+          const Point point = points[k];
+          coordinates.insert(coordinates.end(), point.begin(), point.end());
         }
       result.add(coordinates, curve.level, curve.closed);
     }

@@ -55,8 +55,8 @@ Weights nearestWeights(const std::array<Point, 3>& c, const Point& p) {
 
 }  // namespace
 
-PlaceOnMesh nearestPlace(const Mesh& mesh, std::span<const double> field, const Point& point) {
-  PlaceOnMesh best{std::numeric_limits<double>::infinity(), 0};
+PointOnMesh nearestOnMesh(const Mesh& mesh, std::span<const double> field, const Point& point) {
+  PointOnMesh best{std::numeric_limits<double>::infinity(), 0};
   for (int t = 0; t < mesh.triangleCount(); ++t) {
     const auto v = mesh.corners(t);
     const std::array<Point, 3> c = {mesh.point(v[0]), mesh.point(v[1]), mesh.point(v[2])};

@@ -1,4 +1,4 @@
-// --through: the value of a field at the place of the surface that is nearest to a point.
+// --through: the value of a field at the point of the surface that is nearest to another.
 #ifndef QELM_TOOLS_THROUGH_H
 #define QELM_TOOLS_THROUGH_H
 
@@ -8,14 +8,14 @@
 
 namespace qelm::tool {
 
-struct PlaceOnMesh {
-  double distance;  ///< from the point
+struct PointOnMesh {
+  double distance;  ///< from the given point
   double value;     ///< linear between the triangle's corners
 };
 
 /// The point of the surface that is nearest to `point`; of equally near ones that of the first
 /// triangle. Looks at every triangle. Requires finite coordinates and a triangle.
-PlaceOnMesh nearestPlace(const Mesh& mesh, std::span<const double> field, const Point& point);
+PointOnMesh nearestOnMesh(const Mesh& mesh, std::span<const double> field, const Point& point);
 
 }  // namespace qelm::tool
 

@@ -52,12 +52,12 @@ XmlScanner::XmlScanner(std::string_view text, const std::string& name)
 
 void XmlScanner::fail(const std::string& what) const { failAt(text_.data() + tagAt_, what); }
 
-void XmlScanner::failAt(const char* place, const std::string& what) const {
-  throw FileError(fmt::format("{}:{}: {}", name_, lineOf(place), what));
+void XmlScanner::failAt(const char* position, const std::string& what) const {
+  throw FileError(fmt::format("{}:{}: {}", name_, lineOf(position), what));
 }
 
-std::size_t XmlScanner::lineOf(const char* place) const {
-  return 1 + static_cast<std::size_t>(std::count(text_.data(), place, '\n'));
+std::size_t XmlScanner::lineOf(const char* position) const {
+  return 1 + static_cast<std::size_t>(std::count(text_.data(), position, '\n'));
 }
 
 XmlScanner::Event XmlScanner::next() {

@@ -27,7 +27,7 @@ class XmlScanner {
 
   /// The name of the element that begins or ends here.
   std::string_view element() const { return element_; }
-  /// How many elements are open around this place, its own included.
+  /// How many elements are open around this position, the present one included.
   std::size_t depth() const { return open_.size(); }
 
   /// An attribute of the element that begins here, its references (&amp;) resolved.
@@ -40,12 +40,12 @@ class XmlScanner {
   std::string_view rest() const { return text_.substr(at_); }
   void passOver(std::size_t size) { at_ += size; }
 
-  /// The line of a place in the text, counted from 1.
-  std::size_t lineOf(const char* place) const;
+  /// The line of a position in the text, counted from 1.
+  std::size_t lineOf(const char* position) const;
   /// Throws FileError that names this tag's line.
   [[noreturn]] void fail(const std::string& what) const;
-  /// The same for a place in the text.
-  [[noreturn]] void failAt(const char* place, const std::string& what) const;
+  /// The same for a position in the text.
+  [[noreturn]] void failAt(const char* position, const std::string& what) const;
 
  private:
   void tag();

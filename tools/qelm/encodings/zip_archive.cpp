@@ -41,17 +41,17 @@ ZipArchive::ZipArchive(std::string_view bytes, const std::string& name)
   if (found == bytes.npos) fail("not a ZIP archive, or cut short: it has no directory");
   const std::uint64_t end = begin + found;
   std::uint64_t count = word(end + 10, 2);
-  std::uint64_t place = word(end + 16, 4);
-  const bool is64 = (count == kMost16 || place == kMost32) && end >= kEnd64PlaceSize &&
+  std::uint64_t offset = word(end + 16, 4);
+  const bool is64 = (count == kMost16 || offset == kMost32) && end >= kEnd64PlaceSize &&
                     bytes.substr(end - kEnd64PlaceSize).starts_with(kEnd64Place);
   if (is64) {
     const std::uint64_t end64 = word(end - kEnd64PlaceSize + 8, 8);
     if (end64 > bytes.size() || !bytes.substr(end64).starts_with(kEnd64))
       fail("a damaged directory");
     count = word(end64 + 32, 8);
-    place = word(end64 + 48, 8);
+    offset = word(end64 + 48, 8);
   }
-  readDirectory(place, count);
+  readDirectory(offset, count);
 }
 
 void ZipArchive::fail(const std::string& what) const {

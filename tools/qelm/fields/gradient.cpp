@@ -43,13 +43,13 @@ Gradient gradientOf(const Mesh& mesh, std::span<const double> field) {
       gradient.withoutArea.push_back(t);
       continue;
     }
-    std::array<Point, 3> places;
+    std::array<Point, 3> points;
     std::array<double, 3> values;
     for (std::size_t k = 0; k < 3; ++k) {
-      places[k] = mesh.point(mesh.corners(t)[k]);
+      points[k] = mesh.point(mesh.corners(t)[k]);
       values[k] = field[asIndex(mesh.corners(t)[k])];
     }
-    const auto [vector, twiceArea] = gradientIn(places, values);
+    const auto [vector, twiceArea] = gradientIn(points, values);
     for (std::size_t axis = 0; axis < 3; ++axis)
       gradient.ofTriangles[3 * asIndex(t) + axis] = vector[axis];
     for (const int v : mesh.corners(t)) {

@@ -99,16 +99,16 @@ class LoopWalker {
   /// its first, nothing remains.
   void cutIntoLoops(const std::vector<int>& curve) {
     std::vector<int> open;
-    std::unordered_map<int, std::size_t> place;
+    std::unordered_map<int, std::size_t> position;  // of each vertex, in `open`
     for (const int v : curve) {
-      const auto [at, isNew] = place.try_emplace(v, open.size());
+      const auto [at, isNew] = position.try_emplace(v, open.size());
       if (isNew) {
         open.push_back(v);
         continue;
       }
       const auto first = open.begin() + static_cast<std::ptrdiff_t>(at->second);
       loops_.push_back(measured({first, open.end()}, true));
-      std::for_each(first + 1, open.end(), [&place](int passed) { place.erase(passed); });
+      std::for_each(first + 1, open.end(), [&position](int passed) { position.erase(passed); });
       open.erase(first + 1, open.end());
     }
     if (open.size() > 1) loops_.push_back(measured(std::move(open), false));

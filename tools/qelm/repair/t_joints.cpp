@@ -61,14 +61,14 @@ class TJoints {
          v != vertices_.end() && v->first <= high + tolerance_; ++v) {
       if (std::find(c.begin(), c.end(), v->second) != c.end()) continue;
       const Point way = mesh_.point(v->second) - p;
-      const double place = dot(way, along) / size;
+      const double distance = dot(way, along) / size;
       const double off = length(cross(way, along)) / size;
-      if (off <= tolerance_ && place > tolerance_ && place < size - tolerance_)
-        on.emplace_back(place, v->second);
+      if (off <= tolerance_ && distance > tolerance_ && distance < size - tolerance_)
+        on.emplace_back(distance, v->second);
     }
     std::sort(on.begin(), on.end());
     std::vector<int> vertices;
-    for (const auto& [place, v] : on) vertices.push_back(v);
+    for (const auto& [distance, v] : on) vertices.push_back(v);
     return vertices;
   }
 

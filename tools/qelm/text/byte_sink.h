@@ -6,7 +6,7 @@
 
 namespace qelm::tool {
 
-/// A file, or, in a test, a place in memory.
+/// A file or, in tests, memory.
 class ByteSink {
  public:
   virtual ~ByteSink() = default;
