@@ -1,9 +1,8 @@
-// Vertex welding: vertices nearer than a tolerance become one, and triangles that then have the
-// same vertices become one.
+// Vertex welding: vertices nearer than a tolerance become one.
 //
-// In: 3n coordinates, 3m indices, a tolerance. Out: the welded mesh, and each vertex's index there.
-// A cluster is what single linkage joins: a chain of vertices, each nearer than the tolerance to
-// the next. Union-find holds the clusters. Three steps find what to unite, the cheapest first:
+// In: 3n coordinates and a tolerance. Out: clusters of vertices in union-find, and their numbers. A
+// cluster is what single linkage joins: a chain of vertices, each nearer than the tolerance to the
+// next. Three steps find what to unite, the cheapest first:
 //
 //   1 weld_alone   coarse grid      a cube whose points are all near its first point, and far from
 //                                   its faces, is a cluster of its own: most of a triangle soup
@@ -35,13 +34,6 @@ DisjointSets uniteNeighbours(std::span<const double> vertices, double tolerance)
 /// Numbers the sets in the order of their lowest elements. Writes each element's
 /// number to `numbers` and returns the lowest elements.
 std::vector<std::int32_t> numberSets(DisjointSets& sets, std::span<std::int32_t> numbers);
-
-/// Writes to `welded` the triangles renumbered through `vertexMap`, corners in
-/// their own order. Left out: those that name a vertex twice, and those with the
-/// same three vertices as one before. Returns how many were written. The two
-/// triangle arrays may be the same.
-std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
-                           std::span<const std::int32_t> vertexMap, std::span<std::int32_t> welded);
 
 }  // namespace qelm
 
