@@ -4,8 +4,8 @@ namespace Qelm
 {
     /// <summary>
     /// What makes equations singular without the factorisation noticing: triangles without area, or so large or small
-    /// that entries are not finite, and parts of the mesh without a tagged vertex, whose level is undetermined. One
-    /// judgement, for <c>Mesh.Check</c> and <c>MeshSystem.Build</c> alike.
+    /// that entries are not finite, and parts of the mesh without a tagged vertex, whose fields are determined only up
+    /// to a constant. One judgement, for <c>Mesh.Check</c> and <c>MeshSystem.Build</c> alike.
     /// </summary>
     internal static unsafe class Solvability
     {
@@ -23,8 +23,8 @@ namespace Qelm
                 }
             }
             name = "tags";
-            int untied = FirstUntied(mesh);
-            return untied < 0 ? null : "no vertex of the part of the mesh with vertex " + Text.Of(untied)
+            int vertex = FirstInUntaggedPart(mesh);
+            return vertex < 0 ? null : "no vertex of the part of the mesh with vertex " + Text.Of(vertex)
                 + " is tagged 1, 2 or 3";
         }
 
@@ -66,8 +66,9 @@ namespace Qelm
             return Math.Max(Math.Abs(point[0]), Math.Max(Math.Abs(point[1]), Math.Abs(point[2])));
         }
 
-        /// <summary>The lowest vertex that no chain of triangles ties to a tagged one; -1 without any.</summary>
-        private static int FirstUntied(TaggedMesh mesh)
+        /// <summary>The lowest vertex of the connected parts without a tagged vertex; -1 if there are none. Parts come
+        /// from union-find over the triangles.</summary>
+        private static int FirstInUntaggedPart(TaggedMesh mesh)
         {
             var parent = new int[mesh.VertexCount];
             for (int i = 0; i < parent.Length; ++i)
@@ -77,17 +78,17 @@ namespace Qelm
             for (long t = 0; t < mesh.TriangleCount; ++t)
             {
                 int* corner = mesh.Triangles + 3 * t;
-                Join(parent, corner[0], corner[1]);
-                Join(parent, corner[0], corner[2]);
+                Unite(parent, corner[0], corner[1]);
+                Unite(parent, corner[0], corner[2]);
             }
-            var tied = new bool[parent.Length];
-            for (int i = 0; i < tied.Length; ++i)
+            var isTagged = new bool[parent.Length];
+            for (int i = 0; i < isTagged.Length; ++i)
             {
-                tied[Root(parent, i)] |= VertexOrder.IsPrescribed(mesh.Tags[i]);
+                isTagged[Root(parent, i)] |= VertexOrder.IsPrescribed(mesh.Tags[i]);
             }
-            for (int i = 0; i < tied.Length; ++i)
+            for (int i = 0; i < isTagged.Length; ++i)
             {
-                if (!tied[Root(parent, i)])
+                if (!isTagged[Root(parent, i)])
                 {
                     return i;
                 }
@@ -95,7 +96,7 @@ namespace Qelm
             return -1;
         }
 
-        private static void Join(int[] parent, int a, int b)
+        private static void Unite(int[] parent, int a, int b)
         {
             parent[Root(parent, a)] = Root(parent, b);
         }
