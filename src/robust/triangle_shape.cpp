@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <tuple>
 
+#include "interface/index.h"
+
 namespace qelm {
 namespace {
 
@@ -148,8 +150,8 @@ Cotangents cotangentsOf(const std::array<double, 3>& numerators, double denomina
   const double sizes =
       std::fabs(numerators[0]) + std::fabs(numerators[1]) + std::fabs(numerators[2]);
   if (isHigh(denominator, sizes)) return quotients(numerators, denominator);
-  const auto apex = static_cast<std::size_t>(
-      std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
+  const auto apex =
+      asIndex(std::min_element(numerators.begin(), numerators.end()) - numerators.begin());
   return raisedIfFlat(numerators, denominator,
                       numerators[(apex + 1) % 3] + numerators[(apex + 2) % 3], apex);
 }

@@ -70,7 +70,7 @@ std::int32_t weldTriangles(std::span<const std::int32_t> triangles,
         return triangleKey({corner[0], corner[1], corner[2]}) == next.key;
       });
       if (found != count) continue;
-      std::ranges::copy(next.corners, welded.begin() + 3 * static_cast<std::ptrdiff_t>(count));
+      std::ranges::copy(next.corners, &welded[3 * asIndex(count)]);
       ++count;
     }
   }

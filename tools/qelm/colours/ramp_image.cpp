@@ -28,7 +28,7 @@ constexpr int kChannels = 3;
 
 std::string rampImage(const Ramp& ramp) {
   std::vector<std::uint8_t> pixels;
-  pixels.reserve(static_cast<std::size_t>(kWidth) * kHeight * kChannels);
+  pixels.reserve(asIndex(kWidth) * kHeight * kChannels);
   for (int y = 0; y < kHeight; ++y)
     for (int x = 0; x < kWidth; ++x) {
       const Colour colour = ramp(1.0 - static_cast<double>(x) / (kWidth - 1));

@@ -66,7 +66,7 @@ void write(const SolvedField& solved, const std::vector<Gradient>& gradients,
                                    ? FieldColumns{fieldTitles(solved.fieldCount()), solved.fields}
                                    : withGradients(solved.fields, gradients);
   if (format == ".npy")
-    writeNpy(columns.values, static_cast<std::size_t>(solved.mesh.vertexCount()), file);
+    writeNpy(columns.values, asIndex(solved.mesh.vertexCount()), file);
   else
     writeFieldCsv(solved.mesh, columns.titles, columns.values, file);
 }

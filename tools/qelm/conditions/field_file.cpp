@@ -55,13 +55,13 @@ class FieldCsv {
     });
     if (isHeader) {
       const auto vertex = std::find(titles.begin(), titles.end(), "vertex");
-      if (vertex != titles.end()) vertex_ = static_cast<std::size_t>(vertex - titles.begin());
+      if (vertex != titles.end()) vertex_ = asIndex(vertex - titles.begin());
     }
     const std::string wanted = source_.column.empty() ? "value" : source_.column;
     const auto found = std::find(titles.begin(), titles.end(), wanted);
     const auto number = parseInteger(source_.column);
     if (isHeader && found != titles.end())
-      column_ = static_cast<std::size_t>(found - titles.begin());
+      column_ = asIndex(found - titles.begin());
     else if (number && *number >= 0 && asIndex(*number) < count_)
       column_ = asIndex(*number);
     else if (source_.column.empty() && count_ == 1)

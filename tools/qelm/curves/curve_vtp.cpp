@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mesh_files/vtk_writer.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 
@@ -22,11 +23,11 @@ void writeCurvesVtp(std::span<const FieldCurves> fields, ByteSink& file) {
     const CurveSet& curves = fields[f].curves;
     for (std::size_t c = 0; c < curves.size(); ++c) {
       const Curve curve = curves[c];
-      const int first = static_cast<int>(points.size() / 3);
-      for (std::size_t k = 0; k < curve.size(); ++k) corners.push_back(first + static_cast<int>(k));
+      const int first = asInt(points.size() / 3);
+      for (std::size_t k = 0; k < curve.size(); ++k) corners.push_back(first + asInt(k));
       if (curve.closed) corners.push_back(first);
       points.insert(points.end(), curve.coordinates.begin(), curve.coordinates.end());
-      ends.push_back(static_cast<int>(corners.size()));
+      ends.push_back(asInt(corners.size()));
       levels.push_back(curves.levels()[curve.level]);
       numbers.push_back(static_cast<double>(f));
     }

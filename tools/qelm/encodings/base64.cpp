@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "text/index.h"
+
 namespace qelm::tool {
 namespace {
 
@@ -87,7 +89,7 @@ std::optional<std::string> fromBase64(std::string_view text) {
     letters = padding = 0;
   }
   if (letters != 0) return {};
-  bytes.resize(static_cast<std::size_t>(to - bytes.data()));
+  bytes.resize(asIndex(to - bytes.data()));
   return bytes;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -57,7 +58,7 @@ void XmlScanner::failAt(const char* position, const std::string& what) const {
 }
 
 std::size_t XmlScanner::lineOf(const char* position) const {
-  return 1 + static_cast<std::size_t>(std::count(text_.data(), position, '\n'));
+  return 1 + asIndex(std::count(text_.data(), position, '\n'));
 }
 
 XmlScanner::Event XmlScanner::next() {

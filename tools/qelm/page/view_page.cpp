@@ -1,5 +1,7 @@
 #include "page/view_page.h"
 
+#include "text/index.h"
+
 #ifdef QELM_VIEW_PAGE
 
 // The file as it is: a page is some hundred kilobytes, for which compilers are slow.
@@ -26,7 +28,7 @@ extern "C" const char qelmViewPageEnd[];
 
 namespace qelm::tool {
 std::string_view viewPage() {
-  return {qelmViewPageBegin, static_cast<std::size_t>(qelmViewPageEnd - qelmViewPageBegin)};
+  return {qelmViewPageBegin, asIndex(qelmViewPageEnd - qelmViewPageBegin)};
 }
 }  // namespace qelm::tool
 
