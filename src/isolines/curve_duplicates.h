@@ -9,7 +9,7 @@
 //        a ==edge=== b          ->          |a         b|
 //    ... 1 --------- 3 ...              ... 1           3 ...
 //
-// Costs sorting the segments that run along edges, and one pass over the triangles if there are
+// Cost: sorting the segments that run along edges, and one pass over the triangles if there are
 // duplicates.
 #ifndef QELM_ISOLINES_CURVE_DUPLICATES_H
 #define QELM_ISOLINES_CURVE_DUPLICATES_H

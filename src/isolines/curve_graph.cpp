@@ -90,9 +90,8 @@ class PointWriter {
   Vec3* next_;
 };
 
-/// Stores a link with higher values at its left in links[0], another one in links[1]. That element
-/// is taken only between triangles that are not oriented alike; then the link goes to the other
-/// one.
+/// Stores a link with higher values at its left in links[0], another one in links[1]; in the other
+/// element if that one is taken, as happens between triangles that are not oriented alike.
 void addLink(NodeLinks& links, std::uint32_t to, bool highAtLeft) {
   const std::size_t preferred = highAtLeft ? 0 : 1;
   const bool taken = links[preferred] != kNoLink;

@@ -11,7 +11,9 @@
 //
 // A node gets one link from each triangle at its edge. An edge where more than two triangles meet
 // has a set of nodes for each of them, so that curves end there: no node has more than two links,
-// and following the links gives the curves. Linear in the crossings.
+// and following the links gives the curves.
+//
+// Cost: linear in the crossings.
 #ifndef QELM_ISOLINES_CURVE_GRAPH_H
 #define QELM_ISOLINES_CURVE_GRAPH_H
 

@@ -7,6 +7,9 @@
 //   values            0.5   2.0   3.7           rank     0     2     3
 //
 //   the edge between the first two vertices, of ranks 0 and 2, is crossed by levels 0 and 1
+//
+// Cost: sorting the levels, and for each vertex a guess, or a binary search where the guess is
+// wrong.
 #ifndef QELM_ISOLINES_CURVE_LEVELS_H
 #define QELM_ISOLINES_CURVE_LEVELS_H
 

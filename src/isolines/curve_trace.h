@@ -10,7 +10,9 @@
 //                                           closed curves
 //   a closed curve                          starts at its least point
 //
-// and the curves are sorted by level and points. Linear in the nodes, plus the sorting.
+// and the curves are sorted by level and points.
+//
+// Cost: linear in the nodes, and sorting the curves.
 #ifndef QELM_ISOLINES_CURVE_TRACE_H
 #define QELM_ISOLINES_CURVE_TRACE_H
 

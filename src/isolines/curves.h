@@ -11,8 +11,8 @@
 //       .            .
 //        a 1 ---2--- d 3        level curve: 0, 1, 2
 //
-// Linear in the triangles and the crossings, plus sorting the curves. (Lorensen and Cline, Marching
-// cubes, SIGGRAPH 1987, in three dimensions.)
+// Cost: linear in the triangles and the crossings, and sorting the curves. (Lorensen and Cline,
+// Marching cubes, SIGGRAPH 1987, in three dimensions.)
 #ifndef QELM_ISOLINES_CURVES_H
 #define QELM_ISOLINES_CURVES_H
 

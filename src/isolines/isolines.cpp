@@ -7,8 +7,9 @@
 //
 // Only the levels that can pass are looked at, found by binary search (sorted_levels.h), and
 // positions are computed a second time where points are written, not stored: the same operations on
-// the same numbers give the same bits. Time proportional to the triangles, the candidates and the
-// segments.
+// the same numbers give the same bits.
+//
+// Cost: proportional to the triangles, the levels that are looked at, and the segments.
 #include "isolines/isolines.h"
 
 #include <algorithm>

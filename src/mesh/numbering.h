@@ -7,7 +7,7 @@
 //   system order    0  1  2  3  4
 //   input order     1  4  3  2  0        toInput[system index], its inverse
 //
-// One pass over the tags, one over the coordinates, one over the triangles.
+// Cost: one pass over the tags, one over the coordinates, one over the triangles.
 #ifndef QELM_MESH_NUMBERING_H
 #define QELM_MESH_NUMBERING_H
 

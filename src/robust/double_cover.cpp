@@ -22,8 +22,9 @@ class OrientedParts {
     for (std::size_t t = 0; t < triangleCount; ++t) links_[t] = linkTo(t, 0);
   }
 
-  /// Joins two triangles that share an edge, and of which one must be turned over if they
-  /// `disagree`. False if one part has both already, and has them otherwise.
+  /// Joins two triangles that share an edge; exactly one of them must be turned over if they
+  /// `disagree`, both or none if not. False if both are in one part already, which has decided
+  /// otherwise.
   bool unite(std::int32_t a, std::int32_t b, bool disagree) {
     const std::uint32_t rootA = root(a), rootB = root(b);
     const std::uint32_t turned = (rootA ^ rootB ^ (disagree ? 1 : 0)) & 1;
@@ -51,8 +52,8 @@ class OrientedParts {
     return here;
   }
 
-  /// Twice the number of a triangle of the part that is no higher, and 1 if the two are turned
-  /// against each other.
+  /// For each triangle a link to a triangle of its part with no higher number: twice that number,
+  /// plus 1 if the two are turned against each other.
   std::vector<std::uint32_t> links_;
 };
 
@@ -100,7 +101,8 @@ class Gluing {
       inPairs = inPairs && halfEdges.size() == 2;
       if (!inPairs) return;
       const std::int32_t g = halfEdges[0].number(), h = halfEdges[1].number();
-      // Each as seen from a triangle that is not turned over: then the other one is if they agree.
+      // Each triangle notes its twin as if it were not turned over itself: then its neighbour is
+      // turned over if their half-edges agree.
       const bool agree = halfEdges[0].leadsUp() == halfEdges[1].leadsUp();
       cover.twin[asIndex(g)] = agree ? turnedOver(h) : h;
       cover.twin[asIndex(h)] = agree ? turnedOver(g) : g;
@@ -143,9 +145,9 @@ class Gluing {
     cover.twin[asIndex(h)] = g;
   }
 
-  /// Glues the face of each triangle that looks at the next triangle around the edge to the face of
-  /// that one that looks back. The front looks at the next triangle if the half-edge leads from the
-  /// lower to the higher vertex.
+  /// For each triangle around the edge, glues the face that looks at the next triangle to the next
+  /// triangle's face that looks back. The front looks at the next triangle if the half-edge leads
+  /// from the lower to the higher vertex.
   static void glueAround(DoubleCover& cover, std::span<const MeshHalfEdge> halfEdges) {
     for (std::size_t i = 0; i < halfEdges.size(); ++i) {
       const MeshHalfEdge here = halfEdges[i];

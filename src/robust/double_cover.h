@@ -17,8 +17,9 @@
 //
 // If every other edge has two triangles and each part of the mesh is orientable, the two sheets are
 // copies of each other, and one is enough: that of the fronts, with some triangles turned over so
-// that each part is oriented like its first triangle. Linear in the triangles, but for sorting edge
-// fans.
+// that each part is oriented like its first triangle.
+//
+// Cost: linear in the triangles, but for sorting edge fans.
 #ifndef QELM_ROBUST_DOUBLE_COVER_H
 #define QELM_ROBUST_DOUBLE_COVER_H
 

@@ -82,7 +82,7 @@ class Flipper {
     std::int64_t seen = 0;
     for (HalfEdge h = 0; asIndex(h) < cover_.size(); ++h) {
       const HalfEdge g = cover_.twin[asIndex(h)];
-      if (g < h || !isNotDelaunay(h)) continue;  // without twin, or seen from there
+      if (g < h || !isNotDelaunay(h)) continue;  // without twin, or counted at its twin
       enqueue(h);
       if (g < cover_.fronts() || (h < cover_.fronts() && g == cover_.back(h)))
         seen += 2;

@@ -12,9 +12,12 @@
 //
 // The new edge lies in the surface, also where the two triangles are not in one plane. The new
 // cotangents follow from the old ones alone. A queue holds the edges that are not Delaunay; each
-// flip can add its four neighbours. (Bobenko and Springborn, A discrete Laplace-Beltrami operator
-// for simplicial surfaces, 2007, who show that the flips end; Fisher, Springborn, Schroeder and
-// Bobenko, An algorithm for the construction of intrinsic Delaunay triangulations, 2007.)
+// flip can add its four neighbours.
+//
+// Cost: a look at each edge, and at five for each flip. (Bobenko and Springborn, A discrete
+// Laplace-Beltrami operator for simplicial surfaces, 2007, who show that the flips end; Fisher,
+// Springborn, Schroeder and Bobenko, An algorithm for the construction of intrinsic Delaunay
+// triangulations, 2007.)
 #ifndef QELM_ROBUST_FLIPS_H
 #define QELM_ROBUST_FLIPS_H
 

@@ -2,7 +2,8 @@
 //
 // In: triangles. Half-edge 3 t + k leads from corner k of triangle t to the next corner. Out: the
 // half-edges sorted by their lower vertex, their higher vertex and their own number: by counting
-// sort into a bucket for each lower vertex, then each bucket, which is small, by itself. Linear.
+// sort into a bucket for each lower vertex, then each bucket, which is small, by itself. Cost:
+// linear in the triangles.
 //
 //   triangles (0,1,2) (0,2,3)    half-edges 0:0-1 1:1-2 2:2-0 3:0-2 4:2-3 5:3-0
 //

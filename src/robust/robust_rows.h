@@ -6,6 +6,8 @@
 //   edge ij with the opposite cotangents c and c', on s sheets      w = (c + c') / (2 s)
 //
 //   K_ij -= w,  K_ii += w,  K_jj += w
+//
+// Cost: three walks over the cover's half-edges, and a counting sort of its edges by row.
 #ifndef QELM_ROBUST_ROBUST_ROWS_H
 #define QELM_ROBUST_ROBUST_ROWS_H
 

@@ -12,7 +12,7 @@
 //   cells in two dimensions, in the curve's order      0 1 4 5
 //                                                      2 3 6 7
 //
-// Vertices near in space are then near in memory, mostly. Takes sorting the vertices. (Morton, A
+// Vertices near in space are then near in memory, mostly. Cost: sorting the vertices. (Morton, A
 // computer oriented geodetic data base and a new technique in file sequencing, 1966.)
 //
 // Right-hand sides are still summed in the caller's order. Their rounding does not grow: off the
