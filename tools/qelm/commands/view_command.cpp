@@ -197,6 +197,20 @@ ReportItem levelReport(const SolvedField& solved, std::size_t k,
           k == 0 ? Json{{"levels", levels}} : Json::object()};
 }
 
+/// Fills in `page` with the solved fields, at these levels of each.
+void writePage(const std::string& page, const SolvedField& solved, const ViewOptions& options,
+               const FirstView& view, const ColourChoice& colours,
+               const std::vector<std::vector<double>>& levels, OutputFile& file) {
+  const UsedPart part = usedPart(solved.mesh);
+  writeFilled(
+      page,
+      {{kTitleMark, inHtml(titleOf(solved, options)) + " \u2013 qelm"},
+       {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, colours, levels))},
+       {kMeshMark, toBase64(pageDataOf(solved, part, colours.ramp(), isExact(solved, options)))}},
+      file);
+  file.commit();
+}
+
 }  // namespace
 
 void runView(const ViewOptions& options, const OutputOptions& output) {
@@ -218,21 +232,12 @@ void runView(const ViewOptions& options, const OutputOptions& output) {
   std::vector<std::vector<double>> levels;
   std::vector<ReportItem> reports;
   for (std::size_t k = 0; k < solved.fieldCount(); ++k) {
-    colours.scaleFor(rangeOf(solved.field(k)),
-                     console);  // for its note: the page colours by itself
+    // For its note: the page colours by itself.
+    colours.scaleFor(rangeOf(solved.field(k)), console);
     levels.push_back(levelsOf(choice, solved, k, console));
     reports.push_back(levelReport(solved, k, levels[k]));
   }
-  solved.steps.run("write", [&] {
-    const UsedPart part = usedPart(solved.mesh);
-    writeFilled(
-        page,
-        {{kTitleMark, inHtml(titleOf(solved, options)) + " \u2013 qelm"},
-         {kFactsMark, inScript(pageFacts(solved, part.mesh, options, view, colours, levels))},
-         {kMeshMark, toBase64(pageDataOf(solved, part, colours.ramp(), isExact(solved, options)))}},
-        file);
-    file.commit();
-  });
+  solved.steps.run("write", [&] { writePage(page, solved, options, view, colours, levels, file); });
   reportField(solved, {options.output == "-" ? "standard output" : options.output}, output, console,
               reports);
 }

@@ -132,11 +132,8 @@ void printRanges(const SolvedField& solved, const Console& console) {
   }
 }
 
-void printLines(const SolvedField& solved, const std::vector<std::string>& results,
-                const Console& console, const std::vector<ReportItem>& more) {
-  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
-                           solved.mesh.vertexCount(), solved.mesh.triangleCount()));
-  if (solved.given.size() == 1) console.line("field    " + solved.given[0]);
+/// What the field was solved for.
+void printConditions(const SolvedField& solved, const Console& console) {
   if (solved.given.empty())
     console.line(fmt::format("fixed    {} vertices", solved.prescribed.fixedCount));
   if (solved.fromFile > 0) console.line(fmt::format("         from the file: {}", solved.fromFile));
@@ -146,6 +143,14 @@ void printLines(const SolvedField& solved, const std::vector<std::string>& resul
   if (solved.loadPerArea)
     console.line(fmt::format("load     {} per area, {} in all", *solved.loadPerArea,
                              digits(totalLoad(solved))));
+}
+
+void printLines(const SolvedField& solved, const std::vector<std::string>& results,
+                const Console& console, const std::vector<ReportItem>& more) {
+  console.line(fmt::format("mesh     {}: {} vertices, {} triangles", solved.meshName,
+                           solved.mesh.vertexCount(), solved.mesh.triangleCount()));
+  if (solved.given.size() == 1) console.line("field    " + solved.given[0]);
+  printConditions(solved, console);
   printRanges(solved, console);
   if (solved.robust)
     console.line("matrix   " + (solved.robust->changed != 0
