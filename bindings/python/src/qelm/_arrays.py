@@ -18,6 +18,7 @@ from .errors import FieldError, MeshError
 Doubles = npt.NDArray[np.float64]
 Ints = npt.NDArray[np.int32]
 
+DOUBLE = np.dtype(np.float64)
 _INT32 = np.iinfo(np.int32)
 
 
@@ -37,10 +38,10 @@ def first(wrong: npt.NDArray[Any]) -> int:
 
 def is_finite(array: Doubles) -> bool:
     """Whether all numbers are finite."""
-    return np.count_nonzero(np.isfinite(array)) == array.size
+    return bool(np.isfinite(array).all())
 
 
-def is_ready(array: object, dtype: type) -> bool:
+def is_ready(array: object, dtype: np.dtype[Any]) -> bool:
     """Whether the library can read an array where it lies."""
     if type(array) is not np.ndarray or array.dtype != dtype:
         return False
@@ -78,7 +79,7 @@ def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
 
 def doubles(argument: object, name: str) -> Doubles:
     """float64, C-contiguous, aligned; masked elements are the caller's business."""
-    if is_ready(argument, np.float64):
+    if is_ready(argument, DOUBLE):
         return argument  # type: ignore[return-value]
     with np.errstate(over="ignore"):
         return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
@@ -246,7 +247,7 @@ def require_finite_numbers(
     array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
 ) -> None:
     """Raises FieldError for the first number that is not finite, of those in the places `read`."""
-    looked_at = array if read is None else array[..., read]
+    looked_at = array if read is None else array.take(read, axis=-1)
     if not is_finite(looked_at):
         _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
 
@@ -274,13 +275,13 @@ def _require_none(
 def levels(argument: object, name: str = "levels") -> Doubles:
     """(l,) float64, finite."""
     array = doubles(argument, name)
-    if np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
+    if array is not argument and np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
         raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
     array = array.reshape(1) if array.ndim == 0 else array
     if array.ndim != 1:
         raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
-    place = first(~np.isfinite(array))
-    if place >= 0:
+    if not is_finite(array):
+        place = first(~np.isfinite(array))
         raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
     if len(array) > _INT32.max:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")

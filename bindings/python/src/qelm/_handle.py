@@ -20,10 +20,11 @@ from ._native import library
 class Handle:
     """Owns a MeshSystem of the C interface."""
 
-    __slots__ = ("__weakref__", "_free", "pointer")
+    __slots__ = ("__weakref__", "_free", "is_finite", "pointer")
 
     def __init__(self, pointer: c_void_p) -> None:
         self.pointer = pointer
+        self.is_finite = False  # Whether a solve has shown that all numbers of the factorisation are.
         # At the interpreter's exit this module's names may be gone before the handle.
         self._free = library().qelmfree
 

@@ -8,7 +8,7 @@ from typing import Any, NoReturn, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays
+from . import _arrays, _float_flags
 from ._handle import Handle
 from ._native import library, require_ok
 from .errors import FieldError, SingularSystemError
@@ -28,7 +28,7 @@ def prescribed_values(values: npt.ArrayLike, fixed: npt.NDArray[np.intp], vertex
             f"values: the shape is {array.shape}, must be ({vertex_count},) for all vertices or "
             f"({len(fixed)},) for the fixed ones, or two-dimensional for many fields"
         )
-    if isinstance(values, np.ma.MaskedArray):
+    if array is not values and isinstance(values, np.ma.MaskedArray):
         return _arrays.per_vertex(values, vertex_count, "values", fixed)
     _arrays.require_finite_numbers(array, "values", fixed)
     return array
@@ -47,9 +47,13 @@ def solve(
     # The library allows the same array on both sides, but no other overlap.
     is_apart = out is None or not (_overlap(out, prescribed) or (loads is not None and _overlap(out, loads)))
     target = result if is_apart else np.empty_like(result)
-    _call(handle, prescribed, loads, target)
-    if not _arrays.is_finite(target):
-        _refuse_result(target)
+    stayed_finite = _call(handle, prescribed, loads, target)
+    if not (stayed_finite and handle.is_finite):
+        if not _arrays.is_finite(target):
+            _refuse_result(target)
+        # A solve reads all of the factorisation: what is not finite there would show in the result.
+        if stayed_finite and target.size:
+            handle.is_finite = True
     if target is not result:
         result[...] = target
     return result
@@ -66,7 +70,7 @@ def _alike(
 
 
 def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
-    if not _arrays.is_ready(out, np.float64) or out.shape != shape or not out.flags.writeable:
+    if not _arrays.is_ready(out, _arrays.DOUBLE) or out.shape != shape or not out.flags.writeable:
         raise FieldError(
             f"out: an array of shape {shape} and type float64 is needed, C-contiguous, aligned and writeable"
         )
@@ -83,18 +87,24 @@ def _call(
     prescribed: npt.NDArray[np.float64],
     loads: Optional[npt.NDArray[np.float64]],
     result: npt.NDArray[np.float64],
-) -> None:
+) -> bool:
+    """Whether the calculation stayed within the finite numbers; False also where that cannot be known."""
     address, status = _arrays.address, c_int()
+    arguments: Tuple[Optional[int], ...]
     where = (address(prescribed), None if loads is None else address(loads), address(result))
     if prescribed.ndim == 2:
         if len(prescribed) > np.iinfo(np.int32).max:
             raise FieldError(f"values: {len(prescribed)} fields are more than the library can number")
-        library().qelmsolveManyTagged(handle.pointer, len(prescribed), *where, byref(status))
+        function, arguments = library().qelmsolveManyTagged, (len(prescribed), *where)
     elif loads is None:
-        library().qelmsolveTagged(handle.pointer, where[0], where[2], byref(status))
+        function, arguments = library().qelmsolveTagged, (where[0], where[2])
     else:
-        library().qelmsolvePTagged(handle.pointer, *where, byref(status))
+        function, arguments = library().qelmsolvePTagged, where
+    _float_flags.lower()
+    function(handle.pointer, *arguments, byref(status))
+    stayed_finite = _float_flags.are_low()
     require_ok(status.value)
+    return stayed_finite
 
 
 def _refuse_result(result: npt.NDArray[np.float64]) -> NoReturn:

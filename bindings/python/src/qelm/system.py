@@ -294,7 +294,7 @@ class MeshSystem(SystemOwner):
         array = _arrays.doubles(field, "field")
         if array.shape != (self.vertex_count,):
             raise FieldError(f"field: the shape is {array.shape}, must be ({self.vertex_count},): one per vertex")
-        if isinstance(field, np.ma.MaskedArray):
+        if array is not field and isinstance(field, np.ma.MaskedArray):
             return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
         return array
 
