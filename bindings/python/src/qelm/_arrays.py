@@ -7,6 +7,7 @@ is wrong.
 
 from __future__ import annotations
 
+import math
 import numbers
 from typing import Any, Optional
 
@@ -19,7 +20,8 @@ Doubles = npt.NDArray[np.float64]
 Ints = npt.NDArray[np.int32]
 
 DOUBLE = np.dtype(np.float64)
-_INT32 = np.iinfo(np.int32)
+#: The range of a C int.
+LEAST_INT, MOST_INT = -(2**31), 2**31 - 1
 
 
 def address(array: npt.NDArray[Any]) -> int:
@@ -107,7 +109,7 @@ def require_count(count: int, name: str, element: str) -> None:
     """Raises MeshError unless a C int can say how many there are, and there is one."""
     if count < 1:
         raise MeshError(f"{name}: there is no {element}")
-    if count > _INT32.max:
+    if count > MOST_INT:
         raise MeshError(f"{name}: there are {count}, more than the library can number; divide the mesh")
 
 
@@ -180,8 +182,8 @@ def triangle_indices(argument: object, vertex_count: int, name: str = "triangles
 def any_indices(argument: object, name: str = "triangles") -> Ints:
     """(m, 3) int32; what int32 cannot express becomes -1, which is no vertex either."""
     array = corners(argument, name)
-    if array.min() < _INT32.min or array.max() > _INT32.max:
-        array = np.where((array < 0) | (array > _INT32.max), -1, array)
+    if array.min() < LEAST_INT or array.max() > MOST_INT:
+        array = np.where((array < 0) | (array > MOST_INT), -1, array)
     return np.require(array, np.int32, ["C", "A"])
 
 
@@ -194,7 +196,7 @@ def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
     array = whole(array, name, "vertex")
     if array.shape != (vertex_count,):
         raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex")
-    place = first((array < _INT32.min) | (array > _INT32.max))
+    place = first((array < LEAST_INT) | (array > MOST_INT))
     if place >= 0:
         raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")
     return np.require(array, np.int32, ["C", "A"])
@@ -280,9 +282,9 @@ def levels(argument: object, name: str = "levels") -> Doubles:
     array = array.reshape(1) if array.ndim == 0 else array
     if array.ndim != 1:
         raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
-    if not is_finite(array):
-        place = first(~np.isfinite(array))
-        raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
-    if len(array) > _INT32.max:
+    for place, level in enumerate(array.tolist()):
+        if not math.isfinite(level):
+            raise FieldError(f"{name}: level {place} is {level}; levels must be finite")
+    if len(array) > MOST_INT:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
     return array

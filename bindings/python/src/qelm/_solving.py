@@ -93,7 +93,7 @@ def _call(
     arguments: Tuple[Optional[int], ...]
     where = (address(prescribed), None if loads is None else address(loads), address(result))
     if prescribed.ndim == 2:
-        if len(prescribed) > np.iinfo(np.int32).max:
+        if len(prescribed) > _arrays.MOST_INT:
             raise FieldError(f"values: {len(prescribed)} fields are more than the library can number")
         function, arguments = library().qelmsolveManyTagged, (len(prescribed), *where)
     elif loads is None:

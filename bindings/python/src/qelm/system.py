@@ -207,14 +207,14 @@ class MeshSystem(SystemOwner):
         """
         handle, pointer = self._alive(), c_void_p()
         library().qelverts(handle.pointer, byref(pointer))
-        return lent(handle, pointer, (self.vertex_count, 3), np.float64)
+        return lent(handle, pointer.value, (self.vertex_count, 3), np.float64)
 
     @property
     def system_triangles(self) -> npt.NDArray[np.int32]:
         """Triangles in input order, their vertices in system numbering, shape (m, 3): a read-only view."""
         handle, pointer = self._alive(), c_void_p()
         library().qeltris(handle.pointer, byref(pointer))
-        return lent(handle, pointer, (self.triangle_count, 3), np.int32)
+        return lent(handle, pointer.value, (self.triangle_count, 3), np.int32)
 
     @property
     def vertices(self) -> npt.NDArray[np.float64]:
