@@ -11,7 +11,7 @@ from __future__ import annotations
 import platform
 import sys
 from ctypes import CDLL, byref, c_int, c_ushort, c_void_p
-from typing import Optional
+from typing import Callable, Optional
 
 # The processor's own numbers of its flags, which <fenv.h> has on Linux.
 _INVALID, _DIVISION_BY_ZERO, _OVERFLOW, _UNDERFLOW = 1, 4, 8, 16
@@ -37,12 +37,11 @@ def _load() -> Optional[CDLL]:
 _MATHS = _load()
 
 
-def lower() -> None:
-    """Begins to watch the calculations of this thread."""
-    if _MATHS is not None:
-        _MATHS.fesetexceptflag(byref(_MARK), _ALL)
-
-
-def are_low() -> bool:
-    """Whether this thread has stayed within the finite numbers since; False also where that cannot be known."""
-    return _MATHS is not None and _MATHS.fetestexcept(_ALL) == _UNDERFLOW
+def stays_finite(function: Callable[..., None], *arguments: object) -> bool:
+    """Calls a function; whether it stayed within the finite numbers. False also where that cannot be known."""
+    if _MATHS is None:
+        function(*arguments)
+        return False
+    _MATHS.fesetexceptflag(byref(_MARK), _ALL)
+    function(*arguments)
+    return bool(_MATHS.fetestexcept(_ALL) == _UNDERFLOW)
