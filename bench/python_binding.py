@@ -132,7 +132,7 @@ def ratios(size):
     mesh = grid(size)
     field = mesh[0][:, 0] + np.sin(9 * mesh[0][:, 1])
     for what, calls in pairs(mesh, np.linspace(-0.5, 1.5, LEVELS), field).items():
-        found = medians(calls, 7 if what.startswith("construct") else 31)
+        found = medians(calls, 7 if what.startswith("construct") else 101)
         yield what, found["qelm"] / found["bare"], 1000 * found["qelm"]
 
 
