@@ -45,6 +45,13 @@ def test_numpy_in_between_counts_as_a_raised_flag():
     assert not _float_flags.stays_finite(np.add, np.ones(3), 1)
 
 
+def test_numpy_takes_no_flag_of_a_solve_for_its_own(solved):
+    with np.errstate(all="raise"):
+        for calculate in (np.sqrt, np.linalg.norm, np.sum, lambda x: x[0] * 2.0, lambda x: x.astype(np.float32)):
+            solved.solve(VERTICES[:, 0])
+            calculate(np.array([1.5, 2.5]))
+
+
 @knows_flags
 def test_only_the_first_result_of_a_system_is_looked_at(monkeypatch):
     looked_at = []

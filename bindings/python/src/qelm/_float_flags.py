@@ -16,8 +16,8 @@ from typing import Callable, Optional
 # The processor's own numbers of its flags, which <fenv.h> has on Linux.
 _INVALID, _DIVISION_BY_ZERO, _OVERFLOW, _UNDERFLOW = 1, 4, 8, 16
 _ALL = _INVALID | _DIVISION_BY_ZERO | _OVERFLOW | _UNDERFLOW
-# Underflow is raised from the start, as a mark. numpy lowers all flags: where a signal handler or a
-# finaliser calls numpy during the calculation, the mark is gone.
+# Underflow is raised beforehand, as a mark. numpy lowers all flags before it calculates: where a signal
+# handler or a finaliser has called it in between, the mark is gone.
 _MARK = c_ushort(_UNDERFLOW)
 
 
