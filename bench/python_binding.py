@@ -4,7 +4,8 @@ usage: python_binding.py LIBRARY [SIZE ...]
 
 The bare function is called through ctypes with prepared pointers, which costs a microsecond
 more than a call from C. Contenders take turns in one process on one core; medians of processor time
-count, but for the threads, whose clock is the wall's.
+count, but for the threads, whose clock is the wall's. A solve on a large mesh leaves nothing of the
+binding in the processor's cache, so that the next call has a larger overhead than one on a tiny mesh.
 """
 
 import gc
