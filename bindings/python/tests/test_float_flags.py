@@ -99,3 +99,18 @@ def test_without_flags_every_result_is_looked_at(solved, monkeypatch):
     with pytest.raises(qelm.SingularSystemError, match="the solution is"):
         solved.solve(np.full(N, 1.7e308), np.full(N, -1.7e308))
     assert np.isfinite(solved.solve(VERTICES[:, 0])).all()
+
+
+@pytest.mark.parametrize("where", [("linux", "aarch64"), ("win32", "AMD64"), ("darwin", "x86_64")])
+def test_flags_are_not_asked_where_their_numbers_may_be_others(where, monkeypatch):
+    monkeypatch.setattr(sys, "platform", where[0])
+    monkeypatch.setattr(platform, "machine", lambda: where[1])
+    assert _float_flags._load() is None
+
+
+def test_flags_are_not_asked_without_the_c_library_for_them(monkeypatch):
+    def missing(name):
+        raise OSError(f"{name}: cannot open shared object file")
+
+    monkeypatch.setattr(_float_flags, "CDLL", missing)
+    assert _float_flags._load() is None
