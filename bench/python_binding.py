@@ -4,7 +4,8 @@ usage: python_binding.py LIBRARY [SIZE ...]
 
 The bare function is called through ctypes with prepared pointers, which costs a microsecond
 more than a call from C. Contenders take turns in one process on one core; medians of processor time
-count, but for the threads, whose clock is the wall's.
+count, but for the threads, whose clock is the wall's. A solve on a large mesh leaves nothing of the
+binding in the processor's cache, so that the next call has a larger overhead than one on a tiny mesh.
 """
 
 import gc
@@ -132,7 +133,7 @@ def ratios(size):
     mesh = grid(size)
     field = mesh[0][:, 0] + np.sin(9 * mesh[0][:, 1])
     for what, calls in pairs(mesh, np.linspace(-0.5, 1.5, LEVELS), field).items():
-        found = medians(calls, 7 if what.startswith("construct") else 31)
+        found = medians(calls, 7 if what.startswith("construct") else 101)
         yield what, found["qelm"] / found["bare"], 1000 * found["qelm"]
 
 

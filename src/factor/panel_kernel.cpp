@@ -12,39 +12,12 @@
 #include "factor/panel_kernel.h"
 
 #include <array>
-#include <cstring>
-#include <utility>
 
 #include "interface/compiler.h"
+#include "interface/vectors.h"
 
 namespace qelm::factor {
 namespace {
-
-template <int kLanes>
-struct VectorOf {
-  typedef double Type __attribute__((vector_size(kLanes * sizeof(double))));
-};
-
-/// body(0), body(1), ... body(kCount - 1), unrolled: an array indexed by the argument stays in
-/// registers.
-template <int kCount, class Body>
-QELM_INLINE void unrolled(Body body) {
-  [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
-    (body(std::integral_constant<int, k>{}), ...);
-  }
-  (std::make_integer_sequence<int, kCount>{});
-}
-
-// Vectors are passed by reference: how they are returned by value depends on the instruction set.
-template <class Vector>
-QELM_INLINE void load(Vector& v, const double* from) {
-  std::memcpy(&v, from, sizeof v);
-}
-
-template <class Vector>
-QELM_INLINE void store(const Vector& v, double* to) {
-  std::memcpy(to, &v, sizeof v);
-}
 
 /// kRows rows by one block of columns, in vectors of kLanes.
 template <int kLanes, int kRows>

@@ -74,12 +74,13 @@ class Block {
     const auto view = system_.freeSolver->matrixL();
     const SparseBlock& lower = view.nestedExpression();
     if constexpr (Width == 1) {
-      double* const x = free_[0].data();
+      double* const x = free_.data();
       substituteForward(lower, x, workspace.scratch.data());
       substituteBack(lower, workspace.diagonal, x, workspace.scratch.data());
     } else {
-      substituteForward<Width>(lower, free_);
-      substituteBack<Width>(lower, workspace.diagonal, free_);
+      const RowSubstitution& substitution = rowSubstitutions<Width>().front();
+      substitution.forward(lower, free_.data());
+      substitution.back(lower, workspace.diagonal, free_.data());
     }
   }
 

@@ -18,7 +18,9 @@ from packages import ZIP
 CONSUMER = SOURCE / "tests/consumer"
 # Works on what is installed, given the interpreter.
 TESTS = SOURCE / "bindings/python/tests"
-PORTABLE_TESTS = ["test_arrays.py", "test_building.py", "test_curves.py", "test_solve.py", "test_view.py"]
+PORTABLE_TESTS = [
+    f"test_{what}.py" for what in ("arrays", "building", "curves", "float_flags", "solve", "view")
+]
 
 
 def wheel_for(packages, platform):

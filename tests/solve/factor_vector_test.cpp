@@ -3,26 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <vector>
 
 #include "factor/matrices.h"
-#include "solve/factor_rows.h"
-#include "support/compare.h"
+#include "solve/column_loop.h"
 #include "support/random.h"
 
 namespace qelm::test {
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-testing::AssertionResult sameBitsOrBothNan(std::vector<double> a, std::vector<double> b) {
-  for (auto* numbers : {&a, &b}) {
-    for (double& x : *numbers) x = std::isnan(x) ? kNan : x;
-  }
-  return sameBits(a, b);
-}
 
 /// Zeros of both signs among the entries, with the given probability.
 std::vector<double> rightHandSide(Eigen::Index n, double zeros, Random& random) {
@@ -40,10 +31,10 @@ void expectTheBitsOfALoopOverColumns(const SparseBlock& lower, const Eigen::Vect
   std::vector<double> actual = start;
   std::vector<double> expected = start;
   substituteForward(lower, actual.data(), scratch.data());
-  substituteForward<1>(lower, RowsView<1>(expected.data()));
+  substituteForwardByColumns(lower, expected);
   ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "down";
   substituteBack(lower, diagonal, actual.data(), scratch.data());
-  substituteBack<1>(lower, diagonal, RowsView<1>(expected.data()));
+  substituteBackByColumns(lower, diagonal, expected);
   ASSERT_TRUE(sameBitsOrBothNan(actual, expected)) << "up";
 }
 

@@ -8,6 +8,7 @@ is wrong.
 from __future__ import annotations
 
 import numbers
+from math import isfinite
 from typing import Any, Optional
 
 import numpy as np
@@ -18,7 +19,9 @@ from .errors import FieldError, MeshError
 Doubles = npt.NDArray[np.float64]
 Ints = npt.NDArray[np.int32]
 
-_INT32 = np.iinfo(np.int32)
+DOUBLE = np.dtype(np.float64)
+#: The range of a C int.
+LEAST_INT, MOST_INT = -(2**31), 2**31 - 1
 
 
 def address(array: npt.NDArray[Any]) -> int:
@@ -37,15 +40,8 @@ def first(wrong: npt.NDArray[Any]) -> int:
 
 def is_finite(array: Doubles) -> bool:
     """Whether all numbers are finite."""
-    return np.count_nonzero(np.isfinite(array)) == array.size
-
-
-def is_ready(array: object, dtype: type) -> bool:
-    """Whether the library can read an array where it lies."""
-    if type(array) is not np.ndarray or array.dtype != dtype:
-        return False
-    flags = array.flags
-    return flags.c_contiguous and flags.aligned
+    # NaN counts as the largest number, and as the smallest.
+    return not array.size or isfinite(array.item(array.argmax())) and isfinite(array.item(array.argmin()))
 
 
 def real(argument: object, name: str) -> npt.NDArray[Any]:
@@ -78,8 +74,10 @@ def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
 
 def doubles(argument: object, name: str) -> Doubles:
     """float64, C-contiguous, aligned; masked elements are the caller's business."""
-    if is_ready(argument, np.float64):
-        return argument  # type: ignore[return-value]
+    if type(argument) is np.ndarray and argument.dtype == DOUBLE:
+        flags = argument.flags
+        if flags.c_contiguous and flags.aligned:
+            return argument
     with np.errstate(over="ignore"):
         return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
 
@@ -106,7 +104,7 @@ def require_count(count: int, name: str, element: str) -> None:
     """Raises MeshError unless a C int can say how many there are, and there is one."""
     if count < 1:
         raise MeshError(f"{name}: there is no {element}")
-    if count > _INT32.max:
+    if count > MOST_INT:
         raise MeshError(f"{name}: there are {count}, more than the library can number; divide the mesh")
 
 
@@ -179,8 +177,8 @@ def triangle_indices(argument: object, vertex_count: int, name: str = "triangles
 def any_indices(argument: object, name: str = "triangles") -> Ints:
     """(m, 3) int32; what int32 cannot express becomes -1, which is no vertex either."""
     array = corners(argument, name)
-    if array.min() < _INT32.min or array.max() > _INT32.max:
-        array = np.where((array < 0) | (array > _INT32.max), -1, array)
+    if array.min() < LEAST_INT or array.max() > MOST_INT:
+        array = np.where((array < 0) | (array > MOST_INT), -1, array)
     return np.require(array, np.int32, ["C", "A"])
 
 
@@ -193,7 +191,7 @@ def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
     array = whole(array, name, "vertex")
     if array.shape != (vertex_count,):
         raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex")
-    place = first((array < _INT32.min) | (array > _INT32.max))
+    place = first((array < LEAST_INT) | (array > MOST_INT))
     if place >= 0:
         raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")
     return np.require(array, np.int32, ["C", "A"])
@@ -246,7 +244,7 @@ def require_finite_numbers(
     array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
 ) -> None:
     """Raises FieldError for the first number that is not finite, of those in the places `read`."""
-    looked_at = array if read is None else array[..., read]
+    looked_at = array if read is None else array.take(read, axis=-1)
     if not is_finite(looked_at):
         _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
 
@@ -274,14 +272,14 @@ def _require_none(
 def levels(argument: object, name: str = "levels") -> Doubles:
     """(l,) float64, finite."""
     array = doubles(argument, name)
-    if np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
+    if array is not argument and np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
         raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
     array = array.reshape(1) if array.ndim == 0 else array
     if array.ndim != 1:
         raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
-    place = first(~np.isfinite(array))
-    if place >= 0:
-        raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
-    if len(array) > _INT32.max:
+    for place, level in enumerate(array.tolist()):
+        if not isfinite(level):
+            raise FieldError(f"{name}: level {place} is {level}; levels must be finite")
+    if len(array) > MOST_INT:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
     return array

@@ -50,8 +50,10 @@ def _too_large(prediction: QelmPrediction, free: int) -> str:
             f"it would take {prediction.peakBytes / 1e9:.3g} GB of memory, and {free / 1e9:.3g} GB are free; "
             f"its factor has {entries} entries"
         )
-    return f"the system is too large: {what}. A surface takes one or two kilobytes a vertex; more means that "\
+    return (
+        f"the system is too large: {what}. A surface takes one or two kilobytes a vertex; more means that "
         "triangles join vertices that lie far apart. Fix more vertices, or divide the mesh"
+    )
 
 
 def refuse_defects(mesh: MeshArrays, robust: bool) -> None:

@@ -8,8 +8,8 @@ threads still use.
 
 from __future__ import annotations
 
-from ctypes import byref, c_void_p, cast
-from typing import Any
+from ctypes import byref, c_void_p
+from typing import Any, Optional
 
 import numpy as np
 import numpy.typing as npt
@@ -20,10 +20,11 @@ from ._native import library
 class Handle:
     """Owns a MeshSystem of the C interface."""
 
-    __slots__ = ("__weakref__", "_free", "pointer")
+    __slots__ = ("__weakref__", "_free", "is_finite", "pointer")
 
     def __init__(self, pointer: c_void_p) -> None:
         self.pointer = pointer
+        self.is_finite = False  # Whether a solve has shown that all numbers of the factorisation are.
         # At the interpreter's exit this module's names may be gone before the handle.
         self._free = library().qelmfree
 
@@ -52,10 +53,8 @@ class Lent:
         }
 
 
-def lent(owner: object, pointer: Any, shape: tuple[int, ...], dtype: npt.DTypeLike) -> npt.NDArray[Any]:
+def lent(owner: object, address: Optional[int], shape: tuple[int, ...], dtype: npt.DTypeLike) -> npt.NDArray[Any]:
     """A read-only array in the library's memory that keeps the owner alive."""
-    if not pointer or 0 in shape:
+    if address is None or 0 in shape:
         return np.empty(shape, dtype)
-    address = cast(pointer, c_void_p).value
-    assert address is not None
     return np.asarray(Lent(owner, address, shape, np.dtype(dtype)))

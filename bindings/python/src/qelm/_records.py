@@ -1,27 +1,28 @@
-"""The records of the C header, field by field."""
+"""The records of the C header, field by field; arrays as addresses, None for null."""
 
 from __future__ import annotations
 
 import ctypes
-from ctypes import POINTER, c_double, c_int32, c_int64
+from ctypes import c_double, c_int64, c_void_p
+from typing import Optional
 
 
 class IsoPointMatrix(ctypes.Structure):
     """Ends of segments, stored column by column."""
 
-    data: ctypes._Pointer[c_double]
+    data: Optional[int]
     rows: int
     cols: int
-    _fields_ = [("data", POINTER(c_double)), ("rows", c_int64), ("cols", c_int64)]
+    _fields_ = [("data", c_void_p), ("rows", c_int64), ("cols", c_int64)]
 
 
 class IsoEdgeMatrix(ctypes.Structure):
     """Which points belong together, stored column by column."""
 
-    data: ctypes._Pointer[c_int32]
+    data: Optional[int]
     rows: int
     cols: int
-    _fields_ = [("data", POINTER(c_int32)), ("rows", c_int64), ("cols", c_int64)]
+    _fields_ = [("data", c_void_p), ("rows", c_int64), ("cols", c_int64)]
 
 
 class QelmCurves(ctypes.Structure):
@@ -29,17 +30,17 @@ class QelmCurves(ctypes.Structure):
 
     curveCount: int
     pointCount: int
-    points: ctypes._Pointer[c_double]
-    starts: ctypes._Pointer[c_int64]
-    levels: ctypes._Pointer[c_int32]
-    closed: ctypes._Pointer[c_int32]
+    points: Optional[int]
+    starts: Optional[int]
+    levels: Optional[int]
+    closed: Optional[int]
     _fields_ = [
         ("curveCount", c_int64),
         ("pointCount", c_int64),
-        ("points", POINTER(c_double)),
-        ("starts", POINTER(c_int64)),
-        ("levels", POINTER(c_int32)),
-        ("closed", POINTER(c_int32)),
+        ("points", c_void_p),
+        ("starts", c_void_p),
+        ("levels", c_void_p),
+        ("closed", c_void_p),
     ]
 
 

@@ -3,12 +3,12 @@
 from __future__ import annotations
 
 from ctypes import byref, c_int
-from typing import Any, NoReturn, Optional, Tuple
+from typing import Any, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays
+from . import _arrays, _float_flags
 from ._handle import Handle
 from ._native import library, require_ok
 from .errors import FieldError, SingularSystemError
@@ -28,7 +28,7 @@ def prescribed_values(values: npt.ArrayLike, fixed: npt.NDArray[np.intp], vertex
             f"values: the shape is {array.shape}, must be ({vertex_count},) for all vertices or "
             f"({len(fixed)},) for the fixed ones, or two-dimensional for many fields"
         )
-    if isinstance(values, np.ma.MaskedArray):
+    if array is not values and isinstance(values, np.ma.MaskedArray):
         return _arrays.per_vertex(values, vertex_count, "values", fixed)
     _arrays.require_finite_numbers(array, "values", fixed)
     return array
@@ -44,14 +44,18 @@ def solve(
     if loads is not None and loads.shape != prescribed.shape:
         prescribed, loads = _alike(prescribed, loads)
     result = np.empty(prescribed.shape) if out is None else _usable(out, prescribed.shape)
+    values_at, result_at = _arrays.address(prescribed), _arrays.address(result)
+    loads_at = values_at if loads is None else _arrays.address(loads)
     # The library allows the same array on both sides, but no other overlap.
-    is_apart = out is None or not (_overlap(out, prescribed) or (loads is not None and _overlap(out, loads)))
-    target = result if is_apart else np.empty_like(result)
-    _call(handle, prescribed, loads, target)
-    if not _arrays.is_finite(target):
-        _refuse_result(target)
-    if target is not result:
-        result[...] = target
+    if 0 < abs(values_at - result_at) < result.nbytes or 0 < abs(loads_at - result_at) < result.nbytes:
+        result[...] = solve(handle, prescribed, loads, None)
+        return result
+    stayed_finite = _call(handle, prescribed.shape, values_at, None if loads is None else loads_at, result_at)
+    if not (stayed_finite and handle.is_finite):
+        _require_finite(result)
+        # A solve reads all of the factorisation: what is not finite there would show in the result.
+        if stayed_finite and result.size:
+            handle.is_finite = True
     return result
 
 
@@ -66,38 +70,34 @@ def _alike(
 
 
 def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
-    if not _arrays.is_ready(out, np.float64) or out.shape != shape or not out.flags.writeable:
+    # carray: C-contiguous, aligned and writeable.
+    if type(out) is not np.ndarray or out.dtype != _arrays.DOUBLE or out.shape != shape or not out.flags.carray:
         raise FieldError(
             f"out: an array of shape {shape} and type float64 is needed, C-contiguous, aligned and writeable"
         )
-    return out  # type: ignore[no-any-return]
+    return out
 
 
-def _overlap(out: npt.NDArray[np.float64], given: npt.NDArray[np.float64]) -> bool:
-    """Whether they share memory and are not the same array."""
-    return out is not given and np.may_share_memory(out, given)
-
-
-def _call(
-    handle: Handle,
-    prescribed: npt.NDArray[np.float64],
-    loads: Optional[npt.NDArray[np.float64]],
-    result: npt.NDArray[np.float64],
-) -> None:
-    address, status = _arrays.address, c_int()
-    where = (address(prescribed), None if loads is None else address(loads), address(result))
-    if prescribed.ndim == 2:
-        if len(prescribed) > np.iinfo(np.int32).max:
-            raise FieldError(f"values: {len(prescribed)} fields are more than the library can number")
-        library().qelmsolveManyTagged(handle.pointer, len(prescribed), *where, byref(status))
+def _call(handle: Handle, shape: Tuple[int, ...], values: int, loads: Optional[int], result: int) -> bool:
+    """Whether the calculation stayed within the finite numbers; False also where that cannot be known."""
+    arguments: Tuple[Optional[int], ...]
+    if len(shape) == 2:
+        if shape[0] > _arrays.MOST_INT:
+            raise FieldError(f"values: {shape[0]} fields are more than the library can number")
+        function, arguments = library().qelmsolveManyTagged, (shape[0], values, loads, result)
     elif loads is None:
-        library().qelmsolveTagged(handle.pointer, where[0], where[2], byref(status))
+        function, arguments = library().qelmsolveTagged, (values, result)
     else:
-        library().qelmsolvePTagged(handle.pointer, *where, byref(status))
+        function, arguments = library().qelmsolvePTagged, (values, loads, result)
+    status = c_int()
+    stayed_finite = _float_flags.stays_finite(function, handle.pointer, *arguments, byref(status))
     require_ok(status.value)
+    return stayed_finite
 
 
-def _refuse_result(result: npt.NDArray[np.float64]) -> NoReturn:
+def _require_finite(result: npt.NDArray[np.float64]) -> None:
+    if _arrays.is_finite(result):
+        return
     *row, vertex = np.argwhere(~np.isfinite(result))[0]
     where = f"field {row[0]}, vertex {vertex}" if row else f"vertex {vertex}"
     raise SingularSystemError(

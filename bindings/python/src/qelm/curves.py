@@ -240,7 +240,7 @@ def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.f
     return Curves(
         points=lent(owner, packed.points, (packed.pointCount, 3), np.float64),
         starts=lent(owner, packed.starts, (count + 1,), np.int64) if count else np.zeros(1, np.int64),
-        levels=levels[level_indices],
+        levels=levels.take(level_indices),
         level_indices=level_indices,
-        closed=lent(owner, packed.closed, (count,), np.int32) != 0,
+        closed=lent(owner, packed.closed, (count,), np.int32).astype(bool),
     )

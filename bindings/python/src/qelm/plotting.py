@@ -59,6 +59,8 @@ def plot(
         There is no matplotlib.
     FieldError
         The shape is wrong, a value is not finite, or there is no range to put levels in.
+    ClosedError
+        The system is closed.
 
     Examples
     --------

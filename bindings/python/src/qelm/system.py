@@ -203,29 +203,33 @@ class MeshSystem(SystemOwner):
     def system_vertices(self) -> npt.NDArray[np.float64]:
         """Coordinates in system order, shape (n, 3): a read-only view of the library's memory.
 
-        It stays valid as long as it is held, also after the system is closed.
+        It stays valid as long as it is held, also after the system is closed. Raises ClosedError if the
+        system was closed before.
         """
         handle, pointer = self._alive(), c_void_p()
         library().qelverts(handle.pointer, byref(pointer))
-        return lent(handle, pointer, (self.vertex_count, 3), np.float64)
+        return lent(handle, pointer.value, (self.vertex_count, 3), np.float64)
 
     @property
     def system_triangles(self) -> npt.NDArray[np.int32]:
-        """Triangles in input order, their vertices in system numbering, shape (m, 3): a read-only view."""
+        """Triangles in input order, their vertices in system numbering, shape (m, 3): a read-only view.
+
+        Valid as long, and with the same error, as :attr:`system_vertices`.
+        """
         handle, pointer = self._alive(), c_void_p()
         library().qeltris(handle.pointer, byref(pointer))
-        return lent(handle, pointer, (self.triangle_count, 3), np.int32)
+        return lent(handle, pointer.value, (self.triangle_count, 3), np.int32)
 
     @property
     def vertices(self) -> npt.NDArray[np.float64]:
-        """Coordinates in input order, shape (n, 3); a copy."""
+        """Coordinates in input order, shape (n, 3); a copy. Raises ClosedError if the system is closed."""
         result = np.empty((self.vertex_count, 3))
         result[self.order] = self.system_vertices
         return result
 
     @property
     def triangles(self) -> npt.NDArray[np.int32]:
-        """Triangles as they were given, shape (m, 3); a copy."""
+        """Triangles as they were given, shape (m, 3); a copy. Raises ClosedError if the system is closed."""
         return self.order[self.system_triangles]
 
     # ---- Solving
@@ -294,7 +298,7 @@ class MeshSystem(SystemOwner):
         array = _arrays.doubles(field, "field")
         if array.shape != (self.vertex_count,):
             raise FieldError(f"field: the shape is {array.shape}, must be ({self.vertex_count},): one per vertex")
-        if isinstance(field, np.ma.MaskedArray):
+        if array is not field and isinstance(field, np.ma.MaskedArray):
             return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
         return array
 
@@ -350,7 +354,10 @@ class MeshSystem(SystemOwner):
 
     @property
     def use_count(self) -> int:
-        """How many systems share this one's factorisation: 1, and one more for each duplicate."""
+        """How many systems share this one's factorisation: 1, and one more for each duplicate.
+
+        Raises ClosedError once the system is closed.
+        """
         count: int = library().usecount(self._alive().pointer)
         return count
 

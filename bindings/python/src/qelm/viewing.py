@@ -126,10 +126,10 @@ def view(
     name = re.sub(r"[^\w .+-]", "_", title).strip(" .") or "field"
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
         _tool.write_ply(os.path.join(folder, f"{name}.ply"), system.vertices, system.triangles)
-        held = system.fixed if _is_solution(system, array, loads) else np.arange(system.vertex_count)
-        _write_pairs(os.path.join(folder, "prescribed values"), held, array)
+        fixed = system.fixed if _is_solution(system, array, loads) else np.arange(system.vertex_count)
+        _write_pairs(os.path.join(folder, "prescribed values"), fixed, array)
         arguments = ["view", f"{name}.ply", "--fix-file", "prescribed values", "-o", "page.html", "-q"]
-        if loads is not None and len(held) == system.fixed_count:
+        if loads is not None and len(fixed) == system.fixed_count:
             _write_pairs(os.path.join(folder, "load"), np.arange(system.vertex_count), loads)
             arguments += ["--load", "load"]
         arguments += _level_arguments(levels)
