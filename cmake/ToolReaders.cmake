@@ -53,6 +53,8 @@ add_library(qelm_tool_readers OBJECT
   "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/xml_scanner.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/encodings/zip_archive.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/fields/field_csv.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/files/file_bytes.cpp"
+  "${PROJECT_SOURCE_DIR}/tools/qelm/files/mapped_pages.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/paths.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/files/result_name.cpp"
   "${PROJECT_SOURCE_DIR}/tools/qelm/mesh/boundary.cpp"

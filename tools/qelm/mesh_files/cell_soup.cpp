@@ -63,14 +63,15 @@ static bool areAll(std::span<const std::uint8_t> types, std::uint8_t type) {
 /// All at once, unless a corner is out of range.
 bool CellSoup::addTriangles(CellList& cells) {
   if (!cells.ends.areTriangles() || cells.corners.size() != 3 * cells.ends.size()) return false;
-  TriangleFacts facts(cells.corners);
+  TriangleFacts facts = cells.corners.facts();
   const std::size_t count = soup_.points.size();
   if (facts.highest >= count - firstPoint_ || count > std::numeric_limits<int>::max()) return false;
   const int first = asInt(firstPoint_);
   facts.highest += static_cast<std::uint32_t>(first);
+  std::vector<int> corners = cells.corners.take();
   if (first > 0)
-    for (int& corner : cells.corners) corner += first;
-  soup_.faces.appendTriangles(std::move(cells.corners), facts);
+    for (int& corner : corners) corner += first;
+  soup_.faces.appendTriangles(std::move(corners), facts);
   return true;
 }
 
@@ -90,7 +91,7 @@ static void forEachCell(const CellList& cells, Use use) {
   std::size_t begin = 0;
   for (std::size_t k = 0; k < cells.ends.size(); ++k) {
     const auto end = static_cast<std::size_t>(cells.ends[k]);
-    use(std::span(cells.corners).subspan(begin, end - begin), k);
+    use(cells.corners.all().subspan(begin, end - begin), k);
     begin = end;
   }
 }

@@ -17,10 +17,18 @@ namespace qelm::tool {
 /// most cells are, only how many they are.
 class CellEnds {
  public:
+  using Number = std::int64_t;
   std::size_t size() const { return size_; }
   bool areTriangles() const { return ends_.empty(); }
   std::int64_t operator[](std::size_t cell) const {
     return areTriangles() ? static_cast<std::int64_t>(3 * (cell + 1)) : ends_[cell];
+  }
+  void expect(std::size_t) {}
+  void append(std::span<const std::int64_t> block) {
+    if (areTriangles() && continueTriangles(block))
+      size_ += block.size();
+    else
+      for (const std::int64_t end : block) push_back(end);
   }
   void push_back(std::int64_t end) {
     ++size_;
@@ -32,6 +40,13 @@ class CellEnds {
   }
 
  private:
+  bool continueTriangles(std::span<const std::int64_t> block) const {
+    auto end = static_cast<std::int64_t>(3 * size_);
+    std::int64_t differences = 0;  // no branch for each
+    for (const std::int64_t each : block) differences |= each ^ (end += 3);
+    return differences == 0;
+  }
+
   std::size_t size_ = 0;
   std::vector<std::int64_t> ends_;  ///< empty while all are triangles
 };
@@ -40,7 +55,7 @@ class CellEnds {
 /// which is as far out of range.
 struct CellList {
   CellEnds ends;
-  std::vector<int> corners;
+  Corners corners;
 };
 
 /// Gathers one or more pieces. All throw FileError that names the file.

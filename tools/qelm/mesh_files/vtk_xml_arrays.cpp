@@ -138,61 +138,44 @@ void VtkXmlNumbers::decode(const VtkXmlArray& array, Use use) {
   use(plain(array, stored, room));
 }
 
-template <class Number>
-std::vector<Number> VtkXmlNumbers::words(const VtkXmlArray& array) const {
+template <class Sink>
+void VtkXmlNumbers::words(const VtkXmlArray& array, Sink& sink) const {
+  using Number = typename Sink::Number;
   NumberSource source(array.text, name_, scanner_.lineOf(array.text.data()));
-  std::vector<Number> result;
   for (source.skipBlanks(); !source.atEnd(); source.skipBlanks()) {
-    if constexpr (std::is_same_v<Number, double>)
-      result.push_back(source.number(array.type));
+    if constexpr (std::is_floating_point_v<Number>)
+      sink.push_back(source.number(array.type));
     else
-      result.push_back(wholeAs<Number>(source.integer(array.type)));
+      sink.push_back(wholeAs<Number>(source.integer(array.type)));
   }
-  return result;
+}
+
+template <class Sink>
+Sink VtkXmlNumbers::read(const VtkXmlArray& array) {
+  using Number = typename Sink::Number;
+  if (!std::is_floating_point_v<Number> && !isWhole(array.type))
+    fail(array, "whole numbers are needed here");
+  Sink sink;
+  if (array.form == VtkXmlArray::Form::kText)
+    words(array, sink);
+  else
+    decode(array, [&](std::string_view bytes) {
+      sink.expect(bytes.size() / sizeOf(array.type));
+      appendNumbers(bytes, array.type, storage_.order, sink);
+    });
+  return sink;
 }
 
 std::vector<double> VtkXmlNumbers::numbers(const VtkXmlArray& array) {
-  if (array.form == VtkXmlArray::Form::kText) return words<double>(array);
-  std::vector<double> result;
-  decode(array, [&](std::string_view bytes) {
-    appendNumbers(
-        bytes, array.type, storage_.order, [](auto number) { return static_cast<double>(number); },
-        result);
-  });
-  return result;
+  return read<Gathered<double>>(array).take();
 }
 
-void VtkXmlNumbers::requireWhole(const VtkXmlArray& array) const {
-  if (!isWhole(array.type)) fail(array, "whole numbers are needed here");
+std::vector<std::uint8_t> VtkXmlNumbers::types(const VtkXmlArray& array) {
+  return read<Gathered<std::uint8_t>>(array).take();
 }
 
-CellEnds VtkXmlNumbers::ends(const VtkXmlArray& array) {
-  requireWhole(array);
-  CellEnds result;
-  if (array.form == VtkXmlArray::Form::kText)
-    for (const std::int64_t end : words<std::int64_t>(array)) result.push_back(end);
-  else
-    decode(array, [&](std::string_view bytes) {
-      forEachNumber(bytes, array.type, storage_.order,
-                    [&result](auto number) { result.push_back(wholeOf(number)); });
-    });
-  return result;
-}
+CellEnds VtkXmlNumbers::ends(const VtkXmlArray& array) { return read<CellEnds>(array); }
 
-template <class Integer>
-std::vector<Integer> VtkXmlNumbers::integers(const VtkXmlArray& array) {
-  requireWhole(array);
-  if (array.form == VtkXmlArray::Form::kText) return words<Integer>(array);
-  std::vector<Integer> result;
-  decode(array, [&](std::string_view bytes) {
-    appendNumbers(
-        bytes, array.type, storage_.order, [](auto number) { return wholeAs<Integer>(number); },
-        result);
-  });
-  return result;
-}
-
-template std::vector<int> VtkXmlNumbers::integers(const VtkXmlArray&);
-template std::vector<std::uint8_t> VtkXmlNumbers::integers(const VtkXmlArray&);
+Corners VtkXmlNumbers::corners(const VtkXmlArray& array) { return read<Corners>(array); }
 
 }  // namespace qelm::tool
