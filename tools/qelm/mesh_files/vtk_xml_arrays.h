@@ -60,9 +60,12 @@ class VtkXmlNumbers {
   Sink read(const VtkXmlArray& array);
   template <class Sink>
   void words(const VtkXmlArray& array, Sink& sink) const;
-  template <class Use>
-  void decode(const VtkXmlArray& array, Use use);
-  std::string_view plain(const VtkXmlArray& array, std::string_view stored, std::string& room);
+  template <class Sink>
+  void decode(const VtkXmlArray& array, Sink& sink);
+  template <class Sink>
+  void appendPlain(const VtkXmlArray& array, std::string_view stored, Sink& sink);
+  template <class Sink>
+  void appendInflated(const VtkXmlArray& array, std::string_view stored, Sink& sink);
   std::uint64_t header(const VtkXmlArray& array, std::string_view stored, std::size_t k) const;
   void spend(const VtkXmlArray& array, std::size_t size);
 
