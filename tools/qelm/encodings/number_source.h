@@ -46,7 +46,7 @@ class NumberSource {
 
   /// Throws unless the rest of the file can hold so many numbers.
   void requireNumbers(std::size_t count, NumberType type) const;
-  /// So many numbers into a sink, block by block.
+  /// So many numbers into a sink (see numbers.h), block by block if they are binary.
   template <class Sink>
   void read(NumberType type, std::size_t count, Sink& sink);
 

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "text/room.h"
+
 namespace qelm::tool {
 
 static_assert(std::endian::native == std::endian::little, "bytes of big-endian files are turned");
@@ -128,7 +130,13 @@ To wholeAs(Number number) {
   return static_cast<To>(std::clamp<std::int64_t>(wholeOf(number), Limits::min(), Limits::max()));
 }
 
-/// The number as a sink wants it: a double, or the nearest whole number of its type.
+// Blocks of numbers go to a sink, a class with
+//   using Number = the type that it takes;
+//   void append(std::span<const Number> block);
+// and, where one number may come at a time, push_back(Number), and expect(std::size_t), which is
+// told how many will come.
+
+/// The number as a sink takes it: a double, or the nearest whole number of its type.
 template <class To, class Number>
 To converted(Number number) {
   if constexpr (std::is_floating_point_v<To>)
@@ -137,13 +145,13 @@ To converted(Number number) {
     return wholeAs<To>(number);
 }
 
-/// Numbers that come block by block, in one array.
+/// A sink that keeps all numbers in one array.
 template <class To>
 class Gathered {
  public:
   using Number = To;
   bool empty() const { return numbers_.empty(); }
-  void expect(std::size_t count) { numbers_.reserve(numbers_.size() + count); }
+  void expect(std::size_t count) { makeRoom(numbers_, count); }
   void append(std::span<const To> block) {
     numbers_.insert(numbers_.end(), block.begin(), block.end());
   }
@@ -184,8 +192,8 @@ void convertBlock(const char* from, std::span<To> to) {
   for (std::size_t k = 0; k < to.size(); ++k) to[k] = converted<To>(number(k));
 }
 
-/// Calls `sink.append(block)` with spans of the numbers in `bytes`, as converted<Sink::Number>()
-/// has them. All but the last are of kBlockOfNumbers.
+/// Gives the numbers in `bytes` to the sink in blocks, of kBlockOfNumbers all but the last. Bytes
+/// at the end that make no whole number are passed over.
 template <class Sink>
 void appendNumbers(std::string_view bytes, NumberType type, ByteOrder order, Sink& sink) {
   using To = typename Sink::Number;

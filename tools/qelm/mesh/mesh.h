@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "text/index.h"
+#include "text/room.h"
 
 namespace qelm::tool {
 
@@ -56,6 +57,8 @@ class Points {
     return {coordinates_[3 * k], coordinates_[3 * k + 1], coordinates_[3 * k + 2]};
   }
   void reserve(std::size_t points) { coordinates_.reserve(3 * points); }
+  /// For so many more.
+  void expect(std::size_t points) { makeRoom(coordinates_, 3 * points); }
   void push_back(const Point& point) {
     coordinates_.insert(coordinates_.end(), point.begin(), point.end());
   }
@@ -67,7 +70,7 @@ class Points {
   std::vector<double> coordinates_;
 };
 
-/// What is asked of triangles.
+/// What readers must know of triangles: whether their corners are in range, and all different.
 struct TriangleFacts {
   std::uint32_t highest = 0;  ///< of their corners, negative ones above all others
   bool repeat = false;        ///< whether one of them names a vertex twice
@@ -93,8 +96,9 @@ struct TriangleFacts {
   }
 };
 
-/// Corners one after another, looked at as triangles while they are in the nearest cache: a pass
-/// over all of them would wait for the memory again.
+/// Corners one after another, a sink of numbers (see encodings/numbers.h). Each block is looked at
+/// for the facts while it is in the nearest cache: a pass over all of them would wait for memory
+/// again.
 class Corners {
  public:
   using Number = int;
@@ -102,7 +106,7 @@ class Corners {
   std::span<const int> all() const { return numbers_; }
   /// Of those that make whole triangles.
   const TriangleFacts& facts() const { return facts_; }
-  void expect(std::size_t count) { numbers_.reserve(numbers_.size() + count); }
+  void expect(std::size_t count) { makeRoom(numbers_, count); }
   void append(std::span<const int> block) {
     numbers_.insert(numbers_.end(), block.begin(), block.end());
     look();

@@ -1,4 +1,5 @@
-// From cells of any type, as simulations have them, to polygons.
+// Cells as simulation files have them become polygons. In: points, and cells of any of VTK's types.
+// Out: a polygon soup of the cells that are faces, and how many others there were.
 #ifndef QELM_TOOLS_CELL_SOUP_H
 #define QELM_TOOLS_CELL_SOUP_H
 

@@ -23,7 +23,7 @@ namespace {
 
 using Json = GltfFile::Json;
 
-// Modes of primitives.
+// What a primitive's indices make (its "mode").
 constexpr std::size_t kTriangles = 4;
 constexpr std::size_t kStrip = 5;
 constexpr std::size_t kFan = 6;

@@ -1,4 +1,5 @@
-// What a glTF file holds as numbers: its JSON document, its buffers and the accessors to them.
+// The lower half of the glTF reader. In: a file's bytes. Out: its JSON document, and the numbers
+// that its accessors (typed views of its buffers) stand for.
 #ifndef QELM_TOOLS_GLTF_FILE_H
 #define QELM_TOOLS_GLTF_FILE_H
 

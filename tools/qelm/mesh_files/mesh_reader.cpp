@@ -23,7 +23,7 @@
 namespace qelm::tool {
 namespace {
 
-// The stiffness matrix is gathered from nine entries per triangle, counted by int.
+// The library gathers its matrix from nine entries per triangle, which it counts by int.
 constexpr std::size_t kMostFaces = std::numeric_limits<int>::max() / 9;
 
 // As in "standard input (obj)".

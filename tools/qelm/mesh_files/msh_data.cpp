@@ -258,18 +258,18 @@ class MshReader {
   /// without a branch for each.
   bool addTriangles(const ElementType& type, std::span<const std::int64_t> numbers) {
     if (!nodeOf_.empty()) return false;
-    std::array<int, kBlockOfNumbers / 4 * 3> corners;
-    int* to = corners.data();
-    std::uint64_t most = 0;
+    std::int64_t least = firstTag_;
+    std::int64_t most = firstTag_;
     for (std::size_t k = 0; k < numbers.size(); k += 4)
       for (std::size_t c = 1; c < 4; ++c) {
-        // A tag below the first one becomes a large number.
-        const auto node =
-            static_cast<std::uint64_t>(numbers[k + c]) - static_cast<std::uint64_t>(firstTag_);
-        most = std::max(most, node);
-        *to++ = static_cast<int>(node);
+        least = std::min(least, numbers[k + c]);
+        most = std::max(most, numbers[k + c]);
       }
-    if (most >= tags_.size()) return false;
+    if (!nodeOf(least) || !nodeOf(most)) return false;
+    std::array<int, kBlockOfNumbers / 4 * 3> corners;
+    int* to = corners.data();
+    for (std::size_t k = 0; k < numbers.size(); k += 4)
+      for (std::size_t c = 1; c < 4; ++c) *to++ = wholeAs<int>(numbers[k + c] - firstTag_);
     const std::size_t triangles = numbers.size() / 4;
     cells_.corners.append(std::span(corners).first(3 * triangles));
     for (std::size_t k = 0; k < triangles; ++k)

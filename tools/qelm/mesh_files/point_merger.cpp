@@ -43,7 +43,7 @@ std::uint64_t PointMerger::hashOf(const Point& point) {
 }
 
 void PointMerger::addAll(std::span<const Point> points, std::vector<int>& numbers) {
-  makeRoom(points.size());
+  growFor(points.size());
   std::array<std::uint64_t, kAtOnce> hashes{};
   for (std::size_t done = 0; done < points.size(); done += kAtOnce) {
     const auto some = points.subspan(done, std::min(kAtOnce, points.size() - done));
@@ -60,7 +60,7 @@ void PointMerger::addAll(std::span<const Point> points, std::vector<int>& number
 int PointMerger::add(const Point& point, std::uint64_t hash) {
   const int next = static_cast<int>(points_.size());
   if (!hasNan(point)) {
-    makeRoom(1);
+    growFor(1);
     const std::uint8_t mark = markOf(hash);
     const std::size_t last = marks_.size() - 1;
     std::size_t place = hash & last;
@@ -77,11 +77,11 @@ int PointMerger::add(const Point& point, std::uint64_t hash) {
 }
 
 void PointMerger::expect(std::size_t more) {
-  makeRoom(more);
-  points_.reserve(points_.size() + more);
+  growFor(more);
+  points_.expect(more);
 }
 
-void PointMerger::makeRoom(std::size_t more) {
+void PointMerger::growFor(std::size_t more) {
   if (2 * (points_.size() + more) > marks_.size())
     grow(2 * std::max(points_.size() + more, marks_.size()));
 }

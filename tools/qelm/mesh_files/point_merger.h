@@ -1,4 +1,5 @@
-// Points that lie exactly on each other become one.
+// Points that lie exactly on each other become one. In: points, some at a time. Out: the number of
+// each, and the different points.
 #ifndef QELM_TOOLS_POINT_MERGER_H
 #define QELM_TOOLS_POINT_MERGER_H
 
@@ -33,7 +34,7 @@ class PointMerger {
  private:
   static std::uint64_t hashOf(const Point& point);
   int add(const Point& point, std::uint64_t hash);
-  void makeRoom(std::size_t more);
+  void growFor(std::size_t more);
   void grow(std::size_t least);
 
   Points points_;

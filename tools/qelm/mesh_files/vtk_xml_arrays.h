@@ -1,4 +1,5 @@
-// The arrays of VTK's XML files: where they stand, and the numbers in them.
+// The arrays of VTK's XML files. In: an array's tag, and the bytes that it points to. Out: its
+// numbers.
 #ifndef QELM_TOOLS_VTK_XML_ARRAYS_H
 #define QELM_TOOLS_VTK_XML_ARRAYS_H
 
