@@ -22,7 +22,7 @@ namespace qelm::tool {
 namespace fs = std::filesystem;
 
 #ifdef _WIN32
-FileBytes::Memory FileBytes::map(const fs::path&) { return {}; }
+FileBytes::Memory FileBytes::map(const fs::path&) { return {nullptr, Release{}}; }
 
 void FileBytes::Release::operator()(const char* bytes) const { delete[] bytes; }
 
@@ -79,7 +79,7 @@ FileBytes readFileBytes(const fs::path& path) {
     bytes = std::move(larger);
   }
   if (file.bad()) throw FileError(fmt::format("{}: reading it failed", name));
-  return {FileBytes::Memory(bytes.release(), {}), size};
+  return {FileBytes::Memory(bytes.release(), FileBytes::Release{}), size};
 }
 
 std::string readFile(const fs::path& path) {

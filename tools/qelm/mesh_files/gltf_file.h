@@ -1,5 +1,5 @@
-// The lower half of the glTF reader. In: a file's bytes. Out: its JSON document, and the numbers
-// that its accessors (typed views of its buffers) stand for.
+// The file itself of a glTF mesh, for its reader. In: a file's bytes. Out: its JSON document, and
+// the numbers that its accessors (typed views of its buffers) stand for.
 #ifndef QELM_TOOLS_GLTF_FILE_H
 #define QELM_TOOLS_GLTF_FILE_H
 
