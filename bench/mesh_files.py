@@ -141,12 +141,10 @@ tool is faster. Reading begins with the file and ends with triangles in memory, 
 in memory. Both sides take the same file, or write the same mesh. No process's start counts, and freed memory is kept. A
 dash: the peer does not know the format, or there is none.
 
-What is not quite the same work: VTK and meshio take the arrays of binary VTK files as they lie in the file: VTK reads
-them to where they stay, and neither looks at an index. The tool reads the file and goes through its arrays once more,
-since its indices have 32 bits, and each is looked at. Memory is what that waits for: reading the file alone takes a
-third of the tool's time for `appended.vtp`, and two thirds of VTK's. The tool makes one vertex of those of a glTF file
-that lie on each other, which no peer does, nor assimp with those of STL. VTK's readers of OBJ, PLY and STL and its writers of PLY and STL keep single precision, and
-so does all of assimp.
+What is not quite the same work: VTK and meshio take the arrays of binary VTK files as they lie in the file, and neither
+looks at an index. The tool has the system show it the file's pages, makes 32-bit indices of those in the file and looks
+at each. It makes one vertex of those of a glTF file that lie on each other, which no peer does, nor assimp with those of
+STL. VTK's readers of OBJ, PLY and STL and its writers of PLY and STL keep single precision, and so does all of assimp.
 
 Reading:
 

@@ -43,6 +43,8 @@ SOFTWARE = [
              "MIT or public domain", {"stb.txt": debian("libstb-dev")}),
     Software("zlib1g-dev|libz-mingw-w64-dev", "zlib", "https://zlib.net", "Zlib",
              {"zlib.txt": debian("zlib1g-dev")}),
+    Software("libdeflate-dev", "libdeflate", "https://github.com/ebiggers/libdeflate", "MIT",
+             {"libdeflate.txt": debian("libdeflate-dev")}),
     Software(r"(g\+\+|gcc)-mingw-w64-x86-64-posix(-runtime)?|libstdc\+\+-\d+-dev|libgcc-\d+-dev",
              "GCC's run-time library and C++ library", "https://gcc.gnu.org",
              "GPL-3.0-or-later with the GCC Runtime Library Exception",

@@ -193,48 +193,63 @@ def write_threemf(path, points, faces):
 
 def readings(surface, qelm):
     """{file: (what makes it, {peer: reads})}. `qelm(name)` is the tool's own writer."""
-    mesh, poly, grid, assimp = surface.meshio(), surface.poly, surface.grid, Assimp()
-    of_poly, of_grid = {"VTK": vtk_reads(vtkXMLPolyDataReader)}, {"meshio": meshio_reads, "VTK": vtk_reads(vtkXMLUnstructuredGridReader)}
+    return {**readings_of_surfaces(surface, qelm), **readings_of_vtk(surface), **readings_of_others(surface, qelm)}
 
-    def xml(kind, data, **settings):
-        return vtk_writes(kind, data, **settings)
 
-    def polys(**settings):
-        return xml(vtkXMLPolyDataWriter, poly, **settings), of_poly
+def readings_of_surfaces(surface, qelm):
+    """OBJ, OFF, PLY and STL."""
+    mesh, assimp = surface.meshio(), Assimp().reads
+    always = {"meshio": meshio_reads, "assimp": assimp}
+    return {
+        "text.obj": (qelm("mesh.obj"), {**always, "VTK": vtk_reads(vtkOBJReader)}),
+        "text.off": (qelm("mesh.off"), always),
+        "binary.off": (qelm("binary.off"), {}),
+        "text.ply": (meshio_writes(mesh, binary=False), {**always, "VTK": vtk_reads(vtkPLYReader)}),
+        "binary.ply": (qelm("mesh.ply"), {**always, "VTK": vtk_reads(vtkPLYReader)}),
+        "text.stl": (vtk_writes(vtkSTLWriter, surface.poly, FileType=1), {**always, "VTK": vtk_reads(vtkSTLReader)}),
+        "binary.stl": (qelm("mesh.stl"), {**always, "VTK": vtk_reads(vtkSTLReader)}),
+    }
 
-    def grids(**settings):
-        return xml(vtkXMLUnstructuredGridWriter, grid, **settings), of_grid
+
+def readings_of_vtk(surface):
+    """Legacy files, and XML in all its ways."""
+    mesh, poly, grid = surface.meshio(), surface.poly, surface.grid
+    of_poly, of_grid = {"VTK": vtk_reads(vtkPolyDataReader)}, {"meshio": meshio_reads, "VTK": vtk_reads(vtkUnstructuredGridReader)}
+    legacy = {
+        "text.vtk": (meshio_writes(mesh, binary=False), of_grid),
+        "binary.vtk": (meshio_writes(mesh, binary=True), of_grid),
+        "polydata-text.vtk": (vtk_writes(vtkPolyDataWriter, poly, FileType=1), of_poly),
+        "polydata-binary.vtk": (vtk_writes(vtkPolyDataWriter, poly, FileType=2), of_poly),
+    }
+    ways = {
+        "text": {"DataMode": 0},
+        "base64": {"DataMode": 1, "Compressor": None},
+        "base64-zlib": {"DataMode": 1},
+        "appended": PLAIN,
+        "appended-zlib": BYTES_BEHIND_THE_TAGS,
+    }
+    xml_of_poly, xml_of_grid = {"VTK": vtk_reads(vtkXMLPolyDataReader)}, {"meshio": meshio_reads, "VTK": vtk_reads(vtkXMLUnstructuredGridReader)}
+    polys = {f"{way}.vtp": (vtk_writes(vtkXMLPolyDataWriter, poly, **settings), xml_of_poly) for way, settings in ways.items()}
+    grids = {f"{way}.vtu": (vtk_writes(vtkXMLUnstructuredGridWriter, grid, **settings), xml_of_grid) for way, settings in ways.items()}
+    return {**legacy, **polys, **grids}
+
+
+def readings_of_others(surface, qelm):
+    """glTF, 3MF and MSH."""
+    mesh, assimp = surface.meshio(), Assimp().reads
+
+    def msh(kind, binary):
+        return meshio_writes(mesh, file_format=kind, binary=binary), {"meshio": meshio_reads}
 
     return {
-        "text.obj": (qelm("mesh.obj"), {"meshio": meshio_reads, "VTK": vtk_reads(vtkOBJReader), "assimp": assimp.reads}),
-        "text.off": (qelm("mesh.off"), {"meshio": meshio_reads, "assimp": assimp.reads}),
-        "binary.off": (qelm("binary.off"), {}),
-        "text.ply": (meshio_writes(mesh, binary=False), {"meshio": meshio_reads, "VTK": vtk_reads(vtkPLYReader), "assimp": assimp.reads}),
-        "binary.ply": (qelm("mesh.ply"), {"meshio": meshio_reads, "VTK": vtk_reads(vtkPLYReader), "assimp": assimp.reads}),
-        "text.stl": (vtk_writes(vtkSTLWriter, poly, FileType=1), {"meshio": meshio_reads, "VTK": vtk_reads(vtkSTLReader), "assimp": assimp.reads}),
-        "binary.stl": (qelm("mesh.stl"), {"meshio": meshio_reads, "VTK": vtk_reads(vtkSTLReader), "assimp": assimp.reads}),
-        "text.vtk": (meshio_writes(mesh, binary=False), {"meshio": meshio_reads, "VTK": vtk_reads(vtkUnstructuredGridReader)}),
-        "binary.vtk": (meshio_writes(mesh, binary=True), {"meshio": meshio_reads, "VTK": vtk_reads(vtkUnstructuredGridReader)}),
-        "polydata-text.vtk": (vtk_writes(vtkPolyDataWriter, poly, FileType=1), {"VTK": vtk_reads(vtkPolyDataReader)}),
-        "polydata-binary.vtk": (vtk_writes(vtkPolyDataWriter, poly, FileType=2), {"VTK": vtk_reads(vtkPolyDataReader)}),
-        "text.vtp": polys(DataMode=0),
-        "base64.vtp": polys(DataMode=1, Compressor=None),
-        "base64-zlib.vtp": polys(DataMode=1),
-        "appended.vtp": polys(**PLAIN),
-        "appended-zlib.vtp": polys(**BYTES_BEHIND_THE_TAGS),
-        "text.vtu": grids(DataMode=0),
-        "base64.vtu": grids(DataMode=1, Compressor=None),
-        "base64-zlib.vtu": grids(DataMode=1),
-        "appended.vtu": grids(**PLAIN),
-        "appended-zlib.vtu": grids(**BYTES_BEHIND_THE_TAGS),
-        "binary.glb": (qelm("heat.glb"), {"VTK": vtk_reads(vtkGLTFReader), "assimp": assimp.reads}),
-        "base64.gltf": (qelm("heat.gltf"), {"VTK": vtk_reads(vtkGLTFReader), "assimp": assimp.reads}),
-        "deflated.3mf": (lambda path: write_threemf(path, surface.points, surface.faces), {"assimp": assimp.reads}),
-        "text-2.msh": (meshio_writes(mesh, file_format="gmsh22", binary=False), {"meshio": meshio_reads}),
-        "binary-2.msh": (meshio_writes(mesh, file_format="gmsh22", binary=True), {"meshio": meshio_reads}),
-        "text-4.msh": (meshio_writes(mesh, file_format="gmsh", binary=False), {"meshio": meshio_reads}),
-        "binary-4.msh": (meshio_writes(mesh, file_format="gmsh", binary=True), {"meshio": meshio_reads}),
-    }  # fmt: skip
+        "binary.glb": (qelm("heat.glb"), {"VTK": vtk_reads(vtkGLTFReader), "assimp": assimp}),
+        "base64.gltf": (qelm("heat.gltf"), {"VTK": vtk_reads(vtkGLTFReader), "assimp": assimp}),
+        "deflated.3mf": (lambda path: write_threemf(path, surface.points, surface.faces), {"assimp": assimp}),
+        "text-2.msh": msh("gmsh22", False),
+        "binary-2.msh": msh("gmsh22", True),
+        "text-4.msh": msh("gmsh", False),
+        "binary-4.msh": msh("gmsh", True),
+    }
 
 
 def writings(surface, curves_file, mesh_file):

@@ -9,6 +9,7 @@
 
 #include "colours/published_ramps.h"
 #include "colours/ramp_from_image.h"
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
 

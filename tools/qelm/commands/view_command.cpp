@@ -15,6 +15,7 @@
 #include "fields/field_range.h"
 #include "fields/field_report.h"
 #include "files/output_file.h"
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "mesh/used_part.h"
 #include "mesh_files/load_mesh.h"

@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "conditions/npy_array.h"
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "mesh_files/mesh_reader.h"
 #include "text/error.h"

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
 #include "text/index.h"

@@ -10,6 +10,7 @@
 
 #include "conditions/csv_dialect.h"
 #include "conditions/npy_array.h"
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
 #include "text/index.h"

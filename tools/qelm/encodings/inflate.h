@@ -1,9 +1,10 @@
-// Decompression of what zlib has compressed.
+// Decompression: what comes in are bytes compressed by Deflate, what comes out are those they stand
+// for. By libdeflate or by zlib, whichever the build has.
 #ifndef QELM_TOOLS_INFLATE_H
 #define QELM_TOOLS_INFLATE_H
 
 #include <cstddef>
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -20,7 +21,7 @@ enum class Wrapping {
 bool inflate(std::string_view compressed, Wrapping wrapping, std::size_t size, std::string& bytes);
 
 /// The check sum of ZIP archives.
-unsigned long crc32Of(std::string_view bytes);
+std::uint32_t crc32Of(std::string_view bytes);
 
 }  // namespace qelm::tool
 

@@ -118,31 +118,16 @@ std::vector<double> NumberSource::numbers(NumberType type, std::size_t tuples,
   if (components > 0 && tuples > (rest_.size() + 1) / components)
     fail(fmt::format("{} times {} numbers are announced, but the file is too short for them",
                      tuples, components));
-  const std::size_t count = tuples * components;
-  requireNumbers(count, type);
-  std::vector<double> values;
-  values.reserve(count);
-  if (isBinary_)
-    appendNumbers(
-        take(count * sizeOf(type)), type, order_,
-        [](auto number) { return static_cast<double>(number); }, values);
-  else
-    for (std::size_t k = 0; k < count; ++k) values.push_back(parsedNumber());
-  return values;
+  Gathered<double> values;
+  read(type, tuples * components, values);
+  return values.take();
 }
 
 template <class Integer>
 std::vector<Integer> NumberSource::integers(NumberType type, std::size_t count) {
-  requireNumbers(count, type);
-  std::vector<Integer> values;
-  values.reserve(count);
-  if (isBinary_)
-    appendNumbers(
-        take(count * sizeOf(type)), type, order_,
-        [](auto number) { return wholeAs<Integer>(number); }, values);
-  else
-    for (std::size_t k = 0; k < count; ++k) values.push_back(wholeAs<Integer>(parsedInteger()));
-  return values;
+  Gathered<Integer> values;
+  read(type, count, values);
+  return values.take();
 }
 
 template std::vector<std::int64_t> NumberSource::integers(NumberType, std::size_t);

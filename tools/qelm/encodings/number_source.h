@@ -44,9 +44,11 @@ class NumberSource {
   template <class Integer = std::int64_t>
   std::vector<Integer> integers(NumberType type, std::size_t count);
 
-  /// Calls `use(integer)` for each.
-  template <class Use>
-  void forEachInteger(NumberType type, std::size_t count, Use use);
+  /// Throws unless the rest of the file can hold so many numbers.
+  void requireNumbers(std::size_t count, NumberType type) const;
+  /// So many numbers into a sink (see numbers.h), block by block if they are binary.
+  template <class Sink>
+  void read(NumberType type, std::size_t count, Sink& sink);
 
   double number(NumberType type);
   std::int64_t integer(NumberType type);
@@ -58,7 +60,6 @@ class NumberSource {
 
  private:
   void require(std::size_t count, std::size_t least) const;
-  void requireNumbers(std::size_t count, NumberType type) const;
   std::string_view take(std::size_t size);
   double parsedNumber();
   std::int64_t parsedInteger();
@@ -72,14 +73,17 @@ class NumberSource {
   std::string place_;
 };
 
-template <class Use>
-void NumberSource::forEachInteger(NumberType type, std::size_t count, Use use) {
+template <class Sink>
+void NumberSource::read(NumberType type, std::size_t count, Sink& sink) {
+  using To = typename Sink::Number;
   requireNumbers(count, type);
-  if (isBinary_)
-    forEachNumber(take(count * sizeOf(type)), type, order_,
-                  [&use](auto number) { use(wholeOf(number)); });
-  else
-    for (std::size_t k = 0; k < count; ++k) use(parsedInteger());
+  sink.expect(count);
+  if (isBinary_) return appendNumbers(take(count * sizeOf(type)), type, order_, sink);
+  for (std::size_t k = 0; k < count; ++k)
+    if constexpr (std::is_floating_point_v<To>)
+      sink.push_back(parsedNumber());
+    else
+      sink.push_back(wholeAs<To>(parsedInteger()));
 }
 
 }  // namespace qelm::tool

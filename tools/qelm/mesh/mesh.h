@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "text/index.h"
+#include "text/room.h"
 
 namespace qelm::tool {
 
@@ -56,8 +57,10 @@ class Points {
     return {coordinates_[3 * k], coordinates_[3 * k + 1], coordinates_[3 * k + 2]};
   }
   void reserve(std::size_t points) { coordinates_.reserve(3 * points); }
+  /// For so many more.
+  void expect(std::size_t points) { makeRoom(coordinates_, 3 * points); }
   void push_back(const Point& point) {
-    for (const double coordinate : point) coordinates_.push_back(coordinate);
+    coordinates_.insert(coordinates_.end(), point.begin(), point.end());
   }
   /// Those of `more`, after those that are here.
   void append(std::vector<double> more) { appendOrMove(std::move(more), coordinates_); }
@@ -67,7 +70,7 @@ class Points {
   std::vector<double> coordinates_;
 };
 
-/// What is asked of triangles, found in one pass: memory is slower than these sums.
+/// What readers must know of triangles: whether their corners are in range, and all different.
 struct TriangleFacts {
   std::uint32_t highest = 0;  ///< of their corners, negative ones above all others
   bool repeat = false;        ///< whether one of them names a vertex twice
@@ -91,6 +94,39 @@ struct TriangleFacts {
     highest = std::max(highest, more.highest);
     repeat = repeat || more.repeat;
   }
+};
+
+/// Corners one after another, a sink of numbers (see encodings/numbers.h). Each block is looked at
+/// for the facts while it is in the nearest cache: a pass over all of them would wait for memory
+/// again.
+class Corners {
+ public:
+  using Number = int;
+  std::size_t size() const { return numbers_.size(); }
+  std::span<const int> all() const { return numbers_; }
+  /// Of those that make whole triangles.
+  const TriangleFacts& facts() const { return facts_; }
+  void expect(std::size_t count) { makeRoom(numbers_, count); }
+  void append(std::span<const int> block) {
+    numbers_.insert(numbers_.end(), block.begin(), block.end());
+    look();
+  }
+  void push_back(int corner) {
+    numbers_.push_back(corner);
+    if (numbers_.size() == looked_ + 3) look();
+  }
+  std::vector<int> take() { return std::move(numbers_); }
+
+ private:
+  void look() {
+    const std::size_t whole = (numbers_.size() - looked_) / 3 * 3;
+    facts_.add(TriangleFacts(std::span(numbers_).subspan(looked_, whole)));
+    looked_ += whole;
+  }
+
+  std::vector<int> numbers_;
+  std::size_t looked_ = 0;  ///< so many of them
+  TriangleFacts facts_;
 };
 
 /// Polygons, packed: corners one after another, and where each polygon's end. A million arrays of

@@ -12,7 +12,7 @@
 namespace qelm::tool {
 namespace {
 
-// vtkCellType.h
+// Numbers of vtkCellType.h.
 constexpr std::uint8_t kLastOfPointsAndLines = 4;
 constexpr std::uint8_t kVtkTriangle = 5;
 constexpr std::uint8_t kVtkStrip = 6;
@@ -46,7 +46,7 @@ void CellSoup::fail(const std::string& what) const {
 }
 
 void CellSoup::addPoints(std::vector<double> coordinates) {
-  // Counted on, it would name a point of the piece that begins here.
+  // Its number would name a point of the piece that begins here.
   if (badCorner_)
     fail(fmt::format("a cell has corner {}, but its piece has the points 0 .. {}", *badCorner_,
                      static_cast<std::int64_t>(soup_.points.size() - firstPoint_) - 1));
@@ -60,17 +60,18 @@ static bool areAll(std::span<const std::uint8_t> types, std::uint8_t type) {
   return different == 0;
 }
 
-/// All at once, unless a corner is out of range.
+/// Adds all cells at once and returns true, if they are triangles whose corners are in range.
 bool CellSoup::addTriangles(CellList& cells) {
   if (!cells.ends.areTriangles() || cells.corners.size() != 3 * cells.ends.size()) return false;
-  TriangleFacts facts(cells.corners);
+  TriangleFacts facts = cells.corners.facts();
   const std::size_t count = soup_.points.size();
   if (facts.highest >= count - firstPoint_ || count > std::numeric_limits<int>::max()) return false;
   const int first = asInt(firstPoint_);
   facts.highest += static_cast<std::uint32_t>(first);
+  std::vector<int> corners = cells.corners.take();
   if (first > 0)
-    for (int& corner : cells.corners) corner += first;
-  soup_.faces.appendTriangles(std::move(cells.corners), facts);
+    for (int& corner : corners) corner += first;
+  soup_.faces.appendTriangles(std::move(corners), facts);
   return true;
 }
 
@@ -90,18 +91,18 @@ static void forEachCell(const CellList& cells, Use use) {
   std::size_t begin = 0;
   for (std::size_t k = 0; k < cells.ends.size(); ++k) {
     const auto end = static_cast<std::size_t>(cells.ends[k]);
-    use(std::span(cells.corners).subspan(begin, end - begin), k);
+    use(cells.corners.all().subspan(begin, end - begin), k);
     begin = end;
   }
 }
 
 void CellSoup::addFace(std::span<const int> corners) {
-  // One that does not fit is out of range, like any other one too high.
+  // A number too high for int becomes this one, which is out of range as well.
   constexpr std::int64_t kMost = std::numeric_limits<int>::max();
   const auto first = static_cast<std::int64_t>(firstPoint_);
   const auto last = static_cast<std::int64_t>(soup_.points.size());
   const auto isThere = [count = last - first](std::int64_t v) { return v >= 0 && v < count; };
-  // Nearly all of them.
+  // Nearly all cells are triangles in range.
   if (corners.size() == 3 && isThere(corners[0]) && isThere(corners[1]) && isThere(corners[2]))
     return soup_.faces.push_back({static_cast<int>(first + corners[0]),
                                   static_cast<int>(first + corners[1]),

@@ -1,4 +1,5 @@
-// From cells of any type, as simulations have them, to polygons.
+// Cells as simulation files have them become polygons. In: points, and cells of any of VTK's types.
+// Out: a polygon soup of the cells that are faces, and how many others there were.
 #ifndef QELM_TOOLS_CELL_SOUP_H
 #define QELM_TOOLS_CELL_SOUP_H
 
@@ -17,10 +18,18 @@ namespace qelm::tool {
 /// most cells are, only how many they are.
 class CellEnds {
  public:
+  using Number = std::int64_t;
   std::size_t size() const { return size_; }
   bool areTriangles() const { return ends_.empty(); }
   std::int64_t operator[](std::size_t cell) const {
     return areTriangles() ? static_cast<std::int64_t>(3 * (cell + 1)) : ends_[cell];
+  }
+  void expect(std::size_t) {}
+  void append(std::span<const std::int64_t> block) {
+    if (areTriangles() && continueTriangles(block))
+      size_ += block.size();
+    else
+      for (const std::int64_t end : block) push_back(end);
   }
   void push_back(std::int64_t end) {
     ++size_;
@@ -32,6 +41,13 @@ class CellEnds {
   }
 
  private:
+  bool continueTriangles(std::span<const std::int64_t> block) const {
+    auto end = static_cast<std::int64_t>(3 * size_);
+    std::int64_t differences = 0;  // no branch for each
+    for (const std::int64_t each : block) differences |= each ^ (end += 3);
+    return differences == 0;
+  }
+
   std::size_t size_ = 0;
   std::vector<std::int64_t> ends_;  ///< empty while all are triangles
 };
@@ -40,7 +56,7 @@ class CellEnds {
 /// which is as far out of range.
 struct CellList {
   CellEnds ends;
-  std::vector<int> corners;
+  Corners corners;
 };
 
 /// Gathers one or more pieces. All throw FileError that names the file.

@@ -1,4 +1,5 @@
-// Any polygon into triangles, as well as it goes.
+// Splits polygons into triangles by clipping ears. In: an outline of vertices in space, which may
+// be concave, bent, or cross itself. Out: its triangles, and what was wrong with it.
 #ifndef QELM_TOOLS_EAR_CLIPPING_H
 #define QELM_TOOLS_EAR_CLIPPING_H
 

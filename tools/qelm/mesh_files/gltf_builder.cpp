@@ -20,7 +20,7 @@ static_assert(std::endian::native == std::endian::little, "glTF is little-endian
 
 using Json = GltfBuilder::Json;
 
-// Numbers of OpenGL.
+// OpenGL's constants, which glTF uses.
 constexpr int kUnsignedInt = 5125;
 constexpr int kFloat = 5126;
 constexpr int kArrayBuffer = 34962;

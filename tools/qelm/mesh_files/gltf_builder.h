@@ -1,4 +1,5 @@
-// glTF 2.0 files in the making: a JSON document, and a buffer of numbers that it describes.
+// Writes glTF 2.0. In: positions, triangles, textures, step by step. Out: a .glb or .gltf file: a
+// JSON document, and a buffer of numbers that it describes.
 #ifndef QELM_TOOLS_GLTF_BUILDER_H
 #define QELM_TOOLS_GLTF_BUILDER_H
 

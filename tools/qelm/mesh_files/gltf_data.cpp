@@ -8,10 +8,13 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <numeric>
 #include <set>
+#include <span>
 #include <utility>
 #include <vector>
 
+#include "encodings/numbers.h"
 #include "mesh_files/gltf_file.h"
 #include "mesh_files/point_merger.h"
 
@@ -20,7 +23,7 @@ namespace {
 
 using Json = GltfFile::Json;
 
-// Modes of primitives.
+// What a primitive's indices make (its "mode").
 constexpr std::size_t kTriangles = 4;
 constexpr std::size_t kStrip = 5;
 constexpr std::size_t kFan = 6;
@@ -199,8 +202,7 @@ class GltfReader {
       file_.fail(where + ": compressed by Draco; save it without compression");
     const auto [vertices, isNew] = placed.try_emplace(*positions);
     if (isNew) vertices->second = addVertices(*positions, attributes, placement, where);
-    addTriangles(cornersOf(primitive, vertices->second.size(), where), mode, vertices->second,
-                 placement.isMirror(), where);
+    addFaces(primitive, mode, vertices->second, placement.isMirror(), where);
   }
 
   void spend(std::size_t numbers, const std::string& where) {
@@ -211,14 +213,20 @@ class GltfReader {
 
   std::vector<int> addVertices(std::size_t accessor, const Json& attributes,
                                const Placement& placement, const std::string& where) {
-    const std::vector<double> xyz = file_.values(accessor, 3);
-    spend(xyz.size() / 3, where);
-    std::vector<Point> places;
-    places.reserve(xyz.size() / 3);
-    for (std::size_t k = 0; k + 3 <= xyz.size(); k += 3)
-      places.push_back(placement({xyz[k], xyz[k + 1], xyz[k + 2]}));
     const std::size_t before = merger_.size();
-    std::vector<int> numbers = merger_.addAll(places);
+    std::vector<int> numbers;
+    std::vector<Point> places;
+    file_.values(accessor, 3, [&](std::span<const double> xyz) {
+      if (numbers.empty()) {
+        spend(file_.count(accessor), where);
+        merger_.expect(file_.count(accessor));
+        numbers.reserve(file_.count(accessor));
+      }
+      places.clear();
+      for (std::size_t k = 0; k < xyz.size(); k += 3)
+        places.push_back(placement({xyz[k], xyz[k + 1], xyz[k + 2]}));
+      merger_.addAll(places, numbers);
+    });
     for (const auto& [key, value] : attributes.items())
       addArray(key, attributes, before, numbers, where);
     return numbers;
@@ -253,17 +261,47 @@ class GltfReader {
     return fmt::format("the property '{}'", key);
   }
 
-  std::vector<std::uint32_t> cornersOf(const Json& primitive, std::size_t vertexCount,
-                                       const std::string& where) {
-    if (const auto accessor = file_.whole(primitive, "indices", where)) {
-      std::vector<std::uint32_t> corners = file_.indices(*accessor);
-      spend(corners.size(), where);
-      return corners;
+  /// A primitive's triangles between these vertices.
+  void addFaces(const Json& primitive, std::size_t mode, const std::vector<int>& vertices,
+                bool isMirror, const std::string& where) {
+    const auto accessor = file_.whole(primitive, "indices", where);
+    if (accessor && mode == kTriangles && !isMirror && addStored(*accessor, vertices, where))
+      return;
+    std::vector<std::uint32_t> corners;
+    if (accessor) {
+      file_.indices(*accessor, [&corners](std::span<const std::uint32_t> block) {
+        corners.insert(corners.end(), block.begin(), block.end());
+      });
+    } else {
+      corners.resize(vertices.size());
+      std::iota(corners.begin(), corners.end(), 0U);
     }
-    spend(vertexCount, where);
-    std::vector<std::uint32_t> all(vertexCount);
-    for (std::size_t k = 0; k < vertexCount; ++k) all[k] = static_cast<std::uint32_t>(k);
-    return all;
+    spend(corners.size(), where);
+    addTriangles(corners, mode, vertices, isMirror, where);
+  }
+
+  /// Triangles in the order in which their corners are stored. Not one of them if a corner is out
+  /// of range, or the last one not whole.
+  bool addStored(std::size_t accessor, const std::vector<int>& vertices, const std::string& where) {
+    Corners corners;
+    std::array<int, kBlockOfNumbers> some;
+    bool areThere = true;
+    file_.indices(accessor, [&](std::span<const std::uint32_t> block) {
+      if (corners.size() == 0) corners.expect(file_.count(accessor));
+      for (; !block.empty() && areThere;
+           block = block.subspan(std::min(block.size(), some.size()))) {
+        const auto now = block.first(std::min(block.size(), some.size()));
+        areThere = *std::max_element(now.begin(), now.end()) < vertices.size();
+        if (!areThere) return;
+        for (std::size_t k = 0; k < now.size(); ++k) some[k] = vertices[now[k]];
+        corners.append(std::span(some).first(now.size()));
+      }
+    });
+    if (!areThere || corners.size() % 3 != 0) return false;
+    spend(corners.size(), where);
+    const TriangleFacts facts = corners.facts();
+    faces_.appendTriangles(corners.take(), facts);
+    return true;
   }
 
   void addTriangles(const std::vector<std::uint32_t>& corners, std::size_t mode,
@@ -271,14 +309,6 @@ class GltfReader {
     const std::size_t step = mode == kTriangles ? 3 : 1;
     if (mode == kTriangles && corners.size() % 3 != 0)
       file_.fail(fmt::format("{}: {} corners make no triangles", where, corners.size()));
-    std::uint32_t most = 0;
-    for (const std::uint32_t corner : corners) most = std::max(most, corner);
-    if (mode == kTriangles && !isMirror && most < vertices.size()) {
-      std::vector<int> triangles(corners.size());
-      for (std::size_t k = 0; k < corners.size(); ++k) triangles[k] = vertices[corners[k]];
-      const TriangleFacts facts(triangles);
-      return faces_.appendTriangles(std::move(triangles), facts);
-    }
     for (std::size_t k = 0; k + 3 <= corners.size(); k += step) {
       const bool isOdd = mode == kStrip && k % 2 == 1;
       const std::array<std::size_t, 3> places = {mode == kFan ? 0 : k, k + 1, k + 2};

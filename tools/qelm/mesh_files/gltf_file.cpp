@@ -11,6 +11,7 @@
 
 #include "encodings/base64.h"
 #include "encodings/numbers.h"
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
 #include "text/text.h"
@@ -78,6 +79,12 @@ double normalised(Number number) {
         static_cast<double>(number) / static_cast<double>(std::numeric_limits<Number>::max()),
         -1.0);
 }
+
+template <class To>
+struct BlockSink {
+  using Number = To;
+  const GltfFile::Use<To>& append;
+};
 
 }  // namespace
 
@@ -294,42 +301,14 @@ std::size_t GltfFile::components(std::size_t accessor) const {
   return 0;
 }
 
-template <class Number, class Change>
-std::vector<Number> GltfFile::elements(std::size_t accessor, std::size_t components,
-                                       Change change) {
-  const std::string where = fmt::format("accessor {}", accessor);
-  const Json& object = entry("accessors", accessor);
-  if (this->components(accessor) != components)
-    fail(fmt::format("{}: {} numbers for each element are needed", where, components));
-  const std::size_t count = this->count(accessor);
-  const int type =
-      static_cast<int>(std::min<std::size_t>(wholeOr(object, "componentType", 0, where), 9999));
-  std::vector<Number> result;
-  const auto read = [&](const Stored& from, std::size_t k, Number* to) {
-    forEachNumber(from.bytes.substr(k * from.stride, components * sizeOf(from.type)), from.type,
-                  ByteOrder::kLittle, [&](auto number) { *to++ = change(number); });
-  };
-  if (object.contains("bufferView")) {
-    const Stored from = stored(object, count, type, components, where);
-    const std::size_t size = components * sizeOf(from.type);
-    if (from.stride == size) {
-      appendNumbers(from.bytes.substr(0, count * size), from.type, ByteOrder::kLittle, change,
-                    result);
-    } else {
-      result.resize(count * components);
-      for (std::size_t k = 0; k < count; ++k) read(from, k, result.data() + k * components);
-    }
-  } else {
-    if (count > size_ + kFreeZeros)
-      fail(fmt::format("{}: {} elements that are nowhere", where, count));
-    result.resize(count * components);
-  }
-  const auto sparse = object.find("sparse");
-  if (sparse == object.end()) return result;
-  const std::size_t changed = wholeOr(*sparse, "count", 0, where);
+/// Calls `read(from, k, place)` for each element that is changed: it becomes element k of `from`.
+template <class Read>
+void GltfFile::changeSome(const Json& sparse, std::size_t count, int type, std::size_t components,
+                          const std::string& where, Read read) {
+  const std::size_t changed = wholeOr(sparse, "count", 0, where);
   const Json nothing = Json::object();
-  const Json& places = sparse->contains("indices") ? (*sparse)["indices"] : nothing;
-  const Json& numbers = sparse->contains("values") ? (*sparse)["values"] : nothing;
+  const Json& places = sparse.contains("indices") ? sparse["indices"] : nothing;
+  const Json& numbers = sparse.contains("values") ? sparse["values"] : nothing;
   const int placeType =
       static_cast<int>(std::min<std::size_t>(wholeOr(places, "componentType", 0, where), 9999));
   const Stored which = stored(places, changed, placeType, 1, where);
@@ -342,25 +321,65 @@ std::vector<Number> GltfFile::elements(std::size_t accessor, std::size_t compone
                     if (at >= 0) place = static_cast<std::size_t>(at);
                   });
     if (place >= count) fail(fmt::format("{}: it has no element {} to change", where, place));
-    read(what, k, result.data() + place * components);
+    read(what, k, place);
   }
-  return result;
+}
+
+template <class Number>
+void GltfFile::elements(std::size_t accessor, std::size_t components, bool isNormalised,
+                        const Use<Number>& use) {
+  const std::string where = fmt::format("accessor {}", accessor);
+  const Json& object = entry("accessors", accessor);
+  if (this->components(accessor) != components)
+    fail(fmt::format("{}: {} numbers for each element are needed", where, components));
+  const std::size_t count = this->count(accessor);
+  const int type =
+      static_cast<int>(std::min<std::size_t>(wholeOr(object, "componentType", 0, where), 9999));
+  const auto sparse = object.find("sparse");
+  std::vector<Number> all;
+  const auto read = [&](const Stored& from, std::size_t k, std::size_t place) {
+    Number* to = all.data() + place * components;
+    forEachNumber(from.bytes.substr(k * from.stride, components * sizeOf(from.type)), from.type,
+                  ByteOrder::kLittle, [&](auto number) {
+                    *to++ = isNormalised ? static_cast<Number>(normalised(number))
+                                         : converted<Number>(number);
+                  });
+  };
+  if (object.contains("bufferView")) {
+    const Stored from = stored(object, count, type, components, where);
+    const std::size_t size = components * sizeOf(from.type);
+    if (from.stride == size && !isNormalised && sparse == object.end()) {
+      BlockSink<Number> sink{use};
+      return appendNumbers(from.bytes.substr(0, count * size), from.type, ByteOrder::kLittle, sink);
+    }
+    all.resize(count * components);
+    for (std::size_t k = 0; k < count; ++k) read(from, k, k);
+  } else {
+    if (count > size_ + kFreeZeros)
+      fail(fmt::format("{}: {} elements that are nowhere", where, count));
+    all.resize(count * components);
+  }
+  if (sparse != object.end()) changeSome(*sparse, count, type, components, where, read);
+  use(all);
+}
+
+void GltfFile::values(std::size_t accessor, std::size_t components, const Use<double>& use) {
+  const Json& object = entry("accessors", accessor);
+  const auto flag = object.find("normalized");
+  elements(accessor, components, flag != object.end() && *flag == true, use);
 }
 
 std::vector<double> GltfFile::values(std::size_t accessor, std::size_t components) {
-  const Json& object = entry("accessors", accessor);
-  const auto flag = object.find("normalized");
-  if (flag != object.end() && *flag == true)
-    return elements<double>(accessor, components, [](auto number) { return normalised(number); });
-  return elements<double>(accessor, components,
-                          [](auto number) { return static_cast<double>(number); });
+  Gathered<double> all;
+  values(accessor, components, [&](std::span<const double> block) {
+    if (all.empty()) all.expect(count(accessor) * components);
+    all.append(block);
+  });
+  return all.take();
 }
 
-std::vector<std::uint32_t> GltfFile::indices(std::size_t accessor) {
-  return elements<std::uint32_t>(accessor, 1, [](auto number) {
-    constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
-    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(wholeOf(number), 0, kMost));
-  });
+void GltfFile::indices(std::size_t accessor, const Use<std::uint32_t>& use) {
+  elements(accessor, 1, false, use);
 }
 
 }  // namespace qelm::tool

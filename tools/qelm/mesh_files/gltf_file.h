@@ -1,12 +1,15 @@
-// What a glTF file holds as numbers: its JSON document, its buffers and the accessors to them.
+// The file itself of a glTF mesh, for its reader. In: a file's bytes. Out: its JSON document, and
+// the numbers that its accessors (typed views of its buffers) stand for.
 #ifndef QELM_TOOLS_GLTF_FILE_H
 #define QELM_TOOLS_GLTF_FILE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,9 +42,16 @@ class GltfFile {
   std::optional<std::vector<double>> numbers(const Json& object, const char* key, std::size_t count,
                                              const std::string& where) const;
 
+  /// What takes numbers, block by block. Blocks of an accessor are whole elements, and none comes
+  /// before it is known that the file has all of them.
+  template <class Number>
+  using Use = std::function<void(std::span<const Number>)>;
+
   /// The numbers of an accessor, `components` for each element. Normalised ones are what they mean.
+  void values(std::size_t accessor, std::size_t components, const Use<double>& use);
   std::vector<double> values(std::size_t accessor, std::size_t components);
-  std::vector<std::uint32_t> indices(std::size_t accessor);
+  /// The nearest whole numbers of their type.
+  void indices(std::size_t accessor, const Use<std::uint32_t>& use);
   /// How many elements it has.
   std::size_t count(std::size_t accessor) const;
   /// How many numbers each of them has.
@@ -61,8 +71,12 @@ class GltfFile {
                         std::size_t& stride);
   Stored stored(const Json& object, std::size_t count, int type, std::size_t components,
                 const std::string& where);
-  template <class Number, class Change>
-  std::vector<Number> elements(std::size_t accessor, std::size_t components, Change change);
+  template <class Number>
+  void elements(std::size_t accessor, std::size_t components, bool isNormalised,
+                const Use<Number>& use);
+  template <class Read>
+  void changeSome(const Json& sparse, std::size_t count, int type, std::size_t components,
+                  const std::string& where, Read read);
 
   const std::string& name_;
   std::filesystem::path folder_;

@@ -1,4 +1,5 @@
-// From a mesh file to triangles.
+// What every command begins with. In: a mesh file's name. Out: a triangle mesh, and notes on what
+// was done to get it.
 #ifndef QELM_TOOLS_LOAD_MESH_H
 #define QELM_TOOLS_LOAD_MESH_H
 

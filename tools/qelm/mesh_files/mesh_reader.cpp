@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "files/file_bytes.h"
 #include "files/paths.h"
 #include "mesh_files/gltf_data.h"
 #include "mesh_files/msh_data.h"
@@ -22,7 +23,7 @@
 namespace qelm::tool {
 namespace {
 
-// The stiffness matrix is gathered from nine entries per triangle, counted by int.
+// The library gathers its matrix from nine entries per triangle, which it counts by int.
 constexpr std::size_t kMostFaces = std::numeric_limits<int>::max() / 9;
 
 // As in "standard input (obj)".
@@ -126,7 +127,15 @@ std::string meshExtension(const std::string& name) {
 PolygonSoup readPolygonSoup(const std::filesystem::path& path) {
   formatOf(path);  // refuses the name before the file is touched
   if (isStandardInput(toUtf8(path))) return readPolygonSoup(path, readStandardInput());
-  return readPolygonSoup(path, readFileBytes(path));
+  const FileBytes bytes = readFileBytes(path);
+  try {
+    PolygonSoup soup = readPolygonSoup(path, bytes);
+    bytes.requireWhole(path);
+    return soup;
+  } catch (const InputError&) {
+    bytes.requireWhole(path);  // says more than what the bytes that are missing led to
+    throw;
+  }
 }
 
 PolygonSoup readPolygonSoup(const std::filesystem::path& path, std::string_view bytes) {

@@ -1,4 +1,5 @@
-// Mesh files into memory.
+// Reads mesh files of every format. In: a file's name, or its bytes. Out: a polygon soup whose
+// indices are in range.
 #ifndef QELM_TOOLS_MESH_READER_H
 #define QELM_TOOLS_MESH_READER_H
 

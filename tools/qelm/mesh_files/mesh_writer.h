@@ -1,4 +1,4 @@
-// Meshes into files.
+// Writes meshes. In: a mesh and a format. Out: a file.
 #ifndef QELM_TOOLS_MESH_WRITER_H
 #define QELM_TOOLS_MESH_WRITER_H
 

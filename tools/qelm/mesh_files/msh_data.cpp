@@ -223,25 +223,40 @@ class MshReader {
     }
   }
 
-  /// Of version 4. Those of a binary file at once: in a text, messages say the line.
+  /// Of version 4. Those of a binary file many at once: in a text, messages say the line.
   void elementBlock(const ElementType& type, std::size_t count, NumberType words) {
     if (!isBinary_) {
       for (std::size_t k = 0; k < count; ++k) element(type, source_.integer(words), words);
       return;
     }
-    const std::size_t each = 1 + type.nodes;
-    const std::vector<std::int64_t> numbers = source_.integers(words, count * each);
-    if (type.nodes == 3 && type.used == 3 && addTriangles(numbers)) {
-      types_.insert(types_.end(), count, type.cell);
-      return;
+    if (type.nodes == 3) {
+      ElementSink sink{*this, type};
+      return source_.read(words, 4 * count, sink);
     }
-    for (std::size_t k = 0; k < count; ++k)
-      addElement(type, numbers[k * each], std::span(numbers).subspan(k * each + 1, type.nodes));
+    addElements(type, source_.integers(words, count * (1 + type.nodes)));
   }
 
-  /// Of each a number and three nodes. Not unless nodes are numbered one after another, and all of
-  /// these are there: that is seen without a branch for each.
-  bool addTriangles(std::span<const std::int64_t> numbers) {
+  /// Triangles, each a number and three nodes, block by block.
+  struct ElementSink {
+    using Number = std::int64_t;
+    MshReader& reader;
+    const ElementType& type;
+    void expect(std::size_t numbers) { reader.cells_.corners.expect(numbers / 4 * 3); }
+    void append(std::span<const std::int64_t> block) {
+      if (!reader.addTriangles(type, block)) reader.addElements(type, block);
+    }
+    void push_back(std::int64_t) {}  // of texts
+  };
+
+  void addElements(const ElementType& type, std::span<const std::int64_t> numbers) {
+    const std::size_t each = 1 + type.nodes;
+    for (std::size_t k = 0; k < numbers.size(); k += each)
+      addElement(type, numbers[k], numbers.subspan(k + 1, type.nodes));
+  }
+
+  /// Not unless nodes are numbered one after another, and all of these are there: that is seen
+  /// without a branch for each.
+  bool addTriangles(const ElementType& type, std::span<const std::int64_t> numbers) {
     if (!nodeOf_.empty()) return false;
     std::int64_t least = firstTag_;
     std::int64_t most = firstTag_;
@@ -251,13 +266,15 @@ class MshReader {
         most = std::max(most, numbers[k + c]);
       }
     if (!nodeOf(least) || !nodeOf(most)) return false;
-    const std::size_t before = cells_.corners.size();
-    cells_.corners.resize(before + numbers.size() / 4 * 3);
-    int* to = cells_.corners.data() + before;
-    for (std::size_t k = 0; k < numbers.size(); k += 4, to += 3)
-      for (std::size_t c = 0; c < 3; ++c) to[c] = wholeAs<int>(numbers[k + 1 + c] - firstTag_);
-    for (std::size_t end = before + 3; end <= cells_.corners.size(); end += 3)
-      cells_.ends.push_back(static_cast<std::int64_t>(end));
+    std::array<int, kBlockOfNumbers / 4 * 3> corners;
+    int* to = corners.data();
+    for (std::size_t k = 0; k < numbers.size(); k += 4)
+      for (std::size_t c = 1; c < 4; ++c) *to++ = wholeAs<int>(numbers[k + c] - firstTag_);
+    const std::size_t triangles = numbers.size() / 4;
+    cells_.corners.append(std::span(corners).first(3 * triangles));
+    for (std::size_t k = 0; k < triangles; ++k)
+      cells_.ends.push_back(static_cast<std::int64_t>(3 * (cells_.ends.size() + 1)));
+    types_.insert(types_.end(), triangles, type.cell);
     return true;
   }
 

@@ -1,4 +1,5 @@
-// Gmsh's mesh files.
+// Reads Gmsh's mesh files. In: the bytes of an MSH file. Out: a polygon soup: points, and faces
+// that name them.
 #ifndef QELM_TOOLS_MSH_DATA_H
 #define QELM_TOOLS_MSH_DATA_H
 

@@ -1,4 +1,4 @@
-// OBJ files.
+// Reads OBJ files. In: a file's text. Out: a polygon soup: points, and faces that name them.
 #ifndef QELM_TOOLS_OBJ_DATA_H
 #define QELM_TOOLS_OBJ_DATA_H
 

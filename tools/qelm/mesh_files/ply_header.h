@@ -1,4 +1,5 @@
-// What the header of a PLY file announces.
+// The header of a PLY file. In: the file's bytes. Out: which elements and properties follow, and in
+// which form.
 #ifndef QELM_TOOLS_PLY_HEADER_H
 #define QELM_TOOLS_PLY_HEADER_H
 

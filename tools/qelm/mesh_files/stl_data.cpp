@@ -61,14 +61,16 @@ class FacetSoup {
   static constexpr std::size_t kAtOnce = 3 * 256;
 
   void place() {
-    const std::vector<int> numbers = points_.addAll(waiting_);
-    for (std::size_t k = 0; k < numbers.size(); k += 3)
-      soup_.faces.push_back({numbers[k], numbers[k + 1], numbers[k + 2]});
+    numbers_.clear();
+    points_.addAll(waiting_, numbers_);
+    for (std::size_t k = 0; k < numbers_.size(); k += 3)
+      soup_.faces.push_back({numbers_[k], numbers_[k + 1], numbers_[k + 2]});
     waiting_.clear();
   }
 
   PointMerger points_;
   std::vector<Point> waiting_;
+  std::vector<int> numbers_;  ///< of those, for a moment
   PolygonSoup soup_;
 };
 

@@ -1,4 +1,5 @@
-// STL files.
+// Reads STL files, text and binary. In: the file's bytes. Out: a polygon soup: points, and
+// triangles that name them.
 #ifndef QELM_TOOLS_STL_DATA_H
 #define QELM_TOOLS_STL_DATA_H
 

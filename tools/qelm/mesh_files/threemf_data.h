@@ -1,4 +1,5 @@
-// 3MF files, as slicers write them.
+// Reads 3MF files, the ZIP archives that slicers write. In: the file's bytes. Out: a polygon soup:
+// points, and triangles that name them.
 #ifndef QELM_TOOLS_THREEMF_DATA_H
 #define QELM_TOOLS_THREEMF_DATA_H
 
@@ -10,9 +11,9 @@
 namespace qelm::tool {
 
 /// Reads the triangles of all objects that the build names, each where its components and item put
-/// it; parts in models of their own as well. Coordinates are in the file's unit. Indices are not
-/// looked at. Throws FileError that names the line of the model. Format: 3MF Consortium, 3D
-/// Manufacturing Format, its core and the extension for production.
+/// it; parts in models of their own as well. Coordinates are in the file's unit. Whether indices
+/// are in range is for the caller to check. Throws FileError that names the line of the model.
+/// Format: 3MF Consortium, 3D Manufacturing Format, its core and the extension for production.
 PolygonSoup readThreemf(std::string_view bytes, const std::string& name);
 
 }  // namespace qelm::tool

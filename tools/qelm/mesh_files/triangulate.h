@@ -1,4 +1,5 @@
-// Polygons into triangles.
+// From what a file holds to a mesh. In: a polygon soup. Out: triangles, and what was split, mended
+// or left out.
 #ifndef QELM_TOOLS_TRIANGULATE_H
 #define QELM_TOOLS_TRIANGULATE_H
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -173,37 +173,32 @@ class LegacyReader {
   }
 
   CellList cellsByCounts(std::size_t cellCount, std::size_t size) {
-    std::vector<int> all = source_.integers<int>(NumberType::kInt32, size);
+    const std::vector<int> all = source_.integers<int>(NumberType::kInt32, size);
     CellList cells;
     if (cellCount > size) fail(fmt::format("{} cells in {} numbers", cellCount, size));
-    std::size_t to = 0;
+    cells.corners.expect(size - cellCount);
     std::size_t at = 0;
     for (std::size_t k = 0; k < cellCount; ++k) {
       const std::int64_t corners = at < size ? all[at] : -1;
       if (corners < 0 || static_cast<std::size_t>(corners) > size - at - 1)
         fail(fmt::format("cell {} does not fit into {} numbers", k, size));
-      ++at;
-      for (std::int64_t c = 0; c < corners; ++c) all[to++] = all[at++];
-      cells.ends.push_back(static_cast<std::int64_t>(to));
+      cells.corners.append(std::span(all).subspan(at + 1, static_cast<std::size_t>(corners)));
+      cells.ends.push_back(static_cast<std::int64_t>(cells.corners.size()));
+      at += 1 + static_cast<std::size_t>(corners);
     }
-    all.resize(to);
-    cells.corners = std::move(all);
     return cells;
   }
 
   CellList cellsByOffsets(std::size_t offsetCount, std::size_t cornerCount) {
     CellList cells;
     nextStatement();
-    std::optional<std::int64_t> first;
-    source_.forEachInteger(type(1), offsetCount, [&](std::int64_t offset) {
-      if (first)
-        cells.ends.push_back(offset);
-      else
-        first = offset;
-    });
-    if (first.value_or(0) != 0) fail(fmt::format("the first offset is {}, not 0", *first));
+    const NumberType offsets = type(1);
+    source_.requireNumbers(offsetCount, offsets);
+    const std::int64_t first = offsetCount > 0 ? source_.integer(offsets) : 0;
+    if (first != 0) fail(fmt::format("the first offset is {}, not 0", first));
+    if (offsetCount > 0) source_.read(offsets, offsetCount - 1, cells.ends);
     if (!nextStatement() || keyword_ != "connectivity") fail("CONNECTIVITY must follow OFFSETS");
-    cells.corners = source_.integers<int>(type(1), cornerCount);
+    source_.read(type(1), cornerCount, cells.corners);
     return cells;
   }
 

@@ -1,4 +1,5 @@
-// VTK's legacy files (.vtk), text and binary.
+// Reads VTK's legacy files (.vtk), text and binary. In: the file's bytes. Out: a polygon soup:
+// points, faces that name them, and arrays of numbers of the points.
 #ifndef QELM_TOOLS_VTK_LEGACY_H
 #define QELM_TOOLS_VTK_LEGACY_H
 
@@ -10,8 +11,8 @@
 namespace qelm::tool {
 
 /// Reads the points, faces and point data of POLYDATA and UNSTRUCTURED_GRID, versions 1 to 5.1.
-/// Indices are not looked at. Throws FileError that names the line of a text, the section of a
-/// binary file. Format: VTK User's Guide, "VTK File Formats".
+/// Whether indices are in range is for the caller to check. Throws FileError that names the line of
+/// a text, the section of a binary file. Format: VTK User's Guide, "VTK File Formats".
 PolygonSoup readVtkLegacy(std::string_view bytes, const std::string& name);
 
 }  // namespace qelm::tool

@@ -1,4 +1,4 @@
-// VTK's XML files: meshes and lines with their numbers.
+// Writes VTK's XML files. In: points, cells and numbers of each. Out: a .vtp or .vtu file.
 #ifndef QELM_TOOLS_VTK_WRITER_H
 #define QELM_TOOLS_VTK_WRITER_H
 

@@ -173,12 +173,11 @@ class VtkXmlReader {
         scanner_.failAt(piece.place, fmt::format("<{}> has no array '{}'", section, key));
       return found->second;
     };
-    CellList found{numbers.ends(array("offsets")), numbers.integers<int>(array("connectivity"))};
+    CellList found{numbers.ends(array("offsets")), numbers.corners(array("connectivity"))};
     require(piece, "offsets", found.ends.size(), cells.count, 1);
     if (section == "Polys") soup_.addPolygons(std::move(found));
     if (section == "Strips") soup_.addStrips(found);
-    if (section == "Cells")
-      soup_.addCells(std::move(found), numbers.integers<std::uint8_t>(array("types")));
+    if (section == "Cells") soup_.addCells(std::move(found), numbers.types(array("types")));
   }
 
   std::string_view bytes_;

@@ -28,6 +28,9 @@ constexpr std::array<std::pair<std::string_view, NumberType>, 10> kXmlTypes = {{
     {"Float64", NumberType::kFloat64},
 }};
 
+// Of bytes and what they are compressed to. Memory for more is taken as it comes.
+constexpr std::uint64_t kUsualRatio = 32;
+
 std::size_t countAt(const XmlScanner& scanner, std::string_view key, std::size_t otherwise) {
   const auto text = scanner.plainAttribute(key);
   if (!text) return otherwise;
@@ -79,42 +82,52 @@ std::uint64_t VtkXmlNumbers::header(const VtkXmlArray& array, std::string_view s
                    : numberAt<std::uint64_t>(place, storage_.order);
 }
 
-/// The array's own bytes. `stored` begins with their size; of compressed ones with the number of
-/// blocks, the size of each but the last, the size of the last one (0 when it is as large), and
-/// the compressed size of each.
-std::string_view VtkXmlNumbers::plain(const VtkXmlArray& array, std::string_view stored,
-                                      std::string& room) {
-  const std::uint64_t first = header(array, stored, 0);
+/// `stored` begins with the size of what follows.
+template <class Sink>
+void VtkXmlNumbers::appendPlain(const VtkXmlArray& array, std::string_view stored, Sink& sink) {
+  const std::uint64_t size = header(array, stored, 0);
+  const std::string_view rest = stored.substr(sizeOf(storage_.header));
+  if (size > rest.size())
+    fail(array, fmt::format("{} bytes are announced, {} are there", size, rest.size()));
+  const std::string_view bytes = rest.substr(0, static_cast<std::size_t>(size));
+  spend(array, bytes.size());
+  sink.expect(bytes.size() / sizeOf(array.type));
+  appendNumbers(bytes, array.type, storage_.order, sink);
+}
+
+/// `stored` begins with the number of blocks, the size of each but the last, the size of the last
+/// one (0 when it is as large), and the compressed size of each. One block at a time is inflated;
+/// a number may begin in one and end in the next.
+template <class Sink>
+void VtkXmlNumbers::appendInflated(const VtkXmlArray& array, std::string_view stored, Sink& sink) {
+  const std::uint64_t blocks = header(array, stored, 0);
+  if (blocks == 0) return;
   const std::size_t word = sizeOf(storage_.header);
-  if (!storage_.isCompressed) {
-    if (first > stored.size() - word)
-      fail(array, fmt::format("{} bytes are announced, {} are there", first, stored.size() - word));
-    spend(array, static_cast<std::size_t>(first));
-    return stored.substr(word, static_cast<std::size_t>(first));
-  }
-  if (first == 0) return {};
   const std::uint64_t blockSize = header(array, stored, 1);
   const std::uint64_t lastSize = header(array, stored, 2);
-  if (first > stored.size() / word) fail(array, "its header is cut short");
-  std::string_view rest = stored.substr(std::min(stored.size(), word * (3 + first)));
-  for (std::size_t k = 0; k < first; ++k) {
+  if (blocks > stored.size() / word) fail(array, "its header is cut short");
+  std::string_view rest = stored.substr(std::min(stored.size(), word * (3 + blocks)));
+  const std::size_t width = sizeOf(array.type);
+  if (blockSize / kUsualRatio <= rest.size() / blocks) sink.expect(blocks * blockSize / width);
+  std::string room;
+  for (std::size_t k = 0; k < blocks; ++k) {
     const std::uint64_t size = header(array, stored, 3 + k);
     if (size > rest.size()) fail(array, fmt::format("block {} is cut short", k));
     spend(array, static_cast<std::size_t>(size));
-    const bool isLast = k + 1 == first && lastSize != 0;
+    const bool isLast = k + 1 == blocks && lastSize != 0;
     if (!inflate(rest.substr(0, static_cast<std::size_t>(size)), Wrapping::kZlib,
                  static_cast<std::size_t>(isLast ? lastSize : blockSize), room))
       fail(array, fmt::format("block {} is damaged", k));
     rest.remove_prefix(static_cast<std::size_t>(size));
+    const std::size_t whole = room.size() / width * width;
+    appendNumbers(std::string_view(room).substr(0, whole), array.type, storage_.order, sink);
+    room.erase(0, whole);
   }
-  return room;
 }
 
-/// Calls `use` with the array's own bytes.
-template <class Use>
-void VtkXmlNumbers::decode(const VtkXmlArray& array, Use use) {
+template <class Sink>
+void VtkXmlNumbers::decode(const VtkXmlArray& array, Sink& sink) {
   std::string letters;
-  std::string room;
   std::string_view stored = array.text;
   if (array.form == VtkXmlArray::Form::kAppended) {
     stored = storage_.appended;
@@ -135,64 +148,47 @@ void VtkXmlNumbers::decode(const VtkXmlArray& array, Use use) {
     letters = std::move(*decoded);
     stored = letters;
   }
-  use(plain(array, stored, room));
+  if (storage_.isCompressed)
+    appendInflated(array, stored, sink);
+  else
+    appendPlain(array, stored, sink);
 }
 
-template <class Number>
-std::vector<Number> VtkXmlNumbers::words(const VtkXmlArray& array) const {
+template <class Sink>
+void VtkXmlNumbers::words(const VtkXmlArray& array, Sink& sink) const {
+  using Number = typename Sink::Number;
   NumberSource source(array.text, name_, scanner_.lineOf(array.text.data()));
-  std::vector<Number> result;
   for (source.skipBlanks(); !source.atEnd(); source.skipBlanks()) {
-    if constexpr (std::is_same_v<Number, double>)
-      result.push_back(source.number(array.type));
+    if constexpr (std::is_floating_point_v<Number>)
+      sink.push_back(source.number(array.type));
     else
-      result.push_back(wholeAs<Number>(source.integer(array.type)));
+      sink.push_back(wholeAs<Number>(source.integer(array.type)));
   }
-  return result;
+}
+
+template <class Sink>
+Sink VtkXmlNumbers::read(const VtkXmlArray& array) {
+  using Number = typename Sink::Number;
+  if (!std::is_floating_point_v<Number> && !isWhole(array.type))
+    fail(array, "whole numbers are needed here");
+  Sink sink;
+  if (array.form == VtkXmlArray::Form::kText)
+    words(array, sink);
+  else
+    decode(array, sink);
+  return sink;
 }
 
 std::vector<double> VtkXmlNumbers::numbers(const VtkXmlArray& array) {
-  if (array.form == VtkXmlArray::Form::kText) return words<double>(array);
-  std::vector<double> result;
-  decode(array, [&](std::string_view bytes) {
-    appendNumbers(
-        bytes, array.type, storage_.order, [](auto number) { return static_cast<double>(number); },
-        result);
-  });
-  return result;
+  return read<Gathered<double>>(array).take();
 }
 
-void VtkXmlNumbers::requireWhole(const VtkXmlArray& array) const {
-  if (!isWhole(array.type)) fail(array, "whole numbers are needed here");
+std::vector<std::uint8_t> VtkXmlNumbers::types(const VtkXmlArray& array) {
+  return read<Gathered<std::uint8_t>>(array).take();
 }
 
-CellEnds VtkXmlNumbers::ends(const VtkXmlArray& array) {
-  requireWhole(array);
-  CellEnds result;
-  if (array.form == VtkXmlArray::Form::kText)
-    for (const std::int64_t end : words<std::int64_t>(array)) result.push_back(end);
-  else
-    decode(array, [&](std::string_view bytes) {
-      forEachNumber(bytes, array.type, storage_.order,
-                    [&result](auto number) { result.push_back(wholeOf(number)); });
-    });
-  return result;
-}
+CellEnds VtkXmlNumbers::ends(const VtkXmlArray& array) { return read<CellEnds>(array); }
 
-template <class Integer>
-std::vector<Integer> VtkXmlNumbers::integers(const VtkXmlArray& array) {
-  requireWhole(array);
-  if (array.form == VtkXmlArray::Form::kText) return words<Integer>(array);
-  std::vector<Integer> result;
-  decode(array, [&](std::string_view bytes) {
-    appendNumbers(
-        bytes, array.type, storage_.order, [](auto number) { return wholeAs<Integer>(number); },
-        result);
-  });
-  return result;
-}
-
-template std::vector<int> VtkXmlNumbers::integers(const VtkXmlArray&);
-template std::vector<std::uint8_t> VtkXmlNumbers::integers(const VtkXmlArray&);
+Corners VtkXmlNumbers::corners(const VtkXmlArray& array) { return read<Corners>(array); }
 
 }  // namespace qelm::tool

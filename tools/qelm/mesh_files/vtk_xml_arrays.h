@@ -1,4 +1,5 @@
-// The arrays of VTK's XML files: where they stand, and the numbers in them.
+// The arrays of VTK's XML files. In: an array's tag, and the bytes that it points to. Out: its
+// numbers.
 #ifndef QELM_TOOLS_VTK_XML_ARRAYS_H
 #define QELM_TOOLS_VTK_XML_ARRAYS_H
 
@@ -49,19 +50,23 @@ class VtkXmlNumbers {
       : storage_(storage), scanner_(scanner), name_(name), left_(2 * file.size()) {}
 
   std::vector<double> numbers(const VtkXmlArray& array);
-  /// In the range of `Integer`: what is beyond it becomes its nearest number.
-  template <class Integer>
-  std::vector<Integer> integers(const VtkXmlArray& array);
+  /// In the range of their type: what is beyond it becomes its nearest number.
+  std::vector<std::uint8_t> types(const VtkXmlArray& array);
   CellEnds ends(const VtkXmlArray& array);
+  Corners corners(const VtkXmlArray& array);
 
  private:
-  void requireWhole(const VtkXmlArray& array) const;
   [[noreturn]] void fail(const VtkXmlArray& array, const std::string& what) const;
-  template <class Number>
-  std::vector<Number> words(const VtkXmlArray& array) const;
-  template <class Use>
-  void decode(const VtkXmlArray& array, Use use);
-  std::string_view plain(const VtkXmlArray& array, std::string_view stored, std::string& room);
+  template <class Sink>
+  Sink read(const VtkXmlArray& array);
+  template <class Sink>
+  void words(const VtkXmlArray& array, Sink& sink) const;
+  template <class Sink>
+  void decode(const VtkXmlArray& array, Sink& sink);
+  template <class Sink>
+  void appendPlain(const VtkXmlArray& array, std::string_view stored, Sink& sink);
+  template <class Sink>
+  void appendInflated(const VtkXmlArray& array, std::string_view stored, Sink& sink);
   std::uint64_t header(const VtkXmlArray& array, std::string_view stored, std::size_t k) const;
   void spend(const VtkXmlArray& array, std::size_t size);
 
