@@ -29,17 +29,15 @@ struct Batch {
 
 /// How many right-hand sides go through the factor together: a power of two from 1 to 32.
 ///
-/// 16, by measurement (bench/batch_bench.cpp). Time for one field, as a share of
-/// Eigen's own single solve, on grids of 100 thousand and 1 million vertices:
+/// 16, by measurement (bench/batch_bench.cpp). Time for one field, as a share of a single
+/// solve, on grids of 100 thousand and 1 million vertices, with AVX-512:
 ///
 ///   width   2     4     8     16    32
-///   100k    0.58  0.38  0.23  0.17  0.14
-///   1M      0.45  0.28  0.21  0.15  0.14
+///   100k    0.63  0.36  0.29  0.24  0.22
+///   1M      0.70  0.38  0.28  0.20  0.17
 ///
-/// The factor is far larger than the caches, so up to here each doubling nearly
-/// saves one reading of it. A row of 16 is two cache lines, which processors fetch as
-/// a pair, and its sum fits half of the 16 vector registers, with room for the rest
-/// of the loop. 32 would save another tenth, but for twice the memory.
+/// A factor far larger than the caches is read once for all fields of a block. 32 would save
+/// another tenth, but for twice the memory.
 constexpr int kBatchWidth = 16;
 
 /// Solves for every field of the batch, each on its own:
