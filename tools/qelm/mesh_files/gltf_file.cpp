@@ -14,6 +14,7 @@
 #include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -318,7 +319,7 @@ void GltfFile::changeSome(const Json& sparse, std::size_t count, int type, std::
     forEachNumber(which.bytes.substr(k * which.stride, sizeOf(which.type)), which.type,
                   ByteOrder::kLittle, [&place](auto number) {
                     const std::int64_t at = wholeOf(number);
-                    if (at >= 0) place = static_cast<std::size_t>(at);
+                    if (at >= 0) place = asIndex(at);
                   });
     if (place >= count) fail(fmt::format("{}: it has no element {} to change", where, place));
     read(what, k, place);
