@@ -103,7 +103,7 @@ TEST(CornersTest, AreLookedAtWhateverTheBlocks) {
     for (std::size_t k = 0; k < kCount; ++k) all[k] = static_cast<int>(k);
     all[1234] = 99'999;
     if (odd < kCount) all[odd / 3 * 3 + 2] = all[odd / 3 * 3];
-    for (const std::size_t size : {1, 2, 4, 100, 5000}) {
+    for (const std::size_t size : {1u, 2u, 4u, 100u, 5000u}) {
       Corners corners;
       for (std::size_t k = 0; k < kCount; k += size)
         corners.append(std::span(all).subspan(k, std::min(size, kCount - k)));

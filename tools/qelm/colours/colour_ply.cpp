@@ -1,11 +1,9 @@
 #include "colours/colour_ply.h"
 
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "text/index.h"
 #include "text/text.h"
@@ -17,6 +15,15 @@ namespace {
 static_assert(sizeof(int) == sizeof(std::int32_t));
 
 constexpr Colour kNoValue = {128, 128, 128};
+
+/// As in the file: without padding.
+#pragma pack(push, 1)
+struct VertexRecord {
+  Point point;
+  Colour colour;
+  double value;
+};
+#pragma pack(pop)
 
 static_assert(std::endian::native == std::endian::little, "binary PLY is little-endian here");
 
@@ -42,14 +49,12 @@ void writeColourPly(const Mesh& mesh, std::span<const double> field, const Colou
   writeHeader(mesh, scale, caption, block);
   for (int v = 0; v < mesh.vertexCount(); ++v) {
     const double value = field[asIndex(v)];
-    block.bytes(mesh.point(v));
-    block.bytes(std::isnan(value) ? kNoValue : scale(value));
-    block.bytes(value);
+    const Colour colour = std::isnan(value) ? kNoValue : scale(value);
+    block.bytes(VertexRecord{mesh.point(v), colour, value});
   }
-  std::array<char, 1 + 3 * sizeof(std::int32_t)> face = {3};
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    std::memcpy(face.data() + 1, mesh.corners(t).data(), face.size() - 1);
-    block.bytes(face);
+    block.bytes(std::uint8_t{3});
+    block.bytes(mesh.corners(t));
   }
   block.flush();
 }

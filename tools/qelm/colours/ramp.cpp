@@ -24,6 +24,12 @@ std::string_view withoutReversed(std::string_view text) {
   return text.starts_with(kReversed) ? text.substr(kReversed.size()) : text;
 }
 
+/// As std::lround() rounds a number that is not negative, without a call.
+std::uint8_t nearest(double x) {
+  const auto below = static_cast<std::uint8_t>(x);
+  return static_cast<std::uint8_t>(below + (x - below >= 0.5 ? 1 : 0));
+}
+
 }  // namespace
 
 Ramp::Ramp(std::vector<Colour> colours, std::string name)
@@ -37,7 +43,7 @@ Colour Ramp::operator()(double t) const {
   Colour colour{};
   for (std::size_t k = 0; k < colour.size(); ++k) {
     const double mixed = (1 - part) * colours_[below][k] + part * colours_[above][k];
-    colour[k] = static_cast<std::uint8_t>(std::lround(mixed));
+    colour[k] = nearest(mixed);
   }
   return colour;
 }

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -93,7 +94,7 @@ class NpyReader {
       if (trimmed(word).empty()) continue;
       const auto value = parseInteger(trimmed(word));
       if (!value || *value < 0) fail(fmt::format("'{}' in the shape is no size", word));
-      sizes.push_back(static_cast<std::size_t>(*value));
+      sizes.push_back(asIndex(*value));
     }
     if (sizes.empty() || sizes.size() > 2)
       fail(fmt::format("the array has {} axes; give one with one or two", sizes.size()));
@@ -109,7 +110,7 @@ class NpyReader {
                            (*size == 1 || *size == 2 || *size == 4 || *size == 8)) ||
                           (type[1] == 'b' && *size == 1));
     if (!isKnown) fail(fmt::format("numbers of the type '{}' cannot be read; save doubles", type));
-    return static_cast<std::size_t>(*size);
+    return asIndex(*size);
   }
 
   static double item(std::string_view type, std::string_view bytes) {

@@ -153,7 +153,7 @@ std::int64_t NumberSource::integer(NumberType type) {
 std::size_t NumberSource::count(NumberType type, std::size_t least, std::size_t words) {
   const std::int64_t number = integer(type);
   const std::size_t each = std::max<std::size_t>(1, isBinary_ ? least : kLeastText * words);
-  if (number < 0 || static_cast<std::size_t>(number) > (rest_.size() + 1) / each)
+  if (number < 0 || asIndex(number) > (rest_.size() + 1) / each)
     fail(fmt::format("{} are announced, but the file is too short for them", number));
   return asIndex(number);
 }

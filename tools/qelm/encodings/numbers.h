@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "text/compiler.h"
 #include "text/room.h"
 
 namespace qelm::tool {
@@ -45,19 +46,6 @@ constexpr bool isWhole(NumberType type) {
   return type != NumberType::kFloat32 && type != NumberType::kFloat64;
 }
 
-/// With its bytes in the other order.
-template <class Word>
-Word turned(Word word) {
-  if constexpr (sizeof(Word) == 8)
-    return __builtin_bswap64(word);
-  else if constexpr (sizeof(Word) == 4)
-    return __builtin_bswap32(word);
-  else if constexpr (sizeof(Word) == 2)
-    return __builtin_bswap16(word);
-  else
-    return word;
-}
-
 /// The number at the front of `bytes`, which must be long enough.
 template <class Number>
 Number numberAt(const char* bytes, ByteOrder order) {
@@ -67,7 +55,7 @@ Number numberAt(const char* bytes, ByteOrder order) {
                          std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint8_t>>>;
   Word word;
   std::memcpy(&word, bytes, sizeof word);
-  return std::bit_cast<Number>(order == ByteOrder::kBig ? turned(word) : word);
+  return std::bit_cast<Number>(order == ByteOrder::kBig ? byteSwapped(word) : word);
 }
 
 /// Calls `use` with a zero of the type.
@@ -166,13 +154,11 @@ class Gathered {
 /// no calls. A multiple of three and of four, for those who want whole triangles.
 constexpr std::size_t kBlockOfNumbers = 1536;
 
-/// Asks the processor, where the compiler knows how, for bytes that are needed soon. By itself it
-/// stops at the end of each page of memory.
-inline void prefetch([[maybe_unused]] std::string_view bytes) {
-#if defined(__GNUC__)
+/// Asks for bytes that are needed soon. By itself the processor stops at the end of each page of
+/// memory.
+inline void prefetch(std::string_view bytes) {
   constexpr std::size_t kCacheLine = 64;
-  for (std::size_t k = 0; k < bytes.size(); k += kCacheLine) __builtin_prefetch(bytes.data() + k);
-#endif
+  for (std::size_t k = 0; k < bytes.size(); k += kCacheLine) prefetchToRead(bytes.data() + k);
 }
 
 template <class Number, ByteOrder order, class To>

@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include <csignal>
+
+#include "text/index.h"
 #endif
 
 namespace qelm::tool {
@@ -62,12 +64,12 @@ int take(const char* path) {
   static_cast<void>(isInstalled);
   for (std::size_t k = 0; k < kSlots; ++k) {
     const char* empty = nullptr;
-    if (slots[k].compare_exchange_strong(empty, path)) return static_cast<int>(k);
+    if (slots[k].compare_exchange_strong(empty, path)) return asInt(k);
   }
   return -1;
 }
 
-void give(int slot) { slots[static_cast<std::size_t>(slot)].store(nullptr); }
+void give(int slot) { slots[asIndex(slot)].store(nullptr); }
 #endif
 
 }  // namespace

@@ -17,6 +17,7 @@
 
 #include "files/paths.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace fs = std::filesystem;
@@ -55,9 +56,12 @@ FileBytes readFileBytes(const fs::path& path) {
     throw FileError(fmt::format("{}: no such file; check the name and the folder", name));
   if (status.type() == fs::file_type::directory)
     throw FileError(fmt::format("{}: is a folder; name a file in it", name));
-  if (FileBytes::Memory mapped = FileBytes::map(path)) {
-    const std::size_t size = mapped.get_deleter().mapped;
-    return {std::move(mapped), size};
+  // A pipe may be opened once: whoever writes sees it being closed.
+  if (status.type() == fs::file_type::regular) {
+    if (FileBytes::Memory mapped = FileBytes::map(path)) {
+      const std::size_t size = mapped.get_deleter().mapped;
+      return {std::move(mapped), size};
+    }
   }
   errno = 0;
   std::ifstream file(path, std::ios::binary);
@@ -71,7 +75,7 @@ FileBytes readFileBytes(const fs::path& path) {
   std::size_t size = 0;
   while (true) {
     file.read(bytes.get() + size, static_cast<std::streamsize>(room - size));
-    size += static_cast<std::size_t>(file.gcount());
+    size += asIndex(file.gcount());
     if (!file) break;
     room = 2 * room + kBlock;
     auto larger = std::make_unique_for_overwrite<char[]>(room);

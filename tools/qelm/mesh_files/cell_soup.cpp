@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -90,7 +91,7 @@ template <class Use>
 static void forEachCell(const CellList& cells, Use use) {
   std::size_t begin = 0;
   for (std::size_t k = 0; k < cells.ends.size(); ++k) {
-    const auto end = static_cast<std::size_t>(cells.ends[k]);
+    const auto end = asIndex(cells.ends[k]);
     use(cells.corners.all().subspan(begin, end - begin), k);
     begin = end;
   }
@@ -104,9 +105,8 @@ void CellSoup::addFace(std::span<const int> corners) {
   const auto isThere = [count = last - first](std::int64_t v) { return v >= 0 && v < count; };
   // Nearly all cells are triangles in range.
   if (corners.size() == 3 && isThere(corners[0]) && isThere(corners[1]) && isThere(corners[2]))
-    return soup_.faces.push_back({static_cast<int>(first + corners[0]),
-                                  static_cast<int>(first + corners[1]),
-                                  static_cast<int>(first + corners[2])});
+    return soup_.faces.push_back(
+        {asInt(first + corners[0]), asInt(first + corners[1]), asInt(first + corners[2])});
   face_.clear();
   if (!badCorner_) {
     const auto bad = std::find_if_not(corners.begin(), corners.end(), isThere);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "mesh/vec3.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -102,7 +103,7 @@ class Clipper {
   }
 
   void link() {
-    const int n = static_cast<int>(outline_.size());
+    const int n = asInt(outline_.size());
     corners_.resize(outline_.size());
     for (int k = 0; k < n; ++k) corner(k) = {(k + n - 1) % n, (k + 1) % n, -1, true, kNotLooked};
     for (int k = 0; k < n; ++k) corner(k).angle = smallestAngle(k);
@@ -114,7 +115,7 @@ class Clipper {
 
   double turning() const {
     double sum = 0;
-    for (int k = 0; k < static_cast<int>(outline_.size()); ++k) {
+    for (int k = 0; k < asInt(outline_.size()); ++k) {
       const Flat in = flat(k) - flat(before(k));
       const Flat out = flat(after(k)) - flat(k);
       sum += std::atan2(wedge(in, out), in.x * out.x + in.y * out.y);
@@ -244,10 +245,10 @@ class Clipper {
     const std::size_t base = 3 * asIndex(vertex);
     return {points_[base], points_[base + 1], points_[base + 2]};
   }
-  int outlineAt(int k) const { return outline_[static_cast<std::size_t>(k)]; }
-  const Flat& flat(int k) const { return flat_[static_cast<std::size_t>(k)]; }
-  Corner& corner(int k) { return corners_[static_cast<std::size_t>(k)]; }
-  const Corner& corner(int k) const { return corners_[static_cast<std::size_t>(k)]; }
+  int outlineAt(int k) const { return outline_[asIndex(k)]; }
+  const Flat& flat(int k) const { return flat_[asIndex(k)]; }
+  Corner& corner(int k) { return corners_[asIndex(k)]; }
+  const Corner& corner(int k) const { return corners_[asIndex(k)]; }
   int before(int k) const { return corner(k).before; }
   int after(int k) const { return corner(k).after; }
 

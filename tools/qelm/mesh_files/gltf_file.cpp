@@ -14,6 +14,7 @@
 #include "files/file_bytes.h"
 #include "files/paths.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -93,6 +94,16 @@ struct GltfFile::Stored {
   std::string_view bytes;
   std::size_t stride;
   NumberType type;
+
+  /// Converts the numbers of element k.
+  template <class Number>
+  void convert(std::size_t k, std::size_t components, bool isNormalised, Number* to) const {
+    forEachNumber(bytes.substr(k * stride, components * sizeOf(type)), type, ByteOrder::kLittle,
+                  [&](auto number) {
+                    *to++ = isNormalised ? static_cast<Number>(normalised(number))
+                                         : converted<Number>(number);
+                  });
+  }
 };
 
 GltfFile::GltfFile(std::string_view bytes, const std::string& name, std::filesystem::path folder)
@@ -318,7 +329,7 @@ void GltfFile::changeSome(const Json& sparse, std::size_t count, int type, std::
     forEachNumber(which.bytes.substr(k * which.stride, sizeOf(which.type)), which.type,
                   ByteOrder::kLittle, [&place](auto number) {
                     const std::int64_t at = wholeOf(number);
-                    if (at >= 0) place = static_cast<std::size_t>(at);
+                    if (at >= 0) place = asIndex(at);
                   });
     if (place >= count) fail(fmt::format("{}: it has no element {} to change", where, place));
     read(what, k, place);
@@ -338,12 +349,7 @@ void GltfFile::elements(std::size_t accessor, std::size_t components, bool isNor
   const auto sparse = object.find("sparse");
   std::vector<Number> all;
   const auto read = [&](const Stored& from, std::size_t k, std::size_t place) {
-    Number* to = all.data() + place * components;
-    forEachNumber(from.bytes.substr(k * from.stride, components * sizeOf(from.type)), from.type,
-                  ByteOrder::kLittle, [&](auto number) {
-                    *to++ = isNormalised ? static_cast<Number>(normalised(number))
-                                         : converted<Number>(number);
-                  });
+    from.convert(k, components, isNormalised, all.data() + place * components);
   };
   if (object.contains("bufferView")) {
     const Stored from = stored(object, count, type, components, where);

@@ -15,6 +15,7 @@
 #include "mesh/weld.h"
 #include "mesh_files/mesh_reader.h"
 #include "mesh_files/triangulate.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -69,7 +70,7 @@ void noteUnused(const std::string& name, const Mesh& mesh, const Console& consol
   const auto first = std::find(used.begin(), used.end(), false);
   if (first == used.end()) return;
   const auto count = std::count(first, used.end(), false);
-  const std::string vertex = describeVertex(mesh, static_cast<int>(first - used.begin()));
+  const std::string vertex = describeVertex(mesh, asInt(first - used.begin()));
   console.note(count == 1
                    ? fmt::format("{}: {} is in no triangle; it gets no value", name, vertex)
                    : fmt::format("{}: {} vertices are in no triangle, the first is {}; they get no "

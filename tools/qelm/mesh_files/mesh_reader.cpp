@@ -18,6 +18,7 @@
 #include "mesh_files/vtk_legacy.h"
 #include "mesh_files/vtk_xml.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -89,7 +90,7 @@ void checkFace(const PolygonSoup& soup, std::size_t face, const std::string& nam
   if (corners.size() < 3)
     throw MeshError(fmt::format("{}: face {}: has only {} corners", name, face, corners.size()));
   for (const int index : corners)
-    if (index < 0 || static_cast<std::size_t>(index) >= soup.points.size())
+    if (index < 0 || asIndex(index) >= soup.points.size())
       throw MeshError(fmt::format(
           "{}: face {}: vertex index {} is out of range: the file has {} vertices, numbered 0 "
           "to {}",

@@ -79,10 +79,9 @@ void writePly(const Mesh& mesh, TextBlock& block, ByteSink& file) {
   block.flush();
   file.write(
       {reinterpret_cast<const char*>(mesh.vertices.data()), mesh.vertices.size() * sizeof(double)});
-  std::array<char, 1 + 3 * sizeof(std::int32_t)> face = {3};
   for (int t = 0; t < mesh.triangleCount(); ++t) {
-    std::memcpy(face.data() + 1, mesh.corners(t).data(), face.size() - 1);
-    block.bytes(face);
+    block.bytes(std::uint8_t{3});
+    block.bytes(mesh.corners(t));
   }
 }
 

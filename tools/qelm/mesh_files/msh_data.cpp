@@ -14,6 +14,7 @@
 #include "encodings/number_source.h"
 #include "mesh_files/cell_soup.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -170,8 +171,7 @@ class MshReader {
     const std::int64_t first = source_.integer(kInt);
     const std::int64_t second = source_.integer(kInt);
     const std::int64_t dimension = std::clamp<std::int64_t>(isVersion40_ ? second : first, 0, 3);
-    const std::size_t parameters =
-        source_.integer(kInt) != 0 ? static_cast<std::size_t>(dimension) : 0;
+    const std::size_t parameters = source_.integer(kInt) != 0 ? asIndex(dimension) : 0;
     const std::size_t count = source_.count(size_, 28, 4);
     if (isVersion40_) {
       for (std::size_t k = 0; k < count; ++k) node(source_.integer(kInt), parameters);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -149,7 +150,7 @@ class ObjReader {
     for (std::size_t k = 1; k < words.size(); ++k) {
       const long long index = cornerIndex(words[k], line);
       if (index > std::numeric_limits<int>::max()) continue;  // out of range, as is said later
-      corners_.push_back(static_cast<int>(index) - 1);
+      corners_.push_back(asInt(index) - 1);
       for (NamedFaces* faces : {&groups_, &objects_, &materials_}) faces->add(corners_.back());
     }
     soup_.faces.push_back(corners_);

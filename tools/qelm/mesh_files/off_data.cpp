@@ -9,6 +9,7 @@
 
 #include "encodings/number_source.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -98,7 +99,7 @@ class OffReader {
   std::size_t count(std::string_view word, std::size_t least, const char* what) const {
     const auto number = parseInteger(word);
     if (!number || *number < 0) fail(fmt::format("'{}' is not a number of {}", word, what));
-    const auto result = static_cast<std::size_t>(*number);
+    const auto result = asIndex(*number);
     if (result > (size_ + 1) / least)
       fail(fmt::format("{} {} are announced, but the file is too short for them", result, what));
     return result;
@@ -121,12 +122,12 @@ class OffReader {
     const auto corners = parseInteger(words_[0]);
     if (!corners || *corners < 0)
       fail(fmt::format("face {}: '{}' is not a number of corners", index, words_[0]));
-    if (static_cast<std::size_t>(*corners) > size_)
+    if (asIndex(*corners) > size_)
       fail(fmt::format("face {}: {} corners, but the file is too short for them", index, *corners));
-    needWords(static_cast<std::size_t>(*corners) + 1);
-    if (words_.size() > static_cast<std::size_t>(*corners) + 1) soup_.passedOver.insert("colours");
+    needWords(asIndex(*corners) + 1);
+    if (words_.size() > asIndex(*corners) + 1) soup_.passedOver.insert("colours");
     corners_.clear();
-    for (std::size_t k = 1; k <= static_cast<std::size_t>(*corners); ++k)
+    for (std::size_t k = 1; k <= asIndex(*corners); ++k)
       corners_.push_back(cornerIndex(words_[k], index));
     soup_.faces.push_back(corners_);
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -95,7 +96,7 @@ class HeaderReader {
     if (!count || *count < 0) fail(lines_.number(), "an element needs a name and a count");
     refuseSecond(isVertexElement, words[1]);
     refuseSecond(isFaceElement, words[1]);
-    header_.elements.push_back({words[1], static_cast<std::size_t>(*count), lines_.number(), {}});
+    header_.elements.push_back({words[1], asIndex(*count), lines_.number(), {}});
   }
 
   // Only the first of each kind would be looked at for what it must have.

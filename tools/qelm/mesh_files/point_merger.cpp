@@ -6,6 +6,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "text/compiler.h"
+#include "text/index.h"
+
 namespace qelm::tool {
 namespace {
 
@@ -14,14 +17,6 @@ constexpr std::size_t kLeastTable = 64;
 // Equal to nothing, itself included: thousands of them would be looked up one after another.
 bool hasNan(const Point& point) {
   return std::any_of(point.begin(), point.end(), [](double c) { return std::isnan(c); });
-}
-
-/// Asks the processor to fetch what will be written soon, where the compiler knows how.
-template <class Entry>
-void prefetch([[maybe_unused]] Entry& entry) {
-#if defined(__GNUC__)
-  __builtin_prefetch(&entry, 1);
-#endif
 }
 
 std::uint8_t markOf(std::uint64_t hash) { return static_cast<std::uint8_t>((hash >> 57) | 0x80); }
@@ -50,15 +45,15 @@ void PointMerger::addAll(std::span<const Point> points, std::vector<int>& number
     for (std::size_t k = 0; k < some.size(); ++k) {
       hashes[k] = hashOf(some[k]);
       const std::size_t place = hashes[k] & (marks_.size() - 1);
-      prefetch(marks_[place]);
-      prefetch(numbers_[place]);
+      prefetchToWrite(&marks_[place]);
+      prefetchToWrite(&numbers_[place]);
     }
     for (std::size_t k = 0; k < some.size(); ++k) numbers.push_back(add(some[k], hashes[k]));
   }
 }
 
 int PointMerger::add(const Point& point, std::uint64_t hash) {
-  const int next = static_cast<int>(points_.size());
+  const int next = asInt(points_.size());
   if (!hasNan(point)) {
     growFor(1);
     const std::uint8_t mark = markOf(hash);
@@ -96,7 +91,7 @@ void PointMerger::grow(std::size_t least) {
     std::size_t place = hash & (size - 1);
     while (marks_[place] != 0) place = (place + 1) & (size - 1);
     marks_[place] = markOf(hash);
-    numbers_[place] = static_cast<int>(k);
+    numbers_[place] = asInt(k);
   }
 }
 

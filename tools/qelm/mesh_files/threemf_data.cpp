@@ -12,6 +12,7 @@
 #include "encodings/xml_scanner.h"
 #include "encodings/zip_archive.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -119,7 +120,7 @@ class ModelReader {
     for (std::size_t k = 0; k < 3; ++k) {
       const auto text = scanner_.plainAttribute(kCorners[k]);
       const auto value = text ? parseInteger(trimmed(*text)) : std::nullopt;
-      if (!value || *value < 0 || static_cast<std::size_t>(*value) >= object.points.size())
+      if (!value || *value < 0 || asIndex(*value) >= object.points.size())
         scanner_.fail(
             fmt::format("a triangle with {}=\"{}\"; its object has {} vertices, "
                         "numbered from 0",
@@ -196,7 +197,7 @@ class ThreemfReader {
     spent_ += 1 + object.points.size() + object.triangles.size();
     if (spent_ > kFreeElements + kElementsPerByte * size_)
       fail(fmt::format("object '{}' is used too often", use.object));
-    const int first = static_cast<int>(soup_.points.size());
+    const int first = asInt(soup_.points.size());
     for (const Point& point : object.points) soup_.points.push_back(transform(point));
     const bool isMirror = transform.isMirror();
     for (const auto& [a, b, c] : object.triangles)

@@ -14,6 +14,7 @@
 #include "mesh/vec3.h"
 #include "mesh_files/ear_clipping.h"
 #include "text/error.h"
+#include "text/index.h"
 
 namespace qelm::tool {
 namespace {
@@ -101,7 +102,7 @@ class Splitter {
       return std::move(result_);
     }
     mesh.triangles.reserve(3 * faces_.size());
-    for (std::size_t f = 0; f < faces_.size(); ++f) addFace(static_cast<int>(f));
+    for (std::size_t f = 0; f < faces_.size(); ++f) addFace(asInt(f));
     mesh.leftOutFaces = result_.leftOut.count;
     if (mesh.triangles.empty())
       throw MeshError(fmt::format("none of {} faces has three different corners; repair the file",

@@ -11,6 +11,7 @@
 #include "encodings/number_source.h"
 #include "mesh_files/cell_soup.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -117,7 +118,7 @@ class LegacyReader {
   std::size_t count(std::size_t k) const {
     const auto number = parseInteger(word(k));
     if (!number || *number < 0) fail(fmt::format("'{}' is not a count", word(k)));
-    return static_cast<std::size_t>(*number);
+    return asIndex(*number);
   }
 
   NumberType type(std::size_t k) const {
@@ -180,11 +181,11 @@ class LegacyReader {
     std::size_t at = 0;
     for (std::size_t k = 0; k < cellCount; ++k) {
       const std::int64_t corners = at < size ? all[at] : -1;
-      if (corners < 0 || static_cast<std::size_t>(corners) > size - at - 1)
+      if (corners < 0 || asIndex(corners) > size - at - 1)
         fail(fmt::format("cell {} does not fit into {} numbers", k, size));
-      cells.corners.append(std::span(all).subspan(at + 1, static_cast<std::size_t>(corners)));
+      cells.corners.append(std::span(all).subspan(at + 1, asIndex(corners)));
       cells.ends.push_back(static_cast<std::int64_t>(cells.corners.size()));
-      at += 1 + static_cast<std::size_t>(corners);
+      at += 1 + asIndex(corners);
     }
     return cells;
   }

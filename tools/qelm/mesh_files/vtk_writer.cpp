@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "text/index.h"
 #include "text/text.h"
 #include "text/text_block.h"
 
@@ -131,7 +132,7 @@ void writeVtkMesh(const Mesh& mesh, std::span<const VtkColumn> pointData,
                   std::span<const VtkColumn> cellData, bool isGrid, ByteSink& file,
                   const std::string& comment) {
   std::vector<int> ends;
-  ends.reserve(static_cast<std::size_t>(mesh.triangleCount()));
+  ends.reserve(asIndex(mesh.triangleCount()));
   for (int t = 1; t <= mesh.triangleCount(); ++t) ends.push_back(3 * t);
   writeVtkXml({mesh.vertices, mesh.triangles, ends, pointData, cellData, comment},
               isGrid ? VtkKind::kTriangles : VtkKind::kPolygons, file);

@@ -10,6 +10,7 @@
 #include "encodings/xml_scanner.h"
 #include "mesh_files/cell_soup.h"
 #include "mesh_files/vtk_xml_arrays.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -102,7 +103,7 @@ class VtkXmlReader {
     const auto number = parseInteger(trimmed(text));
     if (!text.empty() && (!number || *number < 0))
       scanner_.fail(fmt::format("{}=\"{}\" is not a count", key, text));
-    return text.empty() ? 0 : static_cast<std::size_t>(*number);
+    return text.empty() ? 0 : asIndex(*number);
   }
 
   void beginPiece() {

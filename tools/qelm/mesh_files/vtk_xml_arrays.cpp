@@ -10,6 +10,7 @@
 #include "encodings/inflate.h"
 #include "encodings/number_source.h"
 #include "text/error.h"
+#include "text/index.h"
 #include "text/text.h"
 
 namespace qelm::tool {
@@ -36,7 +37,7 @@ std::size_t countAt(const XmlScanner& scanner, std::string_view key, std::size_t
   if (!text) return otherwise;
   const auto number = parseInteger(trimmed(*text));
   if (!number || *number < 0) scanner.fail(fmt::format("{}=\"{}\" is not a count", key, *text));
-  return static_cast<std::size_t>(*number);
+  return asIndex(*number);
 }
 
 }  // namespace

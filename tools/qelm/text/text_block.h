@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "text/byte_sink.h"
@@ -26,12 +26,17 @@ class TextBlock {
     if (buffer_.size() >= kSize) flush();
   }
 
+  template <class Value, std::size_t count>
+  void bytes(std::span<const Value, count> values) {
+    static_assert(count != std::dynamic_extent);
+    const std::size_t size = buffer_.size();
+    buffer_.resize(size + values.size_bytes());
+    std::memcpy(buffer_.data() + size, values.data(), values.size_bytes());
+    if (buffer_.size() >= kSize) flush();
+  }
   template <class Value>
   void bytes(const Value& value) {
-    std::array<char, sizeof value> raw;
-    std::memcpy(raw.data(), &value, sizeof value);
-    buffer_.append(raw.data(), raw.data() + raw.size());
-    if (buffer_.size() >= kSize) flush();
+    bytes(std::span<const Value, 1>(&value, 1));
   }
 
   void flush() {
