@@ -36,8 +36,8 @@ def parts_of(content):
 def numbers_of(document, buffer, accessor):
     accessor = document["accessors"][accessor]
     view = document["bufferViews"][accessor["bufferView"]]
-    kind = {5126: "<f4", 5125: "<u4"}[accessor["componentType"]]
-    width = {"SCALAR": 1, "VEC2": 2, "VEC3": 3}[accessor["type"]]
+    kind = {5126: "<f4", 5125: "<u4", 5121: "u1"}[accessor["componentType"]]
+    width = {"SCALAR": 1, "VEC2": 2, "VEC3": 3, "VEC4": 4}[accessor["type"]]
     numbers = numpy.frombuffer(buffer, kind, accessor["count"] * width, view["byteOffset"])
     return numbers.reshape(-1, width)
 
@@ -82,6 +82,20 @@ def test_a_heat_map_as_gltf_has_the_ramp_as_its_texture(qelm, mesh, ending):
     positions = document["accessors"][primitive["attributes"]["POSITION"]]
     numbers = numbers_of(document, buffer, primitive["attributes"]["POSITION"])
     assert positions["min"] == numbers.min(axis=0).tolist() and positions["max"] == numbers.max(axis=0).tolist()
+
+
+def test_a_heat_map_as_gltf_has_the_colours_of_its_vertices(qelm, mesh):
+    qelm.ok("heatmap", mesh, *FIX, "-o", "heat.glb")
+    qelm.ok("heatmap", mesh, *FIX, "-o", "heat.ply")
+    document, buffer = parts_of((qelm.folder / "heat.glb").read_bytes())
+    (primitive,) = document["meshes"][0]["primitives"]
+    colours = numbers_of(document, buffer, primitive["attributes"]["_COLOR"])
+    vertex = numpy.dtype([("point", "<f8", 3), ("colour", "u1", 3), ("value", "<f8")])
+    body = (qelm.folder / "heat.ply").read_bytes().split(b"end_header\n", 1)[1]
+    assert (colours[:, :3] == numpy.frombuffer(body, vertex, len(colours))["colour"]).all()
+    assert (colours[:, 3] == 255).all()
+    accessor = document["accessors"][primitive["attributes"]["_COLOR"]]
+    assert accessor["normalized"] is True and "COLOR_0" not in primitive["attributes"]
 
 
 def shows_its_colours_as_they_are(document):

@@ -1,5 +1,6 @@
 #include "colours/heat_gltf.h"
 
+#include <cstdint>
 #include <vector>
 
 #include "colours/ramp_image.h"
@@ -19,6 +20,16 @@ std::vector<float> rampPlaces(std::span<const double> field, const ColourScale& 
     uv.push_back(0.5F);
   }
   return uv;
+}
+
+std::vector<std::uint8_t> coloursOf(std::span<const double> field, const ColourScale& scale) {
+  std::vector<std::uint8_t> rgba;
+  rgba.reserve(4 * field.size());
+  for (const double value : field) {
+    const Colour colour = scale(value);
+    rgba.insert(rgba.end(), {colour[0], colour[1], colour[2], 255});
+  }
+  return rgba;
 }
 
 }  // namespace
@@ -42,7 +53,8 @@ void writeHeatGltf(const Mesh& mesh, std::span<const double> field, const Colour
   const GltfBuilder::Json attributes = {
       {"POSITION", builder.addPositions(places.rounded(mesh.vertices))},
       {"TEXCOORD_0", builder.addTextureCoordinates(rampPlaces(field, scale))},
-      {"_VALUE", builder.addScalars(std::vector<float>(field.begin(), field.end()))}};
+      {"_VALUE", builder.addScalars(std::vector<float>(field.begin(), field.end()))},
+      {"_COLOR", builder.addColours(coloursOf(field, scale))}};
   builder.document()["meshes"].push_back(
       {{"primitives", GltfBuilder::Json::array({{{"attributes", attributes},
                                                  {"indices", builder.addIndices(corners)},

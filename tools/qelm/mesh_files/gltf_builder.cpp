@@ -21,6 +21,7 @@ static_assert(std::endian::native == std::endian::little, "glTF is little-endian
 using Json = GltfBuilder::Json;
 
 // OpenGL's constants, which glTF uses.
+constexpr int kUnsignedByte = 5121;
 constexpr int kUnsignedInt = 5125;
 constexpr int kFloat = 5126;
 constexpr int kArrayBuffer = 34962;
@@ -88,6 +89,13 @@ std::size_t GltfBuilder::addTextureCoordinates(std::span<const float> uv) {
 
 std::size_t GltfBuilder::addScalars(std::span<const float> values) {
   return addAccessor(addView(bytesOf(values), kArrayBuffer), kFloat, "SCALAR", values.size());
+}
+
+std::size_t GltfBuilder::addColours(std::span<const std::uint8_t> rgba) {
+  const std::size_t accessor =
+      addAccessor(addView(bytesOf(rgba), kArrayBuffer), kUnsignedByte, "VEC4", rgba.size() / 4);
+  document_["accessors"][accessor]["normalized"] = true;
+  return accessor;
 }
 
 std::size_t GltfBuilder::addIndices(std::span<const std::uint32_t> indices) {

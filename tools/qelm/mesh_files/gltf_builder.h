@@ -29,6 +29,8 @@ class GltfBuilder {
   std::size_t addPositions(std::span<const float> xyz);
   std::size_t addTextureCoordinates(std::span<const float> uv);
   std::size_t addScalars(std::span<const float> values);
+  /// Red, green, blue and opacity, a byte each, which stand for 0 to 1.
+  std::size_t addColours(std::span<const std::uint8_t> rgba);
   std::size_t addIndices(std::span<const std::uint32_t> indices);
   /// Adds an image, and a texture that does not repeat it; returns the texture's number.
   std::size_t addTexture(std::string_view png);
