@@ -26,6 +26,7 @@ class TextBlock {
     if (buffer_.size() >= kSize) flush();
   }
 
+  /// Values as they lie in memory.
   template <class Value, std::size_t count>
   void bytes(std::span<const Value, count> values) {
     static_assert(count != std::dynamic_extent);
