@@ -1,6 +1,7 @@
 """Level curves: the sequence and the packed form."""
 
 import pickle
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pytest
@@ -56,6 +57,27 @@ def test_arrays_are_read_only_and_can_be_pickled(system):
             array[0] = 0
     back = pickle.loads(pickle.dumps(curves))
     assert (bits(back.points) == bits(curves.points)).all() and len(back) == len(curves)
+
+
+def test_levels_stay_those_asked_for_when_the_callers_array_changes(system):
+    asked = np.array([-1.5, -0.5])
+    curves = system.curves(HILL, asked)
+    asked[:] = 7
+    assert set(curves.levels) == {-1.5, -0.5}
+
+
+def test_arrays_are_made_once_and_outlive_curves_and_system():
+    system = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
+    expected = system.curves(HILL, 8)
+    with ThreadPoolExecutor(8) as pool:
+        for _ in range(20):
+            curves = system.curves(HILL, 8)
+            arrays = list(pool.map(lambda _: curves.points, range(8)))  # noqa: B023
+            assert all((bits(array) == bits(expected.points)).all() for array in arrays)
+    system.close()
+    points, closed = curves.points, curves.closed
+    del curves, system
+    assert (bits(points) == bits(expected.points)).all() and (closed == expected.closed).all()
 
 
 def test_cells_name_the_points_of_the_polylines(system):

@@ -20,7 +20,7 @@ MODULES = sorted(path.stem for path in PACKAGE.glob("*.py") if path.stem not in 
 HEADER = re.sub(r"/\*.*?\*/", "", (SOURCE / "include/qelm.h").read_text(), flags=re.S)
 
 C_TYPES = {
-    "void": None, "int": ctypes.c_int, "int64_t": ctypes.c_int64, "double": ctypes.c_double, "float": ctypes.c_float,
+    "void": None, "int": ctypes.c_int, "int64_t": ctypes.c_int64, "int64_t*": ctypes.POINTER(ctypes.c_int64), "double": ctypes.c_double, "float": ctypes.c_float,
     "const char*": ctypes.c_char_p, "float*": ctypes.POINTER(ctypes.c_float),
     "const double**": ctypes.POINTER(ctypes.c_void_p), "const int**": ctypes.POINTER(ctypes.c_void_p),
     "MeshSystem**": ctypes.POINTER(ctypes.c_void_p),

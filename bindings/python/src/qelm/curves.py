@@ -3,17 +3,17 @@
 from __future__ import annotations
 
 import collections.abc
-import ctypes
 import operator
 from ctypes import POINTER, byref, c_int
-from typing import Iterator, List, NamedTuple, Union, overload
+from functools import cached_property
+from typing import Any, Callable, Iterator, List, NamedTuple, Tuple, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _arrays
 from ._handle import Handle, lent
-from ._native import library, require_ok
+from ._native import require_ok
 from ._records import QelmCurves
 from .errors import FieldError
 
@@ -65,8 +65,8 @@ class Curve(NamedTuple):
 class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
     """Level curves in the order of their levels: a sequence of :class:`Curve`, and packed arrays.
 
-    For a large result use the arrays, which are views of the library's memory; a ``Curve`` is made
-    when it is asked for.
+    For a large result use the arrays. They are views of the library's memory, made when they are first
+    asked for; a ``Curve`` is made each time.
 
     Attributes
     ----------
@@ -214,33 +214,63 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     return levels
 
 
-class _Record:
-    """Owns a record of curves and its arrays."""
+class _Record(POINTER(QelmCurves)):  # type: ignore[misc]
+    """Points to a record of curves, and owns it and its arrays."""
 
-    def __init__(self, record: ctypes._Pointer[QelmCurves]) -> None:
-        self._record = record
-        self._free = library().qelmfreecurves
+    _type_ = QelmCurves
+    free: Callable[[_Record], None]  # At the interpreter's exit, this module's names may be gone before the record.
 
     def __del__(self) -> None:
-        self._free(self._record)
+        self.free(self)
+
+
+class _RecordCurves(Curves):
+    """Curves in a record. An array of it is made when it is first asked for, which costs more than the call's rest."""
+
+    def __init__(self, record: _Record, asked_levels: List[float]) -> None:
+        self._record = record
+        self._asked_levels = asked_levels
+        self._count: int = record.contents.curveCount
+
+    def __len__(self) -> int:
+        return self._count
+
+    def __reduce__(self) -> Tuple[Any, ...]:
+        return Curves, (self.points, self.starts, self.levels, self.level_indices, self.closed)
+
+    @cached_property
+    def points(self) -> npt.NDArray[np.float64]:  # type: ignore[override]
+        packed = self._record.contents
+        return lent(self._record, packed.points, (packed.pointCount, 3), np.float64)
+
+    @cached_property
+    def starts(self) -> npt.NDArray[np.int64]:  # type: ignore[override]
+        if not self._count:
+            return np.zeros(1, np.int64)
+        return lent(self._record, self._record.contents.starts, (self._count + 1,), np.int64)
+
+    @cached_property
+    def levels(self) -> npt.NDArray[np.float64]:  # type: ignore[override]
+        return np.array(self._asked_levels, np.float64).take(self.level_indices)
+
+    @cached_property
+    def level_indices(self) -> npt.NDArray[np.int32]:  # type: ignore[override]
+        return lent(self._record, self._record.contents.levels, (self._count,), np.int32)
+
+    @cached_property
+    def closed(self) -> npt.NDArray[np.bool_]:  # type: ignore[override]
+        return lent(self._record, self._record.contents.closed, (self._count,), np.int32).astype(bool)
 
 
 def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.float64]) -> Curves:
     """The curves of checked arguments."""
-    record = POINTER(QelmCurves)()
-    status = c_int()
-    library().qelmcurvesTagged(
-        handle.pointer, _arrays.address(field), len(levels), _arrays.address(levels), byref(record), byref(status)
+    record, status = _Record(), c_int()
+    record.free = handle.native.qelmfreecurves
+    field_at, levels_at = _arrays.addresses(field, levels)
+    handle.native.qelmcurvesTagged(
+        handle.pointer, field_at, len(levels), levels_at, byref(record), byref(status)
     )
-    require_ok(status.value)
-    owner = _Record(record)
-    packed = record.contents
-    count = packed.curveCount
-    level_indices = lent(owner, packed.levels, (count,), np.int32)
-    return Curves(
-        points=lent(owner, packed.points, (packed.pointCount, 3), np.float64),
-        starts=lent(owner, packed.starts, (count + 1,), np.int64) if count else np.zeros(1, np.int64),
-        levels=levels.take(level_indices),
-        level_indices=level_indices,
-        closed=lent(owner, packed.closed, (count,), np.int32).astype(bool),
-    )
+    if status.value:
+        require_ok(status.value)
+    # As a list, since the array may be the caller's and change.
+    return _RecordCurves(record, levels.tolist())

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import enum
 from ctypes import byref, c_void_p
 from typing import Optional, Union
 
@@ -10,23 +9,15 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _building, _solving, curves as _curves, meshcheck
+from ._building import FactorisationInfo
 from ._handle import lent
 from ._lifetime import SystemOwner
 from ._mesh import MeshArrays, vertices_of
 from ._native import library
 from .curves import Curves, even_levels
-from .errors import FieldError, SingularSystemError
+from .errors import FieldError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
-
-
-class FactorisationInfo(enum.IntEnum):
-    """How a factorisation ended."""
-
-    SUCCESS = 0
-    NUMERICAL_ISSUE = 1
-    NO_CONVERGENCE = 2
-    INVALID_INPUT = 3
 
 
 class MeshSystem(SystemOwner):
@@ -165,9 +156,9 @@ class MeshSystem(SystemOwner):
             _building.refuse_defects(mesh, robust)
         self._handle = _building.construct(mesh, robust)
         self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
-        self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
+        self.info = FactorisationInfo(self._handle.info())
         if check:
-            self._require_solvable()
+            _building.require_factorised(self.info)
 
     def _keep(self, triangle_count: int, fixed: npt.NDArray[np.intp], vertex_count: int) -> None:
         self.vertex_count = vertex_count
@@ -286,12 +277,13 @@ class MeshSystem(SystemOwner):
         handle = self._alive()
         prescribed = _solving.prescribed_values(values, self._fixed, self.vertex_count)
         loads = None if load is None else self._loads(load)
-        if self.info:
-            self._require_solvable()
         return _solving.solve(handle, prescribed, loads, out)
 
     def _loads(self, load: npt.ArrayLike) -> npt.NDArray[np.float64]:
-        return _arrays.per_vertex(load, self.vertex_count, "load", self.order[self.fixed_count :])
+        array = _arrays.per_vertex(load, self.vertex_count, "load")
+        if array is load:
+            return array
+        return _arrays.unmasked(load, array, "load", self.order[self.fixed_count :])
 
     def _any_field(self, field: npt.ArrayLike) -> npt.NDArray[np.float64]:
         """(n,) of any values. A masked value becomes NaN, a hole."""
@@ -301,13 +293,6 @@ class MeshSystem(SystemOwner):
         if array is not field and isinstance(field, np.ma.MaskedArray):
             return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
         return array
-
-    def _require_solvable(self) -> None:
-        if self.info != FactorisationInfo.SUCCESS:
-            raise SingularSystemError(
-                f"the factorisation ended with {self.info.name}: some free vertices are not tied to a fixed one, "
-                "or triangles are too thin to compute with; qelm.check says more"
-            )
 
     # ---- Curves
 
@@ -346,9 +331,9 @@ class MeshSystem(SystemOwner):
         """
         handle = self._alive()
         array = self._any_field(field)
-        count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
-        chosen = even_levels(array, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
-        return _curves.cut(handle, array, chosen)
+        if type(levels) is not np.ndarray and isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
+            levels = even_levels(array, int(levels))
+        return _curves.cut(handle, array, _arrays.levels(levels))
 
     # ---- Lifetime
 
