@@ -3,22 +3,43 @@
 from __future__ import annotations
 
 import subprocess
+import sys
 from typing import Sequence
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _loading
-from .errors import ToolError
+from .errors import FieldError, ToolError
+
+
+# On Windows, a program without a console would open one for the tool.
+_NO_WINDOW: int = getattr(subprocess, "CREATE_NO_WINDOW", 0)
+# What the system lets an argument have, less on Windows the others; in characters.
+_LONGEST = 30_000 if sys.platform == "win32" else 130_000
+
+
+def at(levels: npt.NDArray[np.float64]) -> str:
+    """The argument that names levels. Raises FieldError if they are too many for a command line."""
+    argument = "--at=" + ",".join(map(repr, levels.tolist()))
+    if len(argument) > _LONGEST:
+        raise FieldError(f"levels: {len(levels)} are too many for the command-line tool, which does this; ask for fewer")
+    return argument
 
 
 def run(arguments: Sequence[str], folder: str) -> str:
     """Runs the tool in a folder and returns what it prints. Raises ToolError with its message."""
-    done = subprocess.run(
-        [_loading.tool(), *arguments], cwd=folder, capture_output=True, text=True, encoding="utf-8", check=False
-    )
+    program = _loading.tool()
+    try:
+        done = subprocess.run(
+            [program, *arguments], cwd=folder, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+            encoding="utf-8", check=False, creationflags=_NO_WINDOW,
+        )  # fmt: skip
+    except OSError as error:
+        raise ToolError(f"qelm {arguments[0]}: {program} cannot be run: {error.strerror or error}") from error
     if done.returncode != 0:
-        message = done.stderr.strip().replace("qelm: error: ", "", 1)
+        # The second line leads to the help of the command line.
+        message = done.stderr.strip().replace("qelm: error: ", "", 1).split("\nRun 'qelm ")[0]
         raise ToolError(f"qelm {arguments[0]}: {message or f'exit code {done.returncode}'}", done.returncode)
     return done.stdout
 
