@@ -13,6 +13,27 @@ from meshes import grid, square
 VERTICES, TRIANGLES, TAGS = square()
 
 
+# ---- Systems that are none
+
+
+@pytest.mark.parametrize("system", [None, np.zeros(4), qelm.MeshSystem], ids=["None", "an array", "the class"])
+@pytest.mark.parametrize(
+    "function, arguments",
+    [
+        (qelm.gradient, []),
+        (qelm.isoline_segments, [[0.5]]),
+        (qelm.plot, []),
+        (qelm.simplified_curves, [3, 0.1]),
+        (qelm.spaced_levels, [0.1]),
+        (qelm.view, []),
+        (qelm.write_heat_map, ["heat"]),
+    ],
+)
+def test_what_is_no_system_is_named(function, arguments, system):
+    with pytest.raises(TypeError, match=f"^system: a MeshSystem is needed, this is of type {type(system).__name__}$"):
+        function(system, [0, 1, 2, 3], *arguments)
+
+
 # ---- check
 
 
@@ -109,6 +130,12 @@ def test_wrong_arguments_of_weld_are_named(arguments, message):
         qelm.weld(*arguments)
 
 
+@pytest.mark.parametrize("tolerance", ["1e-6", [1e-6, 1e-5], 1j])
+def test_a_tolerance_that_is_no_number_is_named(tolerance):
+    with pytest.raises(TypeError, match="^tolerance: "):
+        qelm.weld(VERTICES, TRIANGLES, tolerance)
+
+
 # ---- heat maps
 
 
@@ -158,6 +185,27 @@ def test_a_full_disk_is_noticed(tmp_path):
         qelm.write_heat_map(system, [0, 1, 2, 3], tmp_path / "heat")
 
 
+@pytest.mark.parametrize("name", ["heat", "heat.obj", "heat.OBJ"])
+def test_a_heat_map_may_be_named_by_its_obj_file(tmp_path, name):
+    qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], tmp_path / name)
+    assert sorted(path.name for path in tmp_path.iterdir()) == ["heat.mtl", "heat.obj", "viridis.PNG"]
+    assert f"mtllib {tmp_path}/heat.mtl\n" in (tmp_path / "heat.obj").read_text()
+
+
+@pytest.mark.parametrize("name", ["", ".", "..", "folder/", "folder/.obj", "/", "a\0b"])
+def test_a_path_without_file_name_is_refused(tmp_path, monkeypatch, name):
+    (tmp_path / "folder").mkdir()
+    monkeypatch.chdir(tmp_path)
+    with pytest.raises(ValueError, match="^path: .* names no file"):
+        qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], name)
+    assert [path.name for path in tmp_path.rglob("*")] == ["folder"]
+
+
+def test_a_path_of_bytes_is_refused():
+    with pytest.raises(TypeError, match="^path: b'heat' is not text"):
+        qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], b"heat")
+
+
 def test_without_ramp_there_is_no_ramp(tmp_path):
     system = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
     qelm.write_heat_map(system, [0, 1, 2, 3], tmp_path / "heat", ramp=False)
@@ -177,6 +225,7 @@ def test_every_integer_comes_back_from_its_point_and_from_the_reverse():
 
 def test_the_codec_keeps_shapes():
     assert qelm.encode([[1, 2, 3]]).shape == (1, 3, 3)
+    assert qelm.encode([]).shape == (0, 3)
     assert qelm.decode(qelm.encode(np.int8(7))).shape == () and qelm.decode(np.empty((0, 3))).shape == (0,)
 
 
@@ -214,4 +263,9 @@ def test_without_segments_the_tables_are_empty():
 
 def test_the_version_is_that_of_the_header():
     assert re.fullmatch(r"\d+\.\d+\.\d+", qelm.library_version())
-    assert run(program("qelm"), "--version").split()[-1] == qelm.library_version()
+    assert run(program("qelm"), "--version").split()[-1] == qelm.library_version() == qelm.__version__
+
+
+def test_other_names_of_the_module_are_missing():
+    with pytest.raises(AttributeError, match="module 'qelm' has no attribute 'nothing'"):
+        qelm.nothing  # noqa: B018

@@ -29,7 +29,10 @@ def test_a_prediction_grows_with_the_mesh():
 def test_a_robust_system_has_a_prediction_of_its_own():
     vertices, triangles, tags = grid(20, 20)
     vertices[:, 0] += 5 * vertices[:, 1]
-    assert qelm.predict(vertices, triangles, tags, robust=True) != qelm.predict(vertices, triangles, tags)
+    robust = qelm.predict(vertices, triangles, tags, robust=True)
+    assert robust != qelm.predict(vertices, triangles, tags)
+    # What numpy's comparisons give is a truth value, too.
+    assert qelm.predict(vertices, triangles, tags, robust=np.bool_(True)) == robust
 
 
 def test_a_mesh_that_cannot_be_built_is_named():

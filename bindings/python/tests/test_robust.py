@@ -21,7 +21,7 @@ def test_where_the_plain_matrix_is_good_the_fields_are_the_same_bits():
 
 def test_a_field_stays_within_its_fixed_values():
     plain = qelm.MeshSystem(*OBTUSE).solve([1, 0, 0])
-    robust = qelm.MeshSystem(*OBTUSE, robust=True).solve([1, 0, 0])
+    robust = qelm.MeshSystem(*OBTUSE, robust=np.bool_(True)).solve([1, 0, 0])
     assert plain[0] < -0.5
     assert robust[0] == 0
     assert qelm.check_robust(*OBTUSE).changed

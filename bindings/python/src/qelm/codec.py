@@ -45,7 +45,7 @@ def encode(values: npt.ArrayLike) -> npt.NDArray[np.float32]:
     258
     """
     given = np.asarray(_arrays.real(values, "values"))
-    if given.dtype.kind not in "iu":
+    if given.dtype.kind not in "iu" and given.size:
         raise TypeError(f"values: elements of type {given.dtype} are no integers")
     flat = given.ravel()
     wrong = _arrays.first((flat < _MIN) | (flat > _MAX))

@@ -1,7 +1,8 @@
 """The exceptions of this package. Each message names the argument, the element and the cure.
 
-Wrong types of argument are plain :class:`TypeError`; everything else that this package
-raises itself is a :class:`QelmError`.
+Wrong types of argument are plain :class:`TypeError`, lists whose rows differ in length and
+paths that name no file plain :class:`ValueError`; everything else that this package raises
+itself is a :class:`QelmError`.
 """
 
 from __future__ import annotations

@@ -10,6 +10,7 @@ import numpy.typing as npt
 
 from . import _arrays
 from ._handle import lent
+from ._lifetime import handle_of
 from ._native import library
 from ._records import IsoEdgeMatrix, IsoPointMatrix
 
@@ -72,7 +73,7 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     >>> points.shape[1], edges.shape[1]
     (3, 2)
     """
-    handle = system._alive()
+    handle = handle_of(system)
     ordered = system._any_field(field)[system.order]
     cuts = _arrays.levels(levels)
     points = POINTER(IsoPointMatrix)()

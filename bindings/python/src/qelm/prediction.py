@@ -74,7 +74,7 @@ def predict(
     """
     mesh = mesh_of(vertices, triangles, tags)
     native = QelmPrediction()
-    status = library().qelmpredictTagged(*mesh.arguments(), robust, byref(native))
+    status = library().qelmpredictTagged(*mesh.arguments(), bool(robust), byref(native))
     if status in _building.DEFECTS:
         _building.refuse_defects(mesh, robust)
     require_ok(status)

@@ -12,6 +12,8 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _tool
+from ._lifetime import handle_of
+from ._numbers import one_number
 from .curves import Curves, even_levels
 from .errors import FieldError
 
@@ -106,12 +108,13 @@ def simplified_curves(
     distance = _distance(tolerance, "tolerance")
     count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
     chosen = even_levels(field, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
-    at = "--at=" + ",".join(repr(level) for level in chosen.tolist())
-    return _curves_of(_cut(system, field, [at, "--simplify", repr(distance), "-q"])["curves"], chosen)
+    if not len(chosen):
+        return system.curves(field, chosen)
+    return _curves_of(_cut(system, field, [_tool.at(chosen), "--simplify", repr(distance), "-q"])["curves"], chosen)
 
 
 def _distance(value: float, name: str) -> float:
-    distance = float(value)
+    distance = one_number(value, name)
     if not (np.isfinite(distance) and distance > 0):
         raise FieldError(f"{name}: {value} is no distance; give a finite number above 0")
     return distance
@@ -119,7 +122,7 @@ def _distance(value: float, name: str) -> float:
 
 def _cut(system: MeshSystem, field: npt.ArrayLike, arguments: List[str]) -> Dict[str, Any]:
     """What ``qelm curves`` prints and writes."""
-    system._alive()
+    handle_of(system)
     array = system._any_field(field)
     _arrays.require_finite_numbers(array, "field")
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
