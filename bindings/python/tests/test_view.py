@@ -59,6 +59,11 @@ def test_a_solved_field_is_on_the_page_bit_for_bit_with_its_fixed_vertices(syste
     assert (len(load), held.tolist()) == (0, TAGS.tolist())
 
 
+def test_the_legend_tells_of_fixed_vertices_in_words(system):
+    page = qelm.view(system, system.solve(np.arange(N)))
+    assert f'"conditions":[{{"text":"fixed vertices","vertices":{TAGS.sum()}}}]' in page.html
+
+
 def test_a_field_with_a_load_comes_with_its_load(system):
     load = np.sin(np.arange(N))
     field = system.solve(np.zeros(N), load)

@@ -170,12 +170,14 @@ def _field_arguments(
         return ["--field", "field.npy"]
     held = np.full(system.vertex_count, np.nan)
     held[system.fixed] = field[system.fixed]
-    np.save(os.path.join(folder, "fixed.npy"), held)
+    # The page shows the file's name.
+    with open(os.path.join(folder, "fixed vertices"), "wb") as file:
+        np.save(file, held)
     if load is None:
-        return ["--fix-file", "fixed.npy", *how]
+        return ["--fix-file", "fixed vertices", *how]
     # At fixed vertices, where it is not read, it may be anything.
     np.save(os.path.join(folder, "load.npy"), np.where(np.isfinite(load), load, 0))
-    return ["--fix-file", "fixed.npy", "--load", "load.npy", *how]
+    return ["--fix-file", "fixed vertices", "--load", "load.npy", *how]
 
 
 def _solve_options(
