@@ -57,16 +57,19 @@ def test_every_defect_is_told_by_its_first_element():
         "triangle 4 (3, 3, 2): names a vertex twice (and 1 more); remove such triangles",
         "vertex 6 (9, 9, 9): lies in no triangle; remove such vertices",
         "vertex 5 (nan, 0, 0): has a coordinate that is not finite; give it a place, or remove it",
-        "triangle 2 (0, 1, 4): has an area near zero; remove it, or merge its corners with qelm.weld",
+        "triangle 2 (0, 1, 4): has an area near zero; remove it, merge its corners with qelm.weld, "
+        "or build with robust=True",
         "the connected part with vertex 0 (0, 0, 0): has no fixed vertex; fix a vertex in every connected part",
     )
     assert all(f"  defect: {text}\n" in str(report) for text in report.defects)
+    assert repr(report) == str(report)
     assert report.notes == ("1 edge of three or more triangles, the first at triangle 0",)
 
 
 def test_without_tags_no_part_wants_a_fixed_vertex():
     assert qelm.check(VERTICES, TRIANGLES).ok
     assert qelm.check(VERTICES, TRIANGLES, [0, 0, 0, 0]).status == 105
+    assert qelm.check(VERTICES, TRIANGLES, [True, False, False, False]).tagged_vertex.count == 1
 
 
 @given(

@@ -44,10 +44,11 @@ _DEFECTS = [
     _Defect("repeated_vertex", 23, "triangle", "names a vertex twice", "remove such triangles"),
     _Defect("unused_vertex", 24, "vertex", "lies in no triangle", "remove such vertices"),
     _Defect("not_finite", 102, "vertex", "has a coordinate that is not finite", "give it a place, or remove it"),
-    _Defect("near_zero_area", 103, "triangle", "has an area near zero", "remove it, or merge its corners with qelm.weld"),
+    _Defect("near_zero_area", 103, "triangle", "has an area near zero",
+            "remove it, merge its corners with qelm.weld, or build with robust=True"),
     _Defect("size_out_of_range", 104, "triangle", "has a longest edge not within 1e-60 .. 1e60", "scale the mesh"),
     _Defect("untagged_part", _UNTAGGED_PART, "part", "has no fixed vertex", "fix a vertex in every connected part"),
-]
+]  # fmt: skip
 _NOTES = [
     ("crowded_edge", "edge of three or more triangles", "edges of three or more triangles", "triangle"),
     ("opposed_edge", "edge between triangles of opposite orientation", "edges between triangles of opposite orientation", "triangle"),
@@ -159,8 +160,8 @@ class Report:
             lines.append(f"  lowest quality {self.worst_quality:.3g}, triangle {self.worst_triangle}")
         return "\n".join(lines)
 
-    def __repr__(self) -> str:
-        return f"<qelm.Report: status {self.status}, {len(self.defects)} kinds of defects>"
+    # At the prompt and in notebooks a report reads as it prints.
+    __repr__ = __str__
 
 
 def _counted(count: int, one: str, many: str) -> str:
@@ -216,8 +217,8 @@ def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers of any values.
     tags : array_like, shape (n,), optional
-        1, 2 and 3 mean that the vertex is fixed. Without tags, parts without fixed vertex are no
-        defect.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well. Without tags,
+        parts without fixed vertex are no defect.
 
     Returns
     -------
@@ -281,7 +282,7 @@ def check_robust(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.Ar
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers, from 0.
     tags : array_like, shape (n,)
-        1, 2 and 3 mean that the vertex is fixed.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well.
 
     Returns
     -------

@@ -50,7 +50,7 @@ def predict(
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers, from 0.
     tags : array_like, shape (n,)
-        1, 2 and 3 mean that the vertex is fixed.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well.
     robust : bool, default False
         Predict for ``MeshSystem(..., robust=True)``.
 
