@@ -3,6 +3,7 @@
 import ast
 import ctypes
 import doctest
+import enum
 import importlib
 import inspect
 import os
@@ -95,6 +96,9 @@ def test_everything_public_is_documented(name, thing):
         assert signature.return_annotation == "None" or "Returns\n-------" in text, name
         if "." not in name:
             assert ">>> " in text and "Raises\n------" in text, name
+    # What is raised and what is counted needs no example.
+    if inspect.isclass(thing) and not issubclass(thing, (Exception, enum.Enum)):
+        assert ">>> " in text and "Attributes\n----------" in text, name
 
 
 @pytest.mark.parametrize("module", ["", *MODULES])

@@ -57,6 +57,7 @@ def gradient(system: MeshSystem, field: npt.ArrayLike) -> Gradient:
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One value per vertex. Triangles with a NaN or masked corner have no gradient.
 

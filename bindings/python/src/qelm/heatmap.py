@@ -33,6 +33,7 @@ def write_heat_map(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex, input order.
     path : str or path

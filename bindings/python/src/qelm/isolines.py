@@ -29,6 +29,14 @@ class Segments(NamedTuple):
         First the first ends of all segments, then the second ends.
     edges : ndarray, shape (s, 2), int32
         Row `i` is ``(i, i + s)``.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> square = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> segments = qelm.isoline_segments(square, [0, 0.5, 1, 0.5], [0.25])
+    >>> len(segments.points) == 2 * len(segments.edges)
+    True
     """
 
     points: npt.NDArray[np.float64]
@@ -48,6 +56,7 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One value per vertex, input order; any values.
     levels : array_like, shape (l,)

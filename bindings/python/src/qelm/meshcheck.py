@@ -22,7 +22,18 @@ _UNTAGGED_PART = 105
 
 @dataclasses.dataclass(frozen=True)
 class Finding:
-    """How often something was found, and the lowest index where; -1 if nowhere."""
+    """How often something was found, and the lowest index where; -1 if nowhere.
+
+    Attributes
+    ----------
+    count, first : int
+
+    Examples
+    --------
+    >>> import qelm
+    >>> qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]]).unused_vertex
+    Finding(count=1, first=3)
+    """
 
     count: int
     first: int
@@ -86,6 +97,15 @@ class Report:
     worst_quality : float
         Its quality, height squared over the product of its longest edge and its largest extent;
         infinite if no triangle has one.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> report = qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]])
+    >>> report.ok, report.part.count, report.worst_triangle
+    (False, 1, 0)
+    >>> report.defects
+    ('vertex 3 (5, 5, 0): lies in no triangle; remove such vertices',)
     """
 
     index_out_of_range: Finding
@@ -141,6 +161,12 @@ class Report:
         Returns
         -------
         tuple of int and str, or None
+
+        Examples
+        --------
+        >>> import qelm
+        >>> qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]]).first_defect()
+        (24, 'vertex 3 (5, 5, 0): lies in no triangle; remove such vertices')
         """
         return next((defect for defect in self._told if defect[0] not in but), None)
 
@@ -263,6 +289,13 @@ class RobustReport(NamedTuple):
         Edges whose opposite angles add up to more than a straight one.
     flips : int
         Flips made, of all sheets.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> report = qelm.check_robust([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> report.changed
+    False
     """
 
     changed: bool

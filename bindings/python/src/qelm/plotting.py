@@ -42,6 +42,7 @@ def plot(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex.
     levels : int or array_like, default 12

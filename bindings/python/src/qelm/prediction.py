@@ -30,6 +30,13 @@ class Prediction:
     multiplications : float
         Multiplications of the factorisation, which takes most of the time: a processor does 1e9 to 1e10
         of them a second.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> found = qelm.predict([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> found.handle_bytes < found.peak_bytes < 10_000
+    True
     """
 
     factor_entries: int

@@ -32,6 +32,7 @@ def spaced_levels(system: MeshSystem, field: npt.ArrayLike, spacing: float) -> n
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex.
     spacing : float
@@ -76,6 +77,7 @@ def simplified_curves(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex.
     levels : int or array_like, shape (l,)

@@ -33,6 +33,14 @@ class Page:
     ----------
     html : str
         The whole page.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> page = qelm.view(system, system.solve([0, 1]), title="A square")
+    >>> "<title>A square" in page.html
+    True
     """
 
     def __init__(self, text: str) -> None:
@@ -55,6 +63,14 @@ class Page:
         ------
         OSError
             The file cannot be written.
+
+        Examples
+        --------
+        >>> import pathlib, tempfile, qelm
+        >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> with tempfile.TemporaryDirectory() as folder:
+        ...     qelm.view(system, system.solve([0, 1])).save(pathlib.Path(folder, "square.html")).name
+        'square.html'
         """
         to = pathlib.Path(path)
         to.write_bytes(self.html.encode("utf-8"))
@@ -85,6 +101,7 @@ def view(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex. Of a field that ``system.solve`` gave, the page marks the fixed
         vertices; any other field it shows without marks.

@@ -31,6 +31,13 @@ class Welded(NamedTuple):
         The kept triangles, in input order.
     vertex_map : ndarray, shape (n,), int32
         For each vertex that went in, its number among the kept ones.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> welded = qelm.weld([[0, 0], [1, 0], [1, 1], [0, 0], [1, 1], [0, 1]], [[0, 1, 2], [3, 4, 5]])
+    >>> len(welded.vertices), int(welded.vertex_map[5])
+    (4, 3)
     """
 
     vertices: npt.NDArray[np.float64]
