@@ -48,7 +48,8 @@ def test_vertices_in_no_triangle_go_as_the_document_says():
     (statement,) = re.findall(r"`(used, corners = [^`]+)`", text)
     (arguments,) = re.findall(r"`(vertices\[used\], [^`]+)`", text)
     vertices, triangles, _ = square()
-    names = {"np": np, "vertices": np.insert(vertices, [0, 2], 99, axis=0), "triangles": np.array([1, 2, 4, 5])[triangles]}
+    more, moved = np.insert(vertices, [0, 2], 99, axis=0), np.array([1, 2, 4, 5])[triangles]
+    names = {"np": np, "vertices": more, "triangles": moved}
     assert not qelm.check(names["vertices"], names["triangles"]).ok
     exec(statement, names)
     mesh = eval(arguments, names)

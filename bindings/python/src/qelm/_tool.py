@@ -23,7 +23,7 @@ def at(levels: npt.NDArray[np.float64]) -> str:
     """The argument that names levels. Raises FieldError if they are too many for a command line."""
     argument = "--at=" + ",".join(map(repr, levels.tolist()))
     if len(argument) > _LONGEST:
-        raise FieldError(f"levels: {len(levels)} are too many for the command-line tool, which does this; ask for fewer")
+        raise FieldError(f"levels: {len(levels)} are too many for the command-line tool, which cuts; ask for fewer")
     return argument
 
 
