@@ -238,6 +238,14 @@ def test_what_cannot_be_carried_is_refused(value):
         qelm.encode([0, value])
 
 
+def test_the_codec_refuses_masked_elements():
+    with pytest.raises(qelm.FieldError, match="^values: some elements are masked"):
+        qelm.encode(np.ma.masked_equal([1, 2], 2))
+    with pytest.raises(qelm.FieldError, match="^points: some elements are masked"):
+        qelm.decode(np.ma.masked_equal([1.0, 0.0, 0.0], 1))
+    assert qelm.encode(np.ma.masked_equal([1, 2], 3)).shape == (2, 3)
+
+
 def test_the_codec_refuses_other_types():
     with pytest.raises(TypeError, match="no integers"):
         qelm.encode([0.5])

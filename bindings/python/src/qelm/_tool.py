@@ -32,8 +32,8 @@ def run(arguments: Sequence[str], folder: str) -> str:
     program = _loading.tool()
     try:
         done = subprocess.run(
-            [program, *arguments], cwd=folder, stdin=subprocess.DEVNULL, capture_output=True, text=True,
-            encoding="utf-8", check=False, creationflags=_NO_WINDOW,
+            [program, *arguments], cwd=folder, capture_output=True, text=True, encoding="utf-8", check=False,
+            creationflags=_NO_WINDOW,
         )  # fmt: skip
     except OSError as error:
         raise ToolError(f"qelm {arguments[0]}: {program} cannot be run: {error.strerror or error}") from error
