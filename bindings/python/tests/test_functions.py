@@ -195,7 +195,7 @@ def test_a_heat_map_may_be_named_by_its_obj_file(tmp_path, name):
     assert f"mtllib {tmp_path}/heat.mtl\n" in (tmp_path / "heat.obj").read_text()
 
 
-@pytest.mark.parametrize("name", ["", ".", "..", "folder/", "folder/.obj", "/", "a\0b"])
+@pytest.mark.parametrize("name", ["", ".", "..", "folder/", "folder/.obj", "a\0b"])
 def test_a_path_without_file_name_is_refused(tmp_path, monkeypatch, name):
     (tmp_path / "folder").mkdir()
     monkeypatch.chdir(tmp_path)

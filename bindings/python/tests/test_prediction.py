@@ -26,6 +26,7 @@ def test_a_prediction_grows_with_the_mesh():
     assert large.multiplications > large.factor_entries
 
 
+@pytest.mark.filterwarnings("error")
 def test_a_robust_system_has_a_prediction_of_its_own():
     vertices, triangles, tags = grid(20, 20)
     vertices[:, 0] += 5 * vertices[:, 1]
