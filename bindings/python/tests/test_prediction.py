@@ -52,6 +52,28 @@ def test_the_machine_says_what_is_free():
     assert 0 < _memory.free_bytes() < total
 
 
+@pytest.mark.parametrize(
+    "limit, used, statistics, cache",
+    [
+        ("memory.max", "memory.current", "memory.stat", "inactive_file"),
+        ("memory/memory.limit_in_bytes", "memory/memory.usage_in_bytes", "memory/memory.stat", "total_inactive_file"),
+    ],
+    ids=["second version", "first version"],
+)
+def test_a_container_says_what_its_limit_leaves(monkeypatch, tmp_path, limit, used, statistics, cache):
+    monkeypatch.setattr(_memory, "_GROUP", tmp_path)
+    machine = _memory.free_bytes()
+    assert machine > 100_000_000
+    (tmp_path / "memory").mkdir()
+    (tmp_path / used).write_text("60000000\n")
+    (tmp_path / statistics).write_text(f"anon 5\n{cache} 10000000\nactive_file 7\n")
+    for most, free in (("100000000", 50_000_000), ("50000000", 0)):
+        (tmp_path / limit).write_text(most + "\n")
+        assert _memory.free_bytes() == free
+    (tmp_path / limit).write_text("max\n")
+    assert _memory.free_bytes() > 100_000_000
+
+
 @pytest.mark.parametrize("robust", [False, True])
 def test_what_does_not_fit_into_memory_is_refused_with_the_figures(monkeypatch, robust):
     monkeypatch.setattr(_memory, "free_bytes", lambda: 20_000_000)
