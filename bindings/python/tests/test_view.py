@@ -149,7 +149,7 @@ def test_a_file_holds_the_page(system, tmp_path):
 @pytest.mark.parametrize(
     "arguments, error, message",
     [
-        ({"field": np.ones(N)}, qelm.ToolError, "the field is 1 everywhere"),
+        ({"field": np.ones(N)}, qelm.ToolError, "^qelm view: the field is 1 everywhere"),
         ({"field": np.full(N, np.nan)}, qelm.FieldError, "field: vertex 0: nan is not finite"),
         ({"field": np.arange(N), "load": np.zeros((2, N))}, qelm.FieldError, "load: the shape is"),
         ({"field": np.arange(N), "direction": "up"}, qelm.ToolError, "--view up"),

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 import subprocess
 import sys
 from typing import Sequence
@@ -13,6 +14,8 @@ from . import _loading
 from .errors import FieldError, ToolError
 
 
+#: The mesh's file in the tool's folder.
+MESH = "mesh.ply"
 # On Windows, a program without a console would open one for the tool.
 _NO_WINDOW: int = getattr(subprocess, "CREATE_NO_WINDOW", 0)
 # What the system lets an argument have, less on Windows the others; in characters.
@@ -38,14 +41,15 @@ def run(arguments: Sequence[str], folder: str) -> str:
     except OSError as error:
         raise ToolError(f"qelm {arguments[0]}: {program} cannot be run: {error.strerror or error}") from error
     if done.returncode != 0:
-        # The second line leads to the help of the command line.
-        message = done.stderr.strip().replace("qelm: error: ", "", 1).split("\nRun 'qelm ")[0]
+        # Neither the command line's help nor the folder's files are the caller's.
+        message, *_ = done.stderr.strip().split("\nRun 'qelm ")
+        message = message.replace("qelm: error: ", "", 1).replace(f"{MESH}: ", "", 1)
         raise ToolError(f"qelm {arguments[0]}: {message or f'exit code {done.returncode}'}", done.returncode)
     return done.stdout
 
 
-def write_ply(path: str, vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32]) -> None:
-    """Binary, so that every coordinate keeps its bits and reading takes no time."""
+def write_mesh(folder: str, vertices: npt.NDArray[np.float64], triangles: npt.NDArray[np.int32]) -> None:
+    """As PLY, binary, so that every coordinate keeps its bits and reading takes no time."""
     header = (
         "ply\nformat binary_little_endian 1.0\n"
         f"element vertex {len(vertices)}\nproperty double x\nproperty double y\nproperty double z\n"
@@ -54,7 +58,7 @@ def write_ply(path: str, vertices: npt.NDArray[np.float64], triangles: npt.NDArr
     faces = np.empty(len(triangles), np.dtype([("count", "u1"), ("corners", "<i4", 3)]))
     faces["count"] = 3
     faces["corners"] = triangles
-    with open(path, "wb") as file:
+    with open(os.path.join(folder, MESH), "wb") as file:
         file.write(header.encode("ascii"))
         file.write(vertices.astype("<f8").tobytes())
         file.write(faces.tobytes())

@@ -128,9 +128,9 @@ def _cut(system: MeshSystem, field: npt.ArrayLike, arguments: List[str]) -> Dict
     array = system._any_field(field)
     _arrays.require_finite_numbers(array, "field")
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
-        _tool.write_ply(os.path.join(folder, "mesh.ply"), system.vertices, system.triangles)
+        _tool.write_mesh(folder, system.vertices, system.triangles)
         np.save(os.path.join(folder, "field.npy"), array)
-        words = ["curves", "mesh.ply", "--field", "field.npy", "-o", "curves.json", *arguments]
+        words = ["curves", _tool.MESH, "--field", "field.npy", "-o", "curves.json", *arguments]
         printed = _tool.run(words, folder)
         written = pathlib.Path(folder, "curves.json").read_text(encoding="utf-8")
     return {"summary": json.loads(printed or "{}"), "curves": json.loads(written)["curves"]}

@@ -145,9 +145,9 @@ def view(
         raise FieldError(f"load: the shape is {loads.shape}, must be ({system.vertex_count},)")
     options = [*_level_arguments(levels), *_title_arguments(title), *_direction_arguments(direction)]
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
-        _tool.write_ply(os.path.join(folder, "mesh.ply"), system.vertices, system.triangles)
+        _tool.write_mesh(folder, system.vertices, system.triangles)
         options += _field_arguments(folder, system, array, loads)
-        _tool.run(["view", "mesh.ply", "-o", "page.html", "-q", *options], folder)
+        _tool.run(["view", _tool.MESH, "-o", "page.html", "-q", *options], folder)
         return Page(pathlib.Path(folder, "page.html").read_text(encoding="utf-8"))
 
 
