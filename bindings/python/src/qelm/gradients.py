@@ -69,6 +69,8 @@ def gradient(system: MeshSystem, field: npt.ArrayLike) -> Gradient:
     ------
     FieldError
         The shape is wrong.
+    TypeError
+        The system is no MeshSystem, or the field does not hold real numbers.
     ClosedError
         The system is closed.
 

@@ -71,6 +71,8 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     ------
     FieldError
         A shape is wrong, or a level is not finite.
+    TypeError
+        The system is no MeshSystem, or an array does not hold real numbers.
     ClosedError
         The system is closed.
 

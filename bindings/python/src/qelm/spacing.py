@@ -47,6 +47,8 @@ def spaced_levels(system: MeshSystem, field: npt.ArrayLike, spacing: float) -> n
     ------
     FieldError
         A shape is wrong, or a value is not finite, or the spacing not above 0.
+    TypeError
+        The system is no MeshSystem, or the spacing no number.
     ToolError
         The tool is missing or refuses, as a spacing with more than ten thousand levels; its message says why.
     ClosedError
@@ -92,7 +94,10 @@ def simplified_curves(
     Raises
     ------
     FieldError
-        A shape is wrong, a value or level is not finite, or the tolerance not above 0.
+        A shape is wrong, a value or level is not finite, there are more levels than a command line holds
+        (some thousands; on Windows a thousand), or the tolerance is not above 0.
+    TypeError
+        The system is no MeshSystem, or the tolerance no number.
     ToolError
         The tool is missing or refuses; its message says why.
     ClosedError

@@ -121,7 +121,8 @@ def view(
     Raises
     ------
     FieldError
-        A shape is wrong, a value is not finite, or there is no level.
+        A shape is wrong, a value is not finite, or there are no levels, or more than a command line holds
+        (some thousands; on Windows a thousand).
     TypeError
         The system is no MeshSystem, or another argument is of a wrong type.
     ToolError
