@@ -43,7 +43,7 @@ def construct(mesh: MeshArrays, robust: bool = False) -> Handle:
     free = _limit(len(mesh.vertices))
     prediction = QelmPrediction()
     library().qelmctorLimitedTagged(
-        *mesh.arguments(), robust, free, byref(prediction), None, byref(status), byref(pointer)
+        *mesh.arguments(), bool(robust), free, byref(prediction), None, byref(status), byref(pointer)
     )
     if status.value in DEFECTS:
         refuse_defects(mesh, robust)

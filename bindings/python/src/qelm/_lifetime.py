@@ -9,6 +9,13 @@ from ._handle import Handle
 from .errors import ClosedError
 
 
+def handle_of(system: object) -> Handle:
+    """Of the system that a function of this package was given. Raises TypeError, ClosedError."""
+    if not isinstance(system, SystemOwner):
+        raise TypeError(f"system: a MeshSystem is needed, this is of type {type(system).__name__}")
+    return system._alive()
+
+
 class SystemOwner:
     """Closes once, at the end of a ``with`` or when the last reference goes; cannot be pickled."""
 
