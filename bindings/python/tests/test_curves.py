@@ -124,6 +124,17 @@ def test_levels_far_apart_do_not_overflow():
     assert len(levels) == 3 and np.isfinite(levels).all() and levels[1] == pytest.approx(0, abs=1e294)
 
 
+def test_masked_values_are_no_range():
+    field = np.ma.masked_equal([0, 1, 5, 9], 9)
+    assert qelm.even_levels(field, 4).tolist() == [1, 2, 3, 4]
+
+
+@pytest.mark.parametrize("count, error", [(10**9, qelm.FieldError), (10**30, qelm.FieldError), (2.5, TypeError), (None, TypeError)])
+def test_a_count_of_levels_that_cannot_be_is_named(count, error):
+    with pytest.raises(error, match="^levels: "):
+        qelm.even_levels([0, 1], count)
+
+
 def test_there_are_only_as_many_levels_as_doubles():
     assert qelm.even_levels([1, np.nextafter(np.nextafter(1, 2), 2)], 100).tolist() == [np.nextafter(1, 2)]
     with pytest.raises(qelm.FieldError, match="too narrow"):

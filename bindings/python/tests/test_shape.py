@@ -137,4 +137,4 @@ def test_types_tell_a_user_of_mistakes(tmp_path):
         env={**os.environ, "MYPYPATH": str(PACKAGE.parent)}, cwd=tmp_path, capture_output=True, text=True,
     )  # fmt: skip
     assert done.returncode == 1
-    assert [int(line) for line in re.findall(r"wrong.py:(\d+): error", done.stdout)] == [3, 4, 5, 6, 7]
+    assert sorted({int(line) for line in re.findall(r"wrong.py:(\d+): error", done.stdout)}) == [3, 4, 5, 6, 7]

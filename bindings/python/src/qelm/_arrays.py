@@ -69,6 +69,9 @@ def real(argument: object, name: str) -> npt.NDArray[Any]:
 
 
 def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
+    if array.ndim == 0 and not isinstance(array.item(), numbers.Real):
+        what = "None" if array.item() is None else f"a {type(array.item()).__name__}"
+        raise TypeError(f"{name}: {what} is no array; pass a list or a numpy array")
     for place, element in enumerate(np.asarray(array).ravel()):
         if not isinstance(element, numbers.Real):
             raise TypeError(
@@ -79,8 +82,12 @@ def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
     try:
         return array.astype(np.int64 if is_whole and array.size else np.float64)
     except OverflowError:
+        pass
+    try:
         # Beyond 64 bits: as floating point such numbers are out of every index range.
         return array.astype(np.float64)
+    except OverflowError as error:
+        raise ValueError(f"{name}: a number is too large for 64 bits of floating point") from error
 
 
 def doubles(argument: object, name: str) -> Doubles:
@@ -108,7 +115,10 @@ def rows_of(array: npt.NDArray[Any], widths: tuple[int, ...], name: str, what: s
     if array.ndim == 2 and array.shape[1] in widths:
         return array
     expected = " or ".join(f"({what}, {width})" for width in widths)
-    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}")
+    cure = "" if name != "triangles" else (
+        "; split quadrilaterals, and of VTK's faces take faces.reshape(-1, 4)[:, 1:]"
+    )  # fmt: skip
+    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}{cure}")
 
 
 def require_count(count: int, name: str, element: str) -> None:
@@ -147,6 +157,7 @@ def whole(argument: object, name: str, element: str) -> npt.NDArray[Any]:
     if array.dtype.kind == "b":
         raise TypeError(f"{name}: these are truth values; integers are needed")
     if array.dtype.kind == "f":
+        array = array.astype(np.float64, copy=False)  # Half precision has no 2^31 to compare with.
         with np.errstate(invalid="ignore"):
             place = first(~(np.floor(array) == array))
         if place >= 0:
@@ -189,7 +200,9 @@ def any_indices(argument: object, name: str = "triangles") -> Ints:
     """(m, 3) int32; what int32 cannot express becomes -1, which is no vertex either."""
     array = corners(argument, name)
     if array.min() < LEAST_INT or array.max() > MOST_INT:
-        array = np.where((array < 0) | (array > MOST_INT), -1, array)
+        wrong = (array < 0) | (array > MOST_INT)
+        array = np.where(wrong, array.dtype.type(0), array).astype(np.int32)
+        array[wrong] = -1
     return np.require(array, np.int32, ["C", "A"])
 
 
@@ -201,30 +214,32 @@ def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
         array = array.astype(np.int32)
     array = whole(array, name, "vertex")
     if array.shape != (vertex_count,):
-        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex")
+        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex; "
+            "MeshSystem.from_fixed takes numbers of vertices")
     place = first((array < LEAST_INT) | (array > MOST_INT))
     if place >= 0:
         raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")
     return np.require(array, np.int32, ["C", "A"])
 
 
-def fixed_tags(argument: object, vertex_count: int, name: str = "fixed") -> Ints:
-    """Tags from indices of prescribed vertices, or from a mask of them: 1 there, 0 elsewhere."""
+def fixed_vertices(argument: object, vertex_count: int, name: str = "fixed") -> npt.NDArray[np.intp]:
+    """(t,) numbers of prescribed vertices, each once, in the order given; from numbers or from a mask."""
     refuse_masked(argument, name, "element", "leave it out")
     array = np.asarray(real(argument, name))
     if array.dtype.kind == "b":
         if array.shape != (vertex_count,):
             raise MeshError(f"{name}: the mask's shape is {array.shape}, must be ({vertex_count},)")
-        return array.astype(np.int32)
+        return np.flatnonzero(array)
     array = np.atleast_1d(whole(array, name, "element"))
     if array.ndim != 1:
         raise MeshError(f"{name}: the shape is {array.shape}; a list of vertices or a mask is needed")
     place = first((array < 0) | (array >= vertex_count))
     if place >= 0:
         raise MeshError(f"{name}: element {place}: vertex {_listed(array[place])} is not in 0 .. {vertex_count - 1}")
-    result = np.zeros(vertex_count, np.int32)
-    result[array.astype(np.intp)] = 1
-    return result
+    if 2 < vertex_count == len(array) and array.max() <= 1:
+        raise MeshError(f"{name}: this looks like a mask of 0 and 1; pass it as bool")
+    chosen = array.astype(np.intp)
+    return chosen[np.sort(np.unique(chosen, return_index=True)[1])]
 
 
 def per_vertex(argument: object, vertex_count: int, name: str) -> Doubles:

@@ -73,11 +73,13 @@ def _alike(
 
 def _usable(out: Any, shape: Tuple[int, ...]) -> npt.NDArray[np.float64]:
     # carray: C-contiguous, aligned and writeable.
-    if type(out) is not np.ndarray or out.dtype != _arrays.DOUBLE or out.shape != shape or not out.flags.carray:
+    is_plain = type(out) is np.ndarray or isinstance(out, np.memmap)
+    if not is_plain or out.dtype != _arrays.DOUBLE or out.shape != shape or not out.flags.carray:
         raise FieldError(
             f"out: an array of shape {shape} and type float64 is needed, C-contiguous, aligned and writeable"
         )
-    return out
+    result: npt.NDArray[np.float64] = out
+    return result
 
 
 def _refuse(

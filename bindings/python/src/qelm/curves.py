@@ -2,11 +2,10 @@
 
 from __future__ import annotations
 
-import collections.abc
 import operator
 from ctypes import POINTER, byref, c_int
 from functools import cached_property
-from typing import Any, Callable, Iterator, List, NamedTuple, Tuple, Union, overload
+from typing import Any, Callable, Iterator, List, NamedTuple, Sequence, Tuple, Union, overload
 
 import numpy as np
 import numpy.typing as npt
@@ -18,6 +17,9 @@ from ._records import QelmCurves
 from .errors import FieldError
 
 __all__ = ["Curve", "Curves", "even_levels"]
+
+#: As many evenly spaced ones as the tool takes.
+_MOST_LEVELS = 10_000
 
 
 class Curve(NamedTuple):
@@ -62,7 +64,7 @@ class Curve(NamedTuple):
         return np.concatenate([self.points, self.points[:1]]) if self.closed else self.points
 
 
-class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
+class Curves(Sequence[Curve]):
     """Level curves in the order of their levels: a sequence of :class:`Curve`, and packed arrays.
 
     For a large result use the arrays. They are views of the library's memory, made when they are first
@@ -173,9 +175,9 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     Parameters
     ----------
     field : array_like
-        Values; what is not finite is left out.
+        Values; what is not finite or masked is left out.
     count : int
-        How many, at least 1.
+        How many, 1 to 10000.
 
     Returns
     -------
@@ -186,7 +188,9 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     Raises
     ------
     FieldError
-        The field has one value only, or `count` is below 1.
+        The field has one value only, or `count` is out of range.
+    TypeError
+        `count` is no whole number.
 
     Examples
     --------
@@ -194,11 +198,17 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     >>> qelm.even_levels([0, 0.3, 1], 9).tolist()
     [0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9]
     """
-    count = operator.index(count)
-    if count < 1:
-        raise FieldError(f"levels: {count} levels cannot be; ask for 1 at least, or name them in a list")
+    try:
+        count = operator.index(count)
+    except TypeError as error:
+        raise TypeError(f"levels: {count!r} is no whole number; name a single level in a list") from error
+    if not 1 <= count <= _MOST_LEVELS:
+        raise FieldError(f"levels: {count} levels cannot be; ask for 1 to {_MOST_LEVELS}, or name them in a list")
     numbers = _arrays.doubles(field, "field")
-    numbers = np.asarray(numbers)[np.isfinite(numbers)]
+    counted = np.isfinite(numbers)
+    if isinstance(field, np.ma.MaskedArray):
+        counted = counted & ~np.ma.getmaskarray(field)  # type: ignore[no-untyped-call]
+    numbers = np.asarray(numbers)[np.asarray(counted)]
     if not numbers.size or numbers.min() == numbers.max():
         raise FieldError("field: all values are equal, so no level lies between them; name the levels in a list")
     low, high = float(numbers.min()), float(numbers.max())
