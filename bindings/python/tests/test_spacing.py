@@ -76,8 +76,9 @@ def test_without_levels_there_are_no_curves(system, field):
 
 
 def test_what_is_no_number_is_named(system, field):
-    with pytest.raises(TypeError, match="^spacing: "):
-        qelm.spaced_levels(system, field, "0.1")
+    for wrong in ("0.1", None):
+        with pytest.raises(TypeError, match=f"^spacing: {wrong!r} is no real number$"):
+            qelm.spaced_levels(system, field, wrong)
     with pytest.raises(TypeError, match="^tolerance: .* one number is needed"):
         qelm.simplified_curves(system, field, 3, [0.1, 0.2])
     with pytest.raises(qelm.FieldError, match="^levels: 9999 are too many for the command-line tool"):

@@ -7,7 +7,10 @@ from . import _arrays
 
 def one_number(argument: object, name: str) -> float:
     """A number from anything that is one. Raises TypeError."""
-    array = _arrays.doubles(argument, name)
+    try:
+        array = _arrays.doubles(argument, name)
+    except TypeError:
+        raise TypeError(f"{name}: {argument!r} is no real number") from None
     if array.size != 1:
         raise TypeError(f"{name}: the shape is {array.shape}; one number is needed")
     return float(array.item())

@@ -202,21 +202,14 @@ def _solve_options(
     system: MeshSystem, field: npt.NDArray[np.float64], load: Optional[npt.NDArray[np.float64]]
 ) -> Optional[List[str]]:
     """With which options the tool solves for this field; None if with none."""
-    if not _solves(system, field, load):
-        return None
-    mesh = mesh_of(system.vertices, system.triangles, np.isin(np.arange(system.vertex_count), system.fixed))
-    with type(system).from_fixed(mesh.vertices, mesh.triangles, system.fixed, check=False) as plain:
-        if not _solves(plain, field, load):
-            return ["--robust"]
-    # The tool refuses to solve on a mesh with defects.
-    return [] if meshcheck.inspect(mesh) == 0 else None
-
-
-def _solves(
-    system: MeshSystem, field: npt.NDArray[np.float64], load: Optional[npt.NDArray[np.float64]]
-) -> bool:
-    """Whether the field is the system's solution, bit for bit."""
     try:
-        return np.array_equal(system.solve(field, load), field)
+        is_solution = np.array_equal(system.solve(field, load), field)
     except SingularSystemError:
-        return False
+        is_solution = False
+    if not is_solution:
+        return None
+    if system.robust:
+        return ["--robust"]
+    # The tool refuses to solve on a mesh with defects.
+    mesh = mesh_of(system.vertices, system.triangles, np.isin(np.arange(system.vertex_count), system.fixed))
+    return [] if meshcheck.inspect(mesh) == 0 else None
