@@ -120,7 +120,8 @@ TEST(CheckedSolve, NamesTheFirstValueOrLoadAndLeavesTheResultsAlone) {
   const std::vector<std::size_t> free = vertices(mesh, true);
   const int count = 2 * kBatchWidth + 3;
   for (const double wrong : {kNaN, kInf, -kInf}) {
-    for (const std::size_t field : {0, 1, kBatchWidth, count - 1}) {
+    for (const int index : {0, 1, kBatchWidth, count - 1}) {
+      const auto field = static_cast<std::size_t>(index);
       Field values = randomFields(mesh, count, 3);
       Field loads = randomFields(mesh, count, 4);
       for (const std::size_t k : {std::size_t{2}, free.size() - 1})

@@ -22,7 +22,55 @@ namespace Qelm
         /// says.</summary>
         internal static long? FreeBytes()
         {
-            return NativeLibrary.IsWindows ? OfWindows() : OfLinux();
+            if (NativeLibrary.IsWindows)
+            {
+                return OfWindows();
+            }
+            long? machine = OfLinux();
+            long? group = LeftToGroup("/sys/fs/cgroup");
+            return machine == null || group == null ? machine : Math.Min(machine.Value, group.Value);
+        }
+
+        /// <summary>
+        /// What a limit on a group of processes leaves them, as containers have one; null without a limit. The files
+        /// are those of Linux's control groups, in their second version or in their first.
+        /// </summary>
+        internal static long? LeftToGroup(string folder)
+        {
+            return LeftToGroup(folder + "/memory.max", folder + "/memory.current", folder + "/memory.stat",
+                    "inactive_file ")
+                ?? LeftToGroup(folder + "/memory/memory.limit_in_bytes", folder + "/memory/memory.usage_in_bytes",
+                    folder + "/memory/memory.stat", "total_inactive_file ");
+        }
+
+        private static long? LeftToGroup(string limit, string used, string statistics, string cache)
+        {
+            try
+            {
+                long most, taken;
+                if (!long.TryParse(File.ReadAllText(limit).Trim(), out most)
+                    || !long.TryParse(File.ReadAllText(used).Trim(), out taken))
+                {
+                    return null; // "max" stands for no limit.
+                }
+                // Files that are kept in memory make room when it is wanted.
+                foreach (string line in File.ReadAllLines(statistics))
+                {
+                    if (line.StartsWith(cache, StringComparison.Ordinal))
+                    {
+                        taken -= long.Parse(line.Substring(cache.Length), CultureInfo.InvariantCulture);
+                    }
+                }
+                return Math.Max(0, most - taken);
+            }
+            catch (IOException)
+            {
+                return null; // There are no such files.
+            }
+            catch (UnauthorizedAccessException)
+            {
+                return null;
+            }
         }
 
         private static long? OfLinux()

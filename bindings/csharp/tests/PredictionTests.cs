@@ -1,4 +1,5 @@
 using System;
+using System.IO;
 using NUnit.Framework;
 
 namespace Qelm.Tests
@@ -29,6 +30,31 @@ namespace Qelm.Tests
             }
             mesh.Tags[0] = 1;
             return mesh;
+        }
+
+        [TestCase("memory.max", "memory.current", "memory.stat", "inactive_file")]
+        [TestCase("memory/memory.limit_in_bytes", "memory/memory.usage_in_bytes", "memory/memory.stat",
+            "total_inactive_file")]
+        public void AContainerSaysWhatItsLimitLeaves(string limit, string used, string statistics, string cache)
+        {
+            string folder = Path.Combine(Path.GetTempPath(), Path.GetRandomFileName());
+            Directory.CreateDirectory(Path.Combine(folder, "memory"));
+            try
+            {
+                Assert.IsNull(MachineMemory.LeftToGroup(folder));
+                File.WriteAllText(Path.Combine(folder, used), "60000000\n");
+                File.WriteAllText(Path.Combine(folder, statistics), "anon 5\n" + cache + " 10000000\nactive_file 7\n");
+                File.WriteAllText(Path.Combine(folder, limit), "100000000\n");
+                Assert.AreEqual(50000000, MachineMemory.LeftToGroup(folder));
+                File.WriteAllText(Path.Combine(folder, limit), "50000000\n");
+                Assert.AreEqual(0, MachineMemory.LeftToGroup(folder));
+                File.WriteAllText(Path.Combine(folder, limit), "max\n");
+                Assert.IsNull(MachineMemory.LeftToGroup(folder));
+            }
+            finally
+            {
+                Directory.Delete(folder, true);
+            }
         }
 
         [Test]

@@ -100,6 +100,20 @@ def doubles(argument: object, name: str) -> Doubles:
         return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
 
 
+def located(argument: object, name: str) -> Tuple[Doubles, int]:
+    """doubles(), and where the first element lies: the shortest way for an array that needs no conversion."""
+    if type(argument) is np.ndarray and argument.dtype is DOUBLE:
+        try:
+            place = ctypes.addressof(_from_buffer(argument))
+        except TypeError:  # The array is not C-contiguous, or read-only.
+            pass
+        else:
+            if place % DOUBLE.alignment == 0:
+                return argument, place
+    array = doubles(argument, name)
+    return array, address(array)
+
+
 def refuse_masked(argument: object, name: str, element: str, cure: str) -> None:
     """Raises MeshError for the first masked element."""
     if isinstance(argument, np.ma.MaskedArray):
@@ -299,7 +313,12 @@ def _require_none(
 
 def levels(argument: object, name: str = "levels") -> Doubles:
     """(l,) float64, finite."""
-    array = doubles(argument, name)
+    return located_levels(argument, name)[0]
+
+
+def located_levels(argument: object, name: str = "levels") -> Tuple[Doubles, int]:
+    """levels(), and where the first lies."""
+    array, place = located(argument, name)
     if array is not argument and np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
         raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
     if array.ndim != 1:
@@ -311,4 +330,4 @@ def levels(argument: object, name: str = "levels") -> Doubles:
         raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
     if len(array) > MOST_INT:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
-    return array
+    return array, place

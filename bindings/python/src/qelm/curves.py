@@ -272,11 +272,10 @@ class _RecordCurves(Curves):
         return lent(self._record, self._record.contents.closed, (self._count,), np.int32).astype(bool)
 
 
-def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.float64]) -> Curves:
-    """The curves of checked arguments."""
+def cut(handle: Handle, field_at: int, levels: npt.NDArray[np.float64], levels_at: int) -> Curves:
+    """The curves of checked arguments, and where these lie; the caller keeps them alive."""
     record, status = _Record(), c_int()
     record.free = handle.native.qelmfreecurves
-    field_at, levels_at = _arrays.addresses(field, levels)
     handle.native.qelmcurvesTagged(
         handle.pointer, field_at, len(levels), levels_at, byref(record), byref(status)
     )
