@@ -90,7 +90,6 @@ double extentOf(std::span<const double> vertices) {
 /// any edge gives the same clusters. It is far above the least number whose reciprocal is finite,
 /// as cells are; if the extent overflows it is infinite, and all finite points are in one cube.
 double cubeEdge(std::span<const double> vertices, const WeldScale& scale) {
-  if (vertices.empty()) return 0;
   const double spacing = extentOf(vertices) / std::sqrt(static_cast<double>(vertices.size()) / 3);
   const double most = spacing / kCubesToSpacing;
   if (!(most >= kLeastCellsToCube * scale.cell)) return 0;
