@@ -3,7 +3,7 @@
 usage: python_binding.py LIBRARY [SIZE ...]
 
 The bare function is called through ctypes with prepared pointers, which costs a microsecond
-more than a call from C. Contenders take turns in one process on one core; medians of processor time
+more than a call from C. Contenders take random turns in one process on one core; medians of processor time
 count, but for the threads, whose clock is the wall's. A solve on a large mesh leaves nothing of the
 binding in the processor's cache, so that the next call has a larger overhead than one on a tiny mesh.
 """
@@ -11,6 +11,7 @@ binding in the processor's cache, so that the next call has a larger overhead th
 import gc
 import os
 import pathlib
+import random
 import statistics
 import sys
 import time
@@ -41,17 +42,24 @@ def grid(vertex_count):
 
 
 def medians(contenders, repetitions, clock=time.process_time):
-    """{name: seconds}; the contenders take turns."""
+    """{name: seconds}; the contenders take turns, in random order: the later ones find more of Python in the cache."""
     seconds = {name: [] for name in contenders}
+    order = list(contenders)
     gc.disable()
     for _ in range(repetitions + 1):
-        for name, call in contenders.items():
+        random.shuffle(order)
+        for name in order:
             start = clock()
-            result = call()
+            result = contenders[name]()
             seconds[name].append(clock() - start)
             del result
     gc.enable()
     return {name: statistics.median(runs[1:]) for name, runs in seconds.items()}
+
+
+def with_arrays(curves):
+    """Asks for every array, which is made at that moment; in C they are there."""
+    return curves.points, curves.starts, curves.levels, curves.closed
 
 
 class Bare:
@@ -106,6 +114,8 @@ def pairs(mesh, levels, values):
             "qelm": lambda: system.solve(many, out=outs), "bare": lambda: bare.solve_many(many_place, outs_place)},
         f"curves, {len(levels)} level{'s' * (len(levels) > 1)}": {
             "qelm": lambda: len(system.curves(field, levels)), "bare": lambda: bare.curves(field_place)},
+        "the same, and all their arrays": {
+            "qelm": lambda: with_arrays(system.curves(field, levels)), "bare": lambda: bare.curves(field_place)},
     }  # fmt: skip
 
 
@@ -133,7 +143,7 @@ def ratios(size):
     mesh = grid(size)
     field = mesh[0][:, 0] + np.sin(9 * mesh[0][:, 1])
     for what, calls in pairs(mesh, np.linspace(-0.5, 1.5, LEVELS), field).items():
-        found = medians(calls, 7 if what.startswith("construct") else 101)
+        found = medians(calls, 21 if what.startswith("construct") else 501)
         yield what, found["qelm"] / found["bare"], 1000 * found["qelm"]
 
 

@@ -690,6 +690,54 @@ QELM_API int qelmcheckTagged(int vertexCount, const double* vertices, int triang
 QELM_API void qelmsolveManyTagged(const MeshSystem* handle, int count, const double* values,
                                   const double* loads, double* results, int* status);
 
+/** What a checked solve says besides. */
+enum {
+  /** The factorisation failed, see qelminfo(). */
+  QELM_STATUS_NOT_FACTORISED = 108,
+  /** The value of a tagged vertex is infinite or not a number. */
+  QELM_STATUS_VALUE_NOT_FINITE = 109,
+  /** The load of a free vertex is infinite or not a number. */
+  QELM_STATUS_LOAD_NOT_FINITE = 110,
+  /** The solution is infinite or not a number: triangles are too thin to compute with, or
+      numbers too large. */
+  QELM_STATUS_FIELD_NOT_FINITE = 111
+};
+
+/**
+ * Solves like qelmsolveManyTagged(), with the same bits, and looks at the numbers: at
+ * those that are read before anything is written, and at the fields. For callers who do
+ * not know what their arrays hold; it takes 1 % longer.
+ *
+ * @param[in]  handle    System from qelmctorTagged(), or null.
+ * @param[in]  count     Number of fields, 0 or more.
+ * @param[in]  values    double[count * n]: count fields one after another, each in
+ *                       input order; read at tagged vertices only.
+ * @param[in]  loads     double[count * n], laid out alike; read at free vertices only.
+ *                       Null means no loads.
+ * @param[out] results   double[count * n], laid out alike. May be the same array as
+ *                       values, or loads, or both; must not overlap them otherwise.
+ * @param[out] firstOut  May be null; receives the index of the first number that is not
+ *                       finite, with status 109 in values, 110 in loads, 111 in results:
+ *                       n times its field, plus its vertex. -1 with any other status.
+ * @param[out] status    Not null; receives one of the codes below.
+ *
+ * Status:    0 success; 1 null handle; 2 the handle has no vertex order; 1
+ *            count < 0; 108 the factorisation failed; 109 the value of a tagged vertex
+ *            is not finite; 110 the load of a free vertex is not finite; 111 the field
+ *            is not finite at a free vertex. Checked in this order, the first one wins.
+ *            Unless the status is 0 or 111, and with a count of 0, results is not
+ *            touched; with status 1 and 2, and with a count of 0, the arrays may be null.
+ * Ownership: the caller owns the arrays; no pointer is kept.
+ * Threads:   reads the handle only; any number of solves may run at once on one
+ *            handle, each with its own results. Must not overlap qelmfree().
+ * Memory:    that of qelmsolveManyTagged(). Exhaustion leaves as std::bad_alloc, with
+ *            results, firstOut and status untouched.
+ * Since:     1.0.0
+ */
+QELM_API void qelmsolveCheckedTagged(const MeshSystem* handle, int count, const double* values,
+                                     const double* loads, double* results, int64_t* firstOut,
+                                     int* status);
+
 /**
  * Level curves as polylines: points, curve after curve, and for each curve where
  * it starts, which level it has and whether it is closed. The points of curve c

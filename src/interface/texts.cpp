@@ -39,6 +39,14 @@ extern "C" const char* qelmstatustext(int status) {
       return "the flips of robust construction did not come to an end";
     case QELM_STATUS_TOO_LARGE:
       return "the system would take more memory than it may, or than can be indexed";
+    case QELM_STATUS_NOT_FACTORISED:
+      return "the factorisation failed";
+    case QELM_STATUS_VALUE_NOT_FINITE:
+      return "the value of a tagged vertex is infinite or not a number";
+    case QELM_STATUS_LOAD_NOT_FINITE:
+      return "the load of a free vertex is infinite or not a number";
+    case QELM_STATUS_FIELD_NOT_FINITE:
+      return "the solution is infinite or not a number";
     default:
       return "unknown status code";
   }

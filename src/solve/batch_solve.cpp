@@ -39,6 +39,23 @@ struct Workspace {
   FieldRanges ranges;        ///< bounds of the fields, after robust construction
 };
 
+/// Tells whether all numbers of several fields are finite. No branch: x - x is 0 if x is finite,
+/// and NaN if it is not.
+template <int Width>
+class FiniteLanes {
+ public:
+  void add(const double* row) {
+    for (std::size_t k = 0; k < Width; ++k)
+      bits_[k] |= std::bit_cast<std::uint64_t>(row[k] - row[k]);
+  }
+  bool areFinite() const {
+    return std::ranges::all_of(bits_, [](std::uint64_t bits) { return bits == 0; });
+  }
+
+ private:
+  std::array<std::uint64_t, Width> bits_ = {};
+};
+
 /// The fields of one block. Where the batch has fewer than Width fields left, the last field is
 /// repeated: fields of zeros would do as well, but would send every column through the slower path
 /// for right-hand sides that differ in their zeros.
@@ -95,8 +112,16 @@ class Block {
   void scatterFixed() const {
     for (Index s = 0; s < system_.fixedCount; ++s) scatter(fixed_[s], s);
   }
-  void scatterFree() const {
-    for (Index i = 0; i < freeCount(); ++i) scatter(rowOfFree(i), system_.fixedCount + i);
+  /// If it is to look, whether all of them are finite; else true.
+  template <bool kLook>
+  bool scatterFree() const {
+    FiniteLanes<Width> lanes;
+    for (Index i = 0; i < freeCount(); ++i) {
+      const auto row = rowOfFree(i);
+      scatter(row, system_.fixedCount + i);
+      if constexpr (kLook) lanes.add(row.data());
+    }
+    return lanes.areFinite();
   }
   void scatterZeros() const {
     const auto zeros = Rows::Row::Zero();
@@ -149,40 +174,56 @@ class Block {
 };
 
 /// A block reads all of its values and loads before it writes its first result, and writes nothing
-/// that another block reads: so the arrays of a batch may be the same.
-template <int Width>
-void solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
+/// that another block reads: so the arrays of a batch may be the same. False if it looked, and the
+/// result of a free vertex is not finite.
+template <int Width, bool kLook>
+bool solveBlock(const MeshSystem& system, const Batch& batch, std::size_t first,
                 Workspace& workspace) {
   const Block<Width> block(system, batch, first, workspace.rows.get());
+  bool finite = true;
   block.gatherFixed();
   if (workspace.solved) {
     block.formRightHandSides();
     block.solve(workspace);
     block.keepWithinRanges(workspace.ranges);
-    block.scatterFree();
+    finite = block.template scatterFree<kLook>();
   } else {
     block.scatterZeros();
   }
   block.scatterFixed();
+  return finite;
 }
 
-using SolveBlock = void (*)(const MeshSystem&, const Batch&, std::size_t, Workspace&);
+using SolveBlock = bool (*)(const MeshSystem&, const Batch&, std::size_t, Workspace&);
 
 /// Entry k solves a block of 2^k fields.
-constexpr SolveBlock kSolveBlock[] = {solveBlock<1>, solveBlock<2>,  solveBlock<4>,
-                                      solveBlock<8>, solveBlock<16>, solveBlock<32>};
+template <bool kLook>
+constexpr SolveBlock kSolveBlock[] = {solveBlock<1, kLook>,  solveBlock<2, kLook>,
+                                      solveBlock<4, kLook>,  solveBlock<8, kLook>,
+                                      solveBlock<16, kLook>, solveBlock<32, kLook>};
+
+template <bool kLook>
+bool solveBlocks(const MeshSystem& system, const Batch& batch, int width) {
+  const std::size_t count = fieldCount(system, batch);
+  const std::size_t widest = std::min(asIndex(width), std::bit_ceil(count));
+  Workspace workspace(system, widest);
+  bool finite = true;
+  std::size_t step = 0;
+  for (std::size_t first = 0; first < count; first += step) {
+    step = std::min(widest, std::bit_ceil(count - first));
+    finite &= kSolveBlock<kLook>[std::countr_zero(step)](system, batch, first, workspace);
+  }
+  return finite;
+}
 
 }  // namespace
 
 void solveBatch(const MeshSystem& system, const Batch& batch, int width) {
-  const std::size_t count = fieldCount(system, batch);
-  const std::size_t widest = std::min(asIndex(width), std::bit_ceil(count));
-  Workspace workspace(system, widest);
-  std::size_t step = 0;
-  for (std::size_t first = 0; first < count; first += step) {
-    step = std::min(widest, std::bit_ceil(count - first));
-    kSolveBlock[std::countr_zero(step)](system, batch, first, workspace);
-  }
+  solveBlocks<false>(system, batch, width);
+}
+
+bool solveBatchLooking(const MeshSystem& system, const Batch& batch) {
+  return solveBlocks<true>(system, batch, kBatchWidth);
 }
 
 }  // namespace qelm

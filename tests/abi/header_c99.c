@@ -19,6 +19,8 @@ static void solveASquare(void) {
   const int tags[] = {1, 0, 2, 0};
   const double values[] = {0, -9, 1, -9};
   double field[4] = {-9, -9, -9, -9};
+  double nothing[] = {0, -9, 1, -9};
+  int64_t first = -9;
   const double* coordinates = NULL;
   const int* indices = NULL;
   int tagged = -1;
@@ -37,6 +39,11 @@ static void solveASquare(void) {
   qelmsolveTagged(copy, values, field, &status);
   expect(status == QELM_STATUS_OK && field[0] == 0 && field[2] == 1, "keeps fixed values");
   expect(field[1] > 0.499 && field[1] < 0.501, "solves between them");
+  qelmsolveCheckedTagged(copy, 1, values, NULL, field, &first, &status);
+  expect(status == QELM_STATUS_OK && first == -1, "solves with a look at the numbers");
+  nothing[2] = values[2] / values[0];
+  qelmsolveCheckedTagged(copy, 1, nothing, NULL, field, &first, &status);
+  expect(status == QELM_STATUS_VALUE_NOT_FINITE && first == 2, "says which is wrong");
   qelmfree(copy);
 }
 

@@ -249,6 +249,30 @@ TEST(AllocationFailure, DuringManySolvesLeavesTheResultsAlone) {
   EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
 }
 
+TEST(AllocationFailure, DuringACheckedSolveLeavesEveryResultAlone) {
+  const Mesh mesh = gridMesh(6, 5).withBoundaryTagged();
+  const MeshHandle system = construct(mesh);
+  const Field values(7 * mesh.tags.size(), 1.5);
+  const Field untouched(values.size(), -777.0);
+  Field results = untouched;
+  std::int64_t first = -777;
+  int status = Construction::kUnwritten;
+  sweep(
+      [&] {
+        results = untouched;
+        first = -777;
+        status = Construction::kUnwritten;
+        qelmsolveCheckedTagged(system.get(), 7, values.data(), values.data(), results.data(),
+                               &first, &status);
+      },
+      [&] {
+        EXPECT_EQ(results, untouched);
+        EXPECT_EQ(first, -777);
+        EXPECT_EQ(status, Construction::kUnwritten);
+      });
+  EXPECT_EQ(status, 0) << "the last run of the sweep succeeds";
+}
+
 TEST(AllocationFailure, DuringACheckLeavesTheReportAlone) {
   const Mesh mesh = openSurface(30, 30, 1).withBoundaryTagged();
   QelmMeshReport report = {};

@@ -24,7 +24,11 @@ const int kStatuses[] = {-1,
                          QELM_CHECK_SIZE_OUT_OF_RANGE,
                          QELM_CHECK_UNTAGGED_PART,
                          QELM_STATUS_ENDLESS_FLIPS,
-                         QELM_STATUS_TOO_LARGE};
+                         QELM_STATUS_TOO_LARGE,
+                         QELM_STATUS_NOT_FACTORISED,
+                         QELM_STATUS_VALUE_NOT_FINITE,
+                         QELM_STATUS_LOAD_NOT_FINITE,
+                         QELM_STATUS_FIELD_NOT_FINITE};
 
 TEST(Version, IsThatOfTheHeaderThatTheLibraryWasBuiltWith) {
   EXPECT_EQ(qelmversion(), std::to_string(QELM_VERSION_MAJOR) + "." +
@@ -52,7 +56,7 @@ TEST(StatusText, IsOneLineOfAsciiWithoutAFullStop) {
 
 TEST(StatusText, SaysSoOfANumberThatIsNoStatus) {
   const std::set<int> known(std::begin(kStatuses), std::end(kStatuses));
-  for (const int number : {INT_MIN, -2, 3, 4, 22, 26, 100, 108, INT_MAX}) {
+  for (const int number : {INT_MIN, -2, 3, 4, 22, 26, 100, 112, INT_MAX}) {
     ASSERT_EQ(known.count(number), 0U);
     EXPECT_STREQ(qelmstatustext(number), "unknown status code") << number;
   }

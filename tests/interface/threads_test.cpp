@@ -22,7 +22,7 @@ const std::vector<double> kLevels = {-0.5, 0, 0.25, 0.6};
 
 /// What one thread finds out about a system; the same for every thread.
 struct Answers {
-  Field solved, loaded, many, segments, points;
+  Field solved, loaded, many, checked, segments, points;
   int info = -1;
 
   bool operator==(const Answers&) const = default;
@@ -57,6 +57,9 @@ Answers ask(const MeshSystem* system, const Field& values) {
   answers.many = values;
   answers.many.insert(answers.many.end(), values.begin(), values.end());
   qelmsolveManyTagged(system, 2, answers.many.data(), nullptr, answers.many.data(), &status);
+  answers.checked = values;
+  qelmsolveCheckedTagged(system, 1, answers.checked.data(), nullptr, answers.checked.data(),
+                         nullptr, &status);
   answers.segments = isolinePoints(system, answers.solved);
   answers.points = curvePoints(system, answers.solved);
   answers.info = qelminfo(system);

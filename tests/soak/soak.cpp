@@ -267,6 +267,12 @@ class Worker {
       qelmsolveTagged(system.handle.get(), system.values.data(), result.data(), &status);
     });
     if (done && !sameWords(result, system.solved)) fail("a solve gave other bits");
+    const bool looked = survives([&] {
+      qelmsolveCheckedTagged(system.handle.get(), 1, system.values.data(), nullptr, result.data(),
+                             nullptr, &status);
+    });
+    if (looked && (status != 0 || !sameWords(result, system.solved)))
+      fail("a checked solve gave other bits");
   }
 
   void solveMany(const System& system) {

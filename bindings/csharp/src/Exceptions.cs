@@ -42,7 +42,19 @@ namespace Qelm
         EndlessFlips = 106,
 
         /// <summary>The system would take more memory than it may, or more than the library can index.</summary>
-        TooLarge = 107
+        TooLarge = 107,
+
+        /// <summary>The factorisation failed.</summary>
+        NotFactorised = 108,
+
+        /// <summary>The value of a tagged vertex is infinite or not a number.</summary>
+        ValueNotFinite = 109,
+
+        /// <summary>The load of a free vertex is infinite or not a number.</summary>
+        LoadNotFinite = 110,
+
+        /// <summary>The solution is infinite or not a number.</summary>
+        FieldNotFinite = 111
     }
 
     /// <summary>The native library refused a call.</summary>

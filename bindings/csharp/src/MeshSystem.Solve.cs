@@ -69,33 +69,36 @@ namespace Qelm
         {
             Ensure.Length(valueCount, VertexCount, "values");
             Ensure.Length(resultCount, VertexCount, "result");
-            EnsureFinite(values, 0, FixedCount, "vertex", "values");
-            if (load != null)
-            {
-                EnsureFinite(load, FixedCount, VertexCount, "vertex", "load");
-            }
-            ThrowUnlessSolvable();
-
-            int status;
-            if (load == null)
-            {
-                NativeMethods.qelmsolveTagged(Live(), values, result, &status);
-            }
-            else
-            {
-                NativeMethods.qelmsolvePTagged(Live(), values, load, result, &status);
-            }
-            QelmException.ThrowUnlessOk(status);
-            EnsureSolved(result);
+            SolveChecked(1, values, load, result, -1);
         }
 
-        /// <summary>Looks at the vertices of a range of system indices.</summary>
-        private void EnsureFinite(double* numbers, int begin, int end, string element, string name)
+        // Solves for fields that lie one after another; the number of the first is for messages, -1 for a single one.
+        // The library looks at the numbers that it reads, before it writes any, and at the fields.
+        private void SolveChecked(int count, double* values, double* loads, double* results, int firstField)
         {
-            for (int s = begin; s < end; ++s)
+            ThrowUnlessSolvable();
+            long first;
+            int status;
+            NativeMethods.qelmsolveCheckedTagged(Live(), count, values, loads, results, &first, &status);
+            bool single = firstField < 0;
+            string field = Text.Of(firstField + (int)(first / VertexCount));
+            string vertex = "vertex " + Text.Of((int)(first % VertexCount));
+            string element = single ? vertex : "field " + field + ", " + vertex;
+            switch ((QelmStatus)status)
             {
-                int i = order.InputOf(s);
-                Ensure.Finite(numbers[i], element, i, name);
+                case QelmStatus.ValueNotFinite:
+                    throw new ArgumentException(element + ": value is " + Text.Of(values[first]), "values");
+                case QelmStatus.LoadNotFinite:
+                    throw new ArgumentException(element + ": value is " + Text.Of(loads[first]),
+                        single ? "load" : "loads");
+                case QelmStatus.FieldNotFinite:
+                    // A nearly singular system passes the factorisation and overflows in the solve.
+                    throw new SingularSystemException(FactorisationInfo, (single ? "The field" : "Field " + field)
+                        + " is " + Text.Of(results[first]) + " at " + vertex
+                        + ": the equations have no finite solution there.");
+                default:
+                    QelmException.ThrowUnlessOk(status);
+                    break;
             }
         }
 
@@ -169,19 +172,6 @@ namespace Qelm
             {
                 Dispose();
                 throw;
-            }
-        }
-
-        // A nearly singular system passes the factorisation and overflows in the solve.
-        private void EnsureSolved(double* result)
-        {
-            for (int i = 0; i < VertexCount; ++i)
-            {
-                if (!Ensure.IsFinite(result[i]))
-                {
-                    throw new SingularSystemException(FactorisationInfo, "The field is " + Text.Of(result[i])
-                        + " at vertex " + Text.Of(i) + ": the equations have no finite solution there.");
-                }
             }
         }
     }

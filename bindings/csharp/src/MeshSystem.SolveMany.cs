@@ -24,7 +24,7 @@ namespace Qelm
         /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
         public double[][] SolveMany(double[][] values)
         {
-            EnsureFields(values, "values", 0, FixedCount);
+            EnsureFields(values, "values");
             return SolveFields(values, null);
         }
 
@@ -39,8 +39,8 @@ namespace Qelm
         /// <exception cref="ObjectDisposedException">The system is disposed.</exception>
         public double[][] SolveMany(double[][] values, double[][] loads)
         {
-            EnsureFields(values, "values", 0, FixedCount);
-            EnsureFields(loads, "loads", FixedCount, VertexCount);
+            EnsureFields(values, "values");
+            EnsureFields(loads, "loads");
             if (loads.Length != values.Length)
             {
                 throw new ArgumentException("there are " + Text.Of(loads.Length) + " for " + Text.Of(values.Length)
@@ -67,15 +67,11 @@ namespace Qelm
         {
             fixed (double* packed = Packed(values, first, count), packedLoads = Packed(loads, first, count))
             {
-                int status;
-                NativeMethods.qelmsolveManyTagged(Live(), count, packed, packedLoads, packed, &status);
-                QelmException.ThrowUnlessOk(status);
+                SolveChecked(count, packed, packedLoads, packed, first);
                 for (int k = 0; k < count; ++k)
                 {
-                    double* field = packed + (long)k * VertexCount;
-                    EnsureSolved(field);
                     results[first + k] = new double[VertexCount];
-                    Marshal.Copy((IntPtr)field, results[first + k], 0, VertexCount);
+                    Marshal.Copy((IntPtr)(packed + (long)k * VertexCount), results[first + k], 0, VertexCount);
                 }
             }
         }
@@ -94,8 +90,8 @@ namespace Qelm
             return packed;
         }
 
-        /// <summary>Each field is there, has the right length, and is finite where it is read.</summary>
-        private void EnsureFields(double[][] fields, string name, int begin, int end)
+        /// <summary>Each field is there and has the right length.</summary>
+        private void EnsureFields(double[][] fields, string name)
         {
             Ensure.NotNull(fields, name);
             for (int k = 0; k < fields.Length; ++k)
@@ -108,10 +104,6 @@ namespace Qelm
                 {
                     throw new ArgumentException("field " + Text.Of(k) + ": length is " + Text.Of(fields[k].Length)
                         + ", must be " + Text.Of(VertexCount) + " (one per vertex)", name);
-                }
-                fixed (double* numbers = fields[k])
-                {
-                    EnsureFinite(numbers, begin, end, "field " + Text.Of(k) + ", vertex", name);
                 }
             }
         }

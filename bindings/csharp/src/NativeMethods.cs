@@ -120,6 +120,10 @@ namespace Qelm
         internal static extern void qelmsolveManyTagged(MeshSystemHandle handle, int count, double* values,
             double* loads, double* results, int* status);
 
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void qelmsolveCheckedTagged(MeshSystemHandle handle, int count, double* values,
+            double* loads, double* results, long* firstOut, int* status);
+
         // Both hand out strings that belong to the library.
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]

@@ -30,7 +30,7 @@ namespace Qelm.Tests
             { "IsoPointMatrix*", "IsoPointMatrix*" }, { "IsoPointMatrix**", "IsoPointMatrix**" },
             { "IsoEdgeMatrix*", "IsoEdgeMatrix*" }, { "IsoEdgeMatrix**", "IsoEdgeMatrix**" },
             { "QelmMeshReport*", "QelmMeshReport*" }, { "QelmRobustReport*", "QelmRobustReport*" },
-            { "QelmPrediction*", "QelmPrediction*" }, { "int64_t", "Int64" },
+            { "QelmPrediction*", "QelmPrediction*" }, { "int64_t", "Int64" }, { "int64_t*", "Int64*" },
             { "QelmCurves*", "QelmCurves*" }, { "QelmCurves**", "QelmCurves**" }
         };
 

@@ -16,9 +16,12 @@ def main() -> NoReturn:
     tool = os.environ.get("QELM_TOOL") or str(pathlib.Path(__file__).resolve().parent / "qelm/native/bin" / name)
     if not os.path.isfile(tool):
         sys.exit(f"qelm: this installation has no command-line tool at {tool}; install qelm's wheel")
-    if sys.platform == "win32":
-        sys.exit(subprocess.call([tool, *sys.argv[1:]]))
-    os.execv(tool, [tool, *sys.argv[1:]])
+    try:
+        if sys.platform == "win32":
+            sys.exit(subprocess.call([tool, *sys.argv[1:]]))
+        os.execv(tool, [tool, *sys.argv[1:]])
+    except OSError as error:
+        sys.exit(f"qelm: the command-line tool {tool} cannot be run: {error.strerror}")
 
 
 if __name__ == "__main__":

@@ -34,7 +34,48 @@ def test_tags_other_than_1_2_3_mean_free():
 
 @pytest.mark.parametrize("fixed", [[2, 0], [0, 0, 2], [True, False, True, False], np.array([0, 2], np.uint8), (0.0, 2.0)])
 def test_fixed_vertices_as_indices_or_mask(fixed):
-    assert qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, fixed).fixed.tolist() == [0, 2]
+    system = qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, fixed)
+    assert sorted(system.fixed.tolist()) == [0, 2]
+    assert system.order.tolist() == [0, 2, 3, 1]
+
+
+def test_values_of_the_fixed_vertices_alone_come_in_the_order_in_which_these_were_named():
+    one = qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, [0, 2])
+    other = qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, [2, 0, 2])
+    assert other.fixed.tolist() == [2, 0] and not other.fixed.flags.writeable
+    assert other.solve([7, 5]).tolist() == one.solve([5, 7]).tolist()
+    assert other.solve([5, np.nan, 7, np.nan]).tolist() == one.solve([5, 7]).tolist()
+    with pytest.raises(qelm.FieldError, match="values: vertex 0: nan"):
+        other.solve([7, np.nan])
+
+
+@pytest.mark.parametrize("name", ["vertex_count", "triangle_count", "fixed_count", "fixed", "info", "robust", "order"])
+def test_what_a_system_says_of_itself_cannot_be_assigned(name):
+    system = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
+    with pytest.raises(AttributeError):
+        setattr(system, name, 3)
+
+
+def test_a_system_knows_whether_it_is_robust():
+    robust = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS, robust=True)
+    assert robust.robust and robust.duplicate().robust
+    assert not qelm.MeshSystem(VERTICES, TRIANGLES, TAGS).robust
+
+
+@pytest.mark.parametrize(
+    "call, error, message",
+    [
+        (lambda: qelm.MeshSystem(VERTICES, TRIANGLES, [0, 2, 3]), qelm.MeshError, "MeshSystem.from_fixed takes numbers"),
+        (lambda: qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, [1, 0, 1, 0]), qelm.MeshError, "fixed: this looks like a mask"),
+        (lambda: qelm.MeshSystem.from_fixed(VERTICES, TRIANGLES, {0, 2}), TypeError, "fixed: a set is no array; pass a list"),
+        (lambda: qelm.MeshSystem(None, TRIANGLES, TAGS), TypeError, "vertices: None is no array"),
+        (lambda: qelm.MeshSystem(VERTICES, [[0, 1, 2, 3]], TAGS), qelm.MeshError, "split quadrilaterals, and of VTK's faces take"),
+        (lambda: qelm.MeshSystem([[0, 0, 10**400]], TRIANGLES, TAGS), ValueError, "vertices: a number is too large"),
+    ],
+)  # fmt: skip
+def test_common_mistakes_get_their_cure(call, error, message):
+    with pytest.raises(error, match=message):
+        call()
 
 
 @pytest.mark.parametrize(
@@ -87,7 +128,7 @@ def test_a_wrong_mesh_is_refused_by_element_and_cure(vertices, triangles, tags, 
     [
         (VERTICES * 1j, TRIANGLES, TAGS, "^vertices: elements of type complex128 are no real numbers"),
         ([["a", "b", "c"]], TRIANGLES, TAGS, "^vertices: elements of type <U1"),
-        (None, TRIANGLES, TAGS, "^vertices: element 0 is None, no real number"),
+        (None, TRIANGLES, TAGS, "^vertices: None is no array; pass a list"),
         (VERTICES, [[True, False, True]], TAGS, "^triangles: these are truth values"),
         (VERTICES, [[0, 1, "2"]], TAGS, "^triangles: elements of type <U"),
         (VERTICES, np.array([[0, 1, None]], object), TAGS, "^triangles: element 2 is None"),

@@ -1,6 +1,7 @@
 """Level curves: the sequence and the packed form."""
 
 import pickle
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pytest
@@ -58,6 +59,27 @@ def test_arrays_are_read_only_and_can_be_pickled(system):
     assert (bits(back.points) == bits(curves.points)).all() and len(back) == len(curves)
 
 
+def test_levels_stay_those_asked_for_when_the_callers_array_changes(system):
+    asked = np.array([-1.5, -0.5])
+    curves = system.curves(HILL, asked)
+    asked[:] = 7
+    assert set(curves.levels) == {-1.5, -0.5}
+
+
+def test_arrays_are_made_once_and_outlive_curves_and_system():
+    system = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
+    expected = system.curves(HILL, 8)
+    with ThreadPoolExecutor(8) as pool:
+        for _ in range(20):
+            curves = system.curves(HILL, 8)
+            arrays = list(pool.map(lambda _: curves.points, range(8)))  # noqa: B023
+            assert all((bits(array) == bits(expected.points)).all() for array in arrays)
+    system.close()
+    points, closed = curves.points, curves.closed
+    del curves, system
+    assert (bits(points) == bits(expected.points)).all() and (closed == expected.closed).all()
+
+
 def test_cells_name_the_points_of_the_polylines(system):
     curves = system.curves(HILL, 8)
     assert curves.closed.any() and not curves.closed.all()
@@ -100,6 +122,17 @@ def test_wrong_fields_and_levels_are_named(system, field, levels, message):
 def test_levels_far_apart_do_not_overflow():
     levels = qelm.even_levels([-1.7e308, 1.7e308], 3)
     assert len(levels) == 3 and np.isfinite(levels).all() and levels[1] == pytest.approx(0, abs=1e294)
+
+
+def test_masked_values_are_no_range():
+    field = np.ma.masked_equal([0, 1, 5, 9], 9)
+    assert qelm.even_levels(field, 4).tolist() == [1, 2, 3, 4]
+
+
+@pytest.mark.parametrize("count, error", [(10**9, qelm.FieldError), (10**30, qelm.FieldError), (2.5, TypeError), (None, TypeError)])
+def test_a_count_of_levels_that_cannot_be_is_named(count, error):
+    with pytest.raises(error, match="^levels: "):
+        qelm.even_levels([0, 1], count)
 
 
 def test_there_are_only_as_many_levels_as_doubles():

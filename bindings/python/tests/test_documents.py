@@ -7,8 +7,10 @@ import sys
 
 import numpy as np
 import pytest
+import qelm
 from built import SOURCE
 from matplotlib import image
+from meshes import square
 
 
 def run_block(document, folder, section=""):
@@ -39,6 +41,19 @@ def test_the_ten_lines_of_the_readme_run(tmp_path):
     printed, _ = run_block("README.md", tmp_path, "## From Python")
     assert [line.split()[0] for line in printed.splitlines()] == ["0.25", "0.5", "0.75"]
     assert (tmp_path / "square.html").stat().st_size > 100_000
+
+
+def test_vertices_in_no_triangle_go_as_the_document_says():
+    text = (SOURCE / "docs/python.md").read_text()
+    (statement,) = re.findall(r"`(used, corners = [^`]+)`", text)
+    (arguments,) = re.findall(r"`(vertices\[used\], [^`]+)`", text)
+    vertices, triangles, _ = square()
+    more, moved = np.insert(vertices, [0, 2], 99, axis=0), np.array([1, 2, 4, 5])[triangles]
+    names = {"np": np, "vertices": more, "triangles": moved}
+    assert not qelm.check(names["vertices"], names["triangles"]).ok
+    exec(statement, names)
+    mesh = eval(arguments, names)
+    assert all((ours == theirs).all() for ours, theirs in zip(mesh, (vertices, triangles)))
 
 
 def test_the_documents_lead_to_files_that_are_there():

@@ -13,6 +13,27 @@ from meshes import grid, square
 VERTICES, TRIANGLES, TAGS = square()
 
 
+# ---- Systems that are none
+
+
+@pytest.mark.parametrize("system", [None, np.zeros(4), qelm.MeshSystem], ids=["None", "an array", "the class"])
+@pytest.mark.parametrize(
+    "function, arguments",
+    [
+        (qelm.gradient, []),
+        (qelm.isoline_segments, [[0.5]]),
+        (qelm.plot, []),
+        (qelm.simplified_curves, [3, 0.1]),
+        (qelm.spaced_levels, [0.1]),
+        (qelm.view, []),
+        (qelm.write_heat_map, ["heat"]),
+    ],
+)
+def test_what_is_no_system_is_named(function, arguments, system):
+    with pytest.raises(TypeError, match=f"^system: a MeshSystem is needed, this is of type {type(system).__name__}$"):
+        function(system, [0, 1, 2, 3], *arguments)
+
+
 # ---- check
 
 
@@ -36,16 +57,19 @@ def test_every_defect_is_told_by_its_first_element():
         "triangle 4 (3, 3, 2): names a vertex twice (and 1 more); remove such triangles",
         "vertex 6 (9, 9, 9): lies in no triangle; remove such vertices",
         "vertex 5 (nan, 0, 0): has a coordinate that is not finite; give it a place, or remove it",
-        "triangle 2 (0, 1, 4): has an area near zero; remove it, or merge its corners with qelm.weld",
+        "triangle 2 (0, 1, 4): has an area near zero; remove it, merge its corners with qelm.weld, "
+        "or build with robust=True",
         "the connected part with vertex 0 (0, 0, 0): has no fixed vertex; fix a vertex in every connected part",
     )
     assert all(f"  defect: {text}\n" in str(report) for text in report.defects)
+    assert repr(report) == str(report)
     assert report.notes == ("1 edge of three or more triangles, the first at triangle 0",)
 
 
 def test_without_tags_no_part_wants_a_fixed_vertex():
     assert qelm.check(VERTICES, TRIANGLES).ok
     assert qelm.check(VERTICES, TRIANGLES, [0, 0, 0, 0]).status == 105
+    assert qelm.check(VERTICES, TRIANGLES, [True, False, False, False]).tagged_vertex.count == 1
 
 
 @given(
@@ -109,6 +133,12 @@ def test_wrong_arguments_of_weld_are_named(arguments, message):
         qelm.weld(*arguments)
 
 
+@pytest.mark.parametrize("tolerance", ["1e-6", [1e-6, 1e-5], 1j])
+def test_a_tolerance_that_is_no_number_is_named(tolerance):
+    with pytest.raises(TypeError, match="^tolerance: "):
+        qelm.weld(VERTICES, TRIANGLES, tolerance)
+
+
 # ---- heat maps
 
 
@@ -158,6 +188,27 @@ def test_a_full_disk_is_noticed(tmp_path):
         qelm.write_heat_map(system, [0, 1, 2, 3], tmp_path / "heat")
 
 
+@pytest.mark.parametrize("name", ["heat", "heat.obj", "heat.OBJ"])
+def test_a_heat_map_may_be_named_by_its_obj_file(tmp_path, name):
+    qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], tmp_path / name)
+    assert sorted(path.name for path in tmp_path.iterdir()) == ["heat.mtl", "heat.obj", "viridis.PNG"]
+    assert f"mtllib {tmp_path}/heat.mtl\n" in (tmp_path / "heat.obj").read_text()
+
+
+@pytest.mark.parametrize("name", ["", ".", "..", "folder/", "folder/.obj", "a\0b"])
+def test_a_path_without_file_name_is_refused(tmp_path, monkeypatch, name):
+    (tmp_path / "folder").mkdir()
+    monkeypatch.chdir(tmp_path)
+    with pytest.raises(ValueError, match="^path: .* names no file"):
+        qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], name)
+    assert [path.name for path in tmp_path.rglob("*")] == ["folder"]
+
+
+def test_a_path_of_bytes_is_refused():
+    with pytest.raises(TypeError, match="^path: b'heat' is not text"):
+        qelm.write_heat_map(qelm.MeshSystem(VERTICES, TRIANGLES, TAGS), [0, 1, 2, 3], b"heat")
+
+
 def test_without_ramp_there_is_no_ramp(tmp_path):
     system = qelm.MeshSystem(VERTICES, TRIANGLES, TAGS)
     qelm.write_heat_map(system, [0, 1, 2, 3], tmp_path / "heat", ramp=False)
@@ -177,6 +228,7 @@ def test_every_integer_comes_back_from_its_point_and_from_the_reverse():
 
 def test_the_codec_keeps_shapes():
     assert qelm.encode([[1, 2, 3]]).shape == (1, 3, 3)
+    assert qelm.encode([]).shape == (0, 3)
     assert qelm.decode(qelm.encode(np.int8(7))).shape == () and qelm.decode(np.empty((0, 3))).shape == (0,)
 
 
@@ -184,6 +236,14 @@ def test_the_codec_keeps_shapes():
 def test_what_cannot_be_carried_is_refused(value):
     with pytest.raises((qelm.FieldError, TypeError), match="^values: "):
         qelm.encode([0, value])
+
+
+def test_the_codec_refuses_masked_elements():
+    with pytest.raises(qelm.FieldError, match="^values: some elements are masked"):
+        qelm.encode(np.ma.masked_equal([1, 2], 2))
+    with pytest.raises(qelm.FieldError, match="^points: some elements are masked"):
+        qelm.decode(np.ma.masked_equal([1.0, 0.0, 0.0], 1))
+    assert qelm.encode(np.ma.masked_equal([1, 2], 3)).shape == (2, 3)
 
 
 def test_the_codec_refuses_other_types():
@@ -214,4 +274,9 @@ def test_without_segments_the_tables_are_empty():
 
 def test_the_version_is_that_of_the_header():
     assert re.fullmatch(r"\d+\.\d+\.\d+", qelm.library_version())
-    assert run(program("qelm"), "--version").split()[-1] == qelm.library_version()
+    assert run(program("qelm"), "--version").split()[-1] == qelm.library_version() == qelm.__version__
+
+
+def test_other_names_of_the_module_are_missing():
+    with pytest.raises(AttributeError, match="module 'qelm' has no attribute 'nothing'"):
+        qelm.nothing  # noqa: B018

@@ -49,6 +49,14 @@ def test_a_constant_is_flat_and_holes_have_none(system):
     assert np.isnan(gradient.of_vertices[TRIANGLES[0][0]]).all()
 
 
+@pytest.mark.filterwarnings("error")
+def test_infinite_values_give_no_warnings(system):
+    field = np.where(np.arange(len(VERTICES)) == TRIANGLES[0][0], np.inf, VERTICES[:, 0])
+    touched = (np.asarray(TRIANGLES) == TRIANGLES[0][0]).any(axis=1)
+    finite = np.isfinite(qelm.gradient(system, field).of_triangles).all(axis=1)
+    assert (finite == ~touched).all()
+
+
 def test_triangles_without_area_have_none_and_do_not_count():
     points = [[0, 0], [1, 0], [1, 1], [0, 1], [0.5, 0]]
     system = qelm.MeshSystem(points, [[0, 1, 2], [0, 2, 3], [0, 4, 1]], [1] * 5, check=False)

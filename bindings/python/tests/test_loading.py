@@ -10,7 +10,7 @@ import pytest
 from built import BUILD, LIBRARY, SOURCE, program, run
 
 PACKAGES = SOURCE / "bindings/python/src"
-CHECK = "import qelm; print(qelm.library_version())"
+CHECK = "import qelm; assert qelm.__version__ == qelm.library_version()"
 
 
 def python(code, packages=PACKAGES, **changed):
@@ -52,6 +52,13 @@ def test_the_command_starts_without_numpy():
 def test_a_command_without_tool_says_so(tmp_path):
     done = python(["-m", "qelm_command"], QELM_TOOL=str(tmp_path / "none"))
     assert done.returncode == 1 and "has no command-line tool at" in done.stderr
+
+
+def test_a_tool_that_is_no_program_is_named(tmp_path):
+    (tmp_path / "tool").write_text("no program")
+    done = python(["-m", "qelm_command"], QELM_TOOL=str(tmp_path / "tool"))
+    assert done.returncode == 1
+    assert done.stderr == f"qelm: the command-line tool {tmp_path / 'tool'} cannot be run: Permission denied\n"
 
 
 def test_without_library_the_error_says_where_it_was_looked_for():

@@ -51,6 +51,31 @@ def test_a_mesh_in_space_is_drawn_in_space():
     figure.canvas.draw()
 
 
+@pytest.mark.filterwarnings("error")
+def test_a_plane_mesh_may_be_drawn_in_space():
+    system = qelm.MeshSystem(*grid(9, 7, height=lambda x, y: 0 * x + 5))
+    ax = qelm.plot(system, np.arange(63.0), ax=pyplot.figure().add_subplot(projection="3d"))
+    assert len(the_one(ax, Poly3DCollection).get_array()) == system.triangle_count
+    ax.figure.canvas.draw()
+    assert ax.get_xlim() == (0, 8) and [label.get_text() for label in ax.zaxis.get_ticklabels()] == ["5"]
+
+
+@pytest.mark.filterwarnings("error")
+def test_an_upright_plane_is_drawn_in_space():
+    vertices, triangles, tags = grid(9, 7, height=lambda x, y: 0 * x)
+    ax = qelm.plot(qelm.MeshSystem(vertices[:, [0, 2, 1]], triangles, tags), np.arange(63.0))
+    ax.figure.canvas.draw()
+    assert ax.name == "3d" and ax.get_zlim() == (0, 6) and ax.get_ylim()[0] < 0 < ax.get_ylim()[1]
+
+
+def test_axes_that_do_not_suit_are_refused():
+    system = qelm.MeshSystem(*grid(3, 3))
+    with pytest.raises(ValueError, match='ax: the mesh is not flat; make the axes with projection="3d"'):
+        qelm.plot(system, np.arange(9.0), ax=pyplot.figure().add_subplot())
+    with pytest.raises(TypeError, match="ax: matplotlib axes are needed, .* of type Figure"):
+        qelm.plot(system, np.arange(9.0), ax=pyplot.figure())
+
+
 def test_wrong_fields_are_refused_before_anything_is_drawn():
     system = qelm.MeshSystem(*grid(3, 3))
     with pytest.raises(qelm.FieldError, match="field: vertex 8: inf is not finite"):

@@ -26,10 +26,14 @@ def test_a_prediction_grows_with_the_mesh():
     assert large.multiplications > large.factor_entries
 
 
+@pytest.mark.filterwarnings("error")
 def test_a_robust_system_has_a_prediction_of_its_own():
     vertices, triangles, tags = grid(20, 20)
     vertices[:, 0] += 5 * vertices[:, 1]
-    assert qelm.predict(vertices, triangles, tags, robust=True) != qelm.predict(vertices, triangles, tags)
+    robust = qelm.predict(vertices, triangles, tags, robust=True)
+    assert robust != qelm.predict(vertices, triangles, tags)
+    # What numpy's comparisons give is a truth value, too.
+    assert qelm.predict(vertices, triangles, tags, robust=np.bool_(True)) == robust
 
 
 def test_a_mesh_that_cannot_be_built_is_named():
@@ -46,6 +50,28 @@ def test_the_machine_says_what_is_free():
     with open("/proc/meminfo", encoding="ascii") as lines:
         total = 1024 * int(lines.readline().split()[1])
     assert 0 < _memory.free_bytes() < total
+
+
+@pytest.mark.parametrize(
+    "limit, used, statistics, cache",
+    [
+        ("memory.max", "memory.current", "memory.stat", "inactive_file"),
+        ("memory/memory.limit_in_bytes", "memory/memory.usage_in_bytes", "memory/memory.stat", "total_inactive_file"),
+    ],
+    ids=["second version", "first version"],
+)
+def test_a_container_says_what_its_limit_leaves(monkeypatch, tmp_path, limit, used, statistics, cache):
+    monkeypatch.setattr(_memory, "_GROUP", tmp_path)
+    machine = _memory.free_bytes()
+    assert machine > 100_000_000
+    (tmp_path / "memory").mkdir()
+    (tmp_path / used).write_text("60000000\n")
+    (tmp_path / statistics).write_text(f"anon 5\n{cache} 10000000\nactive_file 7\n")
+    for most, free in (("100000000", 50_000_000), ("50000000", 0)):
+        (tmp_path / limit).write_text(most + "\n")
+        assert _memory.free_bytes() == free
+    (tmp_path / limit).write_text("max\n")
+    assert _memory.free_bytes() > 100_000_000
 
 
 @pytest.mark.parametrize("robust", [False, True])

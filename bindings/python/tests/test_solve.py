@@ -92,6 +92,14 @@ def test_out_that_is_read_only_is_refused_and_keeps_its_values(system):
     assert (out == 7).all()
 
 
+def test_out_may_be_a_file(system, tmp_path):
+    values = np.sin(np.arange(N))
+    out = np.memmap(tmp_path / "field", float, "w+", shape=(N,))
+    assert system.solve(values, out=out) is out
+    out.flush()
+    assert (np.fromfile(tmp_path / "field") == system.solve(values)).all()
+
+
 def test_wrong_numbers_leave_out_alone(system):
     out = np.full(N, 7.0)
     with pytest.raises(qelm.FieldError):

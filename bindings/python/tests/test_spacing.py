@@ -71,6 +71,19 @@ def test_levels_without_curves_and_in_any_order(system, field):
     assert len(none) == 0 and none.points.shape == (0, 3) and none.starts.tolist() == [0]
 
 
+def test_without_levels_there_are_no_curves(system, field):
+    assert len(qelm.simplified_curves(system, field, [], 1e-6)) == 0
+
+
+def test_what_is_no_number_is_named(system, field):
+    with pytest.raises(TypeError, match="^spacing: "):
+        qelm.spaced_levels(system, field, "0.1")
+    with pytest.raises(TypeError, match="^tolerance: .* one number is needed"):
+        qelm.simplified_curves(system, field, 3, [0.1, 0.2])
+    with pytest.raises(qelm.FieldError, match="^levels: 9999 are too many for the command-line tool"):
+        qelm.simplified_curves(system, field, np.linspace(1 / 3, 2, 9999), 0.1)
+
+
 def test_what_cannot_be_is_refused(system, field):
     for distance in (0, -1, np.nan, np.inf):
         with pytest.raises(qelm.FieldError, match="is no distance; give a finite number above 0"):

@@ -18,6 +18,8 @@ def rims(vertices: npt.NDArray[np.float32], triangles: List[Tuple[int, int, int]
         report: qelm.Report = qelm.check(vertices, triangles)
         text: str = f"{report} {level + 1} {points.shape} {closed} {packed.sum()} {report.part.count + 1}"
         qelm.write_heat_map(system, field, text)
+        page: qelm.Page = qelm.view(system, field, title=qelm.__version__, direction=(0, -1, 0.5))
+        assert page.save(text).name
         merged, corners, _ = qelm.weld(vertices, triangles, 1e-6)
         assert merged.dtype == np.float64 and corners.dtype == np.int32
         return lengths

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -58,21 +59,20 @@ std::vector<double> FieldSystem::solve(const Mesh& mesh, std::span<const double>
     const std::vector<double> its = used(load);
     loads.insert(loads.end(), its.begin(), its.end());
   }
+  std::int64_t first = -1;
   int status = -1;
-  qelmsolveManyTagged(handle(), asInt(count), own.data(), load.empty() ? nullptr : loads.data(),
-                      own.data(), &status);
+  qelmsolveCheckedTagged(handle(), asInt(count), own.data(), load.empty() ? nullptr : loads.data(),
+                         own.data(), &first, &status);
+  if (status == QELM_STATUS_FIELD_NOT_FINITE)
+    throw SingularError(
+        fmt::format("the field is not finite, first at {}; look for needle-like "
+                    "triangles or try --robust, and look for values that are too large",
+                    describeVertex(mesh, vertices_[asIndex(first) % size()])));
   if (status != QELM_STATUS_OK)
     throw InputError(fmt::format("the library refuses to solve: {}", qelmstatustext(status)));
   std::vector<double> fields(values.size(), std::numeric_limits<double>::quiet_NaN());
-  for (std::size_t i = 0; i < own.size(); ++i) {
-    const int vertex = vertices_[i % size()];
-    fields[i / size() * n + asIndex(vertex)] = own[i];
-    if (!std::isfinite(own[i]))
-      throw SingularError(
-          fmt::format("the field is not finite, first at {}; look for needle-like "
-                      "triangles or try --robust, and look for values that are too large",
-                      describeVertex(mesh, vertex)));
-  }
+  for (std::size_t i = 0; i < own.size(); ++i)
+    fields[i / size() * n + asIndex(vertices_[i % size()])] = own[i];
   return fields;
 }
 

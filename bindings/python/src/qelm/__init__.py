@@ -11,6 +11,8 @@
 [0.25, 0.5, 0.75]
 """
 
+from typing import TYPE_CHECKING
+
 from ._native import library_version
 from .codec import decode, encode
 from .curves import Curve, Curves, even_levels
@@ -34,6 +36,17 @@ from .spacing import simplified_curves, spaced_levels
 from .system import FactorisationInfo, MeshSystem
 from .viewing import Page, view
 from .welding import Welded, weld
+
+if TYPE_CHECKING:
+    __version__: str
+else:
+
+    def __getattr__(name):
+        """``qelm.__version__`` is asked of the library when it is wanted, so that importing loads none."""
+        if name == "__version__":
+            return library_version()
+        raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+
 
 __all__ = [
     "ClosedError",

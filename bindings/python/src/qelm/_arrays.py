@@ -7,9 +7,10 @@ is wrong.
 
 from __future__ import annotations
 
+import ctypes
 import numbers
 from math import isfinite
-from typing import Any, Optional
+from typing import Any, Callable, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -24,10 +25,20 @@ DOUBLE = np.dtype(np.float64)
 LEAST_INT, MOST_INT = -(2**31), 2**31 - 1
 
 
+_from_buffer: Callable[[Any], Any] = (ctypes.c_char * 0).from_buffer
+
+
+def addresses(*arrays: npt.NDArray[Any]) -> Tuple[int, ...]:
+    """Where the first elements of C-contiguous arrays lie; the caller keeps the arrays alive."""
+    try:
+        return tuple(map(ctypes.addressof, map(_from_buffer, arrays)))
+    except TypeError:  # One is read-only. This way takes four times as long.
+        return tuple(array.__array_interface__["data"][0] for array in arrays)
+
+
 def address(array: npt.NDArray[Any]) -> int:
-    """Where an array's first element lies; the caller keeps the array alive."""
-    place: int = array.__array_interface__["data"][0]
-    return place
+    """As addresses(), of one array."""
+    return addresses(array)[0]
 
 
 def first(wrong: npt.NDArray[Any]) -> int:
@@ -58,6 +69,9 @@ def real(argument: object, name: str) -> npt.NDArray[Any]:
 
 
 def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
+    if array.ndim == 0 and not isinstance(array.item(), numbers.Real):
+        what = "None" if array.item() is None else f"a {type(array.item()).__name__}"
+        raise TypeError(f"{name}: {what} is no array; pass a list or a numpy array")
     for place, element in enumerate(np.asarray(array).ravel()):
         if not isinstance(element, numbers.Real):
             raise TypeError(
@@ -68,16 +82,20 @@ def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
     try:
         return array.astype(np.int64 if is_whole and array.size else np.float64)
     except OverflowError:
+        pass
+    try:
         # Beyond 64 bits: as floating point such numbers are out of every index range.
         return array.astype(np.float64)
+    except OverflowError as error:
+        raise ValueError(f"{name}: a number is too large for 64 bits of floating point") from error
 
 
 def doubles(argument: object, name: str) -> Doubles:
     """float64, C-contiguous, aligned; masked elements are the caller's business."""
-    if type(argument) is np.ndarray and argument.dtype == DOUBLE:
-        flags = argument.flags
-        if flags.c_contiguous and flags.aligned:
-            return argument
+    # carray: C-contiguous, aligned and writeable. What is read-only, or has a float64 of its own, takes the longer
+    # way, which copies it no more than this one.
+    if type(argument) is np.ndarray and argument.dtype is DOUBLE and argument.flags.carray:
+        return argument
     with np.errstate(over="ignore"):
         return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
 
@@ -97,7 +115,10 @@ def rows_of(array: npt.NDArray[Any], widths: tuple[int, ...], name: str, what: s
     if array.ndim == 2 and array.shape[1] in widths:
         return array
     expected = " or ".join(f"({what}, {width})" for width in widths)
-    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}")
+    cure = "" if name != "triangles" else (
+        "; split quadrilaterals, and of VTK's faces take faces.reshape(-1, 4)[:, 1:]"
+    )  # fmt: skip
+    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}{cure}")
 
 
 def require_count(count: int, name: str, element: str) -> None:
@@ -136,6 +157,7 @@ def whole(argument: object, name: str, element: str) -> npt.NDArray[Any]:
     if array.dtype.kind == "b":
         raise TypeError(f"{name}: these are truth values; integers are needed")
     if array.dtype.kind == "f":
+        array = array.astype(np.float64, copy=False)  # Half precision has no 2^31 to compare with.
         with np.errstate(invalid="ignore"):
             place = first(~(np.floor(array) == array))
         if place >= 0:
@@ -178,7 +200,9 @@ def any_indices(argument: object, name: str = "triangles") -> Ints:
     """(m, 3) int32; what int32 cannot express becomes -1, which is no vertex either."""
     array = corners(argument, name)
     if array.min() < LEAST_INT or array.max() > MOST_INT:
-        array = np.where((array < 0) | (array > MOST_INT), -1, array)
+        wrong = (array < 0) | (array > MOST_INT)
+        array = np.where(wrong, array.dtype.type(0), array).astype(np.int32)
+        array[wrong] = -1
     return np.require(array, np.int32, ["C", "A"])
 
 
@@ -190,63 +214,67 @@ def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
         array = array.astype(np.int32)
     array = whole(array, name, "vertex")
     if array.shape != (vertex_count,):
-        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex")
+        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex; "
+            "MeshSystem.from_fixed takes numbers of vertices")
     place = first((array < LEAST_INT) | (array > MOST_INT))
     if place >= 0:
         raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")
     return np.require(array, np.int32, ["C", "A"])
 
 
-def fixed_tags(argument: object, vertex_count: int, name: str = "fixed") -> Ints:
-    """Tags from indices of prescribed vertices, or from a mask of them: 1 there, 0 elsewhere."""
+def fixed_vertices(argument: object, vertex_count: int, name: str = "fixed") -> npt.NDArray[np.intp]:
+    """(t,) numbers of prescribed vertices, each once, in the order given; from numbers or from a mask."""
     refuse_masked(argument, name, "element", "leave it out")
     array = np.asarray(real(argument, name))
     if array.dtype.kind == "b":
         if array.shape != (vertex_count,):
             raise MeshError(f"{name}: the mask's shape is {array.shape}, must be ({vertex_count},)")
-        return array.astype(np.int32)
+        return np.flatnonzero(array)
     array = np.atleast_1d(whole(array, name, "element"))
     if array.ndim != 1:
         raise MeshError(f"{name}: the shape is {array.shape}; a list of vertices or a mask is needed")
     place = first((array < 0) | (array >= vertex_count))
     if place >= 0:
         raise MeshError(f"{name}: element {place}: vertex {_listed(array[place])} is not in 0 .. {vertex_count - 1}")
-    result = np.zeros(vertex_count, np.int32)
-    result[array.astype(np.intp)] = 1
-    return result
+    if 2 < vertex_count == len(array) and array.max() <= 1:
+        raise MeshError(f"{name}: this looks like a mask of 0 and 1; pass it as bool")
+    chosen = array.astype(np.intp)
+    return chosen[np.sort(np.unique(chosen, return_index=True)[1])]
 
 
-def per_vertex(
-    argument: object,
-    vertex_count: int,
-    name: str,
-    read: Optional[npt.NDArray[Any]] = None,
-    numbers: Optional[npt.NDArray[Any]] = None,
-) -> Doubles:
-    """(..., n) float64, finite and not masked in the places `read`, or everywhere.
-
-    Raises FieldError; `numbers` are the vertices' where the places are others.
-    """
+def per_vertex(argument: object, vertex_count: int, name: str) -> Doubles:
+    """(n,) or (k, n) float64 of any values; masked elements are the caller's business. Raises FieldError."""
     array = doubles(argument, name)
     if array.ndim not in (1, 2) or array.shape[-1] != vertex_count:
         raise FieldError(
             f"{name}: the shape is {array.shape}, must be ({vertex_count},) or (k, {vertex_count}): one per vertex"
         )
-    if isinstance(argument, np.ma.MaskedArray):
-        mask = np.ma.getmaskarray(argument)  # type: ignore[no-untyped-call]
-        _require_none(mask, array, name, "is masked; give it a value", read, numbers)
-        array = np.where(mask, 0.0, np.asarray(array))
-    require_finite_numbers(array, name, read, numbers)
     return array
 
 
-def require_finite_numbers(
-    array: Doubles, name: str, read: Optional[npt.NDArray[Any]] = None, numbers: Optional[npt.NDArray[Any]] = None
-) -> None:
-    """Raises FieldError for the first number that is not finite, of those in the places `read`."""
-    looked_at = array if read is None else array.take(read, axis=-1)
-    if not is_finite(looked_at):
-        _require_none(~np.isfinite(array), array, name, "is not finite", read, numbers)
+def unmasked(
+    argument: object,
+    array: Doubles,
+    name: str,
+    read: Optional[npt.NDArray[Any]] = None,
+    numbers: Optional[npt.NDArray[Any]] = None,
+) -> Doubles:
+    """The array of a masked argument, with 0 where it is masked; of any other, the array.
+
+    Raises FieldError for an element that is masked in the places `read`, or anywhere; `numbers` are the
+    vertices' where the places are others.
+    """
+    if array is argument or not isinstance(argument, np.ma.MaskedArray):
+        return array
+    mask = np.ma.getmaskarray(argument)  # type: ignore[no-untyped-call]
+    _require_none(mask, array, name, "is masked; give it a value", read, numbers)
+    return np.where(mask, 0.0, np.asarray(array))
+
+
+def require_finite_numbers(array: Doubles, name: str) -> None:
+    """Raises FieldError for the first number that is not finite."""
+    if not is_finite(array):
+        _require_none(~np.isfinite(array), array, name, "is not finite", None, None)
 
 
 def _require_none(
@@ -274,12 +302,13 @@ def levels(argument: object, name: str = "levels") -> Doubles:
     array = doubles(argument, name)
     if array is not argument and np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
         raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
-    array = array.reshape(1) if array.ndim == 0 else array
     if array.ndim != 1:
-        raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
-    for place, level in enumerate(array.tolist()):
-        if not isfinite(level):
-            raise FieldError(f"{name}: level {place} is {level}; levels must be finite")
+        if array.ndim:
+            raise FieldError(f"{name}: the shape is {array.shape}; a list of levels is needed")
+        array = array.reshape(1)
+    if not all(map(isfinite, array.tolist())):
+        place = first(~np.isfinite(array))
+        raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
     if len(array) > MOST_INT:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
     return array

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import enum
 from ctypes import byref, c_int, c_void_p
 
 from . import _memory, meshcheck
@@ -9,7 +10,7 @@ from ._handle import Handle
 from ._mesh import MeshArrays
 from ._native import library, require_ok
 from ._records import QelmPrediction
-from .errors import MeshError, TooLargeError
+from .errors import MeshError, SingularSystemError, TooLargeError
 
 DEFECTS = (23, 24)  # a repeated vertex, an unused one
 _TOO_LARGE = 107
@@ -18,13 +19,31 @@ _WORTH_ASKING = 2000  # vertices; a factor of fewer takes 24 MB at most
 _HARMLESS_TO_ROBUST = (103, 104)  # areas near zero, sizes out of range
 
 
+class FactorisationInfo(enum.IntEnum):
+    """How a factorisation ended."""
+
+    SUCCESS = 0
+    NUMERICAL_ISSUE = 1
+    NO_CONVERGENCE = 2
+    INVALID_INPUT = 3
+
+
+def require_factorised(info: int) -> None:
+    """Raises SingularSystemError unless the factorisation succeeded."""
+    if info != FactorisationInfo.SUCCESS:
+        raise SingularSystemError(
+            f"the factorisation ended with {FactorisationInfo(info).name}: some free vertices are not tied to a "
+            "fixed one, or triangles are too thin to compute with; qelm.check says more"
+        )
+
+
 def construct(mesh: MeshArrays, robust: bool = False) -> Handle:
     """The handle of checked arrays. Raises MeshError for a triangle or vertex that the library refuses."""
     status, pointer = c_int(), c_void_p()
     free = _limit(len(mesh.vertices))
     prediction = QelmPrediction()
     library().qelmctorLimitedTagged(
-        *mesh.arguments(), robust, free, byref(prediction), None, byref(status), byref(pointer)
+        *mesh.arguments(), bool(robust), free, byref(prediction), None, byref(status), byref(pointer)
     )
     if status.value in DEFECTS:
         refuse_defects(mesh, robust)

@@ -10,11 +10,19 @@ from typing import Union
 _MATERIAL_END = b"map_Kd viridis.PNG"
 
 
-def narrow(path: Union[str, os.PathLike[str]]) -> bytes:
-    """The path as the library's narrow file functions take it. Raises ValueError."""
+def base_name(path: Union[str, os.PathLike[str]]) -> str:
+    """The path without .obj. Raises TypeError, and ValueError if it names no file."""
     text = os.fspath(path)
-    if not text or "\0" in text:
-        raise ValueError(f"path: {text!r} names no file")
+    if not isinstance(text, str):
+        raise TypeError(f"path: {text!r} is not text; os.fsdecode makes text of bytes")
+    base = text[:-4] if text.lower().endswith(".obj") else text
+    if os.path.basename(base) in ("", ".", "..") or "\0" in base:
+        raise ValueError(f"path: {text!r} names no file; the name of the OBJ file is needed")
+    return base
+
+
+def narrow(text: str) -> bytes:
+    """The path as the library's narrow file functions take it. Raises ValueError."""
     if sys.platform != "win32":
         return os.fsencode(text)
     try:

@@ -20,16 +20,20 @@ from ._native import library
 class Handle:
     """Owns a MeshSystem of the C interface."""
 
-    __slots__ = ("__weakref__", "_free", "is_finite", "pointer")
+    __slots__ = ("__weakref__", "native", "pointer")
 
     def __init__(self, pointer: c_void_p) -> None:
         self.pointer = pointer
-        self.is_finite = False  # Whether a solve has shown that all numbers of the factorisation are.
         # At the interpreter's exit this module's names may be gone before the handle.
-        self._free = library().qelmfree
+        self.native = library()
 
     def __del__(self) -> None:
-        self._free(self.pointer)
+        self.native.qelmfree(self.pointer)
+
+    def info(self) -> int:
+        """How the factorisation ended, a number of FactorisationInfo."""
+        number: int = library().qelminfo(self.pointer)
+        return number
 
     def duplicate(self) -> Handle:
         """Another owner of the same mesh and factorisation."""

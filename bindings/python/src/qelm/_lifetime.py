@@ -6,7 +6,15 @@ import types
 from typing import NoReturn, Optional, Type
 
 from ._handle import Handle
+from ._native import library
 from .errors import ClosedError
+
+
+def handle_of(system: object) -> Handle:
+    """Of the system that a function of this package was given. Raises TypeError, ClosedError."""
+    if not isinstance(system, SystemOwner):
+        raise TypeError(f"system: a MeshSystem is needed, this is of type {type(system).__name__}")
+    return system._alive()
 
 
 class SystemOwner:
@@ -18,6 +26,15 @@ class SystemOwner:
     def closed(self) -> bool:
         """Whether the system was closed."""
         return self._handle is None
+
+    @property
+    def use_count(self) -> int:
+        """How many systems share this one's factorisation: 1, and one more for each duplicate.
+
+        Raises ClosedError once the system is closed.
+        """
+        count: int = library().usecount(self._alive().pointer)
+        return count
 
     def close(self) -> None:
         """Gives the native system back. Calls that are running on other threads finish first.

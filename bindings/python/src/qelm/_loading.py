@@ -35,7 +35,7 @@ def load() -> Tuple[str, ctypes.CDLL]:
 
 
 def tool() -> str:
-    """Path of the command-line tool. Raises ToolError."""
+    """Path of the command-line tool, from the root, for it runs in folders of its own. Raises ToolError."""
     given = os.environ.get("QELM_TOOL")
     found = given if given else _carried(_CARRIED_TOOL) or shutil.which("qelm")
     if found is None or not os.path.isfile(found):
@@ -43,7 +43,7 @@ def tool() -> str:
             f"there is no command-line tool at {found or _CARRIED_TOOL}; install qelm's wheel, or name "
             "the program in the environment variable QELM_TOOL"
         )
-    return found
+    return os.path.abspath(found)
 
 
 def _carried(path: pathlib.Path) -> Optional[str]:

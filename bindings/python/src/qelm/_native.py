@@ -48,6 +48,7 @@ FUNCTIONS = {
     "decode_integer_from_sphere": (c_int, [c_float, c_float, c_float]),
     "qelmcheckTagged": (c_int, [c_int, _ARRAY, c_int, _ARRAY, _ARRAY, POINTER(QelmMeshReport)]),
     "qelmsolveManyTagged": (None, [_HANDLE, c_int, _ARRAY, _ARRAY, _ARRAY, _INT]),
+    "qelmsolveCheckedTagged": (None, [_HANDLE, c_int, _ARRAY, _ARRAY, _ARRAY, POINTER(c_int64), _INT]),
     "qelmcurvesTagged": (None, [_HANDLE, _ARRAY, c_int, _ARRAY, POINTER(POINTER(QelmCurves)), _INT]),
     "qelmfreecurves": (None, [POINTER(QelmCurves)]),
     "qelmversion": (c_char_p, []),

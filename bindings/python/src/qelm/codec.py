@@ -32,7 +32,7 @@ def encode(values: npt.ArrayLike) -> npt.NDArray[np.float32]:
     Raises
     ------
     FieldError
-        A value cannot be carried.
+        A value cannot be carried, or is masked.
     TypeError
         The values are no integers.
 
@@ -44,8 +44,9 @@ def encode(values: npt.ArrayLike) -> npt.NDArray[np.float32]:
     >>> int(qelm.decode(qelm.encode(258)))
     258
     """
+    _refuse_masked(values, "values")
     given = np.asarray(_arrays.real(values, "values"))
-    if given.dtype.kind not in "iu":
+    if given.dtype.kind not in "iu" and given.size:
         raise TypeError(f"values: elements of type {given.dtype} are no integers")
     flat = given.ravel()
     wrong = _arrays.first((flat < _MIN) | (flat > _MAX))
@@ -78,7 +79,7 @@ def decode(points: npt.ArrayLike) -> npt.NDArray[np.int32]:
     Raises
     ------
     FieldError
-        The last dimension is not 3.
+        The last dimension is not 3, or a coordinate is masked.
     TypeError
         The coordinates are no real numbers.
 
@@ -88,6 +89,7 @@ def decode(points: npt.ArrayLike) -> npt.NDArray[np.int32]:
     >>> qelm.decode(-qelm.encode([-1, 0, 65534])).tolist()
     [-1, 0, 65534]
     """
+    _refuse_masked(points, "points")
     with np.errstate(over="ignore"):
         given = np.asarray(_arrays.real(points, "points")).astype(np.float32)
     if given.ndim < 1 or given.shape[-1] != 3:
@@ -95,3 +97,8 @@ def decode(points: npt.ArrayLike) -> npt.NDArray[np.int32]:
     decode_one = library().decode_integer_from_sphere
     values = [decode_one(*point) for point in given.reshape(-1, 3).tolist()]
     return np.array(values, np.int32).reshape(given.shape[:-1])
+
+
+def _refuse_masked(argument: object, name: str) -> None:
+    if np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
+        raise FieldError(f"{name}: some elements are masked; give them values, or pass compressed() ones")

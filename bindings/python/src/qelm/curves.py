@@ -2,22 +2,24 @@
 
 from __future__ import annotations
 
-import collections.abc
-import ctypes
 import operator
 from ctypes import POINTER, byref, c_int
-from typing import Iterator, List, NamedTuple, Union, overload
+from functools import cached_property
+from typing import Any, Callable, Iterator, List, NamedTuple, Sequence, Tuple, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _arrays
 from ._handle import Handle, lent
-from ._native import library, require_ok
+from ._native import require_ok
 from ._records import QelmCurves
 from .errors import FieldError
 
 __all__ = ["Curve", "Curves", "even_levels"]
+
+#: As many evenly spaced ones as the tool takes.
+_MOST_LEVELS = 10_000
 
 
 class Curve(NamedTuple):
@@ -62,11 +64,11 @@ class Curve(NamedTuple):
         return np.concatenate([self.points, self.points[:1]]) if self.closed else self.points
 
 
-class Curves(collections.abc.Sequence):  # type: ignore[type-arg]
+class Curves(Sequence[Curve]):
     """Level curves in the order of their levels: a sequence of :class:`Curve`, and packed arrays.
 
-    For a large result use the arrays, which are views of the library's memory; a ``Curve`` is made
-    when it is asked for.
+    For a large result use the arrays. They are views of the library's memory, made when they are first
+    asked for; a ``Curve`` is made each time.
 
     Attributes
     ----------
@@ -173,9 +175,9 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     Parameters
     ----------
     field : array_like
-        Values; what is not finite is left out.
+        Values; what is not finite or masked is left out.
     count : int
-        How many, at least 1.
+        How many, 1 to 10000.
 
     Returns
     -------
@@ -186,7 +188,9 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     Raises
     ------
     FieldError
-        The field has one value only, or `count` is below 1.
+        The field has one value only, or `count` is out of range.
+    TypeError
+        `count` is no whole number.
 
     Examples
     --------
@@ -194,11 +198,17 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     >>> qelm.even_levels([0, 0.3, 1], 9).tolist()
     [0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9]
     """
-    count = operator.index(count)
-    if count < 1:
-        raise FieldError(f"levels: {count} levels cannot be; ask for 1 at least, or name them in a list")
+    try:
+        count = operator.index(count)
+    except TypeError as error:
+        raise TypeError(f"levels: {count!r} is no whole number; name a single level in a list") from error
+    if not 1 <= count <= _MOST_LEVELS:
+        raise FieldError(f"levels: {count} levels cannot be; ask for 1 to {_MOST_LEVELS}, or name them in a list")
     numbers = _arrays.doubles(field, "field")
-    numbers = np.asarray(numbers)[np.isfinite(numbers)]
+    counted = np.isfinite(numbers)
+    if isinstance(field, np.ma.MaskedArray):
+        counted = counted & ~np.ma.getmaskarray(field)  # type: ignore[no-untyped-call]
+    numbers = np.asarray(numbers)[np.asarray(counted)]
     if not numbers.size or numbers.min() == numbers.max():
         raise FieldError("field: all values are equal, so no level lies between them; name the levels in a list")
     low, high = float(numbers.min()), float(numbers.max())
@@ -214,33 +224,63 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     return levels
 
 
-class _Record:
-    """Owns a record of curves and its arrays."""
+class _Record(POINTER(QelmCurves)):  # type: ignore[misc]
+    """Points to a record of curves, and owns it and its arrays."""
 
-    def __init__(self, record: ctypes._Pointer[QelmCurves]) -> None:
-        self._record = record
-        self._free = library().qelmfreecurves
+    _type_ = QelmCurves
+    free: Callable[[_Record], None]  # At the interpreter's exit, this module's names may be gone before the record.
 
     def __del__(self) -> None:
-        self._free(self._record)
+        self.free(self)
+
+
+class _RecordCurves(Curves):
+    """Curves in a record. An array of it is made when it is first asked for, which costs more than the call's rest."""
+
+    def __init__(self, record: _Record, asked_levels: List[float]) -> None:
+        self._record = record
+        self._asked_levels = asked_levels
+        self._count: int = record.contents.curveCount
+
+    def __len__(self) -> int:
+        return self._count
+
+    def __reduce__(self) -> Tuple[Any, ...]:
+        return Curves, (self.points, self.starts, self.levels, self.level_indices, self.closed)
+
+    @cached_property
+    def points(self) -> npt.NDArray[np.float64]:  # type: ignore[override]
+        packed = self._record.contents
+        return lent(self._record, packed.points, (packed.pointCount, 3), np.float64)
+
+    @cached_property
+    def starts(self) -> npt.NDArray[np.int64]:  # type: ignore[override]
+        if not self._count:
+            return np.zeros(1, np.int64)
+        return lent(self._record, self._record.contents.starts, (self._count + 1,), np.int64)
+
+    @cached_property
+    def levels(self) -> npt.NDArray[np.float64]:  # type: ignore[override]
+        return np.array(self._asked_levels, np.float64).take(self.level_indices)
+
+    @cached_property
+    def level_indices(self) -> npt.NDArray[np.int32]:  # type: ignore[override]
+        return lent(self._record, self._record.contents.levels, (self._count,), np.int32)
+
+    @cached_property
+    def closed(self) -> npt.NDArray[np.bool_]:  # type: ignore[override]
+        return lent(self._record, self._record.contents.closed, (self._count,), np.int32).astype(bool)
 
 
 def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.float64]) -> Curves:
     """The curves of checked arguments."""
-    record = POINTER(QelmCurves)()
-    status = c_int()
-    library().qelmcurvesTagged(
-        handle.pointer, _arrays.address(field), len(levels), _arrays.address(levels), byref(record), byref(status)
+    record, status = _Record(), c_int()
+    record.free = handle.native.qelmfreecurves
+    field_at, levels_at = _arrays.addresses(field, levels)
+    handle.native.qelmcurvesTagged(
+        handle.pointer, field_at, len(levels), levels_at, byref(record), byref(status)
     )
-    require_ok(status.value)
-    owner = _Record(record)
-    packed = record.contents
-    count = packed.curveCount
-    level_indices = lent(owner, packed.levels, (count,), np.int32)
-    return Curves(
-        points=lent(owner, packed.points, (packed.pointCount, 3), np.float64),
-        starts=lent(owner, packed.starts, (count + 1,), np.int64) if count else np.zeros(1, np.int64),
-        levels=levels.take(level_indices),
-        level_indices=level_indices,
-        closed=lent(owner, packed.closed, (count,), np.int32).astype(bool),
-    )
+    if status.value:
+        require_ok(status.value)
+    # As a list, since the array may be the caller's and change.
+    return _RecordCurves(record, levels.tolist())

@@ -1,7 +1,8 @@
 """The exceptions of this package. Each message names the argument, the element and the cure.
 
-Wrong types of argument are plain :class:`TypeError`; everything else that this package
-raises itself is a :class:`QelmError`.
+Wrong types of argument are plain :class:`TypeError`, lists whose rows differ in length and
+paths that name no file plain :class:`ValueError`; everything else that this package raises
+itself is a :class:`QelmError`.
 """
 
 from __future__ import annotations
@@ -48,11 +49,32 @@ class MeshError(QelmError, ValueError):
 
 
 class FieldError(QelmError, ValueError):
-    """Something is wrong with values, a load, a field, levels or an output array."""
+    """Something is wrong with values, a load, a field, levels or an output array.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> system.solve([0, float("nan")])
+    Traceback (most recent call last):
+    ...
+    qelm.errors.FieldError: values: vertex 2: nan is not finite
+    """
 
 
 class SingularSystemError(QelmError, ArithmeticError):
-    """The equations have no single finite solution."""
+    """The equations have no single finite solution.
+
+    Examples
+    --------
+    Without a fixed vertex a solution is not the only one:
+
+    >>> import qelm
+    >>> qelm.MeshSystem([[0, 0], [1, 0], [1, 1]], [[0, 1, 2]], [0, 0, 0], check=False).solve([0, 0, 0])
+    Traceback (most recent call last):
+    ...
+    qelm.errors.SingularSystemError: the factorisation ended with NUMERICAL_ISSUE: ...
+    """
 
 
 class TooLargeError(QelmError, MemoryError):
@@ -60,7 +82,18 @@ class TooLargeError(QelmError, MemoryError):
 
 
 class ClosedError(QelmError, ValueError):
-    """The system was closed before."""
+    """The system was closed before.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> with qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0]) as system:
+    ...     field = system.solve([0, 1])
+    >>> system.curves(field)
+    Traceback (most recent call last):
+    ...
+    qelm.errors.ClosedError: the system is closed; build it again, or close it later
+    """
 
 
 class LibraryError(QelmError, ImportError):

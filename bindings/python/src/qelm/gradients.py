@@ -7,6 +7,8 @@ from typing import TYPE_CHECKING, NamedTuple
 import numpy as np
 import numpy.typing as npt
 
+from ._lifetime import handle_of
+
 if TYPE_CHECKING:
     from .system import MeshSystem
 
@@ -55,6 +57,7 @@ def gradient(system: MeshSystem, field: npt.ArrayLike) -> Gradient:
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One value per vertex. Triangles with a NaN or masked corner have no gradient.
 
@@ -66,6 +69,8 @@ def gradient(system: MeshSystem, field: npt.ArrayLike) -> Gradient:
     ------
     FieldError
         The shape is wrong.
+    TypeError
+        The system is no MeshSystem, or the field does not hold real numbers.
     ClosedError
         The system is closed.
 
@@ -76,15 +81,15 @@ def gradient(system: MeshSystem, field: npt.ArrayLike) -> Gradient:
     >>> qelm.gradient(square, square.solve([0, 1])).slopes.round(3).tolist()
     [0.707, 0.707, 0.707, 0.707]
     """
-    system._alive()
+    handle_of(system)
     values = system._any_field(field)
     corners = system.triangles
     a, b, c = (system.vertices[corners[:, k]] for k in range(3))
     u = values[corners]
     normals = np.cross(b - a, c - a)
     twice_areas = np.sqrt((normals * normals).sum(axis=1))
-    along = (u[:, 1] - u[:, 0])[:, None] * (a - c) + (u[:, 2] - u[:, 0])[:, None] * (b - a)
-    with np.errstate(divide="ignore", invalid="ignore"):
+    with np.errstate(over="ignore", divide="ignore", invalid="ignore"):
+        along = (u[:, 1] - u[:, 0])[:, None] * (a - c) + (u[:, 2] - u[:, 0])[:, None] * (b - a)
         # Two divisions, not one by the square, which may underflow.
         vectors = np.cross(normals, along) / twice_areas[:, None] / twice_areas[:, None] + 0.0  # no negative zero
     longest = np.sqrt(np.max([(s * s).sum(axis=1) for s in (b - a, c - b, a - c)], axis=0))

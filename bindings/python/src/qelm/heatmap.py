@@ -11,6 +11,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _files
+from ._lifetime import handle_of
 from ._native import library
 from .errors import FieldError
 
@@ -32,11 +33,13 @@ def write_heat_map(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex, input order.
     path : str or path
-        Base name: ``path.obj`` and ``path.mtl`` are written, and overwritten if they exist. The OBJ
-        names its material by the whole path as given; many viewers fail on blanks in it.
+        The OBJ file, or its name without ``.obj``; the MTL file goes beside it. Both are overwritten if
+        they exist. The OBJ names its material by the whole path as given; many viewers fail on blanks in
+        it.
     ramp : bool, default True
         Write the colour ramp ``viridis.PNG`` beside them, which the material names.
 
@@ -44,6 +47,8 @@ def write_heat_map(
     ------
     FieldError
         The shape is wrong, a value is not finite, or all values are equal.
+    TypeError
+        The system is no MeshSystem, or the path no path.
     ValueError
         The path names no file.
     OSError
@@ -60,12 +65,12 @@ def write_heat_map(
     ...     sorted(os.listdir(folder))
     ['square.mtl', 'square.obj', 'viridis.PNG']
     """
-    handle = system._alive()
+    handle = handle_of(system)
     array = system._any_field(field)
     _arrays.require_finite_numbers(array, "field")
     if array.min() == array.max():
         raise FieldError("field: all values are equal, so there is nothing to scale to colours")
-    base = os.fspath(path)
+    base = _files.base_name(path)
     name = _files.narrow(base)
     mesh, material = pathlib.Path(base + ".obj"), pathlib.Path(base + ".mtl")
     _files.clear(mesh, material)

@@ -10,6 +10,7 @@ import numpy.typing as npt
 
 from . import _arrays
 from ._handle import lent
+from ._lifetime import handle_of
 from ._native import library
 from ._records import IsoEdgeMatrix, IsoPointMatrix
 
@@ -28,6 +29,14 @@ class Segments(NamedTuple):
         First the first ends of all segments, then the second ends.
     edges : ndarray, shape (s, 2), int32
         Row `i` is ``(i, i + s)``.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> square = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> segments = qelm.isoline_segments(square, [0, 0.5, 1, 0.5], [0.25])
+    >>> len(segments.points) == 2 * len(segments.edges)
+    True
     """
 
     points: npt.NDArray[np.float64]
@@ -47,6 +56,7 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One value per vertex, input order; any values.
     levels : array_like, shape (l,)
@@ -61,6 +71,8 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     ------
     FieldError
         A shape is wrong, or a level is not finite.
+    TypeError
+        The system is no MeshSystem, or an array does not hold real numbers.
     ClosedError
         The system is closed.
 
@@ -72,7 +84,7 @@ def isoline_segments(system: MeshSystem, field: npt.ArrayLike, levels: npt.Array
     >>> points.shape[1], edges.shape[1]
     (3, 2)
     """
-    handle = system._alive()
+    handle = handle_of(system)
     ordered = system._any_field(field)[system.order]
     cuts = _arrays.levels(levels)
     points = POINTER(IsoPointMatrix)()

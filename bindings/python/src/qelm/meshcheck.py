@@ -22,7 +22,18 @@ _UNTAGGED_PART = 105
 
 @dataclasses.dataclass(frozen=True)
 class Finding:
-    """How often something was found, and the lowest index where; -1 if nowhere."""
+    """How often something was found, and the lowest index where; -1 if nowhere.
+
+    Attributes
+    ----------
+    count, first : int
+
+    Examples
+    --------
+    >>> import qelm
+    >>> qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]]).unused_vertex
+    Finding(count=1, first=3)
+    """
 
     count: int
     first: int
@@ -44,10 +55,11 @@ _DEFECTS = [
     _Defect("repeated_vertex", 23, "triangle", "names a vertex twice", "remove such triangles"),
     _Defect("unused_vertex", 24, "vertex", "lies in no triangle", "remove such vertices"),
     _Defect("not_finite", 102, "vertex", "has a coordinate that is not finite", "give it a place, or remove it"),
-    _Defect("near_zero_area", 103, "triangle", "has an area near zero", "remove it, or merge its corners with qelm.weld"),
+    _Defect("near_zero_area", 103, "triangle", "has an area near zero",
+            "remove it, merge its corners with qelm.weld, or build with robust=True"),
     _Defect("size_out_of_range", 104, "triangle", "has a longest edge not within 1e-60 .. 1e60", "scale the mesh"),
     _Defect("untagged_part", _UNTAGGED_PART, "part", "has no fixed vertex", "fix a vertex in every connected part"),
-]
+]  # fmt: skip
 _NOTES = [
     ("crowded_edge", "edge of three or more triangles", "edges of three or more triangles", "triangle"),
     ("opposed_edge", "edge between triangles of opposite orientation", "edges between triangles of opposite orientation", "triangle"),
@@ -85,6 +97,15 @@ class Report:
     worst_quality : float
         Its quality, height squared over the product of its longest edge and its largest extent;
         infinite if no triangle has one.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> report = qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]])
+    >>> report.ok, report.part.count, report.worst_triangle
+    (False, 1, 0)
+    >>> report.defects
+    ('vertex 3 (5, 5, 0): lies in no triangle; remove such vertices',)
     """
 
     index_out_of_range: Finding
@@ -140,6 +161,12 @@ class Report:
         Returns
         -------
         tuple of int and str, or None
+
+        Examples
+        --------
+        >>> import qelm
+        >>> qelm.check([[0, 0], [1, 0], [1, 1], [5, 5]], [[0, 1, 2]]).first_defect()
+        (24, 'vertex 3 (5, 5, 0): lies in no triangle; remove such vertices')
         """
         return next((defect for defect in self._told if defect[0] not in but), None)
 
@@ -159,8 +186,8 @@ class Report:
             lines.append(f"  lowest quality {self.worst_quality:.3g}, triangle {self.worst_triangle}")
         return "\n".join(lines)
 
-    def __repr__(self) -> str:
-        return f"<qelm.Report: status {self.status}, {len(self.defects)} kinds of defects>"
+    # At the prompt and in notebooks a report reads as it prints.
+    __repr__ = __str__
 
 
 def _counted(count: int, one: str, many: str) -> str:
@@ -216,8 +243,8 @@ def check(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: Optional[npt.
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers of any values.
     tags : array_like, shape (n,), optional
-        1, 2 and 3 mean that the vertex is fixed. Without tags, parts without fixed vertex are no
-        defect.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well. Without tags,
+        parts without fixed vertex are no defect.
 
     Returns
     -------
@@ -262,6 +289,13 @@ class RobustReport(NamedTuple):
         Edges whose opposite angles add up to more than a straight one.
     flips : int
         Flips made, of all sheets.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> report = qelm.check_robust([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> report.changed
+    False
     """
 
     changed: bool
@@ -281,7 +315,7 @@ def check_robust(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tags: npt.Ar
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers, from 0.
     tags : array_like, shape (n,)
-        1, 2 and 3 mean that the vertex is fixed.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well.
 
     Returns
     -------

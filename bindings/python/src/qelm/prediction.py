@@ -30,6 +30,13 @@ class Prediction:
     multiplications : float
         Multiplications of the factorisation, which takes most of the time: a processor does 1e9 to 1e10
         of them a second.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> found = qelm.predict([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> found.handle_bytes < found.peak_bytes < 10_000
+    True
     """
 
     factor_entries: int
@@ -50,7 +57,7 @@ def predict(
     triangles : array_like, shape (m, 3) or (3m,)
         Vertex numbers, from 0.
     tags : array_like, shape (n,)
-        1, 2 and 3 mean that the vertex is fixed.
+        1, 2 and 3 mean that the vertex is fixed; a mask of the fixed vertices does as well.
     robust : bool, default False
         Predict for ``MeshSystem(..., robust=True)``.
 
@@ -74,7 +81,7 @@ def predict(
     """
     mesh = mesh_of(vertices, triangles, tags)
     native = QelmPrediction()
-    status = library().qelmpredictTagged(*mesh.arguments(), robust, byref(native))
+    status = library().qelmpredictTagged(*mesh.arguments(), bool(robust), byref(native))
     if status in _building.DEFECTS:
         _building.refuse_defects(mesh, robust)
     require_ok(status)

@@ -12,6 +12,8 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _tool
+from ._lifetime import handle_of
+from ._numbers import one_number
 from .curves import Curves, even_levels
 from .errors import FieldError
 
@@ -30,6 +32,7 @@ def spaced_levels(system: MeshSystem, field: npt.ArrayLike, spacing: float) -> n
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex.
     spacing : float
@@ -44,6 +47,8 @@ def spaced_levels(system: MeshSystem, field: npt.ArrayLike, spacing: float) -> n
     ------
     FieldError
         A shape is wrong, or a value is not finite, or the spacing not above 0.
+    TypeError
+        The system is no MeshSystem, or the spacing no number.
     ToolError
         The tool is missing or refuses, as a spacing with more than ten thousand levels; its message says why.
     ClosedError
@@ -74,6 +79,7 @@ def simplified_curves(
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex.
     levels : int or array_like, shape (l,)
@@ -88,7 +94,10 @@ def simplified_curves(
     Raises
     ------
     FieldError
-        A shape is wrong, a value or level is not finite, or the tolerance not above 0.
+        A shape is wrong, a value or level is not finite, there are more levels than a command line holds
+        (some thousands; on Windows a thousand), or the tolerance is not above 0.
+    TypeError
+        The system is no MeshSystem, or the tolerance no number.
     ToolError
         The tool is missing or refuses; its message says why.
     ClosedError
@@ -106,12 +115,13 @@ def simplified_curves(
     distance = _distance(tolerance, "tolerance")
     count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
     chosen = even_levels(field, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
-    at = "--at=" + ",".join(repr(level) for level in chosen.tolist())
-    return _curves_of(_cut(system, field, [at, "--simplify", repr(distance), "-q"])["curves"], chosen)
+    if not len(chosen):
+        return system.curves(field, chosen)
+    return _curves_of(_cut(system, field, [_tool.at(chosen), "--simplify", repr(distance), "-q"])["curves"], chosen)
 
 
 def _distance(value: float, name: str) -> float:
-    distance = float(value)
+    distance = one_number(value, name)
     if not (np.isfinite(distance) and distance > 0):
         raise FieldError(f"{name}: {value} is no distance; give a finite number above 0")
     return distance
@@ -119,13 +129,13 @@ def _distance(value: float, name: str) -> float:
 
 def _cut(system: MeshSystem, field: npt.ArrayLike, arguments: List[str]) -> Dict[str, Any]:
     """What ``qelm curves`` prints and writes."""
-    system._alive()
+    handle_of(system)
     array = system._any_field(field)
     _arrays.require_finite_numbers(array, "field")
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
-        _tool.write_ply(os.path.join(folder, "mesh.ply"), system.vertices, system.triangles)
+        _tool.write_mesh(folder, system.vertices, system.triangles)
         np.save(os.path.join(folder, "field.npy"), array)
-        words = ["curves", "mesh.ply", "--field", "field.npy", "-o", "curves.json", *arguments]
+        words = ["curves", _tool.MESH, "--field", "field.npy", "-o", "curves.json", *arguments]
         printed = _tool.run(words, folder)
         written = pathlib.Path(folder, "curves.json").read_text(encoding="utf-8")
     return {"summary": json.loads(printed or "{}"), "curves": json.loads(written)["curves"]}

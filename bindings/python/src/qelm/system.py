@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import enum
 from ctypes import byref, c_void_p
 from typing import Optional, Union
 
@@ -10,23 +9,15 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _arrays, _building, _solving, curves as _curves, meshcheck
+from ._building import FactorisationInfo
 from ._handle import lent
 from ._lifetime import SystemOwner
 from ._mesh import MeshArrays, vertices_of
 from ._native import library
 from .curves import Curves, even_levels
-from .errors import FieldError, SingularSystemError
+from .errors import FieldError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
-
-
-class FactorisationInfo(enum.IntEnum):
-    """How a factorisation ended."""
-
-    SUCCESS = 0
-    NUMERICAL_ISSUE = 1
-    NO_CONVERGENCE = 2
-    INVALID_INPUT = 3
 
 
 class MeshSystem(SystemOwner):
@@ -58,9 +49,8 @@ class MeshSystem(SystemOwner):
 
     Attributes
     ----------
-    vertex_count, fixed_count, triangle_count : int
-    info : FactorisationInfo
-        How the factorisation ended.
+    vertex_count, triangle_count, fixed_count, fixed, order, info, robust
+        What it is made of; read-only, each with a text of its own.
 
     Raises
     ------
@@ -107,7 +97,8 @@ class MeshSystem(SystemOwner):
         robust: bool = False,
     ) -> None:
         xyz = vertices_of(vertices)
-        self._build(xyz, triangles, _arrays.tags(tags, len(xyz)), check, robust)
+        numbers = _arrays.tags(tags, len(xyz))
+        self._build(xyz, triangles, numbers, np.flatnonzero((numbers >= 1) & (numbers <= 3)), check, robust)
 
     @classmethod
     def from_fixed(
@@ -126,8 +117,8 @@ class MeshSystem(SystemOwner):
         vertices, triangles, check, robust
             As for :class:`MeshSystem`.
         fixed : array_like
-            Numbers of the fixed vertices, in any order, or a mask of shape (n,) and type bool. They
-            get tag 1.
+            Numbers of the fixed vertices, or a mask of shape (n,) and type bool. They get tag 1. Values of
+            the fixed vertices alone are taken in the order of the numbers; one that repeats counts once.
 
         Returns
         -------
@@ -146,8 +137,11 @@ class MeshSystem(SystemOwner):
         [0, 2]
         """
         xyz = vertices_of(vertices)
+        numbers = _arrays.fixed_vertices(fixed, len(xyz))
+        tags = np.zeros(len(xyz), np.int32)
+        tags[numbers] = 1
         system = cls.__new__(cls)
-        system._build(xyz, triangles, _arrays.fixed_tags(fixed, len(xyz)), check, robust)
+        system._build(xyz, triangles, tags, numbers, check, robust)
         return system
 
     def _build(
@@ -155,6 +149,7 @@ class MeshSystem(SystemOwner):
         xyz: npt.NDArray[np.float64],
         triangles: npt.ArrayLike,
         tags: npt.NDArray[np.int32],
+        fixed: npt.NDArray[np.intp],
         check: bool,
         robust: bool,
     ) -> None:
@@ -164,29 +159,50 @@ class MeshSystem(SystemOwner):
         if check and meshcheck.inspect(mesh) != 0:
             _building.refuse_defects(mesh, robust)
         self._handle = _building.construct(mesh, robust)
-        self._keep(len(corners), np.flatnonzero((tags >= 1) & (tags <= 3)), len(xyz))
-        self.info = FactorisationInfo(library().qelminfo(self._handle.pointer))
-        if check:
-            self._require_solvable()
-
-    def _keep(self, triangle_count: int, fixed: npt.NDArray[np.intp], vertex_count: int) -> None:
-        self.vertex_count = vertex_count
-        self.triangle_count = triangle_count
-        self.fixed_count = len(fixed)
+        self._vertex_count, self._triangle_count = len(xyz), len(corners)
         self._fixed = fixed
         self._fixed.flags.writeable = False
+        self._robust = bool(robust)
         self._order: Optional[npt.NDArray[np.int32]] = None
+        self._info = _building.FactorisationInfo(self._handle.info())
+        if check:
+            _building.require_factorised(self._info)
 
     # ---- What it is made of
 
     @property
+    def vertex_count(self) -> int:
+        """Number of vertices, n."""
+        return self._vertex_count
+
+    @property
+    def triangle_count(self) -> int:
+        """Number of triangles, m."""
+        return self._triangle_count
+
+    @property
+    def fixed_count(self) -> int:
+        """Number of fixed vertices, t."""
+        return len(self._fixed)
+
+    @property
+    def info(self) -> FactorisationInfo:
+        """How the factorisation ended."""
+        return self._info
+
+    @property
+    def robust(self) -> bool:
+        """Whether it was built with `robust`."""
+        return self._robust
+
+    @property
     def fixed(self) -> npt.NDArray[np.intp]:
-        """Numbers of the fixed vertices, ascending; shape (fixed_count,), read-only."""
+        """Numbers of the fixed vertices, shape (t,), read-only: as :meth:`from_fixed` got them, else ascending."""
         return self._fixed
 
     @property
     def order(self) -> npt.NDArray[np.int32]:
-        """The native library's own numbering: the input vertex of each of its vertices; read-only.
+        """The native library's own numbering: the input vertex of each of its vertices; (n,) int32, read-only.
 
         Fixed vertices come first, ascending; then the free ones, descending. ``field[system.order]``
         is a field in *system order*.
@@ -194,7 +210,7 @@ class MeshSystem(SystemOwner):
         if self._order is None:
             is_free = np.ones(self.vertex_count, bool)
             is_free[self._fixed] = False
-            order = np.concatenate([self._fixed, np.flatnonzero(is_free)[::-1]]).astype(np.int32)
+            order = np.concatenate([np.sort(self._fixed), np.flatnonzero(is_free)[::-1]]).astype(np.int32)
             order.flags.writeable = False
             self._order = order
         return self._order
@@ -246,7 +262,7 @@ class MeshSystem(SystemOwner):
         Parameters
         ----------
         values : array_like, shape (n,), (t,), (k, n) or (k, t)
-            One value per vertex, read at fixed vertices only, or the values of the t fixed vertices
+            In any unit. One value per vertex, read at fixed vertices only, or the values of the t fixed vertices
             alone, in the order of :attr:`fixed`. Two dimensions ask for k fields, which is much faster
             than k calls.
         load : array_like, shape (n,) or (k, n), optional
@@ -268,6 +284,8 @@ class MeshSystem(SystemOwner):
             A shape is wrong, a number that is read is not finite or masked, or `out` cannot be used.
         SingularSystemError
             The equations have no single finite solution.
+        TypeError
+            An array does not hold real numbers.
         ClosedError
             The system is closed.
 
@@ -284,30 +302,24 @@ class MeshSystem(SystemOwner):
         [0.  1.5 1.  1.5]
         """
         handle = self._alive()
-        prescribed = _solving.prescribed_values(values, self._fixed, self.vertex_count)
+        prescribed = _solving.prescribed_values(values, self._fixed, self._vertex_count)
         loads = None if load is None else self._loads(load)
-        if self.info:
-            self._require_solvable()
         return _solving.solve(handle, prescribed, loads, out)
 
     def _loads(self, load: npt.ArrayLike) -> npt.NDArray[np.float64]:
-        return _arrays.per_vertex(load, self.vertex_count, "load", self.order[self.fixed_count :])
+        array = _arrays.per_vertex(load, self.vertex_count, "load")
+        if array is load:
+            return array
+        return _arrays.unmasked(load, array, "load", self.order[self.fixed_count :])
 
     def _any_field(self, field: npt.ArrayLike) -> npt.NDArray[np.float64]:
         """(n,) of any values. A masked value becomes NaN, a hole."""
         array = _arrays.doubles(field, "field")
-        if array.shape != (self.vertex_count,):
-            raise FieldError(f"field: the shape is {array.shape}, must be ({self.vertex_count},): one per vertex")
+        if array.shape != (self._vertex_count,):
+            raise FieldError(f"field: the shape is {array.shape}, must be ({self._vertex_count},): one per vertex")
         if array is not field and isinstance(field, np.ma.MaskedArray):
             return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
         return array
-
-    def _require_solvable(self) -> None:
-        if self.info != FactorisationInfo.SUCCESS:
-            raise SingularSystemError(
-                f"the factorisation ended with {self.info.name}: some free vertices are not tied to a fixed one, "
-                "or triangles are too thin to compute with; qelm.check says more"
-            )
 
     # ---- Curves
 
@@ -331,6 +343,8 @@ class MeshSystem(SystemOwner):
         ------
         FieldError
             A shape is wrong, a level is not finite, or there is no range to put levels in.
+        TypeError
+            An array does not hold real numbers.
         ClosedError
             The system is closed.
 
@@ -346,20 +360,11 @@ class MeshSystem(SystemOwner):
         """
         handle = self._alive()
         array = self._any_field(field)
-        count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
-        chosen = even_levels(array, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
-        return _curves.cut(handle, array, chosen)
+        if type(levels) is not np.ndarray and isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
+            levels = even_levels(array, int(levels))
+        return _curves.cut(handle, array, _arrays.levels(levels))
 
     # ---- Lifetime
-
-    @property
-    def use_count(self) -> int:
-        """How many systems share this one's factorisation: 1, and one more for each duplicate.
-
-        Raises ClosedError once the system is closed.
-        """
-        count: int = library().usecount(self._alive().pointer)
-        return count
 
     def duplicate(self) -> MeshSystem:
         """A second system that shares mesh and factorisation, at the cost of a few arrays.
@@ -383,10 +388,8 @@ class MeshSystem(SystemOwner):
         2
         """
         copy = type(self).__new__(type(self))
+        copy.__dict__.update(self.__dict__)
         copy._handle = self._alive().duplicate()
-        copy._keep(self.triangle_count, self._fixed, self.vertex_count)
-        copy._order = self._order
-        copy.info = self.info
         return copy
 
     def __enter__(self) -> MeshSystem:

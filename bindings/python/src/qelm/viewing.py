@@ -5,15 +5,16 @@ from __future__ import annotations
 import html
 import os
 import pathlib
-import re
 import tempfile
-from typing import TYPE_CHECKING, Any, List, Optional, Union
+from typing import TYPE_CHECKING, List, Optional, Sequence, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _arrays, _tool
-from .errors import FieldError
+from . import _arrays, _tool, meshcheck
+from ._lifetime import handle_of
+from ._mesh import mesh_of
+from .errors import FieldError, SingularSystemError
 
 if TYPE_CHECKING:
     from .system import MeshSystem
@@ -32,6 +33,14 @@ class Page:
     ----------
     html : str
         The whole page.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+    >>> page = qelm.view(system, system.solve([0, 1]), title="A square")
+    >>> "<title>A square" in page.html
+    True
     """
 
     def __init__(self, text: str) -> None:
@@ -54,6 +63,14 @@ class Page:
         ------
         OSError
             The file cannot be written.
+
+        Examples
+        --------
+        >>> import pathlib, tempfile, qelm
+        >>> system = qelm.MeshSystem([[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 1, 2], [0, 2, 3]], [1, 0, 1, 0])
+        >>> with tempfile.TemporaryDirectory() as folder:
+        ...     qelm.view(system, system.solve([0, 1])).save(pathlib.Path(folder, "square.html")).name
+        'square.html'
         """
         to = pathlib.Path(path)
         to.write_bytes(self.html.encode("utf-8"))
@@ -77,24 +94,25 @@ def view(
     *,
     levels: Union[int, npt.ArrayLike] = 12,
     title: str = "field",
-    direction: Optional[str] = None,
+    direction: Union[None, str, Sequence[float]] = None,
 ) -> Page:
     """A page to turn, to zoom and to read values from, made by the command-line tool.
 
     Parameters
     ----------
     system : MeshSystem
+        The mesh that the field lies on.
     field : array_like, shape (n,)
         One finite value per vertex. Of a field that ``system.solve`` gave, the page marks the fixed
-        vertices; of another one it shows every vertex as fixed.
+        vertices; any other field it shows without marks.
     load : array_like, shape (n,), optional
         The load that the field was solved with.
     levels : int or array_like, default 12
         How many level curves to begin with, or their levels.
     title : str, default "field"
         What the page is called.
-    direction : str, optional
-        Where it is seen from: an axis such as ``"-y"``, or ``"X,Y,Z"``.
+    direction : str or sequence of three numbers, optional
+        Where it is seen from: an axis such as ``"-y"``, or a direction towards the viewer.
 
     Returns
     -------
@@ -103,7 +121,10 @@ def view(
     Raises
     ------
     FieldError
-        A shape is wrong, or a value is not finite.
+        A shape is wrong, a value is not finite, or there are no levels, or more than a command line holds
+        (some thousands; on Windows a thousand).
+    TypeError
+        The system is no MeshSystem, or another argument is of a wrong type.
     ToolError
         The tool is missing or refuses; its message says why.
     ClosedError
@@ -117,42 +138,85 @@ def view(
     >>> page.html.startswith("<!")
     True
     """
-    system._alive()
+    handle_of(system)
     array = system._any_field(field)
     _arrays.require_finite_numbers(array, "field")
     loads = None if load is None else system._loads(load)
     if loads is not None and loads.ndim != 1:
         raise FieldError(f"load: the shape is {loads.shape}, must be ({system.vertex_count},)")
-    name = re.sub(r"[^\w .+-]", "_", title).strip(" .") or "field"
+    options = [*_level_arguments(levels), *_title_arguments(title), *_direction_arguments(direction)]
     with tempfile.TemporaryDirectory(prefix="qelm-") as folder:
-        _tool.write_ply(os.path.join(folder, f"{name}.ply"), system.vertices, system.triangles)
-        fixed = system.fixed if _is_solution(system, array, loads) else np.arange(system.vertex_count)
-        _write_pairs(os.path.join(folder, "prescribed values"), fixed, array)
-        arguments = ["view", f"{name}.ply", "--fix-file", "prescribed values", "-o", "page.html", "-q"]
-        if loads is not None and len(fixed) == system.fixed_count:
-            _write_pairs(os.path.join(folder, "load"), np.arange(system.vertex_count), loads)
-            arguments += ["--load", "load"]
-        arguments += _level_arguments(levels)
-        if direction is not None:
-            arguments += ["--view", direction]
-        _tool.run(arguments, folder)
+        _tool.write_mesh(folder, system.vertices, system.triangles)
+        options += _field_arguments(folder, system, array, loads)
+        _tool.run(["view", _tool.MESH, "-o", "page.html", "-q", *options], folder)
         return Page(pathlib.Path(folder, "page.html").read_text(encoding="utf-8"))
 
 
 def _level_arguments(levels: Union[int, npt.ArrayLike]) -> List[str]:
     if isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
         return ["--levels", str(int(levels))]
-    return ["--at=" + ",".join(repr(level) for level in _arrays.levels(levels).tolist())]
+    chosen = _arrays.levels(levels)
+    if not len(chosen):
+        raise FieldError("levels: there is none; a page needs one at least")
+    return [_tool.at(chosen)]
 
 
-def _is_solution(
+def _title_arguments(title: str) -> List[str]:
+    if not isinstance(title, str) or "\0" in title:
+        raise TypeError(f"title: {title!r} is no text")
+    return [f"--title={title or 'field'}"]
+
+
+def _direction_arguments(direction: Union[None, str, Sequence[float]]) -> List[str]:
+    if direction is None:
+        return []
+    if not isinstance(direction, str):
+        direction = ",".join(repr(float(part)) for part in _arrays.doubles(direction, "direction").ravel())
+    return ["--view", direction]
+
+
+def _field_arguments(
+    folder: str,
+    system: MeshSystem,
+    field: npt.NDArray[np.float64],
+    load: Optional[npt.NDArray[np.float64]],
+) -> List[str]:
+    """How the tool comes to the field: by solving again, if it then has the same bits, or from a file."""
+    how = _solve_options(system, field, load)
+    if how is None:
+        np.save(os.path.join(folder, "field.npy"), field)
+        return ["--field", "field.npy"]
+    held = np.full(system.vertex_count, np.nan)
+    held[system.fixed] = field[system.fixed]
+    # The page shows the file's name.
+    with open(os.path.join(folder, "fixed vertices"), "wb") as file:
+        np.save(file, held)
+    if load is None:
+        return ["--fix-file", "fixed vertices", *how]
+    # At fixed vertices, where it is not read, it may be anything.
+    np.save(os.path.join(folder, "load.npy"), np.where(np.isfinite(load), load, 0))
+    return ["--fix-file", "fixed vertices", "--load", "load.npy", *how]
+
+
+def _solve_options(
+    system: MeshSystem, field: npt.NDArray[np.float64], load: Optional[npt.NDArray[np.float64]]
+) -> Optional[List[str]]:
+    """With which options the tool solves for this field; None if with none."""
+    if not _solves(system, field, load):
+        return None
+    mesh = mesh_of(system.vertices, system.triangles, np.isin(np.arange(system.vertex_count), system.fixed))
+    with type(system).from_fixed(mesh.vertices, mesh.triangles, system.fixed, check=False) as plain:
+        if not _solves(plain, field, load):
+            return ["--robust"]
+    # The tool refuses to solve on a mesh with defects.
+    return [] if meshcheck.inspect(mesh) == 0 else None
+
+
+def _solves(
     system: MeshSystem, field: npt.NDArray[np.float64], load: Optional[npt.NDArray[np.float64]]
 ) -> bool:
-    """Whether the tool, which solves again, would arrive at this field."""
-    return not system.info and np.array_equal(system.solve(field, load), field)
-
-
-def _write_pairs(path: str, vertices: npt.NDArray[Any], values: npt.NDArray[np.float64]) -> None:
-    """VERTEX,VALUE lines that keep every bit."""
-    with open(path, "w", encoding="ascii") as file:
-        file.writelines(f"{vertex},{value!r}\n" for vertex, value in zip(vertices.tolist(), values[vertices].tolist()))
+    """Whether the field is the system's solution, bit for bit."""
+    try:
+        return np.array_equal(system.solve(field, load), field)
+    except SingularSystemError:
+        return False

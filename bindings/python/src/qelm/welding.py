@@ -11,6 +11,7 @@ import numpy.typing as npt
 
 from . import _arrays
 from ._native import library, require_ok
+from ._numbers import one_number
 from .errors import MeshError
 
 __all__ = ["Welded", "weld"]
@@ -30,6 +31,13 @@ class Welded(NamedTuple):
         The kept triangles, in input order.
     vertex_map : ndarray, shape (n,), int32
         For each vertex that went in, its number among the kept ones.
+
+    Examples
+    --------
+    >>> import qelm
+    >>> welded = qelm.weld([[0, 0], [1, 0], [1, 1], [0, 0], [1, 1], [0, 1]], [[0, 1, 2], [3, 4, 5]])
+    >>> len(welded.vertices), int(welded.vertex_map[5])
+    (4, 3)
     """
 
     vertices: npt.NDArray[np.float64]
@@ -63,7 +71,7 @@ def weld(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tolerance: Optional[
     MeshError
         An index is out of range, a shape is wrong, or the tolerance is negative or NaN.
     TypeError
-        An array does not hold real numbers.
+        An array does not hold real numbers, or the tolerance is none.
 
     Examples
     --------
@@ -78,7 +86,7 @@ def weld(vertices: npt.ArrayLike, triangles: npt.ArrayLike, tolerance: Optional[
     xyz = _arrays.coordinates(vertices)
     _arrays.require_count(len(xyz), "vertices", "vertex")
     corners = _arrays.triangle_indices(triangles, len(xyz))
-    distance = _diagonal(xyz) * _DEFAULT_TOLERANCE if tolerance is None else float(tolerance)
+    distance = _diagonal(xyz) * _DEFAULT_TOLERANCE if tolerance is None else one_number(tolerance, "tolerance")
     if not distance >= 0:
         raise MeshError(f"tolerance: {distance} is no distance; pass 0 or more")
     welded = Welded(np.empty_like(xyz), np.empty_like(corners), np.empty(len(xyz), np.int32))
