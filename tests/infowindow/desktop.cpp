@@ -11,6 +11,28 @@ namespace {
 
 constexpr wchar_t kFullName[] = L"QuobinsCoolClass";
 
+/// Ends the thread of a window as the close box does, by a quit message, and waits for it.
+void endThreadOf(HWND window) {
+  const DWORD id = GetWindowThreadProcessId(window, nullptr);
+  const HANDLE thread = OpenThread(SYNCHRONIZE, FALSE, id);
+  ASSERT_NE(thread, nullptr);
+  PostThreadMessageW(id, WM_QUIT, 0, 0);
+  EXPECT_TRUE(waitFor([thread] { return WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; }))
+      << "the window's thread goes on";
+  CloseHandle(thread);
+}
+
+/// A scenario may leave windows open. Their threads must not go on painting while the program's
+/// statics are destroyed, for what watches the window's calls writes into them.
+class NoThreadOutlivesTheTests : public testing::Environment {
+  void TearDown() override {
+    HWND window = nullptr;
+    while (!testing::Test::HasFailure() && (window = findWindow()) != nullptr) endThreadOf(window);
+  }
+};
+const testing::Environment* const atEnd =
+    testing::AddGlobalTestEnvironment(new NoThreadOutlivesTheTests);
+
 }  // namespace
 
 HBITMAP makeLogo() {

@@ -97,14 +97,17 @@ BOOL WINAPI notingDeleteDC(HDC dc) {
   return realDeleteDC(dc);
 }
 
-HDC WINAPI notingBeginPaint(HWND window, PAINTSTRUCT* paint) {
+// The real calls may send messages, whose handling is noted, too: the mutex is free meanwhile.
+void setPainting(bool painting) {
   const std::lock_guard lock(guard);
-  recorded.painting = true;
+  recorded.painting = painting;
+}
+HDC WINAPI notingBeginPaint(HWND window, PAINTSTRUCT* paint) {
+  setPainting(true);
   return realBeginPaint(window, paint);
 }
 BOOL WINAPI notingEndPaint(HWND window, const PAINTSTRUCT* paint) {
-  const std::lock_guard lock(guard);
-  recorded.painting = false;
+  setPainting(false);
   return realEndPaint(window, paint);
 }
 

@@ -23,7 +23,7 @@
 
 namespace qelm {
 
-/// Unites vertices (3n coordinates, packed xyz) whose squared distance
+/// Unites vertices (3n coordinates, packed xyz, n > 0) whose squared distance
 ///
 ///   dx * dx + dy * dy + dz * dz,   summed from the left,
 ///

@@ -23,7 +23,8 @@
 namespace qelm {
 
 /// Unites the points of each cube that is a cluster of its own: every point is welded to the cube's
-/// first one, and none is so near a face that a point in another cube could be welded to it.
+/// first one, and none is so near a face that a point in another cube could be welded to it. There
+/// is a point at least.
 ///
 /// Returns the undecided points, ascending. None of them is welded to a point that is decided. Some
 /// of them may be united already: pairs that are to be welded in any case.

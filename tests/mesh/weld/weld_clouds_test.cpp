@@ -149,6 +149,28 @@ TEST(WeldClouds, DensePlatesThatJustTouchOrJustDoNot) {
 
 /// A kd-tree bounds a branch by adding and subtracting squares. Here pairs lie
 /// within the last bits of the tolerance, in directions of all kinds.
+// The tolerance is small enough for the coarse grid. Some chains have a middle near a face, one end
+// in the next cube and the other end farther from the face than the tolerance.
+TEST(WeldClouds, ShortChainsInAnyOrderFarFromAllOtherPoints) {
+  constexpr double kTolerance = 4e-4;
+  const std::uint64_t seed = testSeed();
+  SCOPED_TRACE(seedTrace(seed));
+  Random random(seed);
+  for (int k = 0; k < 20000; ++k) {
+    const std::array start = {uniform(random, 0.1, 0.9), uniform(random, 0.1, 0.9),
+                              uniform(random, 0.1, 0.9)};
+    const int axis = uniformInt(random, 0, 2);
+    Field cloud = {0, 0, 0, 1, 1, 1};
+    for (const int i : permutation(random, 3)) {
+      for (int c = 0; c < 3; ++c) {
+        cloud.push_back(start[static_cast<std::size_t>(c)] +
+                        (c == axis ? 0.9 * i * kTolerance : 0));
+      }
+    }
+    ASSERT_TRUE(isAllPairsWeld(cloud, {}, kTolerance)) << "chain " << k;
+  }
+}
+
 TEST(WeldClouds, PairsWithinTheLastBitsOfTheTolerance) {
   const std::uint64_t seed = testSeed();
   SCOPED_TRACE(seedTrace(seed));
