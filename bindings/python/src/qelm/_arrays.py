@@ -25,13 +25,14 @@ DOUBLE = np.dtype(np.float64)
 LEAST_INT, MOST_INT = -(2**31), 2**31 - 1
 
 
-_from_buffer: Callable[[Any], Any] = (ctypes.c_char * 0).from_buffer
+#: Takes C-contiguous arrays that are not read-only; any others raise TypeError.
+from_buffer: Callable[[Any], Any] = (ctypes.c_char * 0).from_buffer
 
 
 def addresses(*arrays: npt.NDArray[Any]) -> Tuple[int, ...]:
     """Where the first elements of C-contiguous arrays lie; the caller keeps the arrays alive."""
     try:
-        return tuple(map(ctypes.addressof, map(_from_buffer, arrays)))
+        return tuple(map(ctypes.addressof, map(from_buffer, arrays)))
     except TypeError:  # One is read-only. This way takes four times as long.
         return tuple(array.__array_interface__["data"][0] for array in arrays)
 
@@ -98,20 +99,6 @@ def doubles(argument: object, name: str) -> Doubles:
         return argument
     with np.errstate(over="ignore"):
         return np.require(np.asarray(real(argument, name)), np.float64, ["C", "A"])
-
-
-def located(argument: object, name: str) -> Tuple[Doubles, int]:
-    """doubles(), and where the first element lies: the shortest way for an array that needs no conversion."""
-    if type(argument) is np.ndarray and argument.dtype is DOUBLE:
-        try:
-            place = ctypes.addressof(_from_buffer(argument))
-        except TypeError:  # The array is not C-contiguous, or read-only.
-            pass
-        else:
-            if place % DOUBLE.alignment == 0:
-                return argument, place
-    array = doubles(argument, name)
-    return array, address(array)
 
 
 def refuse_masked(argument: object, name: str, element: str, cure: str) -> None:
@@ -313,12 +300,7 @@ def _require_none(
 
 def levels(argument: object, name: str = "levels") -> Doubles:
     """(l,) float64, finite."""
-    return located_levels(argument, name)[0]
-
-
-def located_levels(argument: object, name: str = "levels") -> Tuple[Doubles, int]:
-    """levels(), and where the first lies."""
-    array, place = located(argument, name)
+    array = doubles(argument, name)
     if array is not argument and np.ma.is_masked(argument):  # type: ignore[no-untyped-call]
         raise FieldError(f"{name}: some levels are masked; pass the array's compressed() elements")
     if array.ndim != 1:
@@ -330,4 +312,4 @@ def located_levels(argument: object, name: str = "levels") -> Tuple[Doubles, int
         raise FieldError(f"{name}: level {place} is {array[place]}; levels must be finite")
     if len(array) > MOST_INT:
         raise FieldError(f"{name}: {len(array)} levels are more than the library can number")
-    return array, place
+    return array

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from ctypes import byref, c_void_p
-from typing import Optional, Tuple, Union
+from typing import Optional, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -314,17 +314,12 @@ class MeshSystem(SystemOwner):
 
     def _any_field(self, field: npt.ArrayLike) -> npt.NDArray[np.float64]:
         """(n,) of any values. A masked value becomes NaN, a hole."""
-        return self._located_field(field)[0]
-
-    def _located_field(self, field: npt.ArrayLike) -> Tuple[npt.NDArray[np.float64], int]:
-        """The same, and where its first element lies."""
-        array, place = _arrays.located(field, "field")
+        array = _arrays.doubles(field, "field")
         if array.shape != (self._vertex_count,):
             raise FieldError(f"field: the shape is {array.shape}, must be ({self._vertex_count},): one per vertex")
         if array is not field and isinstance(field, np.ma.MaskedArray):
-            array = np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
-            return array, _arrays.address(array)
-        return array, place
+            return np.where(np.ma.getmaskarray(field), np.nan, np.asarray(array))  # type: ignore[no-untyped-call]
+        return array
 
     # ---- Curves
 
@@ -364,11 +359,13 @@ class MeshSystem(SystemOwner):
         0.75 False [[0.5, 1.0, 0.0], [0.75, 0.75, 0.0], [1.0, 0.5, 0.0]]
         """
         handle = self._alive()
-        array, field_at = self._located_field(field)
-        if type(levels) is not np.ndarray and isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
+        plain = _curves.cut_plain(handle, self._vertex_count, field, levels)
+        if plain is not None:
+            return plain
+        array = self._any_field(field)
+        if isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
             levels = even_levels(array, int(levels))
-        chosen, levels_at = _arrays.located_levels(levels)
-        return _curves.cut(handle, field_at, chosen, levels_at)
+        return _curves.cut(handle, array, _arrays.levels(levels))
 
     # ---- Lifetime
 
