@@ -19,7 +19,7 @@ CONSUMER = SOURCE / "tests/consumer"
 # Works on what is installed, given the interpreter.
 TESTS = SOURCE / "bindings/python/tests"
 PORTABLE_TESTS = [
-    f"test_{what}.py" for what in ("arrays", "building", "curves", "float_flags", "solve", "view")
+    f"test_{what}.py" for what in ("arrays", "building", "curves", "solve", "view")
 ]
 
 
