@@ -173,6 +173,47 @@ TEST(RowPaths, SplitASupernodeWhereAPathFoundBetweenTwoPartsNeedsIt) {
   EXPECT_EQ((found.at({target, 5})), (std::vector<int>{0, 1, 3, 2}));
 }
 
+/// First column and path of each part of supernode {1, 2, 3, 4} in row 8, whose entries come in
+/// this order. Columns 0, 5 and 6 stand alone; all lie under 7.
+std::vector<std::pair<int, int>> partsInOrder(std::vector<int> order) {
+  Edges edges = {{0, 7}, {5, 7}, {6, 7}, {7, 8}};
+  for (int i = 1; i < 5; ++i) {
+    for (int j = i + 1; j < 5; ++j) edges.push_back({i, j});
+    edges.push_back({i, 7});
+  }
+  for (const int i : order) edges.push_back({i, 8});
+  order.insert(order.end(), {7, 8});
+  Random random(1);
+  Sparse upper = unorderedUpper(9, edges, random);
+  std::copy(order.begin(), order.end(), upper.innerIndexPtr() + upper.outerIndexPtr()[8]);
+  Symbolic s(upper, 128);
+  const int supernode = s.supernodes.ofColumn[1];
+  EXPECT_EQ(s.supernodes.firstColumn(supernode), 1);
+  EXPECT_EQ(s.supernodes.lastColumn(supernode), 4);
+  const RowPaths paths(s.upper, s.tree, s.supernodes, s.arrays());
+  std::vector<std::pair<int, int>> found;
+  for (const RowPaths::Part& part : paths.partsOf(supernode, 8)) {
+    found.emplace_back(part.beginColumn, part.path);
+  }
+  std::vector<int> inEigensOrder;
+  for (const int j : rowInOrder(s.upper, s.tree.parent, 8)) {
+    if (j < 7) inEigensOrder.push_back(j);
+  }
+  const int target = s.supernodes.ofColumn[7];
+  EXPECT_EQ((columnsByTargetAndRow(s, paths).at({target, 8})), inEigensOrder);
+  return found;
+}
+
+TEST(RowPaths, SplitASupernodeAgainForAThirdPath) {
+  const std::vector<std::pair<int, int>> expected = {{0, 4}, {2, 2}, {3, 0}};
+  EXPECT_EQ(partsInOrder({4, 5, 3, 6, 1}), expected);
+}
+
+TEST(RowPaths, LengthenThePartOfAPathThatGoesOn) {
+  const std::vector<std::pair<int, int>> expected = {{0, 2}, {3, 0}};
+  EXPECT_EQ(partsInOrder({4, 5, 3, 1, 6}), expected);
+}
+
 TEST(RowPaths, PutTheMatrixIntoThePanels) {
   Random random(2);
   const int n = 40;
