@@ -157,11 +157,7 @@ TEST(CheckedSolve, NamesTheFirstPlaceWhereAFieldIsNotFinite) {
 }
 
 TEST(CheckedSolve, AfterAFailedFactorisationIsRefused) {
-  Mesh mesh = rightTriangle().withTagged({0}, 3);
-  for (const double c : {5., 0., 0., 6., 0., 0., 5., 1., 0.}) mesh.vertices.push_back(c);
-  mesh.triangles.insert(mesh.triangles.end(), {3, 4, 5});
-  mesh.tags.insert(mesh.tags.end(), {0, 0, 0});
-  const MeshHandle system = construct(mesh);
+  const MeshHandle system = construct(twoPartsOneTagged());
   ASSERT_EQ(qelminfo(system.get()), 1);
   const Outcome outcome = checked(system, Field(6, kNaN));
   EXPECT_EQ(outcome.status, QELM_STATUS_NOT_FACTORISED) << "is looked at before the values";

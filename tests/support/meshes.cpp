@@ -110,6 +110,13 @@ Mesh rightTriangle() {
   return mesh;
 }
 
+Mesh twoPartsOneTagged() {
+  Mesh mesh = rightTriangle();
+  for (const Point p : {Point{5, 0, 0}, Point{6, 0, 0}, Point{5, 1, 0}}) addVertex(mesh, p);
+  addTriangle(mesh, 3, 4, 5);
+  return mesh.withTagged({0}, 3);
+}
+
 Mesh twoTriangles() {
   Mesh mesh;
   for (const Point p : {Point{0, 0, 0}, Point{1, 0, 0}, Point{1, 1, 0}, Point{0, 1, 0}}) {

@@ -57,8 +57,14 @@ struct Mesh {
 
 /// (0,0,0), (1,0,0), (0,1,0).
 Mesh rightTriangle();
+
+/// The right triangle, its first vertex tagged 3, and another one far from it without a tag, whose
+/// rows of the matrix are exactly singular.
+Mesh twoPartsOneTagged();
+
 /// Unit square as two triangles over the diagonal 0-2: 4 vertices.
 Mesh twoTriangles();
+
 /// columns x rows vertices on the unit square in z = 0, row after row, diagonals
 /// all one way: 2 (columns-1) (rows-1) triangles.
 Mesh gridMesh(int columns, int rows);
