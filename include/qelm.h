@@ -706,7 +706,7 @@ enum {
 /**
  * Solves like qelmsolveManyTagged(), with the same bits, and looks at the numbers: at
  * those that are read before anything is written, and at the fields. For callers who do
- * not know what their arrays hold; it takes 1 % longer.
+ * not know what their arrays hold; it takes 1 to 2 % longer.
  *
  * @param[in]  handle    System from qelmctorTagged(), or null.
  * @param[in]  count     Number of fields, 0 or more.

@@ -58,7 +58,7 @@ void solveBatch(const MeshSystem& system, const Batch& batch, int width = kBatch
 
 /// The same, and whether all results at free vertices are finite. They are looked at on their way
 /// out, which costs 1 % of a single solve and less of many; to read them again afterwards would
-/// cost 3 % (of 16 fields with 100 thousand vertices, which the caches have lost by then).
+/// cost 3 % of 16 fields with 100 thousand vertices, which the caches have lost by then.
 bool solveBatchLooking(const MeshSystem& system, const Batch& batch);
 
 }  // namespace qelm

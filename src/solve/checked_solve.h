@@ -1,7 +1,7 @@
 // Solving for callers who do not know what their arrays hold: looks at what is read before anything
 // is written, and at what comes out.
 //
-// Cost: a look at each value and load that is read, and a hundredth of a single solve.
+// Cost: a look at each value and load that is read, one or two hundredths of the solve in all.
 #ifndef QELM_SOLVE_CHECKED_SOLVE_H
 #define QELM_SOLVE_CHECKED_SOLVE_H
 

@@ -80,11 +80,21 @@ namespace Qelm
             long first;
             int status;
             NativeMethods.qelmsolveCheckedTagged(Live(), count, values, loads, results, &first, &status);
+            if ((QelmStatus)status != QelmStatus.Ok)
+            {
+                Refuse((QelmStatus)status, first, values, loads, results, firstField);
+            }
+        }
+
+        // Throws what the status means; `first` is the index of the first number that is wrong.
+        private void Refuse(QelmStatus status, long first, double* values, double* loads, double* results,
+            int firstField)
+        {
             bool single = firstField < 0;
             string field = Text.Of(firstField + (int)(first / VertexCount));
             string vertex = "vertex " + Text.Of((int)(first % VertexCount));
             string element = single ? vertex : "field " + field + ", " + vertex;
-            switch ((QelmStatus)status)
+            switch (status)
             {
                 case QelmStatus.ValueNotFinite:
                     throw new ArgumentException(element + ": value is " + Text.Of(values[first]), "values");
@@ -97,7 +107,7 @@ namespace Qelm
                         + " is " + Text.Of(results[first]) + " at " + vertex
                         + ": the equations have no finite solution there.");
                 default:
-                    QelmException.ThrowUnlessOk(status);
+                    QelmException.ThrowUnlessOk((int)status);
                     break;
             }
         }

@@ -88,6 +88,29 @@ namespace Qelm.Tests
             Check.Refuses<ArgumentException>("values", "field 1, vertex 3: value is NaN", () => system.SolveMany(good));
         }
 
+        // Of a field in the second call of the library as well, which takes 64.
+        [TestCase(0)]
+        [TestCase(66)]
+        public void NumbersThatAreNotFiniteAreNamedByFieldAndVertex(int field)
+        {
+            int isFixed = Array.FindIndex(mesh.Tags, tag => tag != 0);
+            int isFree = Array.FindIndex(mesh.Tags, tag => tag == 0);
+            double[][] values = Fields(70, double.NaN);
+            double[][] loads = Fields(70, 0);
+            loads[field][isFree] = double.PositiveInfinity;
+            Check.Refuses<ArgumentException>("loads", "field " + field + ", vertex " + isFree + ": value is ",
+                () => system.SolveMany(values, loads));
+            values[field][isFixed] = double.NaN;
+            Check.Refuses<ArgumentException>("values", "field " + field + ", vertex " + isFixed + ": value is NaN",
+                () => system.SolveMany(values, loads));
+            for (int i = 0; i < mesh.VertexCount; ++i)
+            {
+                values[field][i] = 1.7e308;
+            }
+            var error = Assert.Throws<SingularSystemException>(() => system.SolveMany(values));
+            StringAssert.StartsWith("Field " + field + " is ", error.Message);
+        }
+
         [Test]
         public void SystemsThatCannotBeSolvedAreReported()
         {

@@ -147,10 +147,8 @@ TEST(WeldClouds, DensePlatesThatJustTouchOrJustDoNot) {
   }
 }
 
-/// A kd-tree bounds a branch by adding and subtracting squares. Here pairs lie
-/// within the last bits of the tolerance, in directions of all kinds.
-// The tolerance is small enough for the coarse grid. Some chains have a middle near a face, one end
-// in the next cube and the other end farther from the face than the tolerance.
+/// The tolerance is small enough for the coarse grid. Some chains have a middle near a face, one
+/// end in the next cube and the other end farther from the face than the tolerance.
 TEST(WeldClouds, ShortChainsInAnyOrderFarFromAllOtherPoints) {
   constexpr double kTolerance = 4e-4;
   const std::uint64_t seed = testSeed();
@@ -171,6 +169,8 @@ TEST(WeldClouds, ShortChainsInAnyOrderFarFromAllOtherPoints) {
   }
 }
 
+/// A kd-tree bounds a branch by adding and subtracting squares. Here pairs lie
+/// within the last bits of the tolerance, in directions of all kinds.
 TEST(WeldClouds, PairsWithinTheLastBitsOfTheTolerance) {
   const std::uint64_t seed = testSeed();
   SCOPED_TRACE(seedTrace(seed));

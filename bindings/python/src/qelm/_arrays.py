@@ -7,6 +7,7 @@ is wrong.
 
 from __future__ import annotations
 
+import contextlib
 import ctypes
 import numbers
 from math import isfinite
@@ -23,8 +24,6 @@ Ints = npt.NDArray[np.int32]
 DOUBLE = np.dtype(np.float64)
 #: The range of a C int.
 LEAST_INT, MOST_INT = -(2**31), 2**31 - 1
-
-
 #: Takes C-contiguous arrays that are not read-only; any others raise TypeError.
 from_buffer: Callable[[Any], Any] = (ctypes.c_char * 0).from_buffer
 
@@ -33,7 +32,7 @@ def addresses(*arrays: npt.NDArray[Any]) -> Tuple[int, ...]:
     """Where the first elements of C-contiguous arrays lie; the caller keeps the arrays alive."""
     try:
         return tuple(map(ctypes.addressof, map(from_buffer, arrays)))
-    except TypeError:  # One is read-only. This way takes four times as long.
+    except TypeError:  # One is read-only. This way takes longer: it makes dictionaries.
         return tuple(array.__array_interface__["data"][0] for array in arrays)
 
 
@@ -80,12 +79,11 @@ def _of_objects(array: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
                 + ("; all rows need the same length" if isinstance(element, (list, tuple, np.ndarray)) else "")
             )
     is_whole = all(isinstance(element, numbers.Integral) for element in np.asarray(array).ravel())
-    try:
-        return array.astype(np.int64 if is_whole and array.size else np.float64)
-    except OverflowError:
-        pass
-    try:
+    if is_whole and array.size:
         # Beyond 64 bits: as floating point such numbers are out of every index range.
+        with contextlib.suppress(OverflowError):
+            return array.astype(np.int64)
+    try:
         return array.astype(np.float64)
     except OverflowError as error:
         raise ValueError(f"{name}: a number is too large for 64 bits of floating point") from error
@@ -116,10 +114,10 @@ def rows_of(array: npt.NDArray[Any], widths: tuple[int, ...], name: str, what: s
     if array.ndim == 2 and array.shape[1] in widths:
         return array
     expected = " or ".join(f"({what}, {width})" for width in widths)
-    cure = "" if name != "triangles" else (
-        "; split quadrilaterals, and of VTK's faces take faces.reshape(-1, 4)[:, 1:]"
-    )  # fmt: skip
-    raise MeshError(f"{name}: the shape is {array.shape}, must be {expected}{cure}")
+    message = f"{name}: the shape is {array.shape}, must be {expected}"
+    if name == "triangles":
+        message += "; split quadrilaterals, and of VTK's faces take faces.reshape(-1, 4)[:, 1:]"
+    raise MeshError(message)
 
 
 def require_count(count: int, name: str, element: str) -> None:
@@ -215,8 +213,10 @@ def tags(argument: object, vertex_count: int, name: str = "tags") -> Ints:
         array = array.astype(np.int32)
     array = whole(array, name, "vertex")
     if array.shape != (vertex_count,):
-        raise MeshError(f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex; "
-            "MeshSystem.from_fixed takes numbers of vertices")
+        raise MeshError(
+            f"{name}: the shape is {array.shape}, must be ({vertex_count},): one tag per vertex; "
+            "MeshSystem.from_fixed takes numbers of vertices"
+        )
     place = first((array < LEAST_INT) | (array > MOST_INT))
     if place >= 0:
         raise MeshError(f"{name}: vertex {place}: the tag {_listed(array[place])} does not fit in 32 bits")

@@ -32,13 +32,13 @@ class Handle:
 
     def info(self) -> int:
         """How the factorisation ended, a number of FactorisationInfo."""
-        number: int = library().qelminfo(self.pointer)
+        number: int = self.native.qelminfo(self.pointer)
         return number
 
     def duplicate(self) -> Handle:
         """Another owner of the same mesh and factorisation."""
         copy = c_void_p()
-        library().dupl(self.pointer, byref(copy))
+        self.native.dupl(self.pointer, byref(copy))
         return Handle(copy)
 
 

@@ -225,6 +225,13 @@ def even_levels(field: npt.ArrayLike, count: int) -> npt.NDArray[np.float64]:
     return levels
 
 
+def chosen_levels(field: npt.NDArray[np.float64], levels: Union[int, npt.ArrayLike]) -> npt.NDArray[np.float64]:
+    """(l,), finite: levels as they are given, or evenly spaced ones if their number is. Raises FieldError."""
+    if isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
+        return even_levels(field, int(levels))
+    return _arrays.levels(levels)
+
+
 class _Record(POINTER(QelmCurves)):  # type: ignore[misc]
     """Points to a record of curves, and owns it and its arrays."""
 
@@ -282,8 +289,8 @@ def cut(handle: Handle, field: npt.NDArray[np.float64], levels: npt.NDArray[np.f
 def cut_plain(handle: Handle, vertex_count: int, field: object, levels: object) -> Optional[Curves]:
     """The curves of arrays that need no conversion; None where anything does, or is wrong.
 
-    A large cut leaves nothing of Python in the processor's cache, so that each step costs about a
-    microsecond, and a cut takes a thousand. This is the way with the fewest steps.
+    A large cut leaves nothing of Python in the processor's cache, so that each step costs a microsecond or
+    more of some thousand that the cut takes. This is the way with the fewest steps.
     """
     if type(field) is not np.ndarray or field.dtype is not _arrays.DOUBLE or field.shape != (vertex_count,):
         return None

@@ -14,7 +14,7 @@ import numpy.typing as npt
 from . import _arrays, _tool
 from ._lifetime import handle_of
 from ._numbers import one_number
-from .curves import Curves, even_levels
+from .curves import Curves, chosen_levels
 from .errors import FieldError
 
 if TYPE_CHECKING:
@@ -112,9 +112,9 @@ def simplified_curves(
     >>> [len(curve.points) for curve in qelm.simplified_curves(square, [0, 2, 2, 0], 3, 0.01)]
     [2, 2, 2]
     """
+    handle_of(system)
     distance = _distance(tolerance, "tolerance")
-    count = isinstance(levels, (int, np.integer)) and not isinstance(levels, bool)
-    chosen = even_levels(field, levels) if count else _arrays.levels(levels)  # type: ignore[arg-type]
+    chosen = chosen_levels(system._any_field(field), levels)
     if not len(chosen):
         return system.curves(field, chosen)
     return _curves_of(_cut(system, field, [_tool.at(chosen), "--simplify", repr(distance), "-q"])["curves"], chosen)

@@ -14,7 +14,7 @@ from ._handle import lent
 from ._lifetime import SystemOwner
 from ._mesh import MeshArrays, vertices_of
 from ._native import library
-from .curves import Curves, even_levels
+from .curves import Curves
 from .errors import FieldError
 
 __all__ = ["FactorisationInfo", "MeshSystem"]
@@ -363,9 +363,7 @@ class MeshSystem(SystemOwner):
         if plain is not None:
             return plain
         array = self._any_field(field)
-        if isinstance(levels, (int, np.integer)) and not isinstance(levels, bool):
-            levels = even_levels(array, int(levels))
-        return _curves.cut(handle, array, _arrays.levels(levels))
+        return _curves.cut(handle, array, _curves.chosen_levels(array, levels))
 
     # ---- Lifetime
 
